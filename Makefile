@@ -1,0 +1,38 @@
+# Set-up and everyday commands. Each target installs what it needs first,
+# so `make run` and `make test` work on a fresh machine.
+BUILD_DIR ?= build
+JOBS ?= $(shell nproc)
+CLI := $(BUILD_DIR)/lumiran-cli
+SAMPLE := samples/sample.bmp
+
+.PHONY: all deps configure build run test bench sample clean
+
+all: build
+
+deps:
+	./scripts/install-deps.sh
+
+configure: deps
+	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release
+
+build: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+# Until the editor exists this shows an effect run from end to end.
+run: build
+	@mkdir -p out
+	$(CLI) apply --effect Monotone $(SAMPLE) -o out/sample-monotone.bmp
+	@echo "Monotone applied to $(SAMPLE); the result is out/sample-monotone.bmp"
+
+test: build
+	ctest --test-dir $(BUILD_DIR) --output-on-failure -j $(JOBS)
+
+bench: build
+	$(BUILD_DIR)/bench/lumiran_bench
+
+# Regenerates the bundled sample picture (it is committed).
+sample: build
+	$(BUILD_DIR)/make-sample $(SAMPLE)
+
+clean:
+	rm -rf $(BUILD_DIR) out

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "catalogue/control_values.h"
+#include "engine/process_rect.h"
+
+namespace lumiran::cli {
+
+// A command line that cannot be carried out as given: exit code 2.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Control values as given on the command line; unset ones keep the
+// effect's defaults.
+struct ControlOverrides {
+    std::array<std::optional<double>, 8> sliders;
+    std::optional<int> eType;
+    std::optional<int> color;
+    std::optional<int> distance;
+    std::optional<int> check;
+    std::optional<Rgb8> processColor;
+};
+
+struct CommandLine {
+    std::string command; // "apply", "convert" or "list"
+    std::string effect;
+    ControlOverrides controls;
+    int calculationFlag = 0;
+    int rasterOpFlag = 0;
+    std::optional<AreaRect> rect;
+    std::string keptFile;
+    int bits = 24;
+    std::vector<std::string> inputs;
+    std::string output;
+    std::string outDir;
+    bool json = false;
+};
+
+// Throws UsageError with a one-line message.
+[[nodiscard]] CommandLine parseCommandLine(const std::vector<std::string>& args);
+
+[[nodiscard]] std::string usageText();
+
+} // namespace lumiran::cli

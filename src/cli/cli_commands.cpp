@@ -1,0 +1,213 @@
+#include "cli/cli_commands.h"
+
+#include <filesystem>
+#include <map>
+#include <ostream>
+#include <set>
+
+#include "catalogue/effect_table.h"
+#include "catalogue/processing.h"
+#include "cli/cli_args.h"
+#include "imagefiles/bitmap_writer.h"
+#include "imagefiles/bmp_reader.h"
+#include "imagefiles/file_io.h"
+#include "imagefiles/image_file_error.h"
+#include "shell/effect_run.h"
+#include "shell/string_table.h"
+
+namespace lumiran::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A picture of 32767 x 32767 at 32 bits is the largest file worth reading.
+constexpr std::uintmax_t MaxInputBytes = 4ull * 32767 * 32767 + 4096;
+
+// A failed effect or refused save, reported with exit code 1.
+class RunFailure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+Surface loadPicture(const std::string& path) {
+    try {
+        return readBmp(readWholeFile(path, MaxInputBytes));
+    } catch (const ImageFileError& error) {
+        const std::string message = error.what();
+        // File-level messages already name the path.
+        if (message.starts_with(path)) throw UsageError(message);
+        throw UsageError(path + ": " + message);
+    }
+}
+
+void savePicture(const Surface& picture, const std::string& path, int bits) {
+    if (bits != 24) {
+        throw UsageError("--bits " + std::to_string(bits) + " is not available yet (24 only)");
+    }
+    try {
+        saveBmp24(picture, path);
+    } catch (const ImageFileError& error) {
+        throw UsageError(error.what());
+    }
+}
+
+void checkOutputFolder(const fs::path& output) {
+    const fs::path folder = output.has_parent_path() ? output.parent_path() : fs::path(".");
+    std::error_code ec;
+    if (!fs::is_directory(folder, ec)) {
+        throw UsageError(output.string() + ": the folder does not exist");
+    }
+    if (fs::is_directory(output, ec)) throw UsageError(output.string() + ": is a directory");
+}
+
+std::string describeRange(int min, int max) {
+    return std::to_string(min) + ".." + std::to_string(max);
+}
+
+// The values OK would hand on: the effect's defaults, with the given
+// controls checked against its table entry.
+ControlValues resolveControls(const EffectEntry& effect, const ControlOverrides& given) {
+    ControlValues values;
+    for (const SliderSpec& s : effect.sliders) values.sliders[s.number - 1] = s.defaultValue;
+    for (int n = 1; n <= 8; ++n) {
+        const auto& v = given.sliders[n - 1];
+        if (!v) continue;
+        const SliderSpec* spec = effect.slider(n);
+        if (spec == nullptr) {
+            throw UsageError("--s" + std::to_string(n) + ": " + std::string(effect.caption) +
+                             " has no slider " + std::to_string(n));
+        }
+        if (*v < spec->min || *v > spec->max) {
+            throw UsageError("--s" + std::to_string(n) + ": " + std::to_string(int(*v)) +
+                             " is outside " + describeRange(spec->min, spec->max));
+        }
+        values.sliders[n - 1] = *v;
+    }
+    auto listRow = [&](const std::optional<int>& row, ListKind kind, const char* option) {
+        if (!row) return 0;
+        const ListSpec* list = effect.list(kind);
+        if (list == nullptr) {
+            throw UsageError(std::string(option) + ": " + std::string(effect.caption) +
+                             " has no such list");
+        }
+        const int rows = static_cast<int>(list->rows.size());
+        if (*row >= rows) {
+            throw UsageError(std::string(option) + ": row " + std::to_string(*row) +
+                             " is outside " + describeRange(0, rows - 1));
+        }
+        return *row;
+    };
+    values.eType = listRow(given.eType, ListKind::E, "--e");
+    values.color = listRow(given.color, ListKind::C, "--c");
+    values.distance = listRow(given.distance, ListKind::G, "--g");
+    if (given.check) values.check = *given.check;
+    if (given.processColor) values.processColor = *given.processColor;
+    return values;
+}
+
+void printFailures(const std::vector<EffectError>& failures, std::ostream& err) {
+    for (const EffectError& f : failures) {
+        err << errorTitle(f.number()) << ": " << f.description() << '\n';
+    }
+}
+
+int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err) {
+    const EffectEntry* effect = findEffect(cl.effect);
+    if (effect == nullptr) throw UsageError("unknown effect '" + cl.effect + "'");
+    const ControlValues values = resolveControls(*effect, cl.controls);
+    EffectPlan plan = planEffect(effect->dialog, effect->code, values);
+    if (plan.status == EffectPlan::Status::NotAvailable) {
+        throw UsageError(std::string(effect->caption) + " with these values needs " +
+                         plan.missingOperation + ", which is not available yet");
+    }
+    if (plan.status != EffectPlan::Status::Ready) {
+        throw UsageError(std::string(effect->caption) + " is not available yet");
+    }
+
+    // Outputs are fixed before any work so that a bad argument costs nothing.
+    std::vector<fs::path> outputs;
+    if (!cl.output.empty()) {
+        outputs.emplace_back(cl.output);
+    } else {
+        std::error_code ec;
+        if (!fs::is_directory(cl.outDir, ec)) throw UsageError(cl.outDir + ": no such folder");
+        std::set<fs::path> seen;
+        for (const std::string& input : cl.inputs) {
+            fs::path target = fs::path(cl.outDir) / fs::path(input).stem();
+            target += ".bmp";
+            if (!seen.insert(target).second) {
+                throw UsageError("two inputs would both be written to " + target.string());
+            }
+            outputs.push_back(target);
+        }
+    }
+    for (const fs::path& output : outputs) checkOutputFolder(output);
+
+    ProgramState state;
+    state.flags.calculationFlag = static_cast<std::uint8_t>(cl.calculationFlag);
+    state.flags.rasterOpFlag = static_cast<std::uint8_t>(cl.rasterOpFlag);
+    if (!cl.keptFile.empty()) state.keep.ComposeImage = loadPicture(cl.keptFile);
+
+    int exitCode = ExitOk;
+    for (std::size_t i = 0; i < cl.inputs.size(); ++i) {
+        const fs::path input(cl.inputs[i]);
+        Document document;
+        try {
+            document.picture = loadPicture(cl.inputs[i]);
+        } catch (const UsageError& error) {
+            // In a batch the other pictures still get their turn.
+            if (cl.inputs.size() == 1) throw;
+            err << "lumiran-cli: " << error.what() << '\n';
+            exitCode = std::max(exitCode, ExitUsage);
+            continue;
+        }
+        document.folderLabel = input.has_parent_path() ? input.parent_path().string() + "/" : "";
+        document.nameLabel = input.filename().string();
+        if (cl.rect) {
+            document.ToolsFlag = 3; // an area fixed, as a finished selection leaves it
+            document.area = *cl.rect;
+        }
+        const RunReport report = runEffect(state, document, plan.body);
+        printFailures(report.failures, err);
+        if (report.outcome == RunOutcome::Cancelled) {
+            exitCode = std::max(exitCode, ExitFailed);
+            continue;
+        }
+        savePicture(document.picture, outputs[i].string(), cl.bits);
+        out << outputs[i].string() << '\n';
+    }
+    return exitCode;
+}
+
+int runConvert(const CommandLine& cl, std::ostream& out) {
+    checkOutputFolder(cl.output);
+    const Surface picture = loadPicture(cl.inputs.front());
+    savePicture(picture, cl.output, cl.bits);
+    out << cl.output << '\n';
+    return ExitOk;
+}
+
+} // namespace
+
+int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+    try {
+        if (!args.empty() && (args[0] == "--help" || args[0] == "-h" || args[0] == "help")) {
+            out << usageText();
+            return ExitOk;
+        }
+        const CommandLine cl = parseCommandLine(args);
+        if (cl.command == "convert") return runConvert(cl, out);
+        return runApply(cl, out, err);
+    } catch (const UsageError& error) {
+        err << "lumiran-cli: " << error.what() << '\n';
+        return ExitUsage;
+    } catch (const RunFailure& error) {
+        err << "lumiran-cli: " << error.what() << '\n';
+        return ExitFailed;
+    } catch (const EffectError& error) {
+        err << errorTitle(error.number()) << ": " << error.description() << '\n';
+        return ExitFailed;
+    }
+}
+
+} // namespace lumiran::cli

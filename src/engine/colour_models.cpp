@@ -1,0 +1,125 @@
+#include "engine/colour_models.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "engine/numeric.h"
+
+namespace lumiran {
+
+int luminanceY(int r, int g, int b) { return roundTo<std::int32_t>(0.59 * g + 0.3 * r + 0.11 * b); }
+
+std::int16_t lightness(int max, int min) { return roundTo<std::int16_t>((max + min) / 2.0); }
+
+Hsv rgbToHsv(int r, int g, int b) {
+    const int mx = std::max({r, g, b});
+    const int mn = std::min({r, g, b});
+    Hsv hsv;
+    hsv.value = mx;
+    hsv.saturation = mx == 0 ? 0.0 : static_cast<double>(mx - mn) / mx;
+    if (hsv.saturation == 0) return hsv;
+    const double d = mx - mn;
+    const double rc = (mx - r) / d;
+    const double gc = (mx - g) / d;
+    const double bc = (mx - b) / d;
+    double h = 0;
+    // Later tests override earlier ones on purpose.
+    if (r == mx) h = bc - gc;
+    if (g == mx) h = rc + 2 - bc;
+    if (b == mx) h = gc + 4 - rc;
+    h *= 60;
+    if (h < 0) h += 360;
+    hsv.hue = h;
+    return hsv;
+}
+
+namespace {
+
+std::int16_t toChannel(double working) {
+    return roundTo<std::int16_t>(std::floor(working * 255.9999));
+}
+
+} // namespace
+
+Rgb16 HsvToRgb(double hue, double saturation, double value) {
+    double red = 0, green = 0, blue = 0;
+    if (saturation == 0) {
+        red = green = blue = value;
+    } else {
+        float h = static_cast<float>(hue / 60);
+        if (h >= 6) h = 0;
+        const int i = roundTo<std::int32_t>(std::floor(h));
+        const double f = h - i;
+        const float p = static_cast<float>((1 - saturation) * value);
+        const float q = static_cast<float>((1 - f * saturation) * value);
+        const float t = static_cast<float>((1 - (1 - f) * saturation) * value);
+        switch (i) {
+        case 0: red = value, green = t, blue = p; break;
+        case 1: red = q, green = value, blue = p; break;
+        case 2: red = p, green = value, blue = t; break;
+        case 3: red = p, green = q, blue = value; break;
+        case 4: red = t, green = p, blue = value; break;
+        case 5: red = value, green = p, blue = q; break;
+        default: break; // negative hue: black
+        }
+    }
+    return {toChannel(red), toChannel(green), toChannel(blue)};
+}
+
+Hls rgbToHls(int r, int g, int b) {
+    const int mx = std::max({r, g, b});
+    const int mn = std::min({r, g, b});
+    Hls hls;
+    hls.luminance = ((mx + mn) / 2.0) / 255;
+    if (mx == mn) return hls;
+    if (hls.luminance <= 0.5) {
+        hls.saturation = static_cast<double>(mx - mn) / (mx + mn);
+    } else {
+        hls.saturation = ((mx - mn) / 255.0) / (2 - mx / 255.0 - mn / 255.0);
+    }
+    const double d = mx - mn;
+    double hue = 0;
+    if (r == mx) hue = (g - b) / d;
+    if (g == mx) hue = (b - r) / d + 2;
+    if (b == mx) hue = (r - g) / d + 4;
+    hue *= 60;
+    if (hue < 0) hue += 360;
+    hls.hue = hue;
+    return hls;
+}
+
+namespace {
+
+double hlsChannel(double m1, double m2, int h) {
+    if (h < 60) return m1 + (m2 - m1) * h / 60;
+    if (h < 180) return m2;
+    if (h < 240) return m1 + (m2 - m1) * (240 - h) / 60;
+    return m1;
+}
+
+int wrapDegrees(int h) {
+    if (h > 360) h -= 360;
+    if (h < 0) h += 360;
+    return h;
+}
+
+} // namespace
+
+Rgb16 hlsToRgb(const Hls& hls) {
+    const double lum = hls.luminance;
+    const double sat = hls.saturation;
+    if (sat == 0 && hls.hue == 0) {
+        const auto grey = roundTo<std::int16_t>(lum * 255.9999);
+        return {grey, grey, grey};
+    }
+    const double m2 = lum <= 0.5 ? lum * (1 + sat) : lum + sat - lum * sat;
+    const double m1 = 2 * lum - m2;
+    const int hr = wrapDegrees(roundTo<std::int32_t>(hls.hue + 120));
+    const int hg = wrapDegrees(roundTo<std::int32_t>(hls.hue));
+    const int hb = wrapDegrees(roundTo<std::int32_t>(hls.hue - 120));
+    return {roundTo<std::int16_t>(hlsChannel(m1, m2, hr) * 255.9999),
+            roundTo<std::int16_t>(hlsChannel(m1, m2, hg) * 255.9999),
+            roundTo<std::int16_t>(hlsChannel(m1, m2, hb) * 255.9999)};
+}
+
+} // namespace lumiran

@@ -1,0 +1,108 @@
+#include "shell/effect_run.h"
+
+#include <new>
+
+#include "engine/raster_step.h"
+
+namespace lumiran {
+namespace {
+
+// Tool commands that a run's start carries out on the area tool.
+constexpr std::uint8_t ToolAreaFixed = 3;
+constexpr std::uint8_t ToolNone = 0;
+
+void applyRectDecision(Document& document, const ProcessRectDecision& decision, int width,
+                       int height) {
+    if (decision.endRunningTool) document.ToolsFlag = ToolAreaFixed;
+    if (decision.endTool) document.ToolsFlag = ToolNone;
+    if (decision.resetAreas) {
+        const AreaRect whole{0, 0, width, height};
+        document.drag = whole;
+        document.area = whole;
+    }
+}
+
+} // namespace
+
+EffectRun::EffectRun(ProgramState& state, Document& document, RunOptions options)
+    : state_(state), document_(document), context_(state.cancelFlag, state.random) {
+    context_.flags = state.flags;
+    context_.progressFlag = state.ProgressFlag;
+    state.cancelFlag = 0;
+    if (!options.noUndo) {
+        // A snapshot that cannot be taken is reported; the run goes on without it.
+        try {
+            state.undo.PushUndo(document);
+        } catch (const EffectError& error) {
+            context_.failures.push_back(error);
+        } catch (const std::bad_alloc&) {
+            context_.failures.push_back(EffectError::outOfMemory());
+        }
+    }
+    state.ProcessingFlag = 1;
+
+    KeepStore& keep = state.keep;
+    const int width = document.picture.width();
+    const int height = document.picture.height();
+    keep.keptPicture0 = document.picture;
+    keep.keptPicture1 = Surface(width, height, toPixel(state.flags.backColor));
+    context_.kept0 = &keep.keptPicture0;
+    context_.kept1 = &keep.keptPicture1;
+
+    const ProcessRectDecision decision =
+        fixProcessRectangle(document.ToolsFlag, document.area, width, height);
+    applyRectDecision(document, decision, width, height);
+    rect_ = decision.rect;
+}
+
+EffectRun::~EffectRun() {
+    if (!finished_) finish();
+}
+
+void EffectRun::execute(const EffectBody& body, ProgressSink* progress) {
+    context_.progress = progress;
+    EffectInvocation invocation{context_, state_.keep.keptPicture0, state_.keep.keptPicture1,
+                                rect_};
+    try {
+        body(invocation);
+    } catch (const EffectError& error) {
+        // Errors outside an effect's own handler end the run the same way.
+        context_.failures.push_back(error);
+        context_.requestCancel();
+    } catch (const std::bad_alloc&) {
+        context_.failures.push_back(EffectError::outOfMemory());
+        context_.requestCancel();
+    }
+    context_.progress = nullptr;
+}
+
+RunOutcome EffectRun::finish(bool keepObjects) {
+    if (finished_) return outcome_;
+    finished_ = true;
+    state_.ProcessingFlag = 0;
+    if (state_.cancelFlag == 1) {
+        state_.undo.PopUndo(document_);
+        state_.cancelFlag = 0;
+        outcome_ = RunOutcome::Cancelled;
+    } else {
+        rasterStep(context_.flags.rasterOpFlag, state_.keep.keptPicture1, document_.picture,
+                   rect_);
+    }
+    if (!keepObjects) {
+        state_.keep.keptPicture0 = Surface();
+        state_.keep.keptPicture1 = Surface();
+    }
+    return outcome_;
+}
+
+RunReport runEffect(ProgramState& state, Document& document, const EffectBody& body,
+                    ProgressSink* progress, RunOptions options) {
+    EffectRun run(state, document, options);
+    run.execute(body, progress);
+    RunReport report;
+    report.outcome = run.finish();
+    report.failures = run.failures();
+    return report;
+}
+
+} // namespace lumiran

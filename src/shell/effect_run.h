@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "engine/effect_error.h"
+#include "engine/process_rect.h"
+#include "engine/run_context.h"
+#include "shell/document.h"
+#include "shell/program_state.h"
+
+namespace lumiran {
+
+// What the effect body of a run works on: the source in kept picture 0, the
+// result to be written into kept picture 1, and the process rectangle.
+struct EffectInvocation {
+    RunContext& context;
+    Surface& keptPicture0;
+    Surface& keptPicture1;
+    ProcessRect rect;
+};
+
+// The class calls of one effect, as OK would make them.
+using EffectBody = std::function<void(EffectInvocation&)>;
+
+struct RunOptions {
+    bool noUndo = false; // no snapshot is taken
+};
+
+enum class RunOutcome {
+    Applied,   // the raster step laid the result over the document
+    Cancelled, // cancelled or failed: the snapshot went back into the document
+};
+
+// One run of an effect on a document, in three steps so that a front end
+// may execute the body on a worker thread: the constructor does what happens
+// before the first row (snapshot, kept pictures, process rectangle), execute
+// touches only the kept pictures, and finish lays the result over the
+// document or restores it. The document is not changed before finish.
+class EffectRun {
+public:
+    EffectRun(ProgramState& state, Document& document, RunOptions options = {});
+    EffectRun(const EffectRun&) = delete;
+    EffectRun& operator=(const EffectRun&) = delete;
+    ~EffectRun();
+
+    [[nodiscard]] const ProcessRect& rect() const { return rect_; }
+    [[nodiscard]] RunContext& context() { return context_; }
+
+    // Runs the body; may be called from another thread than the others.
+    void execute(const EffectBody& body, ProgressSink* progress = nullptr);
+    // Ends the run. Safe to call once; the destructor calls it if needed.
+    RunOutcome finish(bool keepObjects = false);
+
+    [[nodiscard]] const std::vector<EffectError>& failures() const { return context_.failures; }
+
+private:
+    ProgramState& state_;
+    Document& document_;
+    RunContext context_;
+    ProcessRect rect_;
+    bool finished_ = false;
+    RunOutcome outcome_ = RunOutcome::Applied;
+};
+
+// Begin, body and finish on the calling thread.
+struct RunReport {
+    RunOutcome outcome = RunOutcome::Applied;
+    std::vector<EffectError> failures;
+};
+RunReport runEffect(ProgramState& state, Document& document, const EffectBody& body,
+                    ProgressSink* progress = nullptr, RunOptions options = {});
+
+} // namespace lumiran

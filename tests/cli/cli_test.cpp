@@ -1,0 +1,155 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "catalogue/effect_table.h"
+#include "cli/cli_commands.h"
+#include "effects/colour/class_color_op.h"
+#include "imagefiles/bitmap_writer.h"
+#include "imagefiles/bmp_reader.h"
+#include "imagefiles/file_io.h"
+#include "test_support.h"
+
+namespace lumiran {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct CliTest : ::testing::Test {
+    fs::path dir;
+    std::ostringstream out, err;
+
+    void SetUp() override {
+        dir = fs::temp_directory_path() /
+              (std::string("lumiran-cli-") +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(dir);
+        fs::create_directories(dir);
+    }
+    void TearDown() override { fs::remove_all(dir); }
+
+    int run(std::vector<std::string> args) {
+        out.str("");
+        err.str("");
+        return cli::runCli(args, out, err);
+    }
+    std::string path(const char* name) const { return (dir / name).string(); }
+    std::string writeInput(const char* name, const Surface& s) const {
+        saveBmp24(s, dir / name);
+        return path(name);
+    }
+    Surface read(const char* name) const { return readBmp(readWholeFile(dir / name, 1 << 26)); }
+};
+
+// What Gray_Effect gives on a whole picture, computed without the CLI.
+Surface expectedGray(const Surface& source, std::uint8_t kind, std::uint8_t calc = 0) {
+    CancelFlag cancel{0};
+    RandomGenerator random;
+    RunContext context(cancel, random);
+    context.flags.calculationFlag = calc;
+    Class_ColorOp effect(context);
+    effect.ImageGetDiBits(source);
+    effect.Gray_Effect(kind, 0, 0, static_cast<std::int16_t>(source.width()),
+                       static_cast<std::int16_t>(source.height()));
+    Surface result;
+    effect.ImageSetDiBits(result);
+    return result;
+}
+
+TEST_F(CliTest, EndToEndOnTheBundledSample) {
+    const std::string output = path("out.bmp");
+    const std::string command = std::string(LUMIRAN_CLI_PATH) +
+                                " apply --effect Monotone --c 11 --calc 1 " LUMIRAN_SAMPLE_PATH
+                                " -o " + output;
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const Surface sample = readBmp(readWholeFile(LUMIRAN_SAMPLE_PATH, 1 << 26));
+    EXPECT_TRUE(read("out.bmp").sameColours(expectedGray(sample, 11, 1)));
+}
+
+TEST_F(CliTest, KeyAndCaptionNameTheSameEffectAndDefaultsApply) {
+    const Surface picture = testing::makeVariedPicture(9, 7);
+    const std::string input = writeInput("in.bmp", picture);
+    ASSERT_EQ(run({"apply", "--effect", "ﾓﾉﾄｰﾝ", input, "-o", path("a.bmp")}), 0) << err.str();
+    ASSERT_EQ(run({"apply", "--effect", "monotone", input, "-o", path("b.bmp")}), 0);
+    EXPECT_TRUE(read("a.bmp").sameColours(expectedGray(picture, 0)));
+    EXPECT_TRUE(read("b.bmp").sameColours(read("a.bmp")));
+}
+
+TEST_F(CliTest, ARectangleConfinesTheEffect) {
+    const Surface picture = testing::makeVariedPicture(10, 10);
+    const std::string input = writeInput("in.bmp", picture);
+    ASSERT_EQ(run({"apply", "--effect", "Monotone", "--c", "1", "--rect", "8,8,2,2", input, "-o",
+                   path("out.bmp")}),
+              0);
+    const Surface result = read("out.bmp");
+    EXPECT_EQ(result.at(0, 0) & 0xFFFFFF, picture.at(0, 0) & 0xFFFFFF);
+    const int red = redOf(picture.at(5, 5));
+    EXPECT_EQ(result.at(5, 5) & 0xFFFFFF, makePixel(red, red, red));
+}
+
+TEST_F(CliTest, BatchWritesOneFilePerInput) {
+    const std::string a = writeInput("a.bmp", testing::makeVariedPicture(3, 3));
+    const std::string b = writeInput("b.bmp", testing::makeVariedPicture(4, 2));
+    fs::create_directories(dir / "out");
+    ASSERT_EQ(run({"apply", "--effect", "Monotone", a, b, "--out-dir", path("out")}), 0);
+    EXPECT_TRUE(fs::exists(dir / "out" / "a.bmp"));
+    EXPECT_EQ(read("out/b.bmp").width(), 4);
+}
+
+TEST_F(CliTest, UsageErrorsExitTwoWithOneLineAndWriteNothing) {
+    const std::string input = writeInput("in.bmp", testing::makeVariedPicture(3, 3));
+    const std::string output = path("out.bmp");
+    const std::vector<std::vector<std::string>> cases = {
+        {},
+        {"frobnicate"},
+        {"apply", "--effect", "No Such Effect", input, "-o", output},
+        {"apply", "--effect", "Monotone", "--c", "16", input, "-o", output},
+        {"apply", "--effect", "Monotone", "--c", "14", input, "-o", output},
+        {"apply", "--effect", "Monotone", "--s1", "3", input, "-o", output},
+        {"apply", "--effect", "Monotone", "--calc", "11", input, "-o", output},
+        {"apply", "--effect", "Monotone", "--rect", "1,2,3", input, "-o", output},
+        {"apply", "--effect", "Monotone", input},
+        {"apply", "--effect", "Monotone", path("missing.bmp"), "-o", output},
+        {"apply", "--effect", "Monotone", input, "-o", path("no/such/dir/out.bmp")},
+        {"convert", input, "-o", output, "--bits", "4"},
+        {"convert", path("."), "-o", output},
+    };
+    for (const auto& args : cases) {
+        EXPECT_EQ(run(args), cli::ExitUsage) << (args.empty() ? "" : args[0]) << " " << err.str();
+        const std::string message = err.str();
+        EXPECT_FALSE(message.empty());
+        EXPECT_EQ(message.find('\n'), message.size() - 1) << message;
+        EXPECT_FALSE(fs::exists(output));
+    }
+}
+
+TEST_F(CliTest, RefusalsNameWhatIsMissingOrAllowed) {
+    const std::string input = writeInput("in.bmp", testing::makeVariedPicture(3, 3));
+    run({"apply", "--effect", "Monotone", "--c", "20", input, "-o", path("o.bmp")});
+    EXPECT_NE(err.str().find("0..15"), std::string::npos) << err.str();
+    run({"apply", "--effect", "Monotone", "--c", "15", input, "-o", path("o.bmp")});
+    EXPECT_NE(err.str().find("not available"), std::string::npos) << err.str();
+}
+
+TEST_F(CliTest, TruncatedInputIsRefused) {
+    auto bytes = encodeBmp24(testing::makeVariedPicture(8, 8));
+    bytes.resize(bytes.size() / 2);
+    std::ofstream(dir / "cut.bmp", std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    EXPECT_EQ(run({"convert", path("cut.bmp"), "-o", path("o.bmp")}), cli::ExitUsage);
+    EXPECT_NE(err.str().find("cut.bmp"), std::string::npos);
+    EXPECT_FALSE(fs::exists(dir / "o.bmp"));
+}
+
+TEST_F(CliTest, ConvertCopiesThePicture) {
+    const Surface picture = testing::makeVariedPicture(5, 4);
+    const std::string input = writeInput("in.bmp", picture);
+    ASSERT_EQ(run({"convert", input, "-o", path("copy.bmp")}), 0);
+    EXPECT_TRUE(read("copy.bmp").sameColours(picture));
+}
+
+} // namespace
+} // namespace lumiran

@@ -1,0 +1,70 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "engine/numeric.h"
+#include "engine/random_generator.h"
+
+namespace lumiran {
+namespace {
+
+TEST(Rounding, TiesGoToTheEvenNeighbour) {
+    EXPECT_EQ(roundTo<int>(2.5), 2);
+    EXPECT_EQ(roundTo<int>(3.5), 4);
+    EXPECT_EQ(roundTo<int>(-0.5), 0);
+    EXPECT_EQ(roundTo<int>(-1.5), -2);
+    EXPECT_EQ(roundTo<int>(-2.5), -2);
+    EXPECT_EQ(roundTo<int>(2.4999999), 2);
+    EXPECT_EQ(roundTo<std::int16_t>(32767.4), 32767);
+}
+
+TEST(Rounding, ValuesOutsideTheTargetRaiseOverflow) {
+    auto expectOverflow = [](auto convert) {
+        try {
+            convert();
+            FAIL() << "no error raised";
+        } catch (const EffectError& e) {
+            EXPECT_EQ(e.number(), 6);
+            EXPECT_FALSE(e.description().empty());
+        }
+    };
+    expectOverflow([] { (void)roundTo<std::int16_t>(32767.5); });
+    expectOverflow([] { (void)roundTo<std::int16_t>(-32769.0); });
+    expectOverflow([] { (void)roundTo<std::uint8_t>(255.5); }); // the even neighbour is 256
+    expectOverflow([] { (void)roundTo<std::uint8_t>(-0.6); });
+    expectOverflow([] { (void)roundTo<int>(std::numeric_limits<double>::infinity()); });
+    expectOverflow([] { (void)roundTo<int>(std::nan("")); });
+    EXPECT_EQ(roundTo<std::uint8_t>(-0.5), 0);
+    EXPECT_EQ(roundTo<std::uint8_t>(254.5), 254);
+}
+
+TEST(Rounding, LargeMagnitudesPassThroughUnchanged) {
+    EXPECT_EQ(roundTo<std::int64_t>(1e17), 100000000000000000LL);
+}
+
+TEST(IntegerRules, SixteenBitFieldsWrapAndDivisionTruncates) {
+    EXPECT_EQ(wrap16(32768), -32768);
+    EXPECT_EQ(wrap16(-32769), 32767);
+    EXPECT_EQ(wrap16(70000), 70000 - 65536);
+    EXPECT_EQ(checkedDivide(-7, 2), -3);
+    EXPECT_THROW((void)checkedDivide(1, 0), EffectError);
+}
+
+TEST(RandomGenerator, AFreshGeneratorRepeatsTheSameSequence) {
+    RandomGenerator a;
+    EXPECT_DOUBLE_EQ(a.next(), 11837123.0 / 16777216.0); // 0.7055475...
+    EXPECT_NEAR(a.next(), 0.5334240, 1e-7);
+    EXPECT_NEAR(a.next(), 0.5795186, 1e-7);
+    RandomGenerator b;
+    RandomGenerator c;
+    for (int i = 0; i < 1000; ++i) {
+        const double v = b.next();
+        ASSERT_EQ(v, c.next());
+        ASSERT_GE(v, 0.0);
+        ASSERT_LT(v, 1.0);
+    }
+}
+
+} // namespace
+} // namespace lumiran

@@ -7,10 +7,6 @@
 
 namespace lumiran {
 
-int luminanceY(int r, int g, int b) { return roundTo<std::int32_t>(0.59 * g + 0.3 * r + 0.11 * b); }
-
-std::int16_t lightness(int max, int min) { return roundTo<std::int16_t>((max + min) / 2.0); }
-
 Hsv rgbToHsv(int r, int g, int b) {
     const int mx = std::max({r, g, b});
     const int mn = std::min({r, g, b});

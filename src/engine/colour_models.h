@@ -3,11 +3,14 @@
 #include <cstdint>
 
 #include "engine/calculation.h"
+#include "engine/numeric.h"
 
 namespace lumiran {
 
 // Luminance grey: round(0.59 g + 0.3 r + 0.11 b).
-[[nodiscard]] int luminanceY(int r, int g, int b);
+[[nodiscard]] inline int luminanceY(int r, int g, int b) {
+    return roundInRange<std::int32_t>(0.59 * g + 0.3 * r + 0.11 * b);
+}
 
 // (r + g + b) / 3 as the integer quotient.
 [[nodiscard]] constexpr std::int16_t averageGrey(int r, int g, int b) {
@@ -15,7 +18,9 @@ namespace lumiran {
 }
 
 // round((max + min) / 2), ties to even.
-[[nodiscard]] std::int16_t lightness(int max, int min);
+[[nodiscard]] inline std::int16_t lightness(int max, int min) {
+    return roundInRange<std::int16_t>((max + min) / 2.0);
+}
 
 // The program's middle value of three. Not a true median: for g < r < b it
 // gives b, the largest channel, and effects depend on that.

@@ -30,6 +30,14 @@ template <std::integral T>
     return static_cast<T>(rounded);
 }
 
+// The same conversion where the value cannot leave the target's range (a
+// weighted mean of channels, say): no check, so pixel loops can vectorise.
+template <std::integral T>
+[[nodiscard]] T roundInRange(double value) {
+    constexpr double shifter = 6755399441055744.0; // as in roundHalfEven
+    return static_cast<T>((value + shifter) - shifter);
+}
+
 // 16-bit fields keep the low 16 bits of whatever is stored into them.
 [[nodiscard]] constexpr std::int16_t wrap16(std::int32_t value) {
     return static_cast<std::int16_t>(value);

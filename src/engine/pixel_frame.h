@@ -101,19 +101,47 @@ protected:
         const int endRow = loopEnd(rect.bottom);
         const int firstColumn = std::max<int>(rect.left, 0);
         const int endColumn = std::min(loopEnd(rect.right), ImageBits.width());
+        const bool blend = calculationFlag() > 0;
         for (int y = rect.top; y < endRow; ++y) {
             if (y >= 0 && y < ImageBits.height()) {
-                const auto source = ImageBits.row(y);
-                const auto destination = target.row(y);
-                for (int x = firstColumn; x < endColumn; ++x) {
-                    const Pixel p = source[x];
-                    const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-                    const Rgb16 v = finishPixel<Tail>(r, g, b, rule(r, g, b));
-                    destination[x] = withColour(destination[x], v.red, v.green, v.blue);
+                const Pixel* source = ImageBits.row(y).data();
+                Pixel* destination = target.row(y).data();
+                // Without a blend the loop is free of branches, so the
+                // compiler can vectorise the rule.
+                if (blend) {
+                    mapRow<Tail, true>(source, destination, firstColumn, endColumn, rule);
+                } else {
+                    mapRow<Tail, false>(source, destination, firstColumn, endColumn, rule);
                 }
             }
             if (!finishRow()) break;
         }
+    }
+
+    template <ResultTail Tail, bool Blend, typename Rule>
+    void mapRow(const Pixel* source, Pixel* destination, int begin, int end, Rule& rule) const {
+        // In place the two pointers are one: say so, or the compiler's
+        // overlap check sends every row down the scalar path.
+        if (source == destination) {
+            Pixel* row = destination;
+            for (int x = begin; x < end; ++x) row[x] = mapPixel<Tail, Blend>(row[x], row[x], rule);
+        } else {
+            const Pixel* __restrict in = source;
+            Pixel* __restrict out = destination;
+            for (int x = begin; x < end; ++x) out[x] = mapPixel<Tail, Blend>(in[x], out[x], rule);
+        }
+    }
+
+    template <ResultTail Tail, bool Blend, typename Rule>
+    [[nodiscard]] Pixel mapPixel(Pixel source, Pixel previous, Rule& rule) const {
+        const int r = redOf(source), g = greenOf(source), b = blueOf(source);
+        Rgb16 v = rule(r, g, b);
+        if constexpr (Blend) {
+            v = applyCalculationType(calculationFlag(), r, g, b, v);
+        } else if constexpr (Tail == ResultTail::Clamp) {
+            v = clampResult(v);
+        }
+        return withColour(previous, v.red, v.green, v.blue);
     }
 
     // The exclusive loop limit as the 16-bit "limit minus 1" gives it.

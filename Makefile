@@ -4,6 +4,7 @@ BUILD_DIR ?= build
 JOBS ?= $(shell nproc)
 CLI := $(BUILD_DIR)/lumiran-cli
 SAMPLE := samples/sample.bmp
+FUZZ_SECONDS ?= 20
 
 .PHONY: all deps configure build run test bench sample clean
 
@@ -33,6 +34,12 @@ bench: build
 # Regenerates the bundled sample picture (it is committed).
 sample: build
 	$(BUILD_DIR)/make-sample $(SAMPLE)
+
+# Each reader under libFuzzer with the address and undefined-behaviour
+# sanitizers for FUZZ_SECONDS seconds; needs clang (clang-14, libclang-rt-14-dev).
+.PHONY: fuzz
+fuzz: deps
+	./scripts/fuzz.sh $(FUZZ_SECONDS)
 
 clean:
 	rm -rf $(BUILD_DIR) out

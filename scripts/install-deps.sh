@@ -10,6 +10,17 @@ packages=(
     libgtest-dev
     libgmock-dev
     libbenchmark-dev
+    qt6-base-dev
+    qt6-svg-dev
+    libwmf-dev
+    libemf2svg-dev
+    imagemagick
+    netpbm
+    clang
+    libclang-rt-dev
+    fonts-noto-cjk
+    xvfb
+    xauth
 )
 
 missing=()

@@ -9,19 +9,17 @@
 #include "catalogue/processing.h"
 #include "cli/cli_args.h"
 #include "imagefiles/bitmap_writer.h"
-#include "imagefiles/bmp_reader.h"
-#include "imagefiles/file_io.h"
 #include "imagefiles/image_file_error.h"
+#include "imagefiles/image_load_error.h"
+#include "imagefiles/load_dispatch.h"
 #include "shell/effect_run.h"
 #include "shell/string_table.h"
+#include "shell/ui_string_ids.h"
 
 namespace lumiran::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-// A picture of 32767 x 32767 at 32 bits is the largest file worth reading.
-constexpr std::uintmax_t MaxInputBytes = 4ull * 32767 * 32767 + 4096;
 
 // A failed effect or refused save, reported with exit code 1.
 class RunFailure : public std::runtime_error {
@@ -29,23 +27,44 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-Surface loadPicture(const std::string& path) {
+// The message the editor would show, with the reason behind it.
+std::string describeLoadError(const ImageLoadError& error) {
+    std::string text = errorTitle(error.number());
+    if (!error.description().empty()) text += " " + error.description();
+    return text + ": " + error.detail();
+}
+
+Surface loadPicture(const std::string& path, PlatformDecoder& decoder) {
+    std::optional<Surface> picture;
     try {
-        return readBmp(readWholeFile(path, MaxInputBytes));
-    } catch (const ImageFileError& error) {
-        const std::string message = error.what();
-        // File-level messages already name the path.
-        if (message.starts_with(path)) throw UsageError(message);
-        throw UsageError(path + ": " + message);
+        picture = LoadImageFile(path, &decoder, nullptr);
+    } catch (const ImageLoadError& error) {
+        throw UsageError(describeLoadError(error));
     }
+    if (!picture) {
+        // The editor opens such a file as a blank picture; there is nothing to process.
+        throw UsageError(path + ": not a picture format the program reads (by its extension)");
+    }
+    return std::move(*picture);
 }
 
 void savePicture(const Surface& picture, const std::string& path, int bits) {
-    if (bits != 24) {
-        throw UsageError("--bits " + std::to_string(bits) + " is not available yet (24 only)");
-    }
     try {
-        saveBmp24(picture, path);
+        if (bits == 8) {
+            const int result = Save256(picture, path, true);
+            if (result == Save256TooManyColours) {
+                throw RunFailure(std::string(LoadResString(ids::SaveFailed)) + " " + path +
+                                 ": more than 236 colours do not fit an 8-bit bitmap");
+            }
+            if (result != Save256Success) {
+                throw RunFailure(std::string(LoadResString(ids::SaveFailed)) + " " + path +
+                                 ": code " + std::to_string(result));
+            }
+        } else if (bits == 1) {
+            (void)SaveMonoImage(path, picture);
+        } else {
+            saveBmp24(picture, path);
+        }
     } catch (const ImageFileError& error) {
         throw UsageError(error.what());
     }
@@ -111,7 +130,8 @@ void printFailures(const std::vector<EffectError>& failures, std::ostream& err) 
     }
 }
 
-int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err) {
+int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err,
+             PlatformDecoder& decoder) {
     const EffectEntry* effect = findEffect(cl.effect);
     if (effect == nullptr) throw UsageError("unknown effect '" + cl.effect + "'");
     const ControlValues values = resolveControls(*effect, cl.controls);
@@ -146,14 +166,14 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err) {
     ProgramState state;
     state.flags.calculationFlag = static_cast<std::uint8_t>(cl.calculationFlag);
     state.flags.rasterOpFlag = static_cast<std::uint8_t>(cl.rasterOpFlag);
-    if (!cl.keptFile.empty()) state.keep.ComposeImage = loadPicture(cl.keptFile);
+    if (!cl.keptFile.empty()) state.keep.ComposeImage = loadPicture(cl.keptFile, decoder);
 
     int exitCode = ExitOk;
     for (std::size_t i = 0; i < cl.inputs.size(); ++i) {
         const fs::path input(cl.inputs[i]);
         Document document;
         try {
-            document.picture = loadPicture(cl.inputs[i]);
+            document.picture = loadPicture(cl.inputs[i], decoder);
         } catch (const UsageError& error) {
             // In a batch the other pictures still get their turn.
             if (cl.inputs.size() == 1) throw;
@@ -173,15 +193,22 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err) {
             exitCode = std::max(exitCode, ExitFailed);
             continue;
         }
-        savePicture(document.picture, outputs[i].string(), cl.bits);
+        try {
+            savePicture(document.picture, outputs[i].string(), cl.bits);
+        } catch (const RunFailure& failure) {
+            if (cl.inputs.size() == 1) throw;
+            err << "lumiran-cli: " << failure.what() << '\n';
+            exitCode = std::max(exitCode, ExitFailed);
+            continue;
+        }
         out << outputs[i].string() << '\n';
     }
     return exitCode;
 }
 
-int runConvert(const CommandLine& cl, std::ostream& out) {
+int runConvert(const CommandLine& cl, std::ostream& out, PlatformDecoder& decoder) {
     checkOutputFolder(cl.output);
-    const Surface picture = loadPicture(cl.inputs.front());
+    const Surface picture = loadPicture(cl.inputs.front(), decoder);
     savePicture(picture, cl.output, cl.bits);
     out << cl.output << '\n';
     return ExitOk;
@@ -189,15 +216,16 @@ int runConvert(const CommandLine& cl, std::ostream& out) {
 
 } // namespace
 
-int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
+           PlatformDecoder& decoder) {
     try {
         if (!args.empty() && (args[0] == "--help" || args[0] == "-h" || args[0] == "help")) {
             out << usageText();
             return ExitOk;
         }
         const CommandLine cl = parseCommandLine(args);
-        if (cl.command == "convert") return runConvert(cl, out);
-        return runApply(cl, out, err);
+        if (cl.command == "convert") return runConvert(cl, out, decoder);
+        return runApply(cl, out, err, decoder);
     } catch (const UsageError& error) {
         err << "lumiran-cli: " << error.what() << '\n';
         return ExitUsage;

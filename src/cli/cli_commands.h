@@ -4,6 +4,10 @@
 #include <string>
 #include <vector>
 
+namespace lumiran {
+class PlatformDecoder;
+}
+
 namespace lumiran::cli {
 
 // Exit codes of the command line tool.
@@ -11,7 +15,9 @@ constexpr int ExitOk = 0;
 constexpr int ExitFailed = 1; // the effect failed or a save was refused
 constexpr int ExitUsage = 2;  // bad arguments or unreadable input
 
-// Runs the tool on the arguments after the program name.
-int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+// Runs the tool on the arguments after the program name; pictures in the
+// platform's formats are read through the decoder.
+int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
+           PlatformDecoder& decoder);
 
 } // namespace lumiran::cli

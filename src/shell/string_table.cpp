@@ -2,35 +2,38 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <string>
-#include <utility>
 
 namespace lumiran {
 namespace {
 
-struct StringEntry {
-    int id;
-    std::string_view text;
-};
+#include "shell/string_table_ja.inc"
 
-// Sorted by id.
-constexpr std::array strings{
-    StringEntry{1929, "ｴﾗｰ"},
-    StringEntry{2301, "ﾓﾉﾄｰﾝ"},
-    StringEntry{3429, "処理中"},
-    StringEntry{3431, "しばらくお待ちください。"},
-    StringEntry{3433, "ｷｬﾝｾﾙ(&Z)"},
-};
+// Strictly ascending: the lookup is a binary search and an id has one text.
+static_assert(std::ranges::adjacent_find(japaneseStrings, std::ranges::greater_equal{},
+                                         &StringEntry::id) == japaneseStrings.end());
 
-static_assert(std::ranges::is_sorted(strings, {}, &StringEntry::id));
+const StringEntry* findEntry(int id) {
+    const auto it = std::ranges::lower_bound(japaneseStrings, id, {}, &StringEntry::id);
+    return it != japaneseStrings.end() && it->id == id ? &*it : nullptr;
+}
 
 } // namespace
 
-std::string_view LoadResString(int id) {
-    const auto it = std::ranges::lower_bound(strings, id, {}, &StringEntry::id);
-    return it != strings.end() && it->id == id ? it->text : std::string_view{};
+std::span<const StringEntry> stringTable() {
+    return japaneseStrings;
 }
 
-std::string errorTitle(int number) { return std::string(LoadResString(1929)) + std::to_string(number); }
+std::string_view LoadResString(int id) {
+    if (const StringEntry* entry = findEntry(id)) return entry->text;
+    // The even id beside a text is its bare base, a slot of no language.
+    if (id >= FirstPairedStringId && id % 2 == 0 && findEntry(id + 1)) return "?";
+    return {};
+}
+
+std::string errorTitle(int number) {
+    return std::string(LoadResString(1929)) + std::to_string(number);
+}
 
 } // namespace lumiran

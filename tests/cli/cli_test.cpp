@@ -11,6 +11,8 @@
 #include "imagefiles/bitmap_writer.h"
 #include "imagefiles/bmp_reader.h"
 #include "imagefiles/file_io.h"
+#include "imagefiles/load_dispatch.h"
+#include "platform/qt_picture_decoder.h"
 #include "test_support.h"
 
 namespace lumiran {
@@ -21,6 +23,7 @@ namespace fs = std::filesystem;
 struct CliTest : ::testing::Test {
     fs::path dir;
     std::ostringstream out, err;
+    QtPictureDecoder decoder;
 
     void SetUp() override {
         dir = fs::temp_directory_path() /
@@ -34,14 +37,16 @@ struct CliTest : ::testing::Test {
     int run(std::vector<std::string> args) {
         out.str("");
         err.str("");
-        return cli::runCli(args, out, err);
+        return cli::runCli(args, out, err, decoder);
     }
     std::string path(const char* name) const { return (dir / name).string(); }
     std::string writeInput(const char* name, const Surface& s) const {
         saveBmp24(s, dir / name);
         return path(name);
     }
-    Surface read(const char* name) const { return readBmp(readWholeFile(dir / name, 1 << 26)); }
+    Surface read(const char* name) {
+        return LoadImageFile(dir / name, &decoder, nullptr).value_or(Surface());
+    }
 };
 
 // What Gray_Effect gives on a whole picture, computed without the CLI.
@@ -142,6 +147,34 @@ TEST_F(CliTest, TruncatedInputIsRefused) {
     EXPECT_EQ(run({"convert", path("cut.bmp"), "-o", path("o.bmp")}), cli::ExitUsage);
     EXPECT_NE(err.str().find("cut.bmp"), std::string::npos);
     EXPECT_FALSE(fs::exists(dir / "o.bmp"));
+}
+
+TEST_F(CliTest, ConvertWritesEightAndOneBitFiles) {
+    Surface few(6, 4, makePixel(0, 0, 0));
+    few.at(1, 1) = makePixel(255, 255, 255);
+    const std::string input = writeInput("few.bmp", few);
+    ASSERT_EQ(run({"convert", input, "-o", path("eight.bmp"), "--bits", "8"}), 0) << err.str();
+    EXPECT_TRUE(read("eight.bmp").sameColours(few));
+    ASSERT_EQ(run({"convert", input, "-o", path("one.bmp"), "--bits", "1"}), 0) << err.str();
+    EXPECT_TRUE(read("one.bmp").sameColours(few));
+}
+
+TEST_F(CliTest, AnEightBitSaveWithTooManyColoursFailsAndWritesNothing) {
+    const std::string input = writeInput("many.bmp", testing::makeVariedPicture(40, 40));
+    EXPECT_EQ(run({"convert", input, "-o", path("eight.bmp"), "--bits", "8"}), cli::ExitFailed);
+    EXPECT_NE(err.str().find("保存に失敗しました。"), std::string::npos) << err.str();
+    EXPECT_FALSE(fs::exists(dir / "eight.bmp"));
+}
+
+TEST_F(CliTest, OwnReadersAreReachedByExtension) {
+    // A 2x1 P6 file; the reader starts one byte early, so check only that it loads.
+    std::ofstream(dir / "in.ppm", std::ios::binary) << "P6\n2 1\n255\n" << std::string(6, '\x40');
+    ASSERT_EQ(run({"convert", path("in.ppm"), "-o", path("out.bmp")}), 0) << err.str();
+    EXPECT_EQ(read("out.bmp").width(), 2);
+    std::ofstream(dir / "bad.tga", std::ios::binary) << std::string(30, '\x03');
+    EXPECT_EQ(run({"convert", path("bad.tga"), "-o", path("t.bmp")}), cli::ExitUsage);
+    EXPECT_NE(err.str().find("ｴﾗｰ"), std::string::npos) << err.str();
+    EXPECT_EQ(run({"convert", path("in.xyz"), "-o", path("x.bmp")}), cli::ExitUsage);
 }
 
 TEST_F(CliTest, ConvertCopiesThePicture) {

@@ -1,0 +1,96 @@
+#include "imagefiles/load_dispatch.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+#include "imagefiles/file_io.h"
+#include "imagefiles/image_file_error.h"
+#include "imagefiles/image_load_error.h"
+#include "imagefiles/image_readers.h"
+#include "shell/string_table.h"
+
+namespace lumiran {
+namespace {
+
+struct RouteEntry {
+    std::string_view extension;
+    LoadRoute route;
+};
+
+constexpr std::array routes{
+    RouteEntry{"bmp", LoadRoute::Platform}, RouteEntry{"ico", LoadRoute::Platform},
+    RouteEntry{"rle", LoadRoute::Platform}, RouteEntry{"wmf", LoadRoute::Platform},
+    RouteEntry{"emf", LoadRoute::Platform}, RouteEntry{"jpg", LoadRoute::Platform},
+    RouteEntry{"gif", LoadRoute::Platform}, RouteEntry{"cur", LoadRoute::Platform},
+    RouteEntry{"pcx", LoadRoute::Pcx},      RouteEntry{"ppm", LoadRoute::Ppm},
+    RouteEntry{"pgm", LoadRoute::Ppm},      RouteEntry{"pbm", LoadRoute::Ppm},
+    RouteEntry{"tga", LoadRoute::Tga},      RouteEntry{"pcd", LoadRoute::Pcd},
+};
+
+std::string toLower(std::string_view text) {
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return lower;
+}
+
+// File-system failures carry the runtime's numbers for them.
+std::vector<std::uint8_t> readForReader(const std::filesystem::path& path,
+                                        const LoadLimits& limits) {
+    std::error_code ec;
+    if (!std::filesystem::exists(path, ec)) {
+        throw ImageLoadError(53, "ファイルが見つかりません。", path.string() + ": no such file");
+    }
+    try {
+        return readWholeFile(path, limits.maxBytes);
+    } catch (const ImageFileError& e) {
+        throw ImageLoadError(75, "パス名が無効です。", e.what());
+    }
+}
+
+} // namespace
+
+std::string FileExtension(std::string_view path) {
+    for (std::size_t i = path.size(); i-- > 0;) {
+        const char c = path[i];
+        if (c == '.') return std::string(path.substr(i + 1));
+        if (c == '/' || c == '\\') return {};
+    }
+    return {};
+}
+
+LoadRoute routeForExtension(std::string_view lowerCaseExtension) {
+    const auto it = std::ranges::find(routes, lowerCaseExtension, &RouteEntry::extension);
+    return it == routes.end() ? LoadRoute::Blank : it->route;
+}
+
+std::optional<Surface> LoadImageFile(const std::filesystem::path& path, PlatformDecoder* platform,
+                                     ProgressSink* progress, const LoadLimits& limits) {
+    const std::string extension = toLower(FileExtension(path.string()));
+    const LoadRoute route = routeForExtension(extension);
+    switch (route) {
+    case LoadRoute::Blank: return std::nullopt;
+    case LoadRoute::Platform:
+        if (platform == nullptr) {
+            throw ImageLoadError::refused(path.string() + ": no decoder for ." + extension +
+                                          " files in this program");
+        }
+        return platform->LoadPicture(path, extension);
+    default: break;
+    }
+    const std::vector<std::uint8_t> file = readForReader(path, limits);
+    switch (route) {
+    case LoadRoute::Pcx: return Class_PCXImageOp().PCXImageGet(file, progress, limits);
+    case LoadRoute::Ppm: return Class_PPMImageOp().PPMImageGet(file, progress, limits);
+    case LoadRoute::Tga: return Class_TGAImageOp().TGAImageGet(file, progress, limits);
+    case LoadRoute::Pcd: return Class_PCDImageOp().PCDImageGet(file, progress, limits);
+    default: return std::nullopt;
+    }
+}
+
+std::string loadProgressCaption(int percent) {
+    return std::string(LoadResString(3431)) + "  " + std::to_string(percent) + "%";
+}
+
+} // namespace lumiran

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "engine/run_context.h"
+#include "engine/surface.h"
+#include "imagefiles/load_limits.h"
+
+namespace lumiran {
+
+// What stands behind the last "." of a path; a "/" or "\" met first, or no
+// dot at all, means no extension.
+[[nodiscard]] std::string FileExtension(std::string_view path);
+
+// The platform's picture decoder for the formats the program does not read
+// itself (BMP, ICO, RLE, WMF, EMF, JPEG, GIF, cursors). Kept behind an
+// interface so the core needs no GUI library.
+class PlatformDecoder {
+public:
+    virtual ~PlatformDecoder() = default;
+    // The file's pixels at the file's size; throws ImageLoadError.
+    [[nodiscard]] virtual Surface LoadPicture(const std::filesystem::path& path,
+                                              const std::string& extension) = 0;
+};
+
+// How the load path treats an extension.
+enum class LoadRoute { Platform, Pcx, Ppm, Tga, Pcd, Blank };
+
+[[nodiscard]] LoadRoute routeForExtension(std::string_view lowerCaseExtension);
+
+// Reads a picture by the lower-case extension of its path. An unknown
+// extension (and "dib") gives no picture and success: the caller keeps its
+// blank picture. Throws ImageLoadError on failure; a platform format with
+// no decoder given is a failure too.
+[[nodiscard]] std::optional<Surface> LoadImageFile(const std::filesystem::path& path,
+                                                   PlatformDecoder* platform,
+                                                   ProgressSink* progress,
+                                                   const LoadLimits& limits = {});
+
+// The caption of the document's progress entry during a load.
+[[nodiscard]] std::string loadProgressCaption(int percent);
+
+} // namespace lumiran

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "engine/surface.h"
+
+#include <QImage>
+#include <QRectF>
+#include <QSize>
+#include <QSvgRenderer>
+
+namespace lumiran {
+
+// Copies a decoded image into a picture. Transparent and translucent pixels
+// are composited over black, the program's default background colour.
+[[nodiscard]] Surface surfaceFromImage(const QImage& image);
+
+// Checks a converted drawing before it is drawn: throws PictureRefusal when
+// the document is not valid SVG or there is no graphics system to draw text.
+void checkDrawable(const QSvgRenderer& drawing);
+
+// Draws an SVG document on a white page of the given size, its view box
+// filling target.
+[[nodiscard]] Surface rasterizeOnWhite(QSvgRenderer& drawing, QSize pageSize, const QRectF& target);
+
+} // namespace lumiran

@@ -1,0 +1,135 @@
+#include "platform/qt_picture_decoder.h"
+
+#include "imagefiles/file_io.h"
+#include "imagefiles/image_file_error.h"
+#include "imagefiles/image_load_error.h"
+#include "imagefiles/reader_guard.h"
+#include "platform/bitmap_layout.h"
+#include "platform/metafile_rendering.h"
+#include "platform/picture_refusal.h"
+#include "platform/qimage_surface.h"
+#include "platform/wmf_conversion.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QImage>
+#include <QImageReader>
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <new>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace lumiran {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int invalidPictureNumber = 481;
+constexpr const char* invalidPictureDescription = "ピクチャが不正です。";
+constexpr int fileNotFoundNumber = 53;
+constexpr const char* fileNotFoundDescription = "ファイルが見つかりません。";
+
+// Qt's names of the raster kinds the platform's decoder reads; anything
+// else Qt could read (PNG, SVG, PPM...) is refused as the platform would.
+constexpr std::array<std::string_view, 6> acceptedRasterFormats{"bmp",  "ico", "cur",
+                                                                "jpeg", "jpg", "gif"};
+
+ImageLoadError invalidPicture(const fs::path& path, const std::string& reason) {
+    return {invalidPictureNumber, invalidPictureDescription, path.string() + ": " + reason};
+}
+
+std::vector<std::uint8_t> readPictureFile(const fs::path& path, const LoadLimits& limits) {
+    std::error_code ec;
+    if (!fs::exists(fs::status(path, ec))) {
+        throw ImageLoadError(fileNotFoundNumber, fileNotFoundDescription,
+                             path.string() + ": no such file");
+    }
+    try {
+        std::vector<std::uint8_t> bytes = readWholeFile(path, limits.maxBytes);
+        if (bytes.empty()) throw invalidPicture(path, "the file is empty");
+        return bytes;
+    } catch (const ImageFileError& e) {
+        throw ImageLoadError(invalidPictureNumber, invalidPictureDescription, e.what());
+    }
+}
+
+bool acceptedRaster(const QByteArray& format) {
+    const std::string_view name(format.constData(), static_cast<std::size_t>(format.size()));
+    return std::ranges::find(acceptedRasterFormats, name) != acceptedRasterFormats.end();
+}
+
+// Qt's own allocation guard, set to the share of the limits that the
+// decoded image takes (4 of the 8 bytes a pixel).
+int allocationLimitMiB(const LoadLimits& limits) {
+    const std::uint64_t mebibytes = limits.maxBytes / 2 / (1u << 20);
+    return static_cast<int>(std::clamp<std::uint64_t>(mebibytes, 1, INT_MAX));
+}
+
+Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limits) {
+    QByteArray data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
+                                              static_cast<qsizetype>(bytes.size()));
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::ReadOnly);
+    // No format is named: the kind is taken from the content, so a run-length
+    // bitmap saved as ".rle" reads as the BMP it is.
+    QImageReader reader(&buffer);
+    reader.setAllocationLimit(allocationLimitMiB(limits));
+    const QByteArray format = reader.format();
+    if (format.isEmpty()) {
+        throw PictureRefusal("not a BMP, icon, cursor, JPEG, GIF or metafile picture");
+    }
+    if (!acceptedRaster(format)) {
+        throw PictureRefusal("a " + format.toUpper().toStdString() +
+                             " picture, which is not read here");
+    }
+    const std::string kind = format.toUpper().toStdString();
+    const QSize declared = reader.size();
+    if (declared.isValid()) checkPictureSize(limits, declared.width(), declared.height());
+    QImage image; // an animated GIF gives its first frame, an icon its first image
+    if (format == "bmp") {
+        const BitmapLayout layout = readBitmapLayout(bytes);
+        checkBitmapComplete(layout, bytes.size());
+        // Run-length data may skip pixels, which Qt leaves unwritten. Handed
+        // an image of the size and format it decodes into, it keeps it, so the
+        // skipped pixels take colour 0 instead of whatever memory held.
+        if (layout.runLength() && declared.isValid()) {
+            image = QImage(declared, QImage::Format_Indexed8);
+            if (image.isNull()) throw std::bad_alloc();
+            image.fill(0);
+        }
+    }
+    if (!reader.read(&image)) {
+        throw PictureRefusal(kind + ": " + reader.errorString().toStdString());
+    }
+    checkPictureSize(limits, image.width(), image.height());
+    return surfaceFromImage(image);
+}
+
+Surface decode(std::span<const std::uint8_t> bytes, const std::string& extension,
+               const LoadLimits& limits) {
+    if (looksLikeEnhancedMetafile(bytes)) return renderEnhancedMetafile(bytes, limits);
+    if (looksLikePlaceableMetafile(bytes)) return renderWindowsMetafile(bytes, limits);
+    // A metafile without a placeable header has no signature; by its name it
+    // goes to the metafile readers, which can say what is wrong with it.
+    if (extension == "wmf") return renderWindowsMetafile(bytes, limits);
+    if (extension == "emf") return renderEnhancedMetafile(bytes, limits);
+    return decodeRaster(bytes, limits);
+}
+
+} // namespace
+
+Surface QtPictureDecoder::LoadPicture(const fs::path& path, const std::string& extension) {
+    const std::vector<std::uint8_t> bytes = readPictureFile(path, limits_);
+    try {
+        return guardedRead("Picture", [&] { return decode(bytes, extension, limits_); });
+    } catch (const PictureRefusal& e) {
+        throw invalidPicture(path, e.what());
+    } catch (const ImageLoadError& e) {
+        throw ImageLoadError(e.number(), e.description(), path.string() + ": " + e.detail());
+    }
+}
+
+} // namespace lumiran

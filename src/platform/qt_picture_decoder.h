@@ -1,0 +1,26 @@
+#pragma once
+
+#include "imagefiles/load_dispatch.h"
+#include "imagefiles/load_limits.h"
+
+namespace lumiran {
+
+// The platform's decoder on Qt Gui's image readers, with libwmf and
+// libemf2svg for the metafiles. Like the decoder it stands in for, it goes
+// by a file's content: the extension only tells a metafile without a
+// signature apart. Raster pictures need no application object; metafiles
+// need a QGuiApplication in the process.
+class QtPictureDecoder : public PlatformDecoder {
+  public:
+    explicit QtPictureDecoder(LoadLimits limits = {}) : limits_(limits) {}
+
+    // Refusals carry the runtime's invalid-picture error (481), a missing
+    // file its file-not-found error (53).
+    [[nodiscard]] Surface LoadPicture(const std::filesystem::path& path,
+                                      const std::string& extension) override;
+
+  private:
+    LoadLimits limits_;
+};
+
+} // namespace lumiran

@@ -1,0 +1,198 @@
+#include "shell/ui/frm_document.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QCursor>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include "shell/ui/frm_main.h"
+#include "shell/ui/picture_view.h"
+#include "shell/ui/surface_image.h"
+#include "shell/ui/ui_text.h"
+#include "shell/ui_string_ids.h"
+
+namespace lumiran {
+namespace {
+
+// The rows of the document's file menu before the history.
+constexpr int HistoryFirstRow = 16;
+
+} // namespace
+
+FrmDocument::FrmDocument(FrmMain& frame)
+    : frame_(frame), BasicArea(new QScrollArea), Picture2(new PictureView) {
+    setObjectName("FrmDocument");
+    setAttribute(Qt::WA_DeleteOnClose);
+    setFocusPolicy(Qt::StrongFocus);
+    BasicArea->setObjectName("BasicArea");
+    BasicArea->setWidget(Picture2);
+    BasicArea->setWidgetResizable(false);
+    BasicArea->setBackgroundRole(QPalette::Dark);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(BasicArea);
+    buildMenus();
+}
+
+QMenu* FrmDocument::addTopMenu(const char* objectName, int captionId) {
+    auto* menu = new QMenu(res(captionId), this);
+    menu->setObjectName(objectName);
+    topMenus_.append(menu);
+    return menu;
+}
+
+QMenu* FrmDocument::menu(const char* name) const {
+    for (QMenu* m : topMenus_) {
+        if (m->objectName() == QLatin1String(name)) return m;
+    }
+    return nullptr;
+}
+
+void FrmDocument::buildMenus() {
+    FrmMain& f = frame_;
+    QMenu* file = addTopMenu("mnuFile", ids::MenuImage);
+    file->addAction(res(ids::FileOpen), &f, &FrmMain::openWithDialog);
+    file->addAction(res(ids::FileNew), &f, &FrmMain::newImage);
+    file->addSeparator();
+    file->addAction(res(ids::FileSave), this, [this] { frame_.saveDocument(*this); });
+    file->addAction(res(ids::FileClose), this, &QWidget::close);
+    file->addSeparator();
+    file->addAction(res(ids::FileOpenNext), this, [this] { frame_.openSibling(*this, 1); });
+    file->addAction(res(ids::FileOpenPrev), this, [this] { frame_.openSibling(*this, -1); });
+    file->addSeparator();
+    file->addAction(res(ids::FileInfo), this, [this] { frame_.showPictureInfo(*this); });
+    file->addSeparator();
+    file->addAction(res(ids::FileExit), &f, &QWidget::close);
+    // Pad to the fixed index of the history rows.
+    while (file->actions().size() < HistoryFirstRow - 1) file->addSeparator()->setVisible(false);
+    historySeparator_ = file->addSeparator();
+    for (int i = 0; i < static_cast<int>(LoadHistory::Size); ++i) {
+        QAction* row = file->addAction(QString());
+        connect(row, &QAction::triggered, this, [this, i] {
+            frame_.openFile(QString::fromStdString(frame_.settings().history.entry(i)));
+        });
+        historyActions_.append(row);
+    }
+    refreshHistory();
+
+    QMenu* edit = addTopMenu("mnuEdit", ids::MenuEdit);
+    edit->addAction(res(ids::EditUndo), this, [this] { frame_.undo(*this); })
+        ->setShortcut(QKeySequence::Undo);
+    edit->addAction(res(ids::EditUndoRelease), &f, &FrmMain::releaseUndo);
+    edit->addSeparator();
+    edit->addAction(res(ids::EditFinalLoad), &f, &FrmMain::openFinalLoadImage);
+    edit->addAction(res(ids::EditHistoryClear), &f, &FrmMain::clearHistory);
+
+    QMenu* view = addTopMenu("mnuView", ids::MenuView);
+    QAction* autoPreview = view->addAction(res(ids::ViewAutoPreview));
+    autoPreview->setCheckable(true);
+    autoPreview->setChecked(f.settings().AutoPreview == 1);
+    connect(autoPreview, &QAction::toggled, &f, &FrmMain::setAutoPreview);
+    view->addSeparator();
+    view->addAction(res(ids::ViewOptions), &f, &FrmMain::showOptions);
+
+    addTopMenu("mnuTools", ids::MenuTools)->setEnabled(false);
+    addTopMenu("mnuEffect", ids::MenuEffect)->setEnabled(false);
+    addTopMenu("mnuCompose", ids::MenuCompose)->setEnabled(false);
+
+    QMenu* raster = addTopMenu("mnuRaster", ids::MenuRaster);
+    raster->addAction(res(ids::StatusBackColor) + "/" + res(ids::StatusDrawingColor) + "...", &f,
+                      &FrmMain::showColorSet);
+
+    QMenu* window = addTopMenu("mnuWindow", ids::MenuWindow);
+    window->addAction(res(ids::WindowCascade), &f, [&f] {
+        f.settings().AutoRegulation = 1;
+        f.ApplyRegulation();
+        f.settings().AutoRegulation = 0;
+    });
+    window->addAction(res(ids::WindowTileHorizontal), &f, [&f] {
+        f.settings().AutoRegulation = 2;
+        f.ApplyRegulation();
+        f.settings().AutoRegulation = 0;
+    });
+
+    QMenu* help = addTopMenu("MnuHelp", ids::MenuHelp);
+    help->addAction(res(ids::HelpContents), &f, &FrmMain::showHelp);
+    help->addAction(res(ids::HelpAbout), &f, &FrmMain::showAbout);
+
+    MnuProgress = new QAction(this);
+    MnuProgress->setObjectName("MnuProgress");
+    MnuProgress->setEnabled(false);
+}
+
+void FrmDocument::refreshHistory() {
+    const LoadHistory& history = frame_.settings().history;
+    const std::size_t visible = history.visibleCount();
+    historySeparator_->setVisible(history.separatorVisible());
+    for (std::size_t i = 0; i < LoadHistory::Size; ++i) {
+        QAction* row = historyActions_[static_cast<int>(i)];
+        row->setVisible(i < visible);
+        row->setText(i < visible ? QString::fromStdString(history.entry(i)) : QString());
+    }
+}
+
+void FrmDocument::SetMenusEnabled(bool enable) {
+    menusEnabled_ = enable;
+    static const char* const alwaysOffForNow[] = {"mnuTools", "mnuEffect", "mnuCompose"};
+    for (QMenu* m : topMenus_) {
+        bool on = enable;
+        for (const char* name : alwaysOffForNow) {
+            if (m->objectName() == QLatin1String(name)) on = false;
+        }
+        m->setEnabled(on);
+    }
+}
+
+void FrmDocument::refreshPicture() {
+    Picture2->setImage(toQImage(document_.picture));
+}
+
+void FrmDocument::setPath(const QString& path) {
+    const QFileInfo info(path);
+    QString folder = info.path();
+    if (!folder.endsWith('/')) folder += '/';
+    document_.folderLabel = folder.toStdString();
+    document_.nameLabel = info.fileName().toStdString();
+    setWindowTitle(path);
+}
+
+void FrmDocument::keyPressEvent(QKeyEvent* event) {
+    // Only while all top menus are on, so never during a run.
+    if (!menusEnabled_ || frame_.state().ProcessingFlag == 1) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    if (event->modifiers() == Qt::ShiftModifier) {
+        // I, E, V, T, F, C, R pop up the top menus in menu-bar order.
+        static constexpr int keys[] = {Qt::Key_I, Qt::Key_E, Qt::Key_V, Qt::Key_T,
+                                       Qt::Key_F, Qt::Key_C, Qt::Key_R};
+        for (int i = 0; i < 7; ++i) {
+            if (event->key() == keys[i]) {
+                topMenus_[i]->popup(QCursor::pos());
+                return;
+            }
+        }
+    }
+    if (event->modifiers() == Qt::AltModifier && event->key() == Qt::Key_P) {
+        frame_.easterEgg();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void FrmDocument::closeEvent(QCloseEvent* event) {
+    // A run holds this document until its end.
+    if (frame_.state().ProcessingFlag == 1) {
+        event->ignore();
+        return;
+    }
+    document_.ToolsFlag = 0;
+    frame_.documentClosed(this);
+    event->accept();
+}
+
+} // namespace lumiran

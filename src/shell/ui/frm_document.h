@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QList>
+#include <QWidget>
+
+#include "shell/document.h"
+
+class QAction;
+class QMenu;
+class QScrollArea;
+
+namespace lumiran {
+
+class FrmMain;
+class PictureView;
+
+// A document window: one picture with scroll bars and the document's own
+// menus, which the frame shows in its menu bar while the window is active.
+class FrmDocument : public QWidget {
+    Q_OBJECT
+public:
+    explicit FrmDocument(FrmMain& frame);
+
+    [[nodiscard]] Document& document() { return document_; }
+    [[nodiscard]] const Document& document() const { return document_; }
+
+    // Shows the model's picture anew (after a run, an undo, a load).
+    void refreshPicture();
+    // Path into caption and the two name labels.
+    void setPath(const QString& path);
+
+    // The top menus in menu-bar order, and MnuProgress behind them.
+    [[nodiscard]] const QList<QMenu*>& topMenus() const { return topMenus_; }
+    [[nodiscard]] QAction* progressItem() const { return MnuProgress; }
+    [[nodiscard]] QMenu* menu(const char* name) const;
+    // SetMenusEnabled: every top menu on or off.
+    void SetMenusEnabled(bool enable);
+    // Rebuilds the history rows of the file menu from the frame's history.
+    void refreshHistory();
+
+    [[nodiscard]] PictureView& pictureView() { return *Picture2; }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildMenus();
+    QMenu* addTopMenu(const char* objectName, int captionId);
+
+    FrmMain& frame_;
+    Document document_;
+    QScrollArea* BasicArea;
+    PictureView* Picture2;
+    QList<QMenu*> topMenus_;
+    QList<QAction*> historyActions_;
+    QAction* historySeparator_ = nullptr;
+    QAction* MnuProgress = nullptr;
+    bool menusEnabled_ = true;
+};
+
+} // namespace lumiran

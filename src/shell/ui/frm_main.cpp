@@ -1,0 +1,656 @@
+#include "shell/ui/frm_main.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QScreen>
+#include <QStatusBar>
+#include <QStyle>
+#include <QTimer>
+#include <QToolBar>
+#include <QUrl>
+
+#include <algorithm>
+
+#include "engine/calculation.h"
+#include "engine/raster_step.h"
+#include "imagefiles/image_load_error.h"
+#include "imagefiles/load_dispatch.h"
+#include "shell/string_table.h"
+#include "shell/ui/dialogs/dialogs.h"
+#include "shell/ui/frm_document.h"
+#include "shell/ui/frm_picture_save.h"
+#include "shell/ui/picture_view.h"
+#include "shell/ui/run_controller.h"
+#include "shell/ui/ui_text.h"
+#include "shell/ui_string_ids.h"
+
+namespace lumiran {
+namespace {
+
+// The open dialog's filter, as the program has always offered it.
+const char* const OpenFilter =
+    "(*.bmp;*.dib;*.ico;*.rle;*.wmf;*.emf;*.pcx;*.ppm;*.tga;*.jpg;*.gif;*.pcd)|*.bmp;*.dib;*.ico;"
+    "*.rle;*.wmf;*.emf;*.pcx;*.ppm;*.tga;*.jpg;*.gif;*.pcd|Windows Bitmap (*.bmp)|*.bmp|Device "
+    "Independent Bitmap (*.dib)|*.dib|Windows Icon (*.ico)|*.ico|Run-Length Encoded "
+    "(*.rle)|*.rle|Windows Metafile (*.wmf)|*.wmf|Enhanced Metafile (*.emf)|*.emf|Jpeg File "
+    "(*.jpg)|*.jpg|Zsoft Paintbrush (*.pcx)|*.pcx|Portable PixelMap (*.ppm)|*.ppm|Windows "
+    "Cursors (*.cur)|*.cur|Truevision Targa (*.tga)|*.tga|Kodak Photo CD (*.pcd)|*.pcd|All "
+    "File|*.*|";
+
+// The "label|mask|label|mask|" filter turned into Qt's "label (masks);;..." form.
+QString qtFilter() {
+    const QStringList parts = QString(OpenFilter).split('|', Qt::SkipEmptyParts);
+    QStringList filters;
+    for (int i = 0; i + 1 < parts.size(); i += 2) {
+        QString masks = parts[i + 1];
+        masks.replace(';', ' ');
+        filters << parts[i] + " (" + masks + ")";
+    }
+    return filters.join(";;");
+}
+
+// The masks of the folder list that the stepping through a folder uses.
+QStringList folderPattern() {
+    return {"*.bmp", "*.dib", "*.ico", "*.rle", "*.wmf", "*.emf", "*.pcx",
+            "*.ppm", "*.tga", "*.jpg", "*.gif", "*.pcd"};
+}
+
+// Shows the load percentage in a document's progress entry while the reader runs.
+class MenuProgressSink : public ProgressSink {
+public:
+    explicit MenuProgressSink(QAction* item) : item_(item) {}
+    void showPercent(int percent) override {
+        if (item_ == nullptr) return;
+        item_->setText(qs(loadProgressCaption(percent)));
+        // Repaint only: input waits until the load is done.
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    }
+
+private:
+    QAction* item_;
+};
+
+// A status panel that reports clicks.
+class StatusPanel : public QLabel {
+public:
+    using QLabel::QLabel;
+};
+
+QString colourStyle(Rgb8 c) {
+    return QString("background-color: rgb(%1,%2,%3); padding: 0 8px;")
+        .arg(c.red)
+        .arg(c.green)
+        .arg(c.blue);
+}
+
+} // namespace
+
+FrmMain::FrmMain(KeyValueStore& store, PlatformDecoder& decoder)
+    : store_(store), decoder_(decoder), runs_(std::make_unique<RunController>(state_)),
+      mdiArea_(new QMdiArea) {
+    setObjectName("FrmMain");
+    setWindowTitle("Lumiran");
+    mdiArea_->setObjectName("MDIClient");
+    setCentralWidget(mdiArea_);
+    setAcceptDrops(true);
+    readSettings();
+    buildFrameMenus();
+    buildToolBar();
+    buildStatusBar();
+    connect(mdiArea_, &QMdiArea::subWindowActivated, this, [this] { refreshMenus(); });
+    connect(runs_.get(), &RunController::runningChanged, this,
+            [this](bool running) { setMenusEnabled(!running); });
+    connect(runs_.get(), &RunController::finished, this,
+            [this](Document* document, RunOutcome) { onRunFinished(document); });
+    refreshMenus();
+    refreshStatus();
+    applyFontSize();
+}
+
+FrmMain::~FrmMain() {
+    // The documents refer to the frame: they go while it is still whole.
+    closing_ = true;
+    runs_->waitForEnd();
+    for (QMdiSubWindow* sub : mdiArea_->subWindowList()) delete sub;
+}
+
+// Start-up: the keys in the order the frame has always read them.
+void FrmMain::readSettings() {
+    QSize screen(1280, 1024);
+    if (const QScreen* s = QGuiApplication::primaryScreen()) screen = s->availableGeometry().size();
+    SettingsReadResult read = lumiran::readSettings(store_, {screen.width(), screen.height()});
+    settings_ = std::move(read.settings);
+    settingsProblems_ = std::move(read.problems);
+    setGeometry(static_cast<int>(settings_.MainLeft), static_cast<int>(settings_.MainTop),
+                static_cast<int>(settings_.MainWidth), static_cast<int>(settings_.MainHeight));
+    state_.flags.backColor = settings_.backColor;
+    state_.flags.drawingColor = settings_.drawingColor;
+    state_.cancelFlag = 0;
+    state_.ProcessingFlag = 0;
+    state_.undo.setMaxUndoCount(settings_.MaxUndoCount);
+    state_.undo.release();
+    state_.ProgressFlag = 1;
+    state_.flags.calculationFlag = settings_.CalculationFlag;
+    state_.flags.rasterOpFlag = settings_.RasterOpFlag;
+}
+
+void FrmMain::writeSettings() {
+    const QRect g = normalGeometry();
+    settings_.MainLeft = static_cast<float>(g.x());
+    settings_.MainTop = static_cast<float>(g.y());
+    settings_.MainWidth = static_cast<float>(g.width());
+    settings_.MainHeight = static_cast<float>(g.height());
+    settings_.backColor = state_.flags.backColor;
+    settings_.drawingColor = state_.flags.drawingColor;
+    settings_.CalculationFlag = state_.flags.calculationFlag;
+    settings_.RasterOpFlag = state_.flags.rasterOpFlag;
+    settings_.MaxUndoCount = state_.undo.maxUndoCount();
+    lumiran::writeSettings(store_, settings_);
+}
+
+void FrmMain::reportSettingsProblems(const std::vector<SettingsProblem>& problems,
+                                     const QString& keptCopy) {
+    if (problems.empty() && keptCopy.isEmpty()) return;
+    QString detail;
+    for (const SettingsProblem& p : problems) {
+        detail += qs(p.section) + "/" + qs(p.key) + " = \"" + qs(p.value) + "\"\n";
+    }
+    QMessageBox box(QMessageBox::Warning, res(ids::SettingsBrokenTitle),
+                    res(ids::SettingsBroken) + "\n" + keptCopy, QMessageBox::Ok, this);
+    box.setDetailedText(detail);
+    box.exec();
+}
+
+void FrmMain::buildFrameMenus() {
+    auto* file = new QMenu(res(ids::MenuImage), this);
+    file->setObjectName("mnuFile");
+    file->addAction(res(ids::FileOpen), this, &FrmMain::openWithDialog);
+    file->addAction(res(ids::FileNew), this, &FrmMain::newImage);
+    file->addSeparator();
+    file->addAction(res(ids::FileCapture))->setEnabled(false);
+    file->addSeparator();
+    file->addAction(res(ids::FileViewer))->setEnabled(false);
+    file->addSeparator();
+    file->addAction(res(ids::FileExit), this, &QWidget::close);
+    frameHistorySeparator_ = file->addSeparator();
+    for (int i = 0; i < static_cast<int>(LoadHistory::Size); ++i) {
+        QAction* row = file->addAction(QString());
+        connect(row, &QAction::triggered, this,
+                [this, i] { openFile(QString::fromStdString(settings_.history.entry(i))); });
+        frameHistory_.append(row);
+    }
+
+    auto* edit = new QMenu(res(ids::MenuEdit), this);
+    edit->setObjectName("mnuEdit");
+    edit->addAction(res(ids::EditFinalLoad), this, &FrmMain::openFinalLoadImage)
+        ->setObjectName("mnueditfinalloadnewopen");
+    edit->addAction(res(ids::EditHistoryClear), this, &FrmMain::clearHistory)
+        ->setObjectName("HistoryClear");
+
+    auto* view = new QMenu(res(ids::MenuView), this);
+    view->setObjectName("mnuView");
+    QAction* toolbar = view->addAction(res(ids::ViewToolbar));
+    toolbar->setCheckable(true);
+    toolbar->setChecked(true);
+    connect(toolbar, &QAction::toggled, this, [this](bool on) { tbToolBar->setVisible(on); });
+    QAction* status = view->addAction(res(ids::ViewStatusBar));
+    status->setCheckable(true);
+    status->setChecked(true);
+    connect(status, &QAction::toggled, this, [this](bool on) { statusBar()->setVisible(on); });
+    QAction* autoPreview = view->addAction(res(ids::ViewAutoPreview));
+    autoPreview->setCheckable(true);
+    autoPreview->setChecked(settings_.AutoPreview == 1);
+    connect(autoPreview, &QAction::toggled, this, &FrmMain::setAutoPreview);
+    view->addSeparator();
+    view->addAction(res(ids::ViewOptions), this, &FrmMain::showOptions);
+
+    auto* help = new QMenu(res(ids::MenuHelp), this);
+    help->setObjectName("MnuHelp");
+    help->addAction(res(ids::HelpContents), this, &FrmMain::showHelp);
+    help->addAction(res(ids::HelpAbout), this, &FrmMain::showAbout);
+
+    frameMenus_ = {file, edit, view, help};
+    frameProgress_ = new QAction(this);
+    frameProgress_->setObjectName("MnuProgress");
+    frameProgress_->setEnabled(false);
+    refreshFrameHistory();
+}
+
+void FrmMain::buildToolBar() {
+    tbToolBar = addToolBar("tbToolBar");
+    tbToolBar->setObjectName("tbToolBar");
+    // The keys are opaque literals that the click handler compares.
+    const int bases[] = {3480, 3482, 3484, 3486, 3488, 3490, 3492, 3494,
+                         3496, 3498, 3500, 3502, 3504, 3506, 4134, 4136};
+    const QStyle::StandardPixmap icons[] = {
+        QStyle::SP_DialogOpenButton,   QStyle::SP_FileIcon,           QStyle::SP_DialogSaveButton,
+        QStyle::SP_FileDialogDetailedView, QStyle::SP_ArrowBack,      QStyle::SP_FileLinkIcon,
+        QStyle::SP_FileDialogContentsView, QStyle::SP_DirOpenIcon,    QStyle::SP_TitleBarNormalButton,
+        QStyle::SP_ArrowRight,         QStyle::SP_DriveFDIcon,        QStyle::SP_ComputerIcon,
+        QStyle::SP_DirIcon,            QStyle::SP_FileDialogListView, QStyle::SP_FileDialogInfoView,
+        QStyle::SP_DialogHelpButton};
+    for (int i = 0; i < 16; ++i) {
+        const QString key = QString("LoadResString(%1 + Language)").arg(bases[i]);
+        QAction* button = tbToolBar->addAction(style()->standardIcon(icons[i]), res(bases[i] + 1));
+        button->setToolTip(res(bases[i] + 1));
+        button->setData(key);
+        connect(button, &QAction::triggered, this, [this, key] { routeToolButton(key); });
+    }
+}
+
+void FrmMain::routeToolButton(const QString& key) {
+    FrmDocument* doc = activeDocument();
+    if (key == "LoadResString(3480 + Language)") {
+        openWithDialog();
+    } else if (key == "LoadResString(3482 + Language)") {
+        newImage();
+    } else if (key == "LoadResString(3484 + Language)") {
+        if (doc != nullptr) saveDocument(*doc);
+    } else if (key == "LoadResString(3488 + Language)") {
+        if (doc != nullptr) undo(*doc);
+    } else if (key == "LoadResString(4134 + Language)") {
+        showOptions();
+    } else if (key == "LoadResString(4136 + Language)") {
+        showHelp();
+    } else if (key == "LoadResString(3490 + Language)" && doc != nullptr) {
+        showPictureInfo(*doc);
+    }
+    // The other buttons route to commands that arrive with their tools.
+}
+
+void FrmMain::buildStatusBar() {
+    auto makePanel = [this](const char* name) {
+        auto* panel = new StatusPanel;
+        panel->setObjectName(name);
+        panel->installEventFilter(this);
+        statusBar()->addWidget(panel);
+        return panel;
+    };
+    statusBar()->setObjectName("sbStatusBar");
+    calculationPanel_ = makePanel("CalculationPanel");
+    rasterPanel_ = makePanel("RasterPanel");
+    toolPanel_ = makePanel("ToolPanel");
+    backColorPanel_ = makePanel("BackColorPanel");
+    drawingColorPanel_ = makePanel("DrawingColorPanel");
+}
+
+bool FrmMain::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease && state_.ProcessingFlag == 0) {
+        // A click steps a flag, wrapping after 10, or opens the colour dialog.
+        if (watched == calculationPanel_) {
+            state_.flags.calculationFlag = (state_.flags.calculationFlag + 1) % 11;
+            refreshStatus();
+            return true;
+        }
+        if (watched == rasterPanel_) {
+            state_.flags.rasterOpFlag = (state_.flags.rasterOpFlag + 1) % 11;
+            refreshStatus();
+            return true;
+        }
+        if (watched == backColorPanel_ || watched == drawingColorPanel_) {
+            showColorSet();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void FrmMain::refreshStatus() {
+    calculationPanel_->setText(res(ids::StatusCalculation) +
+                               calculationTypeLabel(state_.flags.calculationFlag));
+    rasterPanel_->setText(res(ids::StatusRaster) + rasterOpLabel(state_.flags.rasterOpFlag));
+    toolPanel_->setText(res(ids::StatusTool));
+    backColorPanel_->setText(res(ids::StatusBackColor));
+    backColorPanel_->setStyleSheet(colourStyle(state_.flags.backColor));
+    drawingColorPanel_->setText(res(ids::StatusDrawingColor));
+    drawingColorPanel_->setStyleSheet(colourStyle(state_.flags.drawingColor));
+}
+
+FrmDocument* FrmMain::activeDocument() const {
+    QMdiSubWindow* sub = mdiArea_->activeSubWindow();
+    if (sub == nullptr) {
+        const auto list = mdiArea_->subWindowList();
+        if (list.size() == 1) sub = list.front();
+    }
+    return sub != nullptr ? qobject_cast<FrmDocument*>(sub->widget()) : nullptr;
+}
+
+QList<FrmDocument*> FrmMain::documents() const {
+    QList<FrmDocument*> list;
+    for (QMdiSubWindow* sub : mdiArea_->subWindowList()) {
+        if (auto* doc = qobject_cast<FrmDocument*>(sub->widget())) list.append(doc);
+    }
+    return list;
+}
+
+void FrmMain::refreshMenus() {
+    if (closing_) return;
+    menuBar()->clear();
+    FrmDocument* doc = activeDocument();
+    const QList<QMenu*>& menus = doc != nullptr ? doc->topMenus() : frameMenus_;
+    for (QMenu* m : menus) menuBar()->addMenu(m);
+    menuBar()->addAction(doc != nullptr ? doc->progressItem() : frameProgress_);
+    setMenusEnabled(!runs_->running());
+}
+
+void FrmMain::setMenusEnabled(bool enable) {
+    for (QMenu* m : frameMenus_) m->setEnabled(enable);
+    for (FrmDocument* doc : documents()) doc->SetMenusEnabled(enable);
+    tbToolBar->setEnabled(enable);
+}
+
+void FrmMain::refreshFrameHistory() {
+    const std::size_t visible = settings_.history.visibleCount();
+    frameHistorySeparator_->setVisible(settings_.history.separatorVisible());
+    for (std::size_t i = 0; i < LoadHistory::Size; ++i) {
+        QAction* row = frameHistory_[static_cast<int>(i)];
+        row->setVisible(i < visible);
+        row->setText(i < visible ? QString::fromStdString(settings_.history.entry(i)) : QString());
+    }
+    for (FrmDocument* doc : documents()) doc->refreshHistory();
+}
+
+void FrmMain::applyFontSize() {
+    QFont f = QApplication::font();
+    f.setPointSize(settings_.FontSize);
+    QApplication::setFont(f);
+}
+
+bool FrmMain::CheckWindowLimit() {
+    const int limit = settings_.LoadingAmountLimitation;
+    if (limit > 0 && documentCount_ >= limit + 1) {
+        QMessageBox::warning(this, res(ids::WindowLimitTitle), res(ids::WindowLimitText));
+        loadFlag_ = false;
+        return false;
+    }
+    loadFlag_ = true;
+    return true;
+}
+
+void FrmMain::ApplyRegulation() {
+    switch (settings_.AutoRegulation) {
+    case 1: mdiArea_->cascadeSubWindows(); break;
+    case 2: mdiArea_->tileSubWindows(); break;
+    case 3: mdiArea_->tileSubWindows(); break;
+    default: break;
+    }
+}
+
+FrmDocument* FrmMain::makeDocument() {
+    auto* doc = new FrmDocument(*this);
+    QMdiSubWindow* sub = mdiArea_->addSubWindow(doc);
+    sub->setAttribute(Qt::WA_DeleteOnClose);
+    ++documentCount_;
+    return doc;
+}
+
+namespace {
+
+// The window follows the picture's size, within the frame's client area.
+void fitNewDocument(QMdiArea& area, FrmDocument& doc) {
+    QMdiSubWindow* sub = qobject_cast<QMdiSubWindow*>(doc.parentWidget());
+    if (sub == nullptr) return;
+    const QSize picture = doc.pictureView().size();
+    const QSize frame = sub->size() - sub->widget()->size();
+    const QSize wanted = picture + frame + QSize(4, 4);
+    const QSize room = area.viewport()->size();
+    sub->resize(std::min(wanted.width(), room.width()), std::min(wanted.height(), room.height()));
+}
+
+} // namespace
+
+FrmDocument* FrmMain::openFile(const QString& path) {
+    if (path.isEmpty() || !CheckWindowLimit()) return nullptr;
+    FrmDocument* doc = makeDocument();
+    doc->setPath(path);
+    std::optional<Surface> picture;
+    try {
+        MenuProgressSink sink(doc->progressItem());
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        picture = LoadImageFile(path.toStdString(), &decoder_, &sink);
+        QApplication::restoreOverrideCursor();
+    } catch (const ImageLoadError& error) {
+        QApplication::restoreOverrideCursor();
+        doc->progressItem()->setText(QString());
+        QMessageBox box(QMessageBox::Warning, qs(errorTitle(error.number())),
+                        qs(error.description()), QMessageBox::Ok, this);
+        box.setDetailedText(qs(error.detail()));
+        box.exec();
+        // The document that was to hold it goes again; the others stay as they were.
+        doc->parentWidget()->close();
+        loadFlag_ = false;
+        return nullptr;
+    }
+    doc->progressItem()->setText(QString());
+    // An extension the program does not know leaves the blank picture.
+    doc->document().picture =
+        picture ? std::move(*picture) : Surface(320, 240, makePixel(255, 255, 255));
+    state_.keep.FinalLoadImage = doc->document().picture;
+    finalLoadFolder_ = doc->document().folderLabel;
+    finalLoadName_ = doc->document().nameLabel;
+    imageLoaded_ = true;
+    doc->refreshPicture();
+    doc->parentWidget()->show();
+    fitNewDocument(*mdiArea_, *doc);
+    ApplyRegulation();
+    settings_.history.add(path.toStdString());
+    settings_.OpenFolder = QFileInfo(path).absolutePath().toStdString();
+    refreshFrameHistory();
+    refreshMenus();
+    loadFlag_ = false;
+    return doc;
+}
+
+void FrmMain::openCommandLine(const QString& commandLine) {
+    const QString own = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+    if (commandLine.isEmpty() || commandLine == own || commandLine.size() <= 1) return;
+    for (const QString& piece : commandLine.split(' ', Qt::SkipEmptyParts)) openFile(piece);
+}
+
+void FrmMain::openWithDialog() {
+    QString start;
+    if (settings_.OpenFolder != LoadHistory::Empty) start = qs(settings_.OpenFolder);
+    const QString path = QFileDialog::getOpenFileName(this, res(ids::OpenDialogTitle), start,
+                                                      qtFilter());
+    if (!path.isEmpty()) openFile(path);
+}
+
+void FrmMain::newImage() {
+    if (!CheckWindowLimit()) return;
+    const std::optional<NewImageRequest> request = showCreateDialog(settings_, this);
+    loadFlag_ = false;
+    if (!request) return;
+    FrmDocument* doc = makeDocument();
+    doc->document().picture =
+        Surface(request->width, request->height, toPixel(state_.flags.backColor));
+    doc->document().nameLabel = request->name.toStdString();
+    doc->setWindowTitle(request->name);
+    doc->refreshPicture();
+    doc->parentWidget()->show();
+    fitNewDocument(*mdiArea_, *doc);
+    refreshMenus();
+}
+
+void FrmMain::saveDocument(FrmDocument& doc) {
+    const QString suggested = qs(doc.document().caption());
+    frm_PictureSave dialog(doc.document().picture, suggested, settings_.FontSize, this);
+    dialog.exec();
+    if (!dialog.savedPath().isEmpty()) doc.setPath(dialog.savedPath());
+}
+
+void FrmMain::undo(FrmDocument& doc) {
+    if (state_.undo.UndoCount() == 0) return;
+    try {
+        state_.undo.PopUndo(doc.document());
+    } catch (...) {
+        QMessageBox::warning(this, res(ids::UndoErrorTitle), res(ids::UndoFailed));
+        return;
+    }
+    doc.setWindowTitle(qs(doc.document().caption()));
+    doc.refreshPicture();
+}
+
+void FrmMain::releaseUndo() {
+    state_.undo.release();
+    QMessageBox::information(this, res(ids::EditUndoRelease), res(ids::Done));
+}
+
+void FrmMain::openFinalLoadImage() {
+    if (!imageLoaded_ || !CheckWindowLimit()) return;
+    FrmDocument* doc = makeDocument();
+    doc->document().picture = state_.keep.FinalLoadImage;
+    doc->document().folderLabel = finalLoadFolder_;
+    doc->document().nameLabel = finalLoadName_;
+    doc->setWindowTitle(qs(doc->document().caption()));
+    doc->refreshPicture();
+    doc->parentWidget()->show();
+    fitNewDocument(*mdiArea_, *doc);
+    loadFlag_ = false;
+    refreshMenus();
+}
+
+void FrmMain::clearHistory() {
+    const auto answer =
+        QMessageBox::question(this, res(ids::HistoryClearTitle), res(ids::HistoryClearQuestion),
+                              QMessageBox::Yes | QMessageBox::No);
+    if (answer != QMessageBox::Yes) return;
+    settings_.history.clear();
+    refreshFrameHistory();
+    QMessageBox::information(this, res(ids::HistoryClearTitle), res(ids::Done));
+}
+
+void FrmMain::openSibling(FrmDocument& doc, int step) {
+    const QString folder = qs(doc.document().folderLabel);
+    if (doc.windowTitle().isEmpty() || folder.isEmpty()) return;
+    QDir dir(folder);
+    const QStringList names =
+        dir.entryList(folderPattern(), QDir::Files, QDir::Name | QDir::IgnoreCase);
+    const QString name = qs(doc.document().nameLabel).toLower();
+    int found = -1;
+    for (int i = 0; i < names.size(); ++i) {
+        if (names[i].toLower() == name) found = i;
+    }
+    const int target = found + step;
+    if (found < 0 || target < 0 || target >= names.size()) return;
+    openFile(dir.filePath(names[target]));
+}
+
+void FrmMain::showOptions() {
+    Settings edited = settings_;
+    edited.CalculationFlag = state_.flags.calculationFlag;
+    edited.RasterOpFlag = state_.flags.rasterOpFlag;
+    edited.backColor = state_.flags.backColor;
+    edited.drawingColor = state_.flags.drawingColor;
+    edited.MaxUndoCount = state_.undo.maxUndoCount();
+    if (!showOptionDialog(edited, this)) return;
+    settings_ = edited;
+    state_.flags.calculationFlag = edited.CalculationFlag;
+    state_.flags.rasterOpFlag = edited.RasterOpFlag;
+    state_.flags.backColor = edited.backColor;
+    state_.flags.drawingColor = edited.drawingColor;
+    state_.undo.setMaxUndoCount(edited.MaxUndoCount);
+    applyFontSize();
+    refreshStatus();
+}
+
+void FrmMain::showColorSet() {
+    Settings edited = settings_;
+    edited.backColor = state_.flags.backColor;
+    edited.drawingColor = state_.flags.drawingColor;
+    if (!showColorSetDialog(edited, this)) return;
+    state_.flags.backColor = settings_.backColor = edited.backColor;
+    state_.flags.drawingColor = settings_.drawingColor = edited.drawingColor;
+    refreshStatus();
+}
+
+void FrmMain::showPictureInfo(FrmDocument& doc) {
+    PictureInfo info;
+    info.path = doc.windowTitle();
+    info.width = doc.document().picture.width();
+    info.height = doc.document().picture.height();
+    const QFileInfo file(info.path);
+    info.fileSize = file.exists() ? file.size() : -1;
+    lumiran::showPictureInfo(info, doc.document().picture, settings_, this);
+}
+
+void FrmMain::showHelp() {
+    const QString help = QCoreApplication::applicationDirPath() + "/help/index.html";
+    if (!QFileInfo::exists(help)) {
+        QMessageBox::warning(this, res(ids::ErrorTitle), res(ids::HelpMissing));
+        return;
+    }
+    QDesktopServices::openUrl(QUrl::fromLocalFile(help));
+}
+
+void FrmMain::showAbout() { showVersionDialog(settings_, this); }
+
+void FrmMain::easterEgg() {
+    QMessageBox::warning(this, "Easter Egg", res(ids::EasterEgg));
+}
+
+void FrmMain::setAutoPreview(bool on) { settings_.AutoPreview = on ? 1 : 0; }
+
+bool FrmMain::runEffect(FrmDocument& doc, EffectBody body, RunOptions options) {
+    return runs_->start(doc.document(), std::move(body), settings_.FontSize,
+                        settings_.ProcessBarType, options);
+}
+
+void FrmMain::onRunFinished(Document* document) {
+    for (FrmDocument* doc : documents()) {
+        if (&doc->document() == document) {
+            doc->setWindowTitle(qs(document->caption()));
+            doc->refreshPicture();
+        }
+    }
+}
+
+void FrmMain::documentClosed(FrmDocument*) {
+    --documentCount_;
+    // The closing window still counts among the subwindows until it is gone.
+    QTimer::singleShot(0, this, &FrmMain::refreshMenus);
+}
+
+void FrmMain::closeEvent(QCloseEvent* event) {
+    if (state_.ProcessingFlag == 1) {
+        event->ignore();
+        return;
+    }
+    const auto answer = QMessageBox::question(this, res(ids::ExitTitle), res(ids::ExitQuestion),
+                                              QMessageBox::Yes | QMessageBox::No);
+    if (answer != QMessageBox::Yes) {
+        event->ignore();
+        return;
+    }
+    closing_ = true;
+    mdiArea_->closeAllSubWindows();
+    writeSettings();
+    event->accept();
+}
+
+void FrmMain::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void FrmMain::dropEvent(QDropEvent* event) {
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile()) openFile(url.toLocalFile());
+    }
+    event->acceptProposedAction();
+}
+
+} // namespace lumiran

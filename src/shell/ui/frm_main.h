@@ -1,0 +1,131 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+
+#include <memory>
+
+#include "shell/effect_run.h"
+#include "shell/program_state.h"
+#include "shell/settings.h"
+
+class QAction;
+class QLabel;
+class QMdiArea;
+class QMdiSubWindow;
+class QMenu;
+class QToolBar;
+
+namespace lumiran {
+
+class FrmDocument;
+class KeyValueStore;
+class PlatformDecoder;
+class RunController;
+
+// The main frame: the document windows, the frame's own menu while no
+// document is open, toolbar, status bar, settings and the commands both
+// menus route to.
+class FrmMain : public QMainWindow {
+    Q_OBJECT
+public:
+    // The store and decoder outlive the frame; the store is read here and
+    // written when the frame closes.
+    FrmMain(KeyValueStore& store, PlatformDecoder& decoder);
+    ~FrmMain() override;
+
+    [[nodiscard]] ProgramState& state() { return state_; }
+    [[nodiscard]] Settings& settings() { return settings_; }
+    [[nodiscard]] RunController& runs() { return *runs_; }
+    [[nodiscard]] int DocumentCount() const { return documentCount_; }
+    [[nodiscard]] FrmDocument* activeDocument() const;
+    [[nodiscard]] QList<FrmDocument*> documents() const;
+
+    // Problems met while reading the settings, shown once the frame is up.
+    [[nodiscard]] const std::vector<SettingsProblem>& settingsProblems() const {
+        return settingsProblems_;
+    }
+    void reportSettingsProblems(const std::vector<SettingsProblem>& problems,
+                                const QString& keptCopy);
+
+    // The command line: blank-separated paths, ignored when one character long.
+    void openCommandLine(const QString& commandLine);
+    // Window-count check, a new document, the load; null when refused or failed.
+    FrmDocument* openFile(const QString& path);
+    // true when one more document may open; shows the message otherwise.
+    bool CheckWindowLimit();
+    void ApplyRegulation();
+
+    // Runs an effect body on a document through the run frame. Until the
+    // effect menus exist this is how a run is started (tests).
+    bool runEffect(FrmDocument& document, EffectBody body, RunOptions options = {});
+
+    // Commands of the menus and the toolbar.
+    void openWithDialog();
+    void newImage();
+    void saveDocument(FrmDocument& document);
+    void undo(FrmDocument& document);
+    void releaseUndo();
+    void openFinalLoadImage();
+    void clearHistory();
+    void openSibling(FrmDocument& document, int step);
+    void showOptions();
+    void showColorSet();
+    void showPictureInfo(FrmDocument& document);
+    void showHelp();
+    void showAbout();
+    void easterEgg();
+    void setAutoPreview(bool on);
+
+    // Called by a document window on its way out.
+    void documentClosed(FrmDocument* document);
+    // Menu bar, status panels and history rows anew.
+    void refreshMenus();
+    void refreshStatus();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void readSettings();
+    void writeSettings();
+    void buildFrameMenus();
+    void buildToolBar();
+    void buildStatusBar();
+    void refreshFrameHistory();
+    void setMenusEnabled(bool enable);
+    void routeToolButton(const QString& key);
+    FrmDocument* makeDocument();
+    void applyFontSize();
+    void onRunFinished(Document* document);
+
+    KeyValueStore& store_;
+    PlatformDecoder& decoder_;
+    ProgramState state_;
+    Settings settings_;
+    std::unique_ptr<RunController> runs_;
+    QMdiArea* mdiArea_;
+    int documentCount_ = 0;
+    bool loadFlag_ = false;
+    bool imageLoaded_ = false;
+    bool closing_ = false;
+    std::vector<SettingsProblem> settingsProblems_;
+    std::string finalLoadFolder_; // MLabel1: the name parts of FinalLoadImage
+    std::string finalLoadName_;
+
+    QList<QMenu*> frameMenus_;
+    QList<QAction*> frameHistory_;
+    QAction* frameHistorySeparator_ = nullptr;
+    QAction* frameProgress_ = nullptr;
+    QToolBar* tbToolBar = nullptr;
+    QLabel* calculationPanel_ = nullptr;
+    QLabel* rasterPanel_ = nullptr;
+    QLabel* toolPanel_ = nullptr;
+    QLabel* backColorPanel_ = nullptr;
+    QLabel* drawingColorPanel_ = nullptr;
+};
+
+} // namespace lumiran

@@ -1,0 +1,101 @@
+#include "shell/ui/frm_picture_save.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include "imagefiles/bitmap_writer.h"
+#include "imagefiles/image_file_error.h"
+#include "imagefiles/load_dispatch.h"
+#include "shell/ui/dialogs/dialogs.h"
+#include "shell/ui/ui_text.h"
+#include "shell/ui_string_ids.h"
+
+namespace lumiran {
+
+bool savePictureFile(const Surface& picture, const QString& path, SaveDepth depth) {
+    const std::filesystem::path target = path.toStdString();
+    try {
+        switch (depth) {
+        case SaveDepth::Bits24: saveBmp24(picture, target); return true;
+        case SaveDepth::Bits8: return Save256(picture, target, true) == Save256Success;
+        case SaveDepth::Bits1: return SaveMonoImage(target, picture) == 1;
+        }
+    } catch (const ImageFileError&) {
+    }
+    return false;
+}
+
+frm_PictureSave::frm_PictureSave(const Surface& picture, const QString& suggestedPath,
+                                 int fontSize, QWidget* parent)
+    : QDialog(parent), picture_(picture), Text1(new QLineEdit(suggestedPath)) {
+    setObjectName("frm_PictureSave");
+    setWindowTitle(res(ids::SaveTitle));
+    Text1->setObjectName("Text1");
+    auto* browse = new QPushButton(res(ids::SaveBrowse));
+    auto* save = new QPushButton(res(ids::SaveCommand));
+    save->setObjectName("Command1");
+    save->setDefault(true);
+    auto* cancel = new QPushButton(res(ids::ButtonCancel));
+    const int captions[3] = {ids::SaveDepth24, ids::SaveDepth8, ids::SaveDepth1};
+    auto* layout = new QGridLayout(this);
+    layout->addWidget(new QLabel(res(ids::SaveFileName)), 0, 0);
+    layout->addWidget(Text1, 0, 1);
+    layout->addWidget(browse, 0, 2);
+    for (int i = 0; i < 3; ++i) {
+        Option1[i] = new QRadioButton(res(captions[i]));
+        Option1[i]->setObjectName(QString("Option1_%1").arg(i));
+        layout->addWidget(Option1[i], i + 1, 1);
+    }
+    Option1[0]->setChecked(true);
+    layout->addWidget(save, 4, 1, Qt::AlignRight);
+    layout->addWidget(cancel, 4, 2);
+    connect(browse, &QPushButton::clicked, this, [this] {
+        const QString chosen =
+            QFileDialog::getSaveFileName(this, res(ids::SaveTitle), Text1->text(), "*.bmp");
+        if (!chosen.isEmpty()) Text1->setText(chosen);
+    });
+    connect(save, &QPushButton::clicked, this, &frm_PictureSave::Command1_Click);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    ApplyFontSize(*this, fontSize);
+}
+
+void frm_PictureSave::Command1_Click() {
+    QString path = Text1->text().trimmed();
+    if (path.isEmpty()) {
+        QMessageBox::warning(this, res(ids::SaveTitle), res(ids::SaveBadPath));
+        return;
+    }
+    if (FileExtension(path.toStdString()).empty()) path += ".bmp";
+    if (QFileInfo::exists(path)) {
+        const auto answer = QMessageBox::question(this, res(ids::SaveConfirmTitle),
+                                                  path + res(ids::SaveExists),
+                                                  QMessageBox::Yes | QMessageBox::No);
+        if (answer != QMessageBox::Yes) {
+            reject();
+            return;
+        }
+        // The old file is replaced only once the new one is complete.
+    }
+    SaveDepth depth = SaveDepth::Bits24;
+    if (Option1[1]->isChecked()) depth = SaveDepth::Bits8;
+    if (Option1[2]->isChecked()) depth = SaveDepth::Bits1;
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const bool saved = savePictureFile(picture_, path, depth);
+    QApplication::restoreOverrideCursor();
+    if (saved) {
+        savedPath_ = path;
+        QMessageBox::information(this, res(ids::SaveTitle), res(ids::SaveDone));
+        accept();
+    } else {
+        QMessageBox::warning(this, res(ids::SaveTitle), res(ids::SaveFailed));
+    }
+}
+
+} // namespace lumiran

@@ -1,0 +1,57 @@
+#include "shell/ui/frm_progress.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include "shell/ui/ui_text.h"
+
+namespace lumiran {
+
+frm_Progress::frm_Progress(CancelFlag& cancel, bool marquee, int fontSize, QWidget* parent)
+    : QDialog(parent), cancel_(cancel), Label3(new QLabel(res(3431))),
+      ProgressBar1(new QProgressBar), Command1(new QPushButton(res(3433))) {
+    setObjectName("frm_Progress");
+    setWindowTitle(res(3429));
+    setModal(false);
+    ProgressBar1->setRange(0, 100);
+    ProgressBar1->setValue(0);
+    if (marquee) ProgressBar1->setRange(0, 0); // the bar style of ProcessBarType
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(Label3);
+    layout->addWidget(ProgressBar1);
+    layout->addWidget(Command1, 0, Qt::AlignRight);
+    connect(Command1, &QPushButton::clicked, this, [this] { cancel_ = 1; });
+    Command1->installEventFilter(this);
+    QFont f = font();
+    f.setPointSize(fontSize);
+    setFont(f);
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        const QRect area = screen->geometry();
+        move(area.width() / 4, area.height() / 4);
+    }
+}
+
+void frm_Progress::setPercent(int percent) {
+    // A run whose total covers one pass of two reports beyond 100.
+    if (ProgressBar1->maximum() > 0) ProgressBar1->setValue(std::clamp(percent, 0, 100));
+}
+
+void frm_Progress::setLabel(const QString& text) { Label3->setText(text); }
+
+bool frm_Progress::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == Command1 && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Z) {
+        cancel_ = 1;
+        return true;
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frm_Progress::reject() {}
+
+} // namespace lumiran

@@ -1,0 +1,38 @@
+// The editor: Frm_Splash, then the frame, its settings and the command line.
+#include <QApplication>
+#include <QPointer>
+#include <QTimer>
+
+#include "platform/qt_picture_decoder.h"
+#include "shell/ui/dialogs/dialogs.h"
+#include "shell/ui/frm_main.h"
+#include "shell/ui/qt_settings_store.h"
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("Lumiran");
+    QApplication::setOrganizationName("Lumiran");
+
+    lumiran::QtSettingsStore store;
+    lumiran::QtPictureDecoder decoder;
+    lumiran::FrmMain frame(store, decoder);
+    // The splash closes and deletes itself after a moment.
+    const QPointer<QWidget> splash = lumiran::showSplash(frame.settings());
+    frame.show();
+    if (splash) splash->raise();
+
+    // A store that could not be read is kept aside before the exit writes it anew.
+    QString keptCopy;
+    if (store.unreadable() || !frame.settingsProblems().empty()) keptCopy = store.keepCopy();
+    if (store.unreadable() && frame.settingsProblems().empty()) {
+        frame.reportSettingsProblems({}, keptCopy);
+    } else {
+        frame.reportSettingsProblems(frame.settingsProblems(), keptCopy);
+    }
+    if (frame.settings().firstStart()) lumiran::showVersionDialog(frame.settings(), &frame);
+
+    // The command line is one blank-separated string, as the program was given it.
+    const QStringList arguments = QApplication::arguments().mid(1);
+    frame.openCommandLine(arguments.join(' '));
+    return QApplication::exec();
+}

@@ -1,0 +1,100 @@
+#pragma once
+
+// Ids of the texts the frame, the documents and their dialogs show. The
+// effect keys and the messages of the effect frame have ids of their own in
+// the same table; these are the remaining captions of the editor.
+namespace lumiran::ids {
+
+constexpr int WindowLimitText = 1901;
+constexpr int WindowLimitTitle = 1903;
+constexpr int ExitQuestion = 1923;
+constexpr int ExitTitle = 1925;
+constexpr int ErrorTitle = 1929;
+constexpr int ScrollErrorText = 1935;
+constexpr int ScrollErrorTitle = 1937;
+constexpr int ProgressCaption = 3429;
+constexpr int PleaseWait = 3431;
+constexpr int CancelZ = 3433;
+constexpr int ButtonOk = 2251;
+constexpr int ButtonCancel = 2125;
+
+// Top menus.
+constexpr int MenuImage = 5001;
+constexpr int MenuEdit = 5003;
+constexpr int MenuView = 5005;
+constexpr int MenuHelp = 5007;
+constexpr int MenuTools = 5009;
+constexpr int MenuEffect = 5011;
+constexpr int MenuCompose = 5013;
+constexpr int MenuRaster = 5015;
+constexpr int MenuWindow = 5017;
+
+// File menu.
+constexpr int FileOpen = 5019;
+constexpr int FileNew = 5021;
+constexpr int FileCapture = 5023;
+constexpr int FileViewer = 5025;
+constexpr int FileExit = 5027;
+constexpr int FileSave = 5029;
+constexpr int FileClose = 5031;
+constexpr int FileOpenNext = 5033;
+constexpr int FileOpenPrev = 5035;
+constexpr int FilePrint = 5037;
+constexpr int FileInfo = 5039;
+
+// Edit menu.
+constexpr int EditFinalLoad = 5041;
+constexpr int EditPasteClipboard = 5043;
+constexpr int EditClipboardClear = 5045;
+constexpr int EditHistoryClear = 5047;
+constexpr int EditDesktop = 5049;
+constexpr int EditUndo = 5051;
+constexpr int EditUndoRelease = 5053;
+constexpr int HistoryClearQuestion = 5055;
+constexpr int HistoryClearTitle = 5057;
+constexpr int Done = 5059;
+constexpr int UndoFailed = 5061;
+constexpr int UndoErrorTitle = 5063;
+
+// View, window and help menus.
+constexpr int ViewToolbar = 5065;
+constexpr int ViewStatusBar = 5067;
+constexpr int ViewFitWindow = 5069;
+constexpr int ViewAutoPreview = 5071;
+constexpr int ViewOptions = 5073;
+constexpr int WindowCascade = 5075;
+constexpr int WindowTileHorizontal = 5077;
+constexpr int WindowTileVertical = 5079;
+constexpr int WindowArrangeIcons = 5081;
+constexpr int HelpContents = 5083;
+constexpr int HelpAbout = 5085;
+constexpr int HelpMissing = 5087;
+
+// Status bar.
+constexpr int StatusCalculation = 5089;
+constexpr int StatusRaster = 5091;
+constexpr int StatusTool = 5093;
+constexpr int StatusBackColor = 5095;
+constexpr int StatusDrawingColor = 5097;
+
+// Saving.
+constexpr int SaveBadPath = 5099;
+constexpr int SaveTitle = 5101;
+constexpr int SaveExists = 5103;
+constexpr int SaveConfirmTitle = 5105;
+constexpr int SaveDone = 5107;
+constexpr int SaveFailed = 5109;
+constexpr int SaveDepth24 = 5111;
+constexpr int SaveDepth8 = 5113;
+constexpr int SaveDepth1 = 5115;
+constexpr int SaveFileName = 5117;
+constexpr int SaveBrowse = 5119;
+constexpr int SaveCommand = 5121;
+
+// Settings and the first start.
+constexpr int SettingsBrokenTitle = 5123;
+constexpr int SettingsBroken = 5125;
+constexpr int EasterEgg = 5127;
+constexpr int OpenDialogTitle = 5129;
+
+} // namespace lumiran::ids

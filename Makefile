@@ -2,7 +2,6 @@
 # so `make run` and `make test` work on a fresh machine.
 BUILD_DIR ?= build
 JOBS ?= $(shell nproc)
-CLI := $(BUILD_DIR)/lumiran-cli
 SAMPLE := samples/sample.bmp
 FUZZ_SECONDS ?= 20
 
@@ -19,11 +18,9 @@ configure: deps
 build: configure
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
-# Until the editor exists this shows an effect run from end to end.
+# Opens the editor on the bundled sample picture.
 run: build
-	@mkdir -p out
-	$(CLI) apply --effect Monotone $(SAMPLE) -o out/sample-monotone.bmp
-	@echo "Monotone applied to $(SAMPLE); the result is out/sample-monotone.bmp"
+	$(BUILD_DIR)/lumiran $(CURDIR)/$(SAMPLE)
 
 test: build
 	ctest --test-dir $(BUILD_DIR) --output-on-failure -j $(JOBS)

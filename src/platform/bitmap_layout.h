@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -29,8 +28,8 @@ struct BitmapLayout {
 [[nodiscard]] BitmapLayout readBitmapLayout(std::span<const std::uint8_t> bytes);
 
 // Qt shows a bitmap whose rows run past the end of the file with the missing
-// rows blank; the platform's decoder refuses it. Throws PictureRefusal.
-// Run-length data has no fixed length and is left to the decoder.
-void checkBitmapComplete(const BitmapLayout& layout, std::size_t fileSize);
+// rows blank, and reads a run-length code cut in two from stale memory; the
+// platform's decoder refuses such files. Throws PictureRefusal.
+void checkBitmapComplete(const BitmapLayout& layout, std::span<const std::uint8_t> bytes);
 
 } // namespace lumiran

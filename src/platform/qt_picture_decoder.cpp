@@ -91,7 +91,7 @@ Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limi
     QImage image; // an animated GIF gives its first frame, an icon its first image
     if (format == "bmp") {
         const BitmapLayout layout = readBitmapLayout(bytes);
-        checkBitmapComplete(layout, bytes.size());
+        checkBitmapComplete(layout, bytes);
         // Run-length data may skip pixels, which Qt leaves unwritten. Handed
         // an image of the size and format it decodes into, it keeps it, so the
         // skipped pixels take colour 0 instead of whatever memory held.

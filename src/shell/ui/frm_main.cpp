@@ -91,11 +91,14 @@ public:
     using QLabel::QLabel;
 };
 
+// A colour panel shows its colour with a caption that stays readable on it.
 QString colourStyle(Rgb8 c) {
-    return QString("background-color: rgb(%1,%2,%3); padding: 0 8px;")
+    const bool dark = c.red * 3 + c.green * 6 + c.blue < 1280;
+    return QString("background-color: rgb(%1,%2,%3); color: %4; padding: 0 8px;")
         .arg(c.red)
         .arg(c.green)
-        .arg(c.blue);
+        .arg(c.blue)
+        .arg(dark ? "white" : "black");
 }
 
 } // namespace

@@ -29,10 +29,13 @@ int main(int argc, char** argv) {
     } else {
         frame.reportSettingsProblems(frame.settingsProblems(), keptCopy);
     }
-    if (frame.settings().firstStart()) lumiran::showVersionDialog(frame.settings(), &frame);
-
     // The command line is one blank-separated string, as the program was given it.
     const QStringList arguments = QApplication::arguments().mid(1);
     frame.openCommandLine(arguments.join(' '));
+    if (frame.settings().firstStart()) {
+        QTimer::singleShot(0, &frame, [&frame] {
+            lumiran::showVersionDialog(frame.settings(), &frame);
+        });
+    }
     return QApplication::exec();
 }

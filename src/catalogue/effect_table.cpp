@@ -53,6 +53,12 @@ std::span<const EffectEntry> effectCatalogue() {
     return table;
 }
 
+ControlValues defaultControlValues(const EffectEntry& effect) {
+    ControlValues values;
+    for (const SliderSpec& s : effect.sliders) values.sliders[s.number - 1] = s.defaultValue;
+    return values;
+}
+
 const EffectEntry* findEffect(std::string_view name) {
     const auto table = effectCatalogue();
     for (const EffectEntry& e : table) {

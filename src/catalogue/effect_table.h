@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "catalogue/control_values.h"
 #include "catalogue/dialog_kind.h"
 
 namespace lumiran {
@@ -46,6 +47,10 @@ struct EffectEntry {
 };
 
 [[nodiscard]] std::span<const EffectEntry> effectCatalogue();
+
+// The values a freshly configured dialog hands on when OK is pressed at
+// once: every slider at its default, row 0 of every list.
+[[nodiscard]] ControlValues defaultControlValues(const EffectEntry& effect);
 
 // By key, or by English caption ignoring case.
 [[nodiscard]] const EffectEntry* findEffect(std::string_view name);

@@ -6,7 +6,7 @@
 #include <set>
 
 #include "catalogue/effect_table.h"
-#include "catalogue/processing.h"
+#include "catalogue/effect_dispatch.h"
 #include "cli/cli_args.h"
 #include "imagefiles/bitmap_writer.h"
 #include "imagefiles/image_file_error.h"
@@ -86,8 +86,7 @@ std::string describeRange(int min, int max) {
 // The values OK would hand on: the effect's defaults, with the given
 // controls checked against its table entry.
 ControlValues resolveControls(const EffectEntry& effect, const ControlOverrides& given) {
-    ControlValues values;
-    for (const SliderSpec& s : effect.sliders) values.sliders[s.number - 1] = s.defaultValue;
+    ControlValues values = defaultControlValues(effect);
     for (int n = 1; n <= 8; ++n) {
         const auto& v = given.sliders[n - 1];
         if (!v) continue;

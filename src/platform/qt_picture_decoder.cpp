@@ -1,5 +1,6 @@
 #include "platform/qt_picture_decoder.h"
 
+#include "imagefiles/byte_io.h"
 #include "imagefiles/file_io.h"
 #include "imagefiles/image_file_error.h"
 #include "imagefiles/image_load_error.h"
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <cstdlib>
 #include <new>
 #include <string_view>
 #include <system_error>
@@ -88,9 +90,18 @@ Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limi
     const std::string kind = format.toUpper().toStdString();
     const QSize declared = reader.size();
     if (declared.isValid()) checkPictureSize(limits, declared.width(), declared.height());
+    if (format == "gif") {
+        // Qt sizes a GIF by its first frame but draws it on the whole logical
+        // screen, which is the picture.
+        ByteReader header(bytes);
+        checkPictureSize(limits, header.u16(6), header.u16(8));
+    }
     QImage image; // an animated GIF gives its first frame, an icon its first image
     if (format == "bmp") {
+        // Qt gives no size for a header it finds implausible; the limits
+        // should still be what refuses a huge one.
         const BitmapLayout layout = readBitmapLayout(bytes);
+        checkPictureSize(limits, layout.width, std::abs(layout.height));
         checkBitmapComplete(layout, bytes);
         // Run-length data may skip pixels, which Qt leaves unwritten. Handed
         // an image of the size and format it decodes into, it keeps it, so the

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "catalogue/control_values.h"
+#include "catalogue/dialog_kind.h"
+#include "shell/effect_run.h"
+
+namespace lumiran {
+
+// What OK would run for a dialog's code and values.
+struct EffectPlan {
+    enum class Status {
+        Ready,        // body holds the class calls
+        NotAvailable, // the effect's class operation has not been built yet
+        UnknownCode,  // outside the dialog's switch: nothing runs, no snapshot
+    };
+    Status status = Status::UnknownCode;
+    std::string missingOperation; // for NotAvailable, e.g. "Class_ColorOp.Hue"
+    EffectBody body;
+
+    [[nodiscard]] static EffectPlan ready(EffectBody body) {
+        return {Status::Ready, {}, std::move(body)};
+    }
+    [[nodiscard]] static EffectPlan notAvailable(std::string operation) {
+        return {Status::NotAvailable, std::move(operation), {}};
+    }
+};
+
+// The case of one (dialog, code) in its ...Processing routine: from the
+// dialog's values to the class calls.
+using EffectPlanner = std::function<EffectPlan(const ControlValues&)>;
+
+// The switches of the seven ...Processing routines, filled family by family
+// with one explicit register call each.
+class EffectDispatch {
+public:
+    void add(DialogKind dialog, int code, EffectPlanner planner);
+    [[nodiscard]] bool contains(DialogKind dialog, int code) const;
+    // A (dialog, code) of the catalogue whose case is not registered yet is
+    // NotAvailable; any other unknown pair is UnknownCode.
+    [[nodiscard]] EffectPlan plan(DialogKind dialog, int code, const ControlValues& values) const;
+
+private:
+    std::map<std::pair<DialogKind, int>, EffectPlanner> planners_;
+};
+
+// The one dispatch of the program, with every family registered.
+[[nodiscard]] const EffectDispatch& effectDispatch();
+
+// The switch of the dialog's ...Processing routine.
+[[nodiscard]] EffectPlan planEffect(DialogKind dialog, int code, const ControlValues& values);
+
+// The usual shape of a case: fetch kept picture 0 into a fresh object of
+// the class, make the call(s) on the process rectangle, write the array
+// into kept picture 1.
+template <typename Class, typename Call>
+[[nodiscard]] EffectBody runInPlace(Call call) {
+    return [call](EffectInvocation& run) {
+        Class effect(run.context);
+        effect.ImageGetDiBits(run.keptPicture0);
+        call(effect, run.rect);
+        effect.ImageSetDiBits(run.keptPicture1);
+    };
+}
+
+// The same for effects that write into a separate destination.
+template <typename Class, typename Call>
+[[nodiscard]] EffectBody runWithTrans(Call call) {
+    return [call](EffectInvocation& run) {
+        Class effect(run.context);
+        effect.ImageGetDiBits(run.keptPicture0);
+        effect.ImageGetDiBitsTrans(run.keptPicture0);
+        call(effect, run.rect);
+        effect.ImageSetDiBitsTrans(run.keptPicture1);
+    };
+}
+
+} // namespace lumiran

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace lumiran {
+
+class EffectDispatch;
+
+// One call per effect family adds its cases to the dispatch. Explicit calls
+// rather than static self-registration, which a linker drops from static
+// libraries without a word.
+void registerColorOpEffects(EffectDispatch& dispatch);
+void registerColorTableEffects(EffectDispatch& dispatch);
+
+} // namespace lumiran

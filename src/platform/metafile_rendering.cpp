@@ -62,6 +62,7 @@ bool looksLikeEnhancedMetafile(std::span<const std::uint8_t> bytes) {
 }
 
 Surface renderEnhancedMetafile(std::span<const std::uint8_t> bytes, const LoadLimits& limits) {
+    requireGraphicsApplication();
     if (!looksLikeEnhancedMetafile(bytes)) {
         throw PictureRefusal("EMF: the file does not start with an EMR_HEADER record");
     }
@@ -119,6 +120,7 @@ Surface renderEnhancedMetafile(std::span<const std::uint8_t> bytes, const LoadLi
 }
 
 Surface renderWindowsMetafile(std::span<const std::uint8_t> bytes, const LoadLimits& limits) {
+    requireGraphicsApplication();
     const WmfDrawing converted = convertWindowsMetafile(bytes, limits);
     QSvgRenderer drawing{QByteArray::fromStdString(converted.svg)};
     checkDrawable(drawing);

@@ -26,13 +26,16 @@ Surface surfaceFromImage(const QImage& image) {
     return picture;
 }
 
-void checkDrawable(const QSvgRenderer& drawing) {
-    if (!drawing.isValid()) throw PictureRefusal("the drawing made from the metafile is not valid");
+void requireGraphicsApplication() {
     // Text needs the fonts of a running graphics application; without one Qt
     // would abort the process.
     if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) == nullptr) {
         throw PictureRefusal("metafiles can only be drawn inside the graphical application");
     }
+}
+
+void checkDrawable(const QSvgRenderer& drawing) {
+    if (!drawing.isValid()) throw PictureRefusal("the drawing made from the metafile is not valid");
 }
 
 Surface rasterizeOnWhite(QSvgRenderer& drawing, QSize pageSize, const QRectF& target) {

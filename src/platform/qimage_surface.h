@@ -13,8 +13,11 @@ namespace lumiran {
 // are composited over black, the program's default background colour.
 [[nodiscard]] Surface surfaceFromImage(const QImage& image);
 
-// Checks a converted drawing before it is drawn: throws PictureRefusal when
-// the document is not valid SVG or there is no graphics system to draw text.
+// Throws PictureRefusal unless a QGuiApplication runs, which drawing (and
+// even reading) SVG text needs.
+void requireGraphicsApplication();
+
+// Throws PictureRefusal when a converted drawing is not valid SVG.
 void checkDrawable(const QSvgRenderer& drawing);
 
 // Draws an SVG document on a white page of the given size, its view box

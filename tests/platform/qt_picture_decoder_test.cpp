@@ -5,6 +5,7 @@
 #include "platform/qt_picture_decoder.h"
 #include "test_support.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
@@ -290,6 +291,9 @@ constexpr std::uint16_t META_CREATEBRUSHINDIRECT = 0x02FC;
 constexpr std::uint16_t META_CREATEPENINDIRECT = 0x02FA;
 constexpr std::uint16_t META_SELECTOBJECT = 0x012D;
 constexpr std::uint16_t META_RECTANGLE = 0x041B;
+constexpr std::uint16_t META_CREATEFONTINDIRECT = 0x02FB;
+constexpr std::uint16_t META_SETTEXTCOLOR = 0x0209;
+constexpr std::uint16_t META_TEXTOUT = 0x0521;
 constexpr std::uint16_t META_EOF = 0x0000;
 constexpr std::uint16_t PS_NULL = 5;
 
@@ -297,58 +301,75 @@ std::uint32_t colorRef(Rgb8 c) {
     return c.red | (std::uint32_t{c.green} << 8) | (std::uint32_t{c.blue} << 16);
 }
 
-// A placeable metafile that fills a rectangle, given in frame units, with
-// one colour and no outline.
-Bytes placeableMetafile(const MetafileFrame& frame, std::array<std::int16_t, 4> rectangle,
-                        Rgb8 colour) {
-    ByteWriter records;
+std::uint16_t word(int v) {
+    return static_cast<std::uint16_t>(v);
+}
+
+// The records of a metafile, ending with META_EOF when the file is made.
+struct WmfRecords {
+    ByteWriter bytes;
     std::uint32_t largest = 0;
-    const auto record = [&](std::uint16_t function, std::initializer_list<std::uint16_t> params) {
+
+    void add(std::uint16_t function, std::initializer_list<std::uint16_t> params) {
         const auto words = static_cast<std::uint32_t>(3 + params.size());
         largest = std::max(largest, words);
-        records.u32(words);
-        records.u16(function);
+        bytes.u32(words);
+        bytes.u16(function);
         for (const std::uint16_t p : params)
-            records.u16(p);
-    };
-    const auto u = [](int v) { return static_cast<std::uint16_t>(v); };
-    const std::uint32_t ref = colorRef(colour);
-    if (frame.setsWindowOrigin) record(META_SETWINDOWORG, {u(frame.top), u(frame.left)});
-    record(META_SETWINDOWEXT, {u(frame.bottom - frame.top), u(frame.right - frame.left)});
-    record(META_CREATEBRUSHINDIRECT, {0, u(ref & 0xFFFF), u(ref >> 16), 0});
-    record(META_SELECTOBJECT, {0});
-    record(META_CREATEPENINDIRECT, {PS_NULL, 0, 0, 0, 0});
-    record(META_SELECTOBJECT, {1});
-    const auto [left, top, right, bottom] = rectangle;
-    record(META_RECTANGLE, {u(bottom), u(right), u(top), u(left)});
-    record(META_EOF, {});
+            bytes.u16(p);
+    }
+    // The window the frame describes, as writers of placeable files set it.
+    void window(const MetafileFrame& frame) {
+        if (frame.setsWindowOrigin) add(META_SETWINDOWORG, {word(frame.top), word(frame.left)});
+        add(META_SETWINDOWEXT, {word(frame.bottom - frame.top), word(frame.right - frame.left)});
+    }
+};
 
+Bytes placeableFile(const MetafileFrame& frame, WmfRecords& records, std::uint16_t objects) {
+    records.add(META_EOF, {});
     ByteWriter file;
     const std::array<std::uint16_t, 10> placeable{0xCDD7,
                                                   0x9AC6,
                                                   0,
-                                                  u(frame.left),
-                                                  u(frame.top),
-                                                  u(frame.right),
-                                                  u(frame.bottom),
+                                                  word(frame.left),
+                                                  word(frame.top),
+                                                  word(frame.right),
+                                                  word(frame.bottom),
                                                   frame.unitsPerInch,
                                                   0,
                                                   0};
     std::uint16_t checksum = 0;
-    for (const std::uint16_t word : placeable) {
-        file.u16(word);
-        checksum ^= word;
+    for (const std::uint16_t w : placeable) {
+        file.u16(w);
+        checksum ^= w;
     }
     file.u16(checksum);
     file.u16(1);      // a disk metafile
     file.u16(9);      // header words
     file.u16(0x0300); // version
-    file.u32(static_cast<std::uint32_t>((18 + records.bytes().size()) / 2));
-    file.u16(2); // objects
-    file.u32(largest);
+    file.u32(static_cast<std::uint32_t>((18 + records.bytes.bytes().size()) / 2));
+    file.u16(objects);
+    file.u32(records.largest);
     file.u16(0);
-    file.bytes().insert(file.bytes().end(), records.bytes().begin(), records.bytes().end());
+    const auto& body = records.bytes.bytes();
+    file.bytes().insert(file.bytes().end(), body.begin(), body.end());
     return std::move(file.bytes());
+}
+
+// A placeable metafile that fills a rectangle, given in frame units, with
+// one colour and no outline.
+Bytes placeableMetafile(const MetafileFrame& frame, std::array<std::int16_t, 4> rectangle,
+                        Rgb8 colour) {
+    WmfRecords records;
+    records.window(frame);
+    const std::uint32_t ref = colorRef(colour);
+    records.add(META_CREATEBRUSHINDIRECT, {0, word(ref & 0xFFFF), word(ref >> 16), 0});
+    records.add(META_SELECTOBJECT, {0});
+    records.add(META_CREATEPENINDIRECT, {PS_NULL, 0, 0, 0, 0});
+    records.add(META_SELECTOBJECT, {1});
+    const auto [left, top, right, bottom] = rectangle;
+    records.add(META_RECTANGLE, {word(bottom), word(right), word(top), word(left)});
+    return placeableFile(frame, records, 2);
 }
 
 constexpr Rgb8 fill{30, 144, 255};
@@ -384,6 +405,27 @@ TEST_F(QtPictureDecoderTest, DrawsWindowsMetafileOnItsFrame) {
     // The kind is in the content: a metafile read under another name.
     write("metafile.bmp", read("plain.wmf"));
     expectRectanglePicture(load("metafile.bmp"));
+}
+
+TEST_F(QtPictureDecoderTest, DrawsWindowsMetafileText) {
+    // Text goes through libwmf's font lookup, which needs a usable font file.
+    const MetafileFrame frame{0, 0, 1200, 450, 1440, true};
+    WmfRecords records;
+    records.window(frame);
+    // 30 units high, bold "Arial"; the face name's bytes in little-endian words.
+    records.add(META_CREATEFONTINDIRECT,
+                {word(-300), 0, 0, 0, 700, 0, 0, 0, 0, 0x7241, 0x6169, 0x006C});
+    records.add(META_SELECTOBJECT, {0});
+    records.add(META_SETTEXTCOLOR, {0x00FF, 0});
+    records.add(META_TEXTOUT, {5, 0x6548, 0x6C6C, 0x006F, 60, 60}); // "Hello" at (60,60)
+    write("text.wmf", placeableFile(frame, records, 1));
+    const Surface picture = load("text.wmf");
+    ASSERT_EQ(picture.width(), 80);
+    ASSERT_EQ(picture.height(), 30);
+    const auto reddish = std::ranges::count_if(picture.pixels(), [](Pixel p) {
+        return redOf(p) > 2 * greenOf(p) + 20 && redOf(p) > 2 * blueOf(p) + 20;
+    });
+    EXPECT_GT(reddish, 10);
 }
 
 TEST_F(QtPictureDecoderTest, RefusesBrokenWindowsMetafiles) {

@@ -104,16 +104,10 @@ void FrmDocument::buildMenus() {
                       &FrmMain::showColorSet);
 
     QMenu* window = addTopMenu("mnuWindow", ids::MenuWindow);
-    window->addAction(res(ids::WindowCascade), &f, [&f] {
-        f.settings().AutoRegulation = 1;
-        f.ApplyRegulation();
-        f.settings().AutoRegulation = 0;
-    });
-    window->addAction(res(ids::WindowTileHorizontal), &f, [&f] {
-        f.settings().AutoRegulation = 2;
-        f.ApplyRegulation();
-        f.settings().AutoRegulation = 0;
-    });
+    window->addAction(res(ids::WindowCascade), &f, [&f] { f.arrange(1); });
+    window->addAction(res(ids::WindowTileHorizontal), &f, [&f] { f.arrange(2); });
+    window->addAction(res(ids::WindowTileVertical), &f, [&f] { f.arrange(3); });
+    window->addAction(res(ids::WindowArrangeIcons), &f, &FrmMain::arrangeIcons);
 
     QMenu* help = addTopMenu("MnuHelp", ids::MenuHelp);
     help->addAction(res(ids::HelpContents), &f, &FrmMain::showHelp);

@@ -202,8 +202,11 @@ void FrmMain::buildFrameMenus() {
     edit->setObjectName("mnuEdit");
     edit->addAction(res(ids::EditFinalLoad), this, &FrmMain::openFinalLoadImage)
         ->setObjectName("mnueditfinalloadnewopen");
+    edit->addAction(res(ids::EditPasteClipboard))->setEnabled(false);
+    edit->addAction(res(ids::EditClipboardClear))->setEnabled(false);
     edit->addAction(res(ids::EditHistoryClear), this, &FrmMain::clearHistory)
         ->setObjectName("HistoryClear");
+    edit->addAction(res(ids::EditDesktop))->setEnabled(false);
 
     auto* view = new QMenu(res(ids::MenuView), this);
     view->setObjectName("mnuView");
@@ -385,12 +388,42 @@ bool FrmMain::CheckWindowLimit() {
     return true;
 }
 
-void FrmMain::ApplyRegulation() {
-    switch (settings_.AutoRegulation) {
-    case 1: mdiArea_->cascadeSubWindows(); break;
-    case 2: mdiArea_->tileSubWindows(); break;
-    case 3: mdiArea_->tileSubWindows(); break;
-    default: break;
+void FrmMain::ApplyRegulation() { arrange(settings_.AutoRegulation); }
+
+void FrmMain::arrange(int mode) {
+    if (mode == 1) {
+        mdiArea_->cascadeSubWindows();
+        return;
+    }
+    if (mode != 2 && mode != 3) return;
+    // Tiled across: one above the other, full width; tiled down: side by side.
+    QList<QMdiSubWindow*> windows;
+    for (QMdiSubWindow* sub : mdiArea_->subWindowList()) {
+        if (sub->isVisible() && !sub->isMinimized()) windows.append(sub);
+    }
+    if (windows.isEmpty()) return;
+    const QSize room = mdiArea_->viewport()->size();
+    const int n = static_cast<int>(windows.size());
+    for (int i = 0; i < n; ++i) {
+        windows[i]->showNormal();
+        if (mode == 2) {
+            const int h = room.height() / n;
+            windows[i]->setGeometry(0, i * h, room.width(), h);
+        } else {
+            const int w = room.width() / n;
+            windows[i]->setGeometry(i * w, 0, w, room.height());
+        }
+    }
+}
+
+void FrmMain::arrangeIcons() {
+    // Minimised windows line up along the bottom edge.
+    int x = 0;
+    const int bottom = mdiArea_->viewport()->height();
+    for (QMdiSubWindow* sub : mdiArea_->subWindowList()) {
+        if (!sub->isMinimized()) continue;
+        sub->move(x, bottom - sub->height());
+        x += sub->width();
     }
 }
 

@@ -55,6 +55,9 @@ public:
     // true when one more document may open; shows the message otherwise.
     bool CheckWindowLimit();
     void ApplyRegulation();
+    // Window arrangement: 1 cascade, 2 tiled across, 3 tiled down.
+    void arrange(int mode);
+    void arrangeIcons();
 
     // Runs an effect body on a document through the run frame. Until the
     // effect menus exist this is how a run is started (tests).

@@ -1,0 +1,70 @@
+// Builds every window of the editor once, as a user meets them, and checks
+// each comes up with its texts. With LUMIRAN_SCREENSHOT_DIR set it also
+// saves a picture of each, for looking at the editor without a display.
+#include <QDir>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "imagefiles/bitmap_writer.h"
+#include "platform/qt_picture_decoder.h"
+#include "shell/ui/dialogs/frm_colorset.h"
+#include "shell/ui/dialogs/frm_create.h"
+#include "shell/ui/dialogs/frm_option.h"
+#include "shell/ui/dialogs/frm_pictureinfo.h"
+#include "shell/ui/dialogs/frm_vasion.h"
+#include "shell/ui/frm_document.h"
+#include "shell/ui/frm_main.h"
+#include "shell/ui/frm_picture_save.h"
+#include "shell/ui/frm_progress.h"
+
+using namespace lumiran;
+
+class TourTest : public QObject {
+    Q_OBJECT
+
+    QtPictureDecoder decoder_;
+
+    static void keep(QWidget& window, const QString& name) {
+        window.show();
+        QApplication::processEvents();
+        QVERIFY(!window.windowTitle().isEmpty() || name == "frame");
+        const QString dir = qEnvironmentVariable("LUMIRAN_SCREENSHOT_DIR");
+        if (!dir.isEmpty()) window.grab().save(QDir(dir).filePath(name + ".png"));
+    }
+
+private slots:
+    void everyWindowComesUp() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.resize(900, 650);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        QVERIFY(doc != nullptr);
+        keep(frame, "frame");
+
+        frm_Option options(frame.settings());
+        for (int tab = 0; tab < 7; ++tab) {
+            options.findChild<QTabWidget*>()->setCurrentIndex(tab);
+            keep(options, QString("frm_Option_%1").arg(tab));
+        }
+        frm_Create create(frame.settings());
+        keep(create, "frm_Create");
+        frm_ColorSet colours(frame.settings());
+        keep(colours, "frm_ColorSet");
+        PictureInfo info{LUMIRAN_SAMPLE_PATH, doc->document().picture.width(),
+                         doc->document().picture.height(), 230454};
+        frm_PictureInfo pictureInfo(info, doc->document().picture, frame.settings());
+        keep(pictureInfo, "frm_PictureInfo");
+        frm_Vasion version(frame.settings());
+        keep(version, "frm_Vasion");
+        frm_PictureSave save(doc->document().picture, "/tmp/x.bmp", frame.settings().FontSize);
+        keep(save, "frm_PictureSave");
+        CancelFlag cancel{0};
+        frm_Progress progress(cancel, false, frame.settings().FontSize);
+        progress.setPercent(40);
+        keep(progress, "frm_Progress");
+    }
+};
+
+QTEST_MAIN(TourTest)
+#include "tour_test.moc"

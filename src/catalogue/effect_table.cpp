@@ -6,28 +6,41 @@
 namespace lumiran {
 namespace {
 
-std::vector<EffectEntry> buildCatalogue() {
-    std::vector<EffectEntry> table;
-    table.push_back(EffectEntry{
-        .family = "Color",
-        .menu = "ColorNo",
-        .index = 0,
-        .caption = "Monotone",
-        .stringId = 2301,
-        .key = "ﾓﾉﾄｰﾝ",
-        .title = "ﾓﾉﾄｰﾝ",
-        .routine = PreviewRoutine::PreviewStart,
-        .dialog = DialogKind::Monotone,
-        .code = 0,
-        .sliders = {},
-        .lists = {ListSpec{ListKind::C,
-                           "ﾓﾉﾄｰﾝ･ﾀｲﾌﾟ",
-                           {"RGB:RGB", "RGB:赤", "RGB:緑", "RGB:青", "CMY:ｲｴﾛｰ", "CMY:ｼｱﾝ",
-                            "CMY:ﾏｾﾞﾝﾀ", "RGB:最大値", "RGB:中間値", "RGB:最小値", "光度",
-                            "YCbCr:輝度", "YCbCr:色差青+128", "YCbCr:色差赤+128", "色相",
-                            "ﾋｽﾄｸﾞﾗﾑ均等化"}}},
-    });
-    return table;
+struct FamilyBlock {
+    EffectFamily family;
+    std::vector<EffectEntry> entries;
+};
+
+std::vector<FamilyBlock> catalogueBlocks() {
+    using enum PreviewRoutine;
+    using enum DialogKind;
+    using enum ListKind;
+    return {
+#include "catalogue/effect_table_data.inc"
+    };
+}
+
+struct Catalogue {
+    std::vector<EffectFamily> families;
+    std::vector<EffectEntry> entries;
+};
+
+Catalogue buildCatalogue() {
+    Catalogue catalogue;
+    for (FamilyBlock& block : catalogueBlocks()) {
+        for (EffectEntry& entry : block.entries) {
+            entry.family = block.family.caption;
+            entry.menu = block.family.menu;
+            catalogue.entries.push_back(std::move(entry));
+        }
+        catalogue.families.push_back(block.family);
+    }
+    return catalogue;
+}
+
+const Catalogue& catalogue() {
+    static const Catalogue built = buildCatalogue();
+    return built;
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
@@ -48,10 +61,15 @@ const SliderSpec* EffectEntry::slider(int number) const {
     return it == sliders.end() ? nullptr : &*it;
 }
 
-std::span<const EffectEntry> effectCatalogue() {
-    static const std::vector<EffectEntry> table = buildCatalogue();
-    return table;
+std::span<const EffectFamily> effectFamilies() { return catalogue().families; }
+
+const EffectFamily* findFamily(std::string_view menu) {
+    const auto families = effectFamilies();
+    const auto it = std::ranges::find(families, menu, &EffectFamily::menu);
+    return it == families.end() ? nullptr : &*it;
 }
+
+std::span<const EffectEntry> effectCatalogue() { return catalogue().entries; }
 
 ControlValues defaultControlValues(const EffectEntry& effect) {
     ControlValues values;
@@ -60,6 +78,8 @@ ControlValues defaultControlValues(const EffectEntry& effect) {
 }
 
 const EffectEntry* findEffect(std::string_view name) {
+    // Two composition entries have no caption; an empty name finds nothing.
+    if (name.empty()) return nullptr;
     const auto table = effectCatalogue();
     for (const EffectEntry& e : table) {
         if (e.key == name) return &e;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -22,37 +21,63 @@ struct SliderSpec {
 
 enum class ListKind { E, C, G };
 
+// The letter a list goes by: E ETypeList, C ColorList (MonoList), G DistanceCombo.
+[[nodiscard]] constexpr char listLetter(ListKind kind) {
+    switch (kind) {
+    case ListKind::E: return 'E';
+    case ListKind::C: return 'C';
+    case ListKind::G: return 'G';
+    }
+    return '?';
+}
+
 struct ListSpec {
     ListKind kind = ListKind::C;
     std::string_view caption; // the frame caption
     std::vector<std::string_view> rows;
 };
 
+// One menu array of effects.
+struct EffectFamily {
+    std::string_view menu;       // control array, e.g. "ColorNo"
+    std::string_view caption;    // e.g. "Color"
+    std::string_view parentMenu; // the menu holding the entry that opens it; empty: top level
+    int parentIndex = -1;        // that entry's Index in parentMenu
+    int browseCategoryId = 0;    // string id of the family's browser category; 0: none
+};
+
 struct EffectEntry {
-    std::string_view family;  // Effect1No caption, e.g. "Color"
-    std::string_view menu;    // control array, e.g. "ColorNo"
     int index = 0;            // Index in the menu array
-    std::string_view caption; // English menu caption
-    int stringId = 0;         // odd id of the key, 0 for an English literal
+    std::string_view caption; // English menu caption; empty for two composition entries
+    int stringId = 0;         // id of the key, 0 for an English literal
     std::string_view key;     // the displayed name
     std::string_view title;   // window title where it is not the key
     PreviewRoutine routine = PreviewRoutine::PreviewStart;
     DialogKind dialog = DialogKind::Monotone;
     int code = 0;
-    std::vector<SliderSpec> sliders;
-    std::vector<ListSpec> lists;
+    std::vector<SliderSpec> sliders; // in slider order; absent sliders stay hidden
+    std::vector<ListSpec> lists;     // absent lists stay hidden with their frames
+    std::string_view call;           // the processing routine's call, argument pattern as written
+    std::string_view family{};       // caption of its family, e.g. "Color"
+    std::string_view menu{};         // control array, e.g. "ColorNo"
 
     [[nodiscard]] const ListSpec* list(ListKind kind) const;
     [[nodiscard]] const SliderSpec* slider(int number) const;
+    [[nodiscard]] std::string_view windowTitle() const { return title.empty() ? key : title; }
 };
 
+// The 25 effect menus in menu order.
+[[nodiscard]] std::span<const EffectFamily> effectFamilies();
+[[nodiscard]] const EffectFamily* findFamily(std::string_view menu);
+
+// All 262 effects in menu order.
 [[nodiscard]] std::span<const EffectEntry> effectCatalogue();
 
 // The values a freshly configured dialog hands on when OK is pressed at
 // once: every slider at its default, row 0 of every list.
 [[nodiscard]] ControlValues defaultControlValues(const EffectEntry& effect);
 
-// By key, or by English caption ignoring case.
+// By key, or by English caption ignoring case; the first in menu order wins.
 [[nodiscard]] const EffectEntry* findEffect(std::string_view name);
 
 } // namespace lumiran

@@ -37,6 +37,7 @@ std::vector<std::string> splitCommas(const std::string& option, const std::strin
 
 std::string usageText() {
     return "usage:\n"
+           "  lumiran-cli list [--json]\n"
            "  lumiran-cli apply --effect NAME [controls] [run options] INPUT -o OUTPUT.bmp\n"
            "  lumiran-cli apply --effect NAME [controls] [run options] INPUT... --out-dir DIR\n"
            "  lumiran-cli convert INPUT -o OUTPUT.bmp [--bits 24|8|1]\n"
@@ -45,11 +46,20 @@ std::string usageText() {
 }
 
 CommandLine parseCommandLine(const std::vector<std::string>& args) {
-    if (args.empty()) throw UsageError("no command given (apply, convert)");
+    if (args.empty()) throw UsageError("no command given (list, apply, convert)");
     CommandLine cl;
     cl.command = args[0];
+    if (cl.command == "list") {
+        for (std::size_t i = 1; i < args.size(); ++i) {
+            if (args[i] != "--json") {
+                throw UsageError("list takes only --json, not '" + args[i] + "'");
+            }
+            cl.json = true;
+        }
+        return cl;
+    }
     if (cl.command != "apply" && cl.command != "convert") {
-        throw UsageError("unknown command '" + cl.command + "' (apply, convert)");
+        throw UsageError("unknown command '" + cl.command + "' (list, apply, convert)");
     }
     for (std::size_t i = 1; i < args.size(); ++i) {
         const std::string& arg = args[i];

@@ -26,6 +26,8 @@ struct ProgramState {
     std::uint8_t ProgressFlag = 1;
     CancelFlag cancelFlag{0};
     std::uint8_t ProcessingFlag = 0;
+    // 1 while a configured dialog may run live previews.
+    std::uint8_t PreviewReady = 0;
     RandomGenerator random;
     UndoStack undo{5};
     KeepStore keep;

@@ -96,5 +96,7 @@ constexpr int SettingsBrokenTitle = 5123;
 constexpr int SettingsBroken = 5125;
 constexpr int EasterEgg = 5127;
 constexpr int OpenDialogTitle = 5129;
+constexpr int NotAvailableYet = 5131;
+constexpr int EffectBrowse = 5133;
 
 } // namespace lumiran::ids

@@ -9,6 +9,8 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "catalogue/effect_dispatch.h"
+#include "catalogue/effect_table.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/picture_view.h"
 #include "shell/ui/surface_image.h"
@@ -96,8 +98,8 @@ void FrmDocument::buildMenus() {
     view->addAction(res(ids::ViewOptions), &f, &FrmMain::showOptions);
 
     addTopMenu("mnuTools", ids::MenuTools)->setEnabled(false);
-    addTopMenu("mnuEffect", ids::MenuEffect)->setEnabled(false);
-    addTopMenu("mnuCompose", ids::MenuCompose)->setEnabled(false);
+    buildEffectMenus(*addTopMenu("mnuEffect", ids::MenuEffect),
+                     *addTopMenu("mnuCompose", ids::MenuCompose));
 
     QMenu* raster = addTopMenu("mnuRaster", ids::MenuRaster);
     raster->addAction(res(ids::StatusBackColor) + "/" + res(ids::StatusDrawingColor) + "...", &f,
@@ -118,6 +120,71 @@ void FrmDocument::buildMenus() {
     MnuProgress->setEnabled(false);
 }
 
+void FrmDocument::buildEffectMenus(QMenu& effectMenu, QMenu& composeMenu) {
+    // Every family becomes a menu; each is then placed in the menu that holds it.
+    struct Placed {
+        const EffectFamily* family;
+        QMenu* menu;
+    };
+    std::vector<Placed> placed;
+    for (const EffectFamily& family : effectFamilies()) {
+        QMenu* menu = family.parentMenu.empty() ? &composeMenu : new QMenu(this);
+        menu->setObjectName(qs(family.menu));
+        menu->setTitle(family.browseCategoryId != 0 ? res(family.browseCategoryId)
+                                                    : qs(family.caption));
+        menu->setToolTipsVisible(true);
+        int next = 0;
+        for (const EffectEntry& entry : effectCatalogue()) {
+            if (entry.menu != family.menu) continue;
+            // Gaps in the indices are separators.
+            for (; next < entry.index; ++next) menu->addSeparator();
+            next = entry.index + 1;
+            const QString text = entry.stringId != 0 ? res(entry.stringId) : qs(entry.caption);
+            QAction* action = menu->addAction(text.isEmpty() ? qs(entry.key) : text);
+            action->setObjectName(qs(family.menu) + QString::number(entry.index));
+            if (effectDispatch().contains(entry.dialog, entry.code)) {
+                connect(action, &QAction::triggered, this,
+                        [this, &entry] { frame_.openEffectDialog(*this, entry); });
+            } else {
+                action->setEnabled(false);
+                action->setToolTip(res(ids::NotAvailableYet));
+            }
+        }
+        if (family.browseCategoryId != 0) {
+            menu->addSeparator();
+            menu->addAction(res(ids::EffectBrowse))->setEnabled(false);
+        }
+        placed.push_back({&family, menu});
+    }
+    auto placeInto = [&](QMenu& holder, std::string_view holderName) {
+        std::vector<Placed> children;
+        for (const Placed& p : placed) {
+            if (p.family->parentMenu == holderName) children.push_back(p);
+        }
+        std::ranges::sort(children, {}, [](const Placed& p) { return p.family->parentIndex; });
+        for (const Placed& p : children) holder.addMenu(p.menu);
+    };
+    // Effect1No: the families, a separator, "Browse..." and the DLA submenu.
+    std::vector<Placed> families;
+    for (const Placed& p : placed) {
+        if (p.family->parentMenu == "Effect1No" && p.family->browseCategoryId != 0) {
+            families.push_back(p);
+        }
+    }
+    std::ranges::sort(families, {}, [](const Placed& p) { return p.family->parentIndex; });
+    for (const Placed& p : families) effectMenu.addMenu(p.menu);
+    effectMenu.addSeparator();
+    effectMenu.addAction(res(ids::EffectBrowse))->setEnabled(false);
+    for (const Placed& p : placed) {
+        if (p.family->parentMenu == "Effect1No" && p.family->browseCategoryId == 0) {
+            effectMenu.addMenu(p.menu);
+        }
+    }
+    for (const Placed& p : placed) {
+        if (p.family->parentMenu.empty()) placeInto(*p.menu, p.family->menu);
+    }
+}
+
 void FrmDocument::refreshHistory() {
     const LoadHistory& history = frame_.settings().history;
     const std::size_t visible = history.visibleCount();
@@ -131,7 +198,7 @@ void FrmDocument::refreshHistory() {
 
 void FrmDocument::SetMenusEnabled(bool enable) {
     menusEnabled_ = enable;
-    static const char* const alwaysOffForNow[] = {"mnuTools", "mnuEffect", "mnuCompose"};
+    static const char* const alwaysOffForNow[] = {"mnuTools"};
     for (QMenu* m : topMenus_) {
         bool on = enable;
         for (const char* name : alwaysOffForNow) {

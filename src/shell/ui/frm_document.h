@@ -46,6 +46,7 @@ protected:
 
 private:
     void buildMenus();
+    void buildEffectMenus(QMenu& effectMenu, QMenu& composeMenu);
     QMenu* addTopMenu(const char* objectName, int captionId);
 
     FrmMain& frame_;

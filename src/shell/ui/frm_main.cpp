@@ -26,6 +26,7 @@
 
 #include <algorithm>
 
+#include "catalogue/ui/effect_dialog.h"
 #include "engine/calculation.h"
 #include "engine/raster_step.h"
 #include "imagefiles/image_load_error.h"
@@ -498,6 +499,19 @@ void FrmMain::openCommandLine(const QString& commandLine) {
     for (const QString& piece : commandLine.split(' ', Qt::SkipEmptyParts)) openFile(piece);
 }
 
+void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) {
+    if (state_.ProcessingFlag == 1) return;
+    Document& model = document.document();
+    if (model.ToolsFlag == 4 || model.ToolsFlag == 2) model.ToolsFlag = 3;
+    // The forms are loaded afresh for every effect.
+    if (effectDialog_) effectDialog_->close();
+    auto* dialog = new EffectDialog(entry.dialog, *this, document);
+    effectDialog_ = dialog;
+    dialog->configure(entry);
+    state_.PreviewReady = 1;
+    dialog->show();
+}
+
 void FrmMain::openWithDialog() {
     QString start;
     if (settings_.OpenFolder != LoadHistory::Empty) start = qs(settings_.OpenFolder);
@@ -655,8 +669,10 @@ void FrmMain::onRunFinished(Document* document) {
     }
 }
 
-void FrmMain::documentClosed(FrmDocument*) {
+void FrmMain::documentClosed(FrmDocument* document) {
     --documentCount_;
+    // A form configured for this document has nothing left to work on.
+    if (effectDialog_ && &effectDialog_->document() == document) effectDialog_->close();
     // The closing window still counts among the subwindows until it is gone.
     QTimer::singleShot(0, this, &FrmMain::refreshMenus);
 }

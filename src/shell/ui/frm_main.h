@@ -22,6 +22,8 @@ class FrmDocument;
 class KeyValueStore;
 class PlatformDecoder;
 class RunController;
+struct EffectEntry;
+class EffectDialog;
 
 // The main frame: the document windows, the frame's own menu while no
 // document is open, toolbar, status bar, settings and the commands both
@@ -62,6 +64,10 @@ public:
     // Runs an effect body on a document through the run frame. Until the
     // effect menus exist this is how a run is started (tests).
     bool runEffect(FrmDocument& document, EffectBody body, RunOptions options = {});
+
+    // An effect's menu entry: the running area tool ends, the entry's form is
+    // configured for it and shown modeless.
+    void openEffectDialog(FrmDocument& document, const EffectEntry& entry);
 
     // Commands of the menus and the toolbar.
     void openWithDialog();
@@ -129,6 +135,7 @@ private:
     QLabel* toolPanel_ = nullptr;
     QLabel* backColorPanel_ = nullptr;
     QLabel* drawingColorPanel_ = nullptr;
+    QPointer<EffectDialog> effectDialog_;
 };
 
 } // namespace lumiran

@@ -1,0 +1,109 @@
+// The parameter forms, configured from the table, with preview and OK.
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QtTest>
+
+#include "catalogue/effect_table.h"
+#include "catalogue/ui/effect_dialog.h"
+#include "effects/colour/class_color_op.h"
+#include "platform/qt_picture_decoder.h"
+#include "shell/ui/frm_document.h"
+#include "shell/ui/frm_main.h"
+#include "shell/ui/run_controller.h"
+
+using namespace lumiran;
+
+class EffectDialogTest : public QObject {
+    Q_OBJECT
+
+    QtPictureDecoder decoder_;
+
+    static EffectDialog* currentDialog() {
+        for (QWidget* w : QApplication::topLevelWidgets()) {
+            if (auto* d = qobject_cast<EffectDialog*>(w); d != nullptr && d->isVisible()) return d;
+        }
+        return nullptr;
+    }
+
+private slots:
+    void monotoneIsConfiguredFromTheTable() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        QVERIFY(doc != nullptr);
+        frame.openEffectDialog(*doc, *findEffect("Monotone"));
+        EffectDialog* dialog = currentDialog();
+        QVERIFY(dialog != nullptr);
+        QCOMPARE(dialog->objectName(), QString("frm_Monotone"));
+        QCOMPARE(dialog->windowTitle(), QString("ﾓﾉﾄｰﾝ"));
+        QCOMPARE(dialog->code(), 0);
+        QCOMPARE(dialog->colorList()->count(), 16);
+        QCOMPARE(dialog->colorList()->currentRow(), 0);
+        QCOMPARE(dialog->colorList()->objectName(), QString("MonoList"));
+        QCOMPARE(frame.state().PreviewReady, 1);
+        // The scaled copy keeps the sample's 4:3 ratio inside the 140-pixel box.
+        QCOMPARE(dialog->previewSource().width(), 140);
+        QCOMPARE(dialog->previewSource().height(), 105);
+        dialog->close();
+        QCOMPARE(frame.state().PreviewReady, 0);
+    }
+
+    void autoPreviewFollowsAListButNotTheDefaultButton() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.setAutoPreview(true);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        frame.openEffectDialog(*doc, *findEffect("Monotone"));
+        EffectDialog* dialog = currentDialog();
+        QVERIFY(dialog != nullptr);
+        QCOMPARE(dialog->previewCount(), 0);
+        dialog->colorList()->setCurrentRow(3);
+        QCOMPARE(dialog->previewCount(), 1);
+        const Surface blue = dialog->previewResult();
+        dialog->colorList()->setCurrentRow(1);
+        QCOMPARE(dialog->previewCount(), 2);
+        dialog->DefaultButton_Click();
+        QCOMPARE(dialog->previewCount(), 2);
+        QCOMPARE(dialog->colorList()->currentRow(), 0);
+        QVERIFY(dialog->previewResult() == dialog->previewSource());
+        // Back on row 3, the preview starts again from the source.
+        dialog->colorList()->setCurrentRow(3);
+        QVERIFY(dialog->previewResult() == blue);
+        dialog->close();
+    }
+
+    void withoutAutoPreviewOnlyTheButtonPreviews() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.setAutoPreview(false);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        frame.openEffectDialog(*doc, *findEffect("Monotone"));
+        EffectDialog* dialog = currentDialog();
+        dialog->colorList()->setCurrentRow(2);
+        QCOMPARE(dialog->previewCount(), 0);
+        dialog->PreviewButton_Click();
+        QCOMPARE(dialog->previewCount(), 1);
+        dialog->close();
+    }
+
+    void okRunsTheEffectOnTheDocumentWithUndo() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        const Surface before = doc->document().picture;
+        frame.openEffectDialog(*doc, *findEffect("Monotone"));
+        EffectDialog* dialog = currentDialog();
+        dialog->colorList()->setCurrentRow(1);
+        dialog->OKButton_Click();
+        frame.runs().waitForEnd();
+        const Pixel p = before.at(100, 100);
+        QCOMPARE(doc->document().picture.at(100, 100) & 0xFFFFFFu,
+                 makePixel(redOf(p), redOf(p), redOf(p)));
+        QCOMPARE(int(frame.state().undo.UndoCount()), 1);
+        QVERIFY(frame.state().ProcessingFlag == 0);
+    }
+};
+
+QTEST_MAIN(EffectDialogTest)
+#include "effect_dialog_test.moc"

@@ -44,9 +44,8 @@ const Catalogue& catalogue() {
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) {
-        return std::tolower(x) == std::tolower(y);
-    });
+    return std::ranges::equal(
+        a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
 } // namespace
@@ -61,7 +60,9 @@ const SliderSpec* EffectEntry::slider(int number) const {
     return it == sliders.end() ? nullptr : &*it;
 }
 
-std::span<const EffectFamily> effectFamilies() { return catalogue().families; }
+std::span<const EffectFamily> effectFamilies() {
+    return catalogue().families;
+}
 
 const EffectFamily* findFamily(std::string_view menu) {
     const auto families = effectFamilies();
@@ -69,11 +70,14 @@ const EffectFamily* findFamily(std::string_view menu) {
     return it == families.end() ? nullptr : &*it;
 }
 
-std::span<const EffectEntry> effectCatalogue() { return catalogue().entries; }
+std::span<const EffectEntry> effectCatalogue() {
+    return catalogue().entries;
+}
 
 ControlValues defaultControlValues(const EffectEntry& effect) {
     ControlValues values;
-    for (const SliderSpec& s : effect.sliders) values.sliders[s.number - 1] = s.defaultValue;
+    for (const SliderSpec& s : effect.sliders)
+        values.sliders[s.number - 1] = s.defaultValue;
     return values;
 }
 

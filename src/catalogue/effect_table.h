@@ -1,11 +1,11 @@
 #pragma once
 
+#include "catalogue/control_values.h"
+#include "catalogue/dialog_kind.h"
+
 #include <span>
 #include <string_view>
 #include <vector>
-
-#include "catalogue/control_values.h"
-#include "catalogue/dialog_kind.h"
 
 namespace lumiran {
 
@@ -24,9 +24,12 @@ enum class ListKind { E, C, G };
 // The letter a list goes by: E ETypeList, C ColorList (MonoList), G DistanceCombo.
 [[nodiscard]] constexpr char listLetter(ListKind kind) {
     switch (kind) {
-    case ListKind::E: return 'E';
-    case ListKind::C: return 'C';
-    case ListKind::G: return 'G';
+    case ListKind::E:
+        return 'E';
+    case ListKind::C:
+        return 'C';
+    case ListKind::G:
+        return 'G';
     }
     return '?';
 }

@@ -25,7 +25,8 @@ std::vector<std::string> splitCommas(const std::string& option, const std::strin
                                      std::size_t count) {
     std::vector<std::string> parts;
     std::stringstream stream(text);
-    for (std::string part; std::getline(stream, part, ',');) parts.push_back(part);
+    for (std::string part; std::getline(stream, part, ',');)
+        parts.push_back(part);
     if (parts.size() != count || (!text.empty() && text.back() == ',')) {
         throw UsageError(option + ": expected " + std::to_string(count) +
                          " comma-separated numbers, got '" + text + "'");
@@ -127,7 +128,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& args) {
     if (!cl.output.empty() && !cl.outDir.empty()) {
         throw UsageError("give either -o OUTPUT or --out-dir DIR, not both");
     }
-    if (cl.output.empty() && cl.outDir.empty()) throw UsageError("apply needs -o OUTPUT or --out-dir DIR");
+    if (cl.output.empty() && cl.outDir.empty())
+        throw UsageError("apply needs -o OUTPUT or --out-dir DIR");
     if (!cl.output.empty() && cl.inputs.size() != 1) {
         throw UsageError("-o takes one INPUT; use --out-dir DIR for several");
     }

@@ -1,13 +1,9 @@
 #include "cli/cli_commands.h"
 
-#include <filesystem>
-#include <map>
-#include <ostream>
-#include <set>
-
-#include "catalogue/effect_table.h"
 #include "catalogue/effect_dispatch.h"
+#include "catalogue/effect_table.h"
 #include "cli/cli_args.h"
+#include "cli/cli_list.h"
 #include "imagefiles/bitmap_writer.h"
 #include "imagefiles/image_file_error.h"
 #include "imagefiles/image_load_error.h"
@@ -16,6 +12,11 @@
 #include "shell/string_table.h"
 #include "shell/ui_string_ids.h"
 
+#include <filesystem>
+#include <map>
+#include <ostream>
+#include <set>
+
 namespace lumiran::cli {
 namespace {
 
@@ -23,7 +24,7 @@ namespace fs = std::filesystem;
 
 // A failed effect or refused save, reported with exit code 1.
 class RunFailure : public std::runtime_error {
-public:
+  public:
     using std::runtime_error::runtime_error;
 };
 
@@ -160,7 +161,8 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err,
             outputs.push_back(target);
         }
     }
-    for (const fs::path& output : outputs) checkOutputFolder(output);
+    for (const fs::path& output : outputs)
+        checkOutputFolder(output);
 
     ProgramState state;
     state.flags.calculationFlag = static_cast<std::uint8_t>(cl.calculationFlag);
@@ -223,6 +225,10 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             return ExitOk;
         }
         const CommandLine cl = parseCommandLine(args);
+        if (cl.command == "list") {
+            printEffectList(out, cl.json);
+            return ExitOk;
+        }
         if (cl.command == "convert") return runConvert(cl, out, decoder);
         return runApply(cl, out, err, decoder);
     } catch (const UsageError& error) {

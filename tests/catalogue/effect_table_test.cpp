@@ -1,13 +1,12 @@
-#include <gtest/gtest.h>
+#include "catalogue/effect_table.h"
+#include "shell/string_table.h"
 
 #include <algorithm>
 #include <cctype>
+#include <gtest/gtest.h>
 #include <map>
 #include <set>
 #include <string>
-
-#include "catalogue/effect_table.h"
-#include "shell/string_table.h"
 
 namespace lumiran {
 namespace {
@@ -42,14 +41,14 @@ std::set<std::string> callWords(std::string_view call) {
 
 TEST(EffectTable, MenusHoldTheirEffectsInMenuOrder) {
     const std::vector<std::pair<std::string_view, int>> expected = {
-        {"ColorNo", 23},        {"ColorTableNo", 18},     {"GradationNo", 6},
-        {"PseudoColorNo", 12},  {"PatternNo", 17},        {"ColorBalanceNo", 6},
-        {"DitherNo", 11},       {"BinarizationNo", 10},   {"NoiseEffectNo", 11},
-        {"EdgeDetectionNo", 8}, {"OutlineNo", 4},         {"MosaicNo", 15},
-        {"EmbossingNo", 11},    {"FilterNo", 23},         {"DistortionNo", 13},
-        {"PixelMoveNo", 21},    {"TransformNo", 6},       {"InvasionEffectNo", 7},
-        {"TileWallNo", 6},      {"WarpChangeNo", 5},      {"BringNo", 3},
-        {"FunNo", 11},          {"GiftNo", 1},            {"mnueditanding", 12},
+        {"ColorNo", 23},        {"ColorTableNo", 18},   {"GradationNo", 6},
+        {"PseudoColorNo", 12},  {"PatternNo", 17},      {"ColorBalanceNo", 6},
+        {"DitherNo", 11},       {"BinarizationNo", 10}, {"NoiseEffectNo", 11},
+        {"EdgeDetectionNo", 8}, {"OutlineNo", 4},       {"MosaicNo", 15},
+        {"EmbossingNo", 11},    {"FilterNo", 23},       {"DistortionNo", 13},
+        {"PixelMoveNo", 21},    {"TransformNo", 6},     {"InvasionEffectNo", 7},
+        {"TileWallNo", 6},      {"WarpChangeNo", 5},    {"BringNo", 3},
+        {"FunNo", 11},          {"GiftNo", 1},          {"mnueditanding", 12},
         {"suteganono", 2}};
     const auto families = effectFamilies();
     const auto effects = effectCatalogue();
@@ -108,7 +107,8 @@ TEST(EffectTable, EachDialogCodeNamesOneEffect) {
 
 TEST(EffectTable, RoutinesConfigureTheirShareOfEffects) {
     std::map<PreviewRoutine, int> count;
-    for (const EffectEntry& e : effectCatalogue()) ++count[e.routine];
+    for (const EffectEntry& e : effectCatalogue())
+        ++count[e.routine];
     using enum PreviewRoutine;
     EXPECT_EQ(count[PreviewStart], 41);
     EXPECT_EQ(count[PreviewStartKai], 48);
@@ -121,11 +121,12 @@ TEST(EffectTable, RoutinesConfigureTheirShareOfEffects) {
 
 TEST(EffectTable, KeysAreTheStringsOfTheirIdsOrTheKnownLiterals) {
     const std::set<std::string_view> literals = {
-        "Black Widow",    "Silver M",       "Mount Marilyn",      "Cold Seed",
-        "Snow White",     "Dast and Sway",  "Bring Right Under",  "Bring Left Top",
-        "Gather 3x3",     "Ellipse",        "Smoke 1",            "Invasion Red",
-        "Invasion Green", "Invasion Blue",  "Invasion Max",       "Invasion Middle",
-        "Invasion Min",   "Invasion Blightness"};
+        "Black Widow",       "Silver M",       "Mount Marilyn",
+        "Cold Seed",         "Snow White",     "Dast and Sway",
+        "Bring Right Under", "Bring Left Top", "Gather 3x3",
+        "Ellipse",           "Smoke 1",        "Invasion Red",
+        "Invasion Green",    "Invasion Blue",  "Invasion Max",
+        "Invasion Middle",   "Invasion Min",   "Invasion Blightness"};
     std::set<std::string_view> foundLiterals;
     std::set<std::string_view> keys;
     for (const EffectEntry& e : effectCatalogue()) {
@@ -152,9 +153,10 @@ TEST(EffectTable, SpellingsTheMenusRelyOn) {
     EXPECT_EQ(entry("Snowwhite").key, "Snow White");
     EXPECT_EQ(entry("Moving Average").windowTitle(), "移動平均");
     // These read as English but are strings of the table.
-    for (const auto& [caption, id] : std::map<std::string_view, int>{
-             {"Bleeding Filter", 3623}, {"Force Fields", 3455},
-             {"Glowing Pixel 1", 4211}, {"Glowing Pixel 2", 4213}}) {
+    for (const auto& [caption, id] : std::map<std::string_view, int>{{"Bleeding Filter", 3623},
+                                                                     {"Force Fields", 3455},
+                                                                     {"Glowing Pixel 1", 4211},
+                                                                     {"Glowing Pixel 2", 4213}}) {
         EXPECT_EQ(entry(caption).stringId, id);
         EXPECT_EQ(entry(caption).key, caption);
     }
@@ -167,9 +169,9 @@ TEST(EffectTable, ControlsAreOnesTheDialogHas) {
     };
     using enum ListKind;
     const std::map<DialogKind, Controls> forms = {
-        {DialogKind::Monotone, {0, {C}}},      {DialogKind::Sepia, {1, {}}},
-        {DialogKind::Negative, {1, {C}}},      {DialogKind::Emboss, {1, {E, C}}},
-        {DialogKind::Level, {2, {E, C, G}}},   {DialogKind::ColorScale, {2, {E, C}}},
+        {DialogKind::Monotone, {0, {C}}},    {DialogKind::Sepia, {1, {}}},
+        {DialogKind::Negative, {1, {C}}},    {DialogKind::Emboss, {1, {E, C}}},
+        {DialogKind::Level, {2, {E, C, G}}}, {DialogKind::ColorScale, {2, {E, C}}},
         {DialogKind::Mani, {8, {E, C}}}};
     for (const EffectEntry& e : effectCatalogue()) {
         const Controls& form = forms.at(e.dialog);
@@ -194,8 +196,8 @@ TEST(EffectTable, CallsFindTheControlsTheyRead) {
     // Calls that pass a slider the effect never configures: it stays hidden
     // at its design value.
     const std::set<std::pair<std::string_view, std::string>> hiddenSliders = {
-        {"RGB", "S4"},    {"YCbCr", "S4"},  {"HSV", "S4"},   {"HLS", "S4"},
-        {"YUV", "S4"},    {"Jiggle", "S3"}, {"Jiggle", "S4"}};
+        {"RGB", "S4"}, {"YCbCr", "S4"},  {"HSV", "S4"},   {"HLS", "S4"},
+        {"YUV", "S4"}, {"Jiggle", "S3"}, {"Jiggle", "S4"}};
     std::set<std::pair<std::string_view, std::string>> found;
     for (const EffectEntry& e : effectCatalogue()) {
         const auto words = callWords(e.call);
@@ -278,7 +280,8 @@ TEST(EffectTable, FindEffectTakesTheKeyThenTheCaption) {
     for (const EffectEntry& e : effectCatalogue()) {
         if (e.caption.empty()) continue;
         std::string lower(e.caption);
-        for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        for (char& c : lower)
+            c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         EXPECT_TRUE(captions.emplace(lower, e.key).second) << e.caption;
     }
     for (const EffectEntry& e : effectCatalogue()) {

@@ -1,10 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
+#include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
 #include "cli/cli_commands.h"
 #include "effects/colour/class_color_op.h"
@@ -14,6 +8,15 @@
 #include "imagefiles/load_dispatch.h"
 #include "platform/qt_picture_decoder.h"
 #include "test_support.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
 
 namespace lumiran {
 namespace {
@@ -66,9 +69,9 @@ Surface expectedGray(const Surface& source, std::uint8_t kind, std::uint8_t calc
 
 TEST_F(CliTest, EndToEndOnTheBundledSample) {
     const std::string output = path("out.bmp");
-    const std::string command = std::string(LUMIRAN_CLI_PATH) +
-                                " apply --effect Monotone --c 11 --calc 1 " LUMIRAN_SAMPLE_PATH
-                                " -o " + output;
+    const std::string command =
+        std::string(LUMIRAN_CLI_PATH) +
+        " apply --effect Monotone --c 11 --calc 1 " LUMIRAN_SAMPLE_PATH " -o " + output;
     ASSERT_EQ(std::system(command.c_str()), 0);
     const Surface sample = readBmp(readWholeFile(LUMIRAN_SAMPLE_PATH, 1 << 26));
     EXPECT_TRUE(read("out.bmp").sameColours(expectedGray(sample, 11, 1)));
@@ -143,7 +146,8 @@ TEST_F(CliTest, TruncatedInputIsRefused) {
     auto bytes = encodeBmp24(testing::makeVariedPicture(8, 8));
     bytes.resize(bytes.size() / 2);
     std::ofstream(dir / "cut.bmp", std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
     EXPECT_EQ(run({"convert", path("cut.bmp"), "-o", path("o.bmp")}), cli::ExitUsage);
     EXPECT_NE(err.str().find("cut.bmp"), std::string::npos);
     EXPECT_FALSE(fs::exists(dir / "o.bmp"));
@@ -175,6 +179,97 @@ TEST_F(CliTest, OwnReadersAreReachedByExtension) {
     EXPECT_EQ(run({"convert", path("bad.tga"), "-o", path("t.bmp")}), cli::ExitUsage);
     EXPECT_NE(err.str().find("ｴﾗｰ"), std::string::npos) << err.str();
     EXPECT_EQ(run({"convert", path("in.xyz"), "-o", path("x.bmp")}), cli::ExitUsage);
+}
+
+// An effect whose case is not registered yet, if there is one left.
+const EffectEntry* unavailableEffect() {
+    for (const EffectEntry& e : effectCatalogue()) {
+        if (planEffect(e.dialog, e.code, defaultControlValues(e)).status !=
+            EffectPlan::Status::Ready) {
+            return &e;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<std::string> splitBlocks(const std::string& text) {
+    std::vector<std::string> blocks;
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find("\n\n", start)) != std::string::npos; start = end + 2) {
+        blocks.push_back(text.substr(start, end + 1 - start));
+    }
+    blocks.push_back(text.substr(start));
+    return blocks;
+}
+
+TEST_F(CliTest, ListPrintsOneBlockPerEffect) {
+    ASSERT_EQ(run({"list"}), 0) << err.str();
+    const auto blocks = splitBlocks(out.str());
+    ASSERT_EQ(blocks.size(), 262u);
+    EXPECT_TRUE(blocks[0].starts_with("Monotone\n")) << blocks[0];
+    EXPECT_NE(blocks[0].find("key:     ﾓﾉﾄｰﾝ\n"), std::string::npos) << blocks[0];
+    EXPECT_NE(blocks[0].find("frm_Monotone, code 0"), std::string::npos);
+    EXPECT_NE(blocks[0].find("status:  available\n"), std::string::npos);
+    EXPECT_NE(blocks[0].find("list C:  ﾓﾉﾄｰﾝ･ﾀｲﾌﾟ: RGB:RGB | RGB:赤"), std::string::npos);
+
+    const auto block = [&](std::string_view heading) {
+        const auto it = std::ranges::find_if(blocks, [&](const std::string& b) {
+            return b.starts_with(std::string(heading) + "\n");
+        });
+        return it == blocks.end() ? std::string() : *it;
+    };
+    const std::string range = block("Shade Range Adjust");
+    EXPECT_NE(range.find("slider 1: 最小値 0..255, default 64\n"), std::string::npos) << range;
+    EXPECT_NE(range.find("slider 2: 最大値 0..255, default 192\n"), std::string::npos) << range;
+    EXPECT_FALSE(block("範囲濃度切り替え").empty()); // no caption: headed by its key
+
+    if (const EffectEntry* missing = unavailableEffect()) {
+        const std::string text = block(missing->caption.empty() ? missing->key : missing->caption);
+        EXPECT_NE(text.find("status:  not available yet\n"), std::string::npos) << text;
+    }
+}
+
+TEST_F(CliTest, ListAsJsonIsAnArrayOfEveryEffect) {
+    ASSERT_EQ(run({"list", "--json"}), 0) << err.str();
+    QJsonParseError error;
+    const QJsonDocument document =
+        QJsonDocument::fromJson(QByteArray::fromStdString(out.str()), &error);
+    ASSERT_EQ(error.error, QJsonParseError::NoError) << error.errorString().toStdString();
+    const QJsonArray effects = document.array();
+    ASSERT_EQ(effects.size(), 262);
+
+    const QJsonObject monotone = effects[0].toObject();
+    EXPECT_EQ(monotone["caption"].toString(), "Monotone");
+    EXPECT_EQ(monotone["key"].toString(), QString::fromUtf8("ﾓﾉﾄｰﾝ"));
+    EXPECT_EQ(monotone["family"].toString(), "Color");
+    EXPECT_EQ(monotone["dialog"].toString(), "frm_Monotone");
+    EXPECT_EQ(monotone["availability"].toString(), "available");
+    const QJsonObject list = monotone["lists"].toArray()[0].toObject();
+    EXPECT_EQ(list["letter"].toString(), "C");
+    EXPECT_EQ(list["rows"].toArray().size(), 16);
+
+    const QJsonObject sway =
+        effects[static_cast<int>(findEffect("Sway 1") - effectCatalogue().data())].toObject();
+    EXPECT_EQ(sway["key"].toString(), "Dast and Sway");
+    EXPECT_EQ(sway["code"].toInt(), 14);
+    EXPECT_EQ(sway["sliders"].toArray()[1].toObject()["max"].toInt(), 500);
+
+    if (const EffectEntry* missing = unavailableEffect()) {
+        const auto at = static_cast<int>(missing - effectCatalogue().data());
+        EXPECT_EQ(effects[at].toObject()["availability"].toString(), "not available yet");
+        EXPECT_FALSE(effects[at].toObject()["available"].toBool());
+    }
+}
+
+TEST_F(CliTest, ListTakesNothingButJson) {
+    for (const auto& args : std::vector<std::vector<std::string>>{
+             {"list", "in.bmp"}, {"list", "--xml"}, {"list", "--json", "-o", "x"}}) {
+        EXPECT_EQ(run(args), cli::ExitUsage) << args[1];
+        EXPECT_TRUE(out.str().empty());
+        EXPECT_NE(err.str().find("list"), std::string::npos) << err.str();
+    }
+    ASSERT_EQ(run({"--help"}), 0);
+    EXPECT_NE(out.str().find("lumiran-cli list [--json]"), std::string::npos);
 }
 
 TEST_F(CliTest, ConvertCopiesThePicture) {

@@ -2,6 +2,7 @@
 // each comes up with its texts. With LUMIRAN_SCREENSHOT_DIR set it also
 // saves a picture of each, for looking at the editor without a display.
 #include <QDir>
+#include <QMenu>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -28,7 +29,7 @@ class TourTest : public QObject {
     static void keep(QWidget& window, const QString& name) {
         window.show();
         QApplication::processEvents();
-        QVERIFY(!window.windowTitle().isEmpty() || name == "frame");
+        QVERIFY(!window.windowTitle().isEmpty() || name == "frame" || name.startsWith("menu"));
         const QString dir = qEnvironmentVariable("LUMIRAN_SCREENSHOT_DIR");
         if (!dir.isEmpty()) window.grab().save(QDir(dir).filePath(name + ".png"));
     }
@@ -41,6 +42,14 @@ private slots:
         FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
         QVERIFY(doc != nullptr);
         keep(frame, "frame");
+        QMenu* effects = doc->menu("mnuEffect");
+        QVERIFY(effects != nullptr);
+        QCOMPARE(effects->actions().size(), 25); // 22 families, separator, Browse..., DLA
+        keep(*effects, "menu_effect");
+        QMenu* colour = effects->actions().first()->menu();
+        QVERIFY(colour != nullptr);
+        keep(*colour, "menu_color");
+        keep(*doc->menu("mnuCompose"), "menu_compose");
 
         frm_Option options(frame.settings());
         for (int tab = 0; tab < 7; ++tab) {

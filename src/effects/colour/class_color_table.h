@@ -1,10 +1,10 @@
 #pragma once
 
-#include <algorithm>
-#include <cstdint>
-
 #include "effects/colour/level_table.h"
 #include "engine/pixel_frame.h"
+
+#include <algorithm>
+#include <cstdint>
 
 namespace lumiran {
 
@@ -17,7 +17,7 @@ namespace lumiran {
 // lightness L, then every channel scaled by rule(L) / L). A selector outside
 // 0..7 selects no channel: the pixels only go through the shared tail.
 class Class_ColorTable : public PixelFrame {
-public:
+  public:
     using PixelFrame::PixelFrame;
 
     // |value - c|; the brightness form scales by value - L, sign kept.
@@ -26,8 +26,8 @@ public:
     // Kinds 0..5 name channels that get + amount, the others - amount;
     // kinds 6, 7, 8 give + amount to the channels of the largest, middle or
     // smallest rank.
-    void ColorEmphasize(std::int16_t amount, std::int16_t kind, std::int16_t left,
-                        std::int16_t top, std::int16_t right, std::int16_t bottom);
+    void ColorEmphasize(std::int16_t amount, std::int16_t kind, std::int16_t left, std::int16_t top,
+                        std::int16_t right, std::int16_t bottom);
     // A channel within low..high takes the matching component of the colour.
     void ShadeRangeExChange(std::int16_t high, std::int16_t low, std::int16_t left,
                             std::int16_t top, std::int16_t right, std::int16_t bottom,
@@ -50,12 +50,12 @@ public:
     void MedianLevelEmphasize(std::int16_t selector, std::int16_t amount, std::int16_t left,
                               std::int16_t top, std::int16_t right, std::int16_t bottom);
     void Phantom(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
-                 std::int16_t selector, double sine, double cosine, double light,
-                 double horizontal, double vertical);
+                 std::int16_t selector, double sine, double cosine, double light, double horizontal,
+                 double vertical);
     // Kinds 0..5 overwrite the channels not named with value, straight into
     // the array; kinds 6..8 keep the channels of that rank.
-    void ColorViewChange(std::int16_t kind, std::int16_t value, std::int16_t left,
-                         std::int16_t top, std::int16_t right, std::int16_t bottom);
+    void ColorViewChange(std::int16_t kind, std::int16_t value, std::int16_t left, std::int16_t top,
+                         std::int16_t right, std::int16_t bottom);
     // A channel above threshold becomes 255 - c.
     void Sorarization(std::int16_t threshold, std::int16_t selector, std::int16_t left,
                       std::int16_t top, std::int16_t right, std::int16_t bottom);
@@ -67,23 +67,21 @@ public:
                                std::int16_t left, std::int16_t top, std::int16_t right,
                                std::int16_t bottom);
     // Through a table of random steps, one every period + 1 levels.
-    void RandomTable(std::int16_t selector, std::int16_t left, std::int16_t top,
-                     std::int16_t right, std::int16_t bottom, std::int16_t period);
+    void RandomTable(std::int16_t selector, std::int16_t left, std::int16_t top, std::int16_t right,
+                     std::int16_t bottom, std::int16_t period);
     // Limits channels to low..high; the low test looks at the source value.
-    void ColorLength(std::int16_t high, std::int16_t low, std::int16_t selector,
-                     std::int16_t left, std::int16_t top, std::int16_t right,
-                     std::int16_t bottom);
+    void ColorLength(std::int16_t high, std::int16_t low, std::int16_t selector, std::int16_t left,
+                     std::int16_t top, std::int16_t right, std::int16_t bottom);
     // Type 0 waves on the luminance grey, any other type on each channel.
-    void Kani(double sine, double cosine, double red, double green, double blue,
-              std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
-              std::int16_t type);
+    void Kani(double sine, double cosine, double red, double green, double blue, std::int16_t left,
+              std::int16_t top, std::int16_t right, std::int16_t bottom, std::int16_t type);
     void Uni(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
              double red, double green, double blue, double light, double weight);
     // Gamma by percent on the scale maxLevel (the dialogs pass 255).
     void GanmaRevision(std::int16_t maxLevel, std::int16_t percent, std::int16_t left,
                        std::int16_t top, std::int16_t right, std::int16_t bottom);
 
-private:
+  private:
     // How the result fields reach the array.
     enum class Store {
         SharedTail, // calculation type, or the clamp
@@ -92,8 +90,8 @@ private:
 
     // How the brightness form treats a pixel of lightness 0.
     enum class DarkPixel {
-        DivideByOne,      // D = 1, the pixel as it is
-        BecomesOne,       // the pixel's bytes are first overwritten with 1
+        DivideByOne, // D = 1, the pixel as it is
+        BecomesOne,  // the pixel's bytes are first overwritten with 1
     };
 
     // Rule f on the channels of the selector. brightness is what the
@@ -107,6 +105,9 @@ private:
     void applyTables(const ProcessRect& rect, const ChannelTables& tables,
                      Store store = Store::SharedTail);
     void applyBrightness(const ProcessRect& rect, const LevelTable& brightness, DarkPixel dark);
+    // The brightness form of one channel: |round(c / D times T)|.
+    [[nodiscard]] static std::int16_t scaledByBrightness(int channel, double divisor,
+                                                         double factor);
     // Histogram flattening for the modes on channels (1..8).
     void equaliseChannels(const ProcessRect& rect, std::int16_t selector);
     void equaliseAverage(const ProcessRect& rect);

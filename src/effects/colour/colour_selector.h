@@ -20,14 +20,22 @@ inline constexpr int BrightnessSelector = 7;
 // The channels of selector rows 0..6; any other row selects none.
 [[nodiscard]] constexpr ChannelMask selectedChannels(int selector) {
     switch (selector) {
-    case 0: return {true, true, true};
-    case 1: return {true, false, false};
-    case 2: return {false, true, false};
-    case 3: return {false, false, true};
-    case 4: return {true, true, false};
-    case 5: return {false, true, true};
-    case 6: return {true, false, true};
-    default: return {};
+    case 0:
+        return {true, true, true};
+    case 1:
+        return {true, false, false};
+    case 2:
+        return {false, true, false};
+    case 3:
+        return {false, false, true};
+    case 4:
+        return {true, true, false};
+    case 5:
+        return {false, true, true};
+    case 6:
+        return {true, false, true};
+    default:
+        return {};
     }
 }
 
@@ -55,10 +63,17 @@ inline constexpr int BrightnessSelector = 7;
 [[nodiscard]] constexpr ChannelMask rankedChannels(int kind, int r, int g, int b) {
     int value = 0;
     switch (kind) {
-    case 6: value = std::max({r, g, b}); break;
-    case 7: value = middleRankValue(r, g, b); break;
-    case 8: value = std::min({r, g, b}); break;
-    default: return {};
+    case 6:
+        value = std::max({r, g, b});
+        break;
+    case 7:
+        value = middleRankValue(r, g, b);
+        break;
+    case 8:
+        value = std::min({r, g, b});
+        break;
+    default:
+        return {};
     }
     return {r == value, g == value, b == value};
 }

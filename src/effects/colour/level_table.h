@@ -1,12 +1,12 @@
 #pragma once
 
+#include "engine/effect_error.h"
+#include "engine/numeric.h"
+
 #include <array>
 #include <bitset>
 #include <cstdint>
 #include <optional>
-
-#include "engine/effect_error.h"
-#include "engine/numeric.h"
 
 namespace lumiran {
 
@@ -16,7 +16,7 @@ namespace lumiran {
 // that entry, so a table fails exactly where a rule worked out pixel by
 // pixel would.
 class LevelTable {
-public:
+  public:
     static constexpr int Size = 256;
 
     // rule(level) gives the entry as an int, stored with the 16-bit wrap.
@@ -59,11 +59,12 @@ public:
     // The same table with every entry limited to low..high.
     [[nodiscard]] LevelTable limited(std::int16_t low, std::int16_t high) const {
         LevelTable table = *this;
-        for (std::int16_t& v : table.values_) v = v > high ? high : (v < low ? low : v);
+        for (std::int16_t& v : table.values_)
+            v = v > high ? high : (v < low ? low : v);
         return table;
     }
 
-private:
+  private:
     std::array<std::int16_t, Size> values_{};
     std::bitset<Size> failed_;
     std::optional<EffectError> error_;

@@ -9,6 +9,8 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include <map>
+
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
 #include "shell/ui/frm_main.h"
@@ -98,8 +100,9 @@ void FrmDocument::buildMenus() {
     view->addAction(res(ids::ViewOptions), &f, &FrmMain::showOptions);
 
     addTopMenu("mnuTools", ids::MenuTools)->setEnabled(false);
-    buildEffectMenus(*addTopMenu("mnuEffect", ids::MenuEffect),
-                     *addTopMenu("mnuCompose", ids::MenuCompose));
+    QMenu* effect = addTopMenu("mnuEffect", ids::MenuEffect);
+    QMenu* compose = addTopMenu("mnuCompose", ids::MenuCompose);
+    buildEffectMenus(*effect, *compose);
 
     QMenu* raster = addTopMenu("mnuRaster", ids::MenuRaster);
     raster->addAction(res(ids::StatusBackColor) + "/" + res(ids::StatusDrawingColor) + "...", &f,
@@ -121,67 +124,58 @@ void FrmDocument::buildMenus() {
 }
 
 void FrmDocument::buildEffectMenus(QMenu& effectMenu, QMenu& composeMenu) {
-    // Every family becomes a menu; each is then placed in the menu that holds it.
-    struct Placed {
-        const EffectFamily* family;
-        QMenu* menu;
-    };
-    std::vector<Placed> placed;
+    fillEffectMenu(effectMenu, "Effect1No");
+    fillEffectMenu(composeMenu, "mnueditanding");
+}
+
+void FrmDocument::fillEffectMenu(QMenu& menu, std::string_view menuName) {
+    menu.setToolTipsVisible(true);
+    // A row of the menu array is an effect, a submenu of another family, or
+    // (a gap in the indices) a separator.
+    std::map<int, const EffectEntry*> effects;
+    std::map<int, const EffectFamily*> submenus;
+    for (const EffectEntry& entry : effectCatalogue()) {
+        if (entry.menu == menuName) effects[entry.index] = &entry;
+    }
     for (const EffectFamily& family : effectFamilies()) {
-        QMenu* menu = family.parentMenu.empty() ? &composeMenu : new QMenu(this);
-        menu->setObjectName(qs(family.menu));
-        menu->setTitle(family.browseCategoryId != 0 ? res(family.browseCategoryId)
-                                                    : qs(family.caption));
-        menu->setToolTipsVisible(true);
-        int next = 0;
-        for (const EffectEntry& entry : effectCatalogue()) {
-            if (entry.menu != family.menu) continue;
-            // Gaps in the indices are separators.
-            for (; next < entry.index; ++next) menu->addSeparator();
-            next = entry.index + 1;
-            const QString text = entry.stringId != 0 ? res(entry.stringId) : qs(entry.caption);
-            QAction* action = menu->addAction(text.isEmpty() ? qs(entry.key) : text);
-            action->setObjectName(qs(family.menu) + QString::number(entry.index));
-            if (effectDispatch().contains(entry.dialog, entry.code)) {
-                connect(action, &QAction::triggered, this,
-                        [this, &entry] { frame_.openEffectDialog(*this, entry); });
-            } else {
-                action->setEnabled(false);
-                action->setToolTip(res(ids::NotAvailableYet));
-            }
-        }
-        if (family.browseCategoryId != 0) {
-            menu->addSeparator();
-            menu->addAction(res(ids::EffectBrowse))->setEnabled(false);
-        }
-        placed.push_back({&family, menu});
+        if (family.parentMenu == menuName) submenus[family.parentIndex] = &family;
     }
-    auto placeInto = [&](QMenu& holder, std::string_view holderName) {
-        std::vector<Placed> children;
-        for (const Placed& p : placed) {
-            if (p.family->parentMenu == holderName) children.push_back(p);
-        }
-        std::ranges::sort(children, {}, [](const Placed& p) { return p.family->parentIndex; });
-        for (const Placed& p : children) holder.addMenu(p.menu);
-    };
-    // Effect1No: the families, a separator, "Browse..." and the DLA submenu.
-    std::vector<Placed> families;
-    for (const Placed& p : placed) {
-        if (p.family->parentMenu == "Effect1No" && p.family->browseCategoryId != 0) {
-            families.push_back(p);
+    int last = -1;
+    if (!effects.empty()) last = std::max(last, effects.rbegin()->first);
+    if (!submenus.empty()) last = std::max(last, submenus.rbegin()->first);
+    for (int row = 0; row <= last; ++row) {
+        if (const auto e = effects.find(row); e != effects.end()) {
+            addEffectAction(menu, *e->second);
+        } else if (const auto f = submenus.find(row); f != submenus.end()) {
+            const EffectFamily& family = *f->second;
+            QMenu* sub = menu.addMenu(family.browseCategoryId != 0 ? res(family.browseCategoryId)
+                                                                   : qs(family.caption));
+            sub->setObjectName(qs(family.menu));
+            fillEffectMenu(*sub, family.menu);
+        } else if (menuName == "Effect1No" && row == 23) {
+            menu.addAction(res(ids::EffectBrowse))->setEnabled(false);
+        } else {
+            menu.addSeparator();
         }
     }
-    std::ranges::sort(families, {}, [](const Placed& p) { return p.family->parentIndex; });
-    for (const Placed& p : families) effectMenu.addMenu(p.menu);
-    effectMenu.addSeparator();
-    effectMenu.addAction(res(ids::EffectBrowse))->setEnabled(false);
-    for (const Placed& p : placed) {
-        if (p.family->parentMenu == "Effect1No" && p.family->browseCategoryId == 0) {
-            effectMenu.addMenu(p.menu);
-        }
+    const EffectFamily* own = findFamily(menuName);
+    if (own != nullptr && own->browseCategoryId != 0) {
+        menu.addSeparator();
+        menu.addAction(res(ids::EffectBrowse))->setEnabled(false);
     }
-    for (const Placed& p : placed) {
-        if (p.family->parentMenu.empty()) placeInto(*p.menu, p.family->menu);
+}
+
+void FrmDocument::addEffectAction(QMenu& menu, const EffectEntry& entry) {
+    const QString text = entry.stringId != 0 ? res(entry.stringId) : qs(entry.caption);
+    QAction* action = menu.addAction(text.isEmpty() ? qs(entry.key) : text);
+    action->setObjectName(qs(entry.menu) + QString::number(entry.index));
+    if (effectDispatch().contains(entry.dialog, entry.code)) {
+        connect(action, &QAction::triggered, this,
+                [this, &entry] { frame_.openEffectDialog(*this, entry); });
+    } else {
+        // Until its class operation exists an effect is shown but cannot start.
+        action->setEnabled(false);
+        action->setToolTip(res(ids::NotAvailableYet));
     }
 }
 

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QWidget>
 
+#include <string_view>
+
 #include "shell/document.h"
 
 class QAction;
@@ -12,6 +14,7 @@ class QScrollArea;
 namespace lumiran {
 
 class FrmMain;
+struct EffectEntry;
 class PictureView;
 
 // A document window: one picture with scroll bars and the document's own
@@ -47,6 +50,8 @@ protected:
 private:
     void buildMenus();
     void buildEffectMenus(QMenu& effectMenu, QMenu& composeMenu);
+    void fillEffectMenu(QMenu& menu, std::string_view menuName);
+    void addEffectAction(QMenu& menu, const EffectEntry& entry);
     QMenu* addTopMenu(const char* objectName, int captionId);
 
     FrmMain& frame_;

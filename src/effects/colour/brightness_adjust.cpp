@@ -1,0 +1,121 @@
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+#include "effects/colour/class_color_op.h"
+#include "effects/colour/color_op_support.h"
+#include "engine/colour_models.h"
+
+namespace lumiran {
+namespace {
+
+// BlightnessAdjust depends on a channel and the pixel's lightness only, so
+// its results are tabled once per run: table[lightness][channel].
+class LightnessScaleTable {
+public:
+    explicit LightnessScaleTable(int amount) : entries_(256 * 256) {
+        for (int l = 0; l < 256; ++l) {
+            // The target lightness, 16-bit: capped above, then its magnitude.
+            int t = wrap16(l + amount);
+            if (t > 255) t = 255;
+            t = wrap16(std::abs(t));
+            // A pixel of lightness 0 is first written as 1, 1, 1 and then
+            // divided by 1: its channels all become |t|.
+            const int divisor = nonZero(l);
+            for (int c = 0; c < 256; ++c) {
+                const int source = l == 0 ? 1 : c;
+                const double value = static_cast<double>(source) / divisor * t;
+                // Only channels up to 2 l + 1 occur with lightness l.
+                const bool reachable = c <= 2 * l + 1;
+                const double rounded = roundHalfEven(value);
+                if (reachable && !(rounded >= -32768.0 && rounded <= 32767.0)) overflows_ = true;
+                entries_[l * 256 + c] =
+                    reachable && !overflows_ ? wrap16(std::abs(static_cast<int>(rounded))) : 0;
+            }
+        }
+    }
+
+    // True when some pixel could raise the overflow error: the caller then
+    // works pixel by pixel, so that the error comes where it would.
+    [[nodiscard]] bool overflows() const { return overflows_; }
+    [[nodiscard]] std::int16_t at(int lightness, int channel) const {
+        return entries_[lightness * 256 + channel];
+    }
+
+private:
+    std::vector<std::int16_t> entries_;
+    bool overflows_ = false;
+};
+
+} // namespace
+
+void Class_ColorOp::BlightnessAdjust(std::uint8_t flag, std::int16_t amount, std::int16_t left,
+                                     std::int16_t top, std::int16_t right, std::int16_t bottom) {
+    if (flag != 1) return;
+    guarded([&] {
+        const ProcessRect rect{left, top, right, bottom};
+        const LightnessScaleTable table(amount);
+        if (!table.overflows()) {
+            eachPixel<Ending::SharedTail>(rect, [&table](int& r, int& g, int& b) {
+                const MaxMin m = MaxMinOfThree(r, g, b);
+                const int l = lightness(m.max, m.min);
+                const Rgb16 v{table.at(l, r), table.at(l, g), table.at(l, b)};
+                if (l == 0) r = g = b = 1;
+                return v;
+            });
+            return;
+        }
+        eachPixel<Ending::SharedTail>(rect, [amount](int& r, int& g, int& b) {
+            const MaxMin m = MaxMinOfThree(r, g, b);
+            const int l = lightness(m.max, m.min);
+            int t = wrap16(l + amount);
+            if (t > 255) t = 255;
+            t = wrap16(std::abs(t));
+            if (l == 0) r = g = b = 1;
+            const int divisor = nonZero(l);
+            return Rgb16{scaledChannel(r, divisor, t), scaledChannel(g, divisor, t),
+                         scaledChannel(b, divisor, t)};
+        });
+    });
+}
+
+void Class_ColorOp::Momo_Effect(std::int16_t amount, std::int16_t addRed, std::int16_t addGreen,
+                                std::int16_t addBlue, std::int16_t left, std::int16_t top,
+                                std::int16_t right, std::int16_t bottom, std::int16_t xPercent,
+                                std::int16_t yPercent) {
+    guarded([&] {
+        const ProcessRect rect{left, top, right, bottom};
+        const int cx = roundTo<std::int16_t>(wrap16(right - left) / 100.0 * xPercent + left);
+        const int cy = roundTo<std::int16_t>(wrap16(bottom - top) / 100.0 * yPercent + top);
+        const double lastRow = wrap16(bottom - 1);
+        const double lastColumn = wrap16(right - 1);
+        // A K of 0 makes every pixel an infinity or a NaN below, which ends
+        // the run through the handler at the first pixel.
+        const int k = roundTo<std::int16_t>(
+            std::sqrt(lastRow * lastRow + lastColumn * lastColumn) * amount / 360);
+        const double halfK = k / 2.0;
+        const std::array<int, 3> adds{addRed, addGreen, addBlue};
+
+        eachPixel<Ending::SharedTail>(rect, [&](int x, int y, int& r, int& g, int& b) {
+            const double dx = x - cx, dy = y - cy;
+            const double dist = std::sqrt(dx * dx + dy * dy);
+            const MaxMin m = MaxMinOfThree(r, g, b);
+            const int t = roundTo<std::int16_t>((halfK + m.max) / 2);
+            const int l = lightness(m.max, m.min);
+            if (l == 0) r = g = b = 1;
+            const int divisor = nonZero(l);
+            auto channel = [&](int c, int add) -> int {
+                const int scaled = scaledChannel(c, divisor, t);
+                int v = roundTo<std::int16_t>(scaled * dist / k);
+                if (v < add) v = wrap16(v + add);
+                return v;
+            };
+            return Channels{channel(r, adds[0]), channel(g, adds[1]), channel(b, adds[2])}
+                .fields();
+        });
+    });
+}
+
+} // namespace lumiran

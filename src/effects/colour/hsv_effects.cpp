@@ -1,0 +1,174 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "effects/colour/class_color_op.h"
+#include "effects/colour/color_op_support.h"
+#include "engine/colour_models.h"
+
+namespace lumiran {
+namespace {
+
+// The "operation" values: a channel below its operand gets the operand added.
+constexpr int raiseBelow(int channel, int operand) {
+    return channel < operand ? channel + operand : channel;
+}
+
+Rgb16 absolute(Rgb16 v) {
+    return Channels{std::abs(v.red), std::abs(v.green), std::abs(v.blue)}.fields();
+}
+
+double limitToUnit(double value) { return std::clamp(value, 0.0, 1.0); }
+
+// A centre given in percent of the rectangle.
+int centreOf(std::int16_t low, std::int16_t high, std::int16_t percent) {
+    return roundTo<std::int16_t>(wrap16(high - low) / 100.0 * percent + low);
+}
+
+// Hue, split into its sextant (0..5) and the rise u within it, 0..255.
+struct Sextant {
+    int index = 0;
+    double rise = 0;
+};
+
+Sextant sextantOf(double hue) {
+    int index = 5;
+    if (hue < 60) {
+        index = 0;
+    } else if (hue < 120) {
+        index = 1;
+    } else if (hue < 180) {
+        index = 2;
+    } else if (hue < 240) {
+        index = 3;
+    } else if (hue < 300) {
+        index = 4;
+    }
+    return {index, (hue - index * 60) / 60 * 255};
+}
+
+int rounded(double value) { return roundInRange<std::int32_t>(value); }
+
+// Mode 0 above the threshold: two channels set by the sextant of the hue,
+// the third keeps its source value.
+Rgb16 hueColours(double hue, int r, int g, int b) {
+    const Sextant s = sextantOf(hue);
+    const int up = rounded(s.rise);
+    const int down = rounded(255 - s.rise);
+    switch (s.index) {
+    case 0: return Channels{255, up, b}.fields();
+    case 1: return Channels{down, 255, b}.fields();
+    case 2: return Channels{r, 255, up}.fields();
+    case 3: return Channels{r, down, 255}.fields();
+    case 4: return Channels{up, g, 255}.fields();
+    default: return Channels{255, g, down}.fields();
+    }
+}
+
+// Mode 1: rising in the even sextants, falling in the odd ones.
+int hueTriangle(double hue) {
+    const Sextant s = sextantOf(hue);
+    return s.index % 2 == 0 ? rounded(s.rise) : rounded(255 - s.rise);
+}
+
+Rgb16 grey(int v) { return Channels{v, v, v}.fields(); }
+
+} // namespace
+
+void Class_ColorOp::HSVInvert(std::int16_t left, std::int16_t top, std::int16_t right,
+                              std::int16_t bottom, std::uint8_t method, std::int16_t hue,
+                              std::int16_t saturation, std::int16_t intensity,
+                              std::int16_t redOperand, std::int16_t greenOperand,
+                              std::int16_t blueOperand) {
+    if (method != 0) return;
+    guarded([&] {
+        const ProcessRect rect{left, top, right, bottom};
+        const double saturationShift = static_cast<float>(saturation / 255.0);
+        eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
+            const Hsv hsv = rgbToHsv(r, g, b);
+            const int value = std::min(std::abs(intensity - hsv.value), 255);
+            double h = hue - hsv.hue;
+            if (h > 360) h -= 360;
+            // A negative hue is left as it is and comes out black.
+            const double s = limitToUnit(saturationShift - hsv.saturation);
+            const Rgb16 v = HsvToRgb(h, s, value / 255.0);
+            return absolute(Channels{raiseBelow(v.red, redOperand),
+                                     raiseBelow(v.green, greenOperand),
+                                     raiseBelow(v.blue, blueOperand)}
+                                .fields());
+        });
+    });
+}
+
+void Class_ColorOp::HSVCycle(std::int16_t left, std::int16_t top, std::int16_t right,
+                             std::int16_t bottom, std::uint8_t /*method*/, std::int16_t hue,
+                             std::int16_t saturation, std::int16_t intensity,
+                             std::int16_t xPercent, std::int16_t yPercent) {
+    guarded([&] {
+        const ProcessRect rect{left, top, right, bottom};
+        const int cx = centreOf(left, right, xPercent);
+        const int cy = centreOf(top, bottom, yPercent);
+        // From the centre's own coordinates, not the picture's diagonal: a
+        // centre at (0, 0) gives 0, and the hue below becomes infinite.
+        const double maxAngle = std::sqrt(static_cast<double>(cx) * cx + static_cast<double>(cy) * cy) / 180 * 3.1415;
+        eachPixel<Ending::SharedTail>(rect, [&](int x, int y, int& r, int& g, int& b) {
+            const double dx = cx - x, dy = cy - y;
+            const double angle = std::sqrt(dx * dx + dy * dy) / 180 * 3.1415;
+            // Zero channels are raised to 1, for the blend as well.
+            r = std::max(r, 1);
+            g = std::max(g, 1);
+            b = std::max(b, 1);
+            const MaxMin m = MaxMinOfThree(r, g, b);
+            const double s = static_cast<double>(m.max - m.min) / m.max;
+            const double a = std::atan(angle);
+            const int value =
+                std::min<int>(roundTo<std::int16_t>(std::abs(2 * intensity * a + m.max)), 255);
+            double h = hue * angle / maxAngle;
+            if (h > 360) h -= 360;
+            const double sat = std::min(std::abs(saturation / 255.0 * 3 * a + s), 1.0);
+            return absolute(HsvToRgb(h, sat, value / 255.0));
+        });
+    });
+}
+
+void Class_ColorOp::Hue(std::uint8_t mode, std::int16_t threshold, std::int16_t left,
+                        std::int16_t top, std::int16_t right, std::int16_t bottom) {
+    guarded([&] {
+        const ProcessRect rect{left, top, right, bottom};
+        auto run = [&](auto rule) { eachPixel<Ending::SharedTail>(rect, rule); };
+        switch (mode) {
+        case 0:
+            run([threshold](int r, int g, int b) {
+                const int y = luminanceY(r, g, b);
+                if (y < threshold) return grey(y);
+                return hueColours(rgbToHsv(r, g, b).hue, r, g, b);
+            });
+            break;
+        case 1: run([](int r, int g, int b) { return grey(hueTriangle(rgbToHsv(r, g, b).hue)); }); break;
+        case 2:
+            run([](int r, int g, int b) {
+                return grey(rounded(rgbToHsv(r, g, b).saturation * 255));
+            });
+            break;
+        case 3:
+            run([threshold](int r, int g, int b) {
+                const double s = rgbToHsv(r, g, b).saturation * 255;
+                auto channel = [&](int c) { return rounded(std::abs(s - c - threshold)); };
+                return Channels{channel(r), channel(g), channel(b)}.fields();
+            });
+            break;
+        case 4:
+            run([](int r, int g, int b) {
+                const MaxMin m = MaxMinOfThree(r, g, b);
+                return grey(lightness(m.max, m.min));
+            });
+            break;
+        default:
+            // No mode matched: the result fields keep the source.
+            run([](int r, int g, int b) { return Channels{r, g, b}.fields(); });
+            break;
+        }
+    });
+}
+
+} // namespace lumiran

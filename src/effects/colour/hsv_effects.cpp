@@ -153,7 +153,9 @@ void Class_ColorOp::Hue(std::uint8_t mode, std::int16_t threshold, std::int16_t 
         case 3:
             run([threshold](int r, int g, int b) {
                 const double s = rgbToHsv(r, g, b).saturation * 255;
-                auto channel = [&](int c) { return rounded(std::abs(s - c - threshold)); };
+                auto channel = [&](int c) {
+                    return roundTo<std::int16_t>(std::abs(s - c - threshold));
+                };
                 return Channels{channel(r), channel(g), channel(b)}.fields();
             });
             break;

@@ -61,8 +61,9 @@ struct EffectEntry {
     std::vector<SliderSpec> sliders; // in slider order; absent sliders stay hidden
     std::vector<ListSpec> lists;     // absent lists stay hidden with their frames
     std::string_view call;           // the processing routine's call, argument pattern as written
-    std::string_view family{};       // caption of its family, e.g. "Color"
-    std::string_view menu{};         // control array, e.g. "ColorNo"
+    // Taken from the menu block the entry stands in.
+    std::string_view family{}; // caption of its family, e.g. "Color"
+    std::string_view menu{};   // control array, e.g. "ColorNo"
 
     [[nodiscard]] const ListSpec* list(ListKind kind) const;
     [[nodiscard]] const SliderSpec* slider(int number) const;

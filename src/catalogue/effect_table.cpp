@@ -1,6 +1,7 @@
 #include "catalogue/effect_table.h"
 
 #include <algorithm>
+#include <string>
 #include <cctype>
 
 namespace lumiran {
@@ -41,6 +42,16 @@ Catalogue buildCatalogue() {
 const Catalogue& catalogue() {
     static const Catalogue built = buildCatalogue();
     return built;
+}
+
+std::string withoutAccelerator(std::string_view caption) {
+    std::string plain(caption);
+    if (const auto open = plain.find("(&"); open != std::string::npos) {
+        const auto close = plain.find(')', open);
+        if (close != std::string::npos) plain.erase(open, close - open + 1);
+    }
+    std::erase(plain, '&');
+    return plain;
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
@@ -90,6 +101,10 @@ const EffectEntry* findEffect(std::string_view name) {
     }
     for (const EffectEntry& e : table) {
         if (equalsIgnoringCase(e.caption, name)) return &e;
+    }
+    // "Mean" finds the menu caption "Mean(&M)": the accelerator is not part of the name.
+    for (const EffectEntry& e : table) {
+        if (equalsIgnoringCase(withoutAccelerator(e.caption), name)) return &e;
     }
     return nullptr;
 }

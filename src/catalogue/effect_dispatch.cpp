@@ -23,7 +23,7 @@ EffectPlan EffectDispatch::plan(DialogKind dialog, int code, const ControlValues
         return e.dialog == dialog && e.code == code;
     });
     if (entry == catalogue.end()) return {};
-    return EffectPlan::notAvailable(std::string(entry->caption));
+    return EffectPlan::notAvailable(std::string(entry->call));
 }
 
 const EffectDispatch& effectDispatch() {

@@ -137,8 +137,8 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err,
     const ControlValues values = resolveControls(*effect, cl.controls);
     EffectPlan plan = planEffect(effect->dialog, effect->code, values);
     if (plan.status == EffectPlan::Status::NotAvailable) {
-        throw UsageError(std::string(effect->caption) + " with these values needs " +
-                         plan.missingOperation + ", which is not available yet");
+        throw UsageError(std::string(effect->caption) + " is not available yet (it needs " +
+                         plan.missingOperation + ")");
     }
     if (plan.status != EffectPlan::Status::Ready) {
         throw UsageError(std::string(effect->caption) + " is not available yet");

@@ -11,6 +11,9 @@ int main(int argc, char** argv) {
     // The tool never shows a window; the offscreen platform works with or
     // without a display.
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Qt's own notes (a missing runtime folder, a decoder's complaints) are
+    // not the tool's messages: its stderr carries one line per problem.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     int qtArgc = 1;
     QGuiApplication application(qtArgc, argv);
     lumiran::QtPictureDecoder decoder;

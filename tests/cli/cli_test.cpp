@@ -115,7 +115,6 @@ TEST_F(CliTest, UsageErrorsExitTwoWithOneLineAndWriteNothing) {
         {"frobnicate"},
         {"apply", "--effect", "No Such Effect", input, "-o", output},
         {"apply", "--effect", "Monotone", "--c", "16", input, "-o", output},
-        {"apply", "--effect", "Monotone", "--c", "14", input, "-o", output},
         {"apply", "--effect", "Monotone", "--s1", "3", input, "-o", output},
         {"apply", "--effect", "Monotone", "--calc", "11", input, "-o", output},
         {"apply", "--effect", "Monotone", "--rect", "1,2,3", input, "-o", output},
@@ -138,8 +137,18 @@ TEST_F(CliTest, RefusalsNameWhatIsMissingOrAllowed) {
     const std::string input = writeInput("in.bmp", testing::makeVariedPicture(3, 3));
     run({"apply", "--effect", "Monotone", "--c", "20", input, "-o", path("o.bmp")});
     EXPECT_NE(err.str().find("0..15"), std::string::npos) << err.str();
-    run({"apply", "--effect", "Monotone", "--c", "15", input, "-o", path("o.bmp")});
-    EXPECT_NE(err.str().find("not available"), std::string::npos) << err.str();
+    // Any effect whose class operation is not built yet is refused by name.
+    for (const EffectEntry& entry : effectCatalogue()) {
+        if (planEffect(entry.dialog, entry.code, defaultControlValues(entry)).status !=
+            EffectPlan::Status::NotAvailable) {
+            continue;
+        }
+        EXPECT_EQ(run({"apply", "--effect", std::string(entry.key), input, "-o", path("o.bmp")}),
+                  cli::ExitUsage);
+        EXPECT_NE(err.str().find("not available"), std::string::npos) << err.str();
+        EXPECT_FALSE(fs::exists(dir / "o.bmp"));
+        break;
+    }
 }
 
 TEST_F(CliTest, TruncatedInputIsRefused) {

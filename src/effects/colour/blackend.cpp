@@ -1,8 +1,8 @@
-#include <cstdlib>
-
 #include "effects/colour/class_color_op.h"
 #include "effects/colour/color_op_support.h"
 #include "engine/colour_models.h"
+
+#include <cstdlib>
 
 namespace lumiran {
 namespace {
@@ -16,8 +16,8 @@ int distanceFromGrey(std::int32_t k, int channel, int y) {
 
 } // namespace
 
-void Class_ColorOp::Blackend(double amount, std::uint8_t type, std::int16_t left,
-                             std::int16_t top, std::int16_t right, std::int16_t bottom) {
+void Class_ColorOp::Blackend(double amount, std::uint8_t type, std::int16_t left, std::int16_t top,
+                             std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
         // The two offsets are worked out at every pixel and are the same for

@@ -1,12 +1,12 @@
+#include "effects/colour/class_color_op.h"
+#include "effects/colour/color_op_support.h"
+#include "engine/colour_models.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
 #include <vector>
-
-#include "effects/colour/class_color_op.h"
-#include "effects/colour/color_op_support.h"
-#include "engine/colour_models.h"
 
 namespace lumiran {
 namespace {
@@ -14,7 +14,7 @@ namespace {
 // BlightnessAdjust depends on a channel and the pixel's lightness only, so
 // its results are tabled once per run: table[lightness][channel].
 class LightnessScaleTable {
-public:
+  public:
     explicit LightnessScaleTable(int amount) : entries_(256 * 256) {
         for (int l = 0; l < 256; ++l) {
             // The target lightness, 16-bit: capped above, then its magnitude.
@@ -44,7 +44,7 @@ public:
         return entries_[lightness * 256 + channel];
     }
 
-private:
+  private:
     std::vector<std::int16_t> entries_;
     bool overflows_ = false;
 };
@@ -93,8 +93,8 @@ void Class_ColorOp::Momo_Effect(std::int16_t amount, std::int16_t addRed, std::i
         const double lastColumn = wrap16(right - 1);
         // A K of 0 makes every pixel an infinity or a NaN below, which ends
         // the run through the handler at the first pixel.
-        const int k = roundTo<std::int16_t>(
-            std::sqrt(lastRow * lastRow + lastColumn * lastColumn) * amount / 360);
+        const int k = roundTo<std::int16_t>(std::sqrt(lastRow * lastRow + lastColumn * lastColumn) *
+                                            amount / 360);
         const double halfK = k / 2.0;
         const std::array<int, 3> adds{addRed, addGreen, addBlue};
 
@@ -112,8 +112,7 @@ void Class_ColorOp::Momo_Effect(std::int16_t amount, std::int16_t addRed, std::i
                 if (v < add) v = wrap16(v + add);
                 return v;
             };
-            return Channels{channel(r, adds[0]), channel(g, adds[1]), channel(b, adds[2])}
-                .fields();
+            return Channels{channel(r, adds[0]), channel(g, adds[1]), channel(b, adds[2])}.fields();
         });
     });
 }

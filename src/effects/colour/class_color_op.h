@@ -1,9 +1,9 @@
 #pragma once
 
+#include "engine/pixel_frame.h"
+
 #include <cstdint>
 #include <type_traits>
-
-#include "engine/pixel_frame.h"
 
 namespace lumiran {
 
@@ -12,7 +12,7 @@ namespace lumiran {
 // Type selections are bytes, coordinates and slider values 16-bit, as the
 // dialogs hand them on; only Blackend's amount is floating point.
 class Class_ColorOp : public PixelFrame {
-public:
+  public:
     using PixelFrame::PixelFrame;
 
     // Grey of one kind (0..13), the same value in all three channels.
@@ -29,8 +29,8 @@ public:
     // base value from Y, r, g, b, type 4 is a cos+sin swing of Y.
     void SilverMountain(std::uint8_t type, std::int16_t period, std::uint8_t invert,
                         std::int16_t addRed, std::int16_t addGreen, std::int16_t addBlue,
-                        std::uint8_t mono, std::uint8_t random, std::int16_t left,
-                        std::int16_t top, std::int16_t right, std::int16_t bottom);
+                        std::uint8_t mono, std::uint8_t random, std::int16_t left, std::int16_t top,
+                        std::int16_t right, std::int16_t bottom);
 
     // Rescales the channels so that the lightness moves by amount. Runs only
     // for flag 1.
@@ -40,9 +40,8 @@ public:
     // Brightness growing with the distance from a centre given in percent
     // of the rectangle.
     void Momo_Effect(std::int16_t amount, std::int16_t addRed, std::int16_t addGreen,
-                     std::int16_t addBlue, std::int16_t left, std::int16_t top,
-                     std::int16_t right, std::int16_t bottom, std::int16_t xPercent,
-                     std::int16_t yPercent);
+                     std::int16_t addBlue, std::int16_t left, std::int16_t top, std::int16_t right,
+                     std::int16_t bottom, std::int16_t xPercent, std::int16_t yPercent);
 
     // Hue, saturation and value turned about the given values. Runs only
     // for method 0.
@@ -58,14 +57,14 @@ public:
 
     // One colour scaled by a grey (basis 0 Y, 1 max, 2 min). Runs column by
     // column, so a cancel leaves whole columns done.
-    void OneColorStyle(std::uint8_t basis, std::uint8_t style, std::int16_t red,
-                       std::int16_t green, std::int16_t blue, std::int16_t left,
-                       std::int16_t top, std::int16_t right, std::int16_t bottom);
+    void OneColorStyle(std::uint8_t basis, std::uint8_t style, std::int16_t red, std::int16_t green,
+                       std::int16_t blue, std::int16_t left, std::int16_t top, std::int16_t right,
+                       std::int16_t bottom);
 
     // Shifts in one colour model: 0 RGB, 1 YCbCr, 2 HSV, 3 HLS, 4 CMYK, 5 YUV.
     void ColorBalanceAdjust(std::uint8_t model, std::int16_t a, std::int16_t b, std::int16_t c,
-                            std::int16_t k, std::int16_t left, std::int16_t top,
-                            std::int16_t right, std::int16_t bottom);
+                            std::int16_t k, std::int16_t left, std::int16_t top, std::int16_t right,
+                            std::int16_t bottom);
 
     // Channel swaps (kinds 0..7, stored as they are) and channels replaced
     // by the lightness (8..13, clamped); never blended by calculation type.
@@ -105,11 +104,10 @@ public:
     // read the previous pixel's channels, so the pixels run in loop order.
     void Deterioration(std::uint8_t type, std::uint8_t base, std::uint8_t keep, std::int16_t left,
                        std::int16_t top, std::int16_t right, std::int16_t bottom, std::int16_t a,
-                       std::int16_t b, std::int16_t c, std::int16_t weight,
-                       std::int16_t redOperand, std::int16_t greenOperand,
-                       std::int16_t blueOperand);
+                       std::int16_t b, std::int16_t c, std::int16_t weight, std::int16_t redOperand,
+                       std::int16_t greenOperand, std::int16_t blueOperand);
 
-private:
+  private:
     // How a pixel's result reaches the array.
     enum class Ending {
         SharedTail, // blended by the calculation type, otherwise clamped
@@ -153,8 +151,10 @@ private:
         }
     }
 
+    // Flattened so that the rule's helpers are inlined and the loop can be
+    // vectorised whatever the inliner's budget for this translation unit.
     template <Ending End, bool Blend, typename Rule>
-    void eachPixelOfRow(Pixel* row, int y, const Span& span, Rule& rule) const {
+    [[gnu::flatten]] void eachPixelOfRow(Pixel* row, int y, const Span& span, Rule& rule) const {
         for (int x = span.firstColumn; x < span.endColumn; ++x) {
             row[x] = finish<End, Blend>(row[x], x, y, rule);
         }

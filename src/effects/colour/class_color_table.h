@@ -25,7 +25,7 @@ class Class_ColorTable : public PixelFrame {
                   std::int16_t right, std::int16_t bottom);
     // Kinds 0..5 name channels that get + amount, the others - amount;
     // kinds 6, 7, 8 give + amount to the channels of the largest, middle or
-    // smallest rank.
+    // smallest rank. Any other kind changes nothing.
     void ColorEmphasize(std::int16_t amount, std::int16_t kind, std::int16_t left, std::int16_t top,
                         std::int16_t right, std::int16_t bottom);
     // A channel within low..high takes the matching component of the colour.
@@ -49,6 +49,8 @@ class Class_ColorTable : public PixelFrame {
     // Mid-tones 86..169 get + amount.
     void MedianLevelEmphasize(std::int16_t selector, std::int16_t amount, std::int16_t left,
                               std::int16_t top, std::int16_t right, std::int16_t bottom);
+    // round((sin(c sine pi / horizontal) + 1 + cos(c cosine pi / vertical))
+    // light) under the selector.
     void Phantom(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
                  std::int16_t selector, double sine, double cosine, double light, double horizontal,
                  double vertical);
@@ -75,6 +77,8 @@ class Class_ColorTable : public PixelFrame {
     // Type 0 waves on the luminance grey, any other type on each channel.
     void Kani(double sine, double cosine, double red, double green, double blue, std::int16_t left,
               std::int16_t top, std::int16_t right, std::int16_t bottom, std::int16_t type);
+    // Each channel's distance from its colour component after scaling by
+    // the pixel's distance from weight; red and blue have a floor of 64.
     void Uni(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
              double red, double green, double blue, double light, double weight);
     // Gamma by percent on the scale maxLevel (the dialogs pass 255).

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "engine/calculation.h"
+#include "engine/numeric.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-
-#include "engine/calculation.h"
-#include "engine/numeric.h"
 
 namespace lumiran {
 
@@ -106,6 +106,8 @@ struct Channels {
 }
 
 // A lightness used as a divisor: 0 is raised to 1.
-[[nodiscard]] constexpr int nonZero(int value) { return value == 0 ? 1 : value; }
+[[nodiscard]] constexpr int nonZero(int value) {
+    return value == 0 ? 1 : value;
+}
 
 } // namespace lumiran

@@ -1,13 +1,16 @@
 // The passes the colour table effects share: a lookup per channel, and the
 // brightness form of the colour selector.
+#include "effects/colour/channel_lookup.h"
 #include "effects/colour/class_color_table.h"
 #include "effects/colour/colour_selector.h"
 #include "engine/colour_models.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
 namespace lumiran {
+
 std::int16_t Class_ColorTable::scaledByBrightness(int channel, double divisor, double factor) {
     return roundTo<std::int16_t>(std::abs(channel / divisor * factor));
 }
@@ -30,21 +33,18 @@ void Class_ColorTable::applyTables(const ProcessRect& rect, const ChannelTables&
     const bool blend = store == Store::SharedTail && calculationFlag() > 0;
     if (!blend && tables.clean()) {
         // Nothing depends on more than one channel: the stored byte of each
-        // channel value is known in advance, already shifted into place.
-        std::array<Pixel, LevelTable::Size> red{}, green{}, blue{};
-        for (int c = 0; c < LevelTable::Size; ++c) {
-            Rgb16 v{tables.red[c], tables.green[c], tables.blue[c]};
+        // channel value is known in advance.
+        ChannelLookup lookup;
+        for (std::size_t c = 0; c < LevelTable::Size; ++c) {
+            const int level = static_cast<int>(c);
+            Rgb16 v{tables.red[level], tables.green[level], tables.blue[level]};
             if (store == Store::SharedTail) v = clampResult(v);
-            red[c] = makePixel(v.red, 0, 0);
-            green[c] = makePixel(0, v.green, 0);
-            blue[c] = makePixel(0, 0, v.blue);
+            lookup.red[c] = static_cast<std::uint8_t>(v.red);
+            lookup.green[c] = static_cast<std::uint8_t>(v.green);
+            lookup.blue[c] = static_cast<std::uint8_t>(v.blue);
         }
         forEachRow(rect, [&](Pixel* row, int begin, int end) {
-            for (int x = begin; x < end; ++x) {
-                const Pixel p = row[x];
-                row[x] = (p & 0xFF000000u) | red[(p >> 16) & 0xFFu] | green[(p >> 8) & 0xFFu] |
-                         blue[p & 0xFFu];
-            }
+            applyChannelLookup({row + begin, static_cast<std::size_t>(end - begin)}, lookup);
         });
         return;
     }
@@ -61,6 +61,39 @@ void Class_ColorTable::applyTables(const ProcessRect& rect, const ChannelTables&
 void Class_ColorTable::applyBrightness(const ProcessRect& rect, const LevelTable& brightness,
                                        DarkPixel dark) {
     SetProgressRange(rect.top, rect.bottom);
+    // c / D never exceeds 3 (D is L, and no channel is above 2 L + 1), so
+    // with a bounded table the product cannot leave 16 bits: the checked
+    // conversion and its branch can go and the loop vectorises.
+    constexpr int boundedFactor = 10000;
+    if (calculationFlag() == 0 && brightness.clean() &&
+        brightness.largestMagnitude() <= boundedFactor) {
+        std::array<double, LevelTable::Size> factors{};
+        for (std::size_t level = 0; level < factors.size(); ++level) {
+            factors[level] = brightness[static_cast<int>(level)];
+        }
+        const int darkBecomesOne = dark == DarkPixel::BecomesOne ? 1 : 0;
+        // Selects by arithmetic rather than by branches, which would keep
+        // the compiler from vectorising.
+        forEachRow(rect, [&](Pixel* row, int begin, int end) {
+            for (int x = begin; x < end; ++x) {
+                const Pixel p = row[x];
+                const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+                const int level =
+                    lightness(std::max(r, std::max(g, b)), std::min(r, std::min(g, b)));
+                const int black = level == 0 ? 1 : 0;
+                const int becomesOne = black & darkBecomesOne;
+                const double divisor = level + black;
+                const double factor = factors[static_cast<std::size_t>(level)];
+                auto scaled = [&](int c) {
+                    const double channel = c + becomesOne * (1 - c);
+                    return std::min(
+                        roundInRange<std::int32_t>(std::abs(channel / divisor * factor)), 255);
+                };
+                row[x] = withColour(p, scaled(r), scaled(g), scaled(b));
+            }
+        });
+        return;
+    }
     forEachRow(rect, [&](Pixel* row, int begin, int end) {
         for (int x = begin; x < end; ++x) {
             int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);

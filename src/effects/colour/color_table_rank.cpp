@@ -51,7 +51,7 @@ void Class_ColorTable::ColorViewChange(std::int16_t kind, std::int16_t value, st
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
         if (isRankKind(kind)) {
-            const auto replacement = static_cast<std::int16_t>(value);
+            const std::int16_t replacement = value;
             mapPixels<ResultTail::Clamp>(rect, [replacement, kind](int r, int g, int b) {
                 const ChannelMask keep = rankedChannels(kind, r, g, b);
                 return Rgb16{keep.red ? static_cast<std::int16_t>(r) : replacement,

@@ -2,6 +2,7 @@
 #include "effects/colour/class_color_table.h"
 #include "engine/colour_models.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -52,6 +53,28 @@ void Class_ColorTable::Kani(double sine, double cosine, double red, double green
             factor[static_cast<std::size_t>(y)] = std::sin(y / s * pi) + std::cos(y / k * pi);
         }
         SetProgressRange(rect.top, rect.bottom);
+        const bool bounded =
+            std::ranges::all_of(factor, [](double w) { return std::isfinite(w); }) &&
+            std::abs(red) <= 30000 && std::abs(green) <= 30000 && std::abs(blue) <= 30000;
+        if (calculationFlag() == 0 && bounded) {
+            // |w| is at most 2, so no conversion can leave 16 bits: the same
+            // rule without checks or branches, so that it vectorises.
+            auto settled = [](double component, double w, int c) {
+                const int wave = roundInRange<std::int32_t>(w * c);
+                return std::min(roundInRange<std::int32_t>((std::abs(component - wave) + c) / 2.0),
+                                255);
+            };
+            forEachRow(rect, [&](Pixel* row, int begin, int end) {
+                for (int x = begin; x < end; ++x) {
+                    const Pixel p = row[x];
+                    const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+                    const double w = factor[static_cast<std::size_t>(luminanceY(r, g, b))];
+                    row[x] = withColour(p, settled(red, w, r), settled(green, w, g),
+                                        settled(blue, w, b));
+                }
+            });
+            return;
+        }
         forEachRow(rect, [&](Pixel* row, int begin, int end) {
             for (int x = begin; x < end; ++x) {
                 const int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);

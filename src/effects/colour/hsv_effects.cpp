@@ -1,10 +1,10 @@
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
-
 #include "effects/colour/class_color_op.h"
 #include "effects/colour/color_op_support.h"
 #include "engine/colour_models.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
 
 namespace lumiran {
 namespace {
@@ -18,7 +18,9 @@ Rgb16 absolute(Rgb16 v) {
     return Channels{std::abs(v.red), std::abs(v.green), std::abs(v.blue)}.fields();
 }
 
-double limitToUnit(double value) { return std::clamp(value, 0.0, 1.0); }
+double limitToUnit(double value) {
+    return std::clamp(value, 0.0, 1.0);
+}
 
 // A centre given in percent of the rectangle.
 int centreOf(std::int16_t low, std::int16_t high, std::int16_t percent) {
@@ -47,7 +49,9 @@ Sextant sextantOf(double hue) {
     return {index, (hue - index * 60) / 60 * 255};
 }
 
-int rounded(double value) { return roundInRange<std::int32_t>(value); }
+int rounded(double value) {
+    return roundInRange<std::int32_t>(value);
+}
 
 // Mode 0 above the threshold: two channels set by the sextant of the hue,
 // the third keeps its source value.
@@ -56,12 +60,18 @@ Rgb16 hueColours(double hue, int r, int g, int b) {
     const int up = rounded(s.rise);
     const int down = rounded(255 - s.rise);
     switch (s.index) {
-    case 0: return Channels{255, up, b}.fields();
-    case 1: return Channels{down, 255, b}.fields();
-    case 2: return Channels{r, 255, up}.fields();
-    case 3: return Channels{r, down, 255}.fields();
-    case 4: return Channels{up, g, 255}.fields();
-    default: return Channels{255, g, down}.fields();
+    case 0:
+        return Channels{255, up, b}.fields();
+    case 1:
+        return Channels{down, 255, b}.fields();
+    case 2:
+        return Channels{r, 255, up}.fields();
+    case 3:
+        return Channels{r, down, 255}.fields();
+    case 4:
+        return Channels{up, g, 255}.fields();
+    default:
+        return Channels{255, g, down}.fields();
     }
 }
 
@@ -71,7 +81,9 @@ int hueTriangle(double hue) {
     return s.index % 2 == 0 ? rounded(s.rise) : rounded(255 - s.rise);
 }
 
-Rgb16 grey(int v) { return Channels{v, v, v}.fields(); }
+Rgb16 grey(int v) {
+    return Channels{v, v, v}.fields();
+}
 
 } // namespace
 
@@ -102,15 +114,16 @@ void Class_ColorOp::HSVInvert(std::int16_t left, std::int16_t top, std::int16_t 
 
 void Class_ColorOp::HSVCycle(std::int16_t left, std::int16_t top, std::int16_t right,
                              std::int16_t bottom, std::uint8_t /*method*/, std::int16_t hue,
-                             std::int16_t saturation, std::int16_t intensity,
-                             std::int16_t xPercent, std::int16_t yPercent) {
+                             std::int16_t saturation, std::int16_t intensity, std::int16_t xPercent,
+                             std::int16_t yPercent) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
         const int cx = centreOf(left, right, xPercent);
         const int cy = centreOf(top, bottom, yPercent);
         // From the centre's own coordinates, not the picture's diagonal: a
         // centre at (0, 0) gives 0, and the hue below becomes infinite.
-        const double maxAngle = std::sqrt(static_cast<double>(cx) * cx + static_cast<double>(cy) * cy) / 180 * 3.1415;
+        const double maxAngle =
+            std::sqrt(static_cast<double>(cx) * cx + static_cast<double>(cy) * cy) / 180 * 3.1415;
         eachPixel<Ending::SharedTail>(rect, [&](int x, int y, int& r, int& g, int& b) {
             const double dx = cx - x, dy = cy - y;
             const double angle = std::sqrt(dx * dx + dy * dy) / 180 * 3.1415;
@@ -144,7 +157,9 @@ void Class_ColorOp::Hue(std::uint8_t mode, std::int16_t threshold, std::int16_t 
                 return hueColours(rgbToHsv(r, g, b).hue, r, g, b);
             });
             break;
-        case 1: run([](int r, int g, int b) { return grey(hueTriangle(rgbToHsv(r, g, b).hue)); }); break;
+        case 1:
+            run([](int r, int g, int b) { return grey(hueTriangle(rgbToHsv(r, g, b).hue)); });
+            break;
         case 2:
             run([](int r, int g, int b) {
                 return grey(rounded(rgbToHsv(r, g, b).saturation * 255));

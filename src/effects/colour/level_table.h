@@ -3,9 +3,11 @@
 #include "engine/effect_error.h"
 #include "engine/numeric.h"
 
+#include <algorithm>
 #include <array>
 #include <bitset>
 #include <cstdint>
+#include <cstdlib>
 #include <optional>
 
 namespace lumiran {
@@ -55,6 +57,12 @@ class LevelTable {
         return values_[static_cast<std::size_t>(level)];
     }
     [[nodiscard]] bool clean() const { return !error_.has_value(); }
+    [[nodiscard]] int largestMagnitude() const {
+        int largest = 0;
+        for (const std::int16_t v : values_)
+            largest = std::max(largest, std::abs(int{v}));
+        return largest;
+    }
 
     // The same table with every entry limited to low..high.
     [[nodiscard]] LevelTable limited(std::int16_t low, std::int16_t high) const {

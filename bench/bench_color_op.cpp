@@ -1,0 +1,124 @@
+// Representative Class_ColorOp operations on 4096x4096, each one pass over
+// an array already fetched; bench_main prints them as multiples of the
+// plain copy.
+#include "effects/colour/class_color_op.h"
+#include "engine/random_generator.h"
+#include "engine/run_context.h"
+
+#include <benchmark/benchmark.h>
+#include <functional>
+
+namespace {
+
+using namespace lumiran;
+
+constexpr int Side = 4096;
+
+const Surface& colourPicture() {
+    static const Surface picture = [] {
+        Surface s(Side, Side);
+        RandomGenerator random;
+        for (Pixel& p : s.pixels())
+            p = static_cast<Pixel>(random.next() * 16777216.0);
+        return s;
+    }();
+    return picture;
+}
+
+void runPass(benchmark::State& state, const std::function<void(Class_ColorOp&)>& call) {
+    CancelFlag cancel{0};
+    RandomGenerator random;
+    RunContext context(cancel, random);
+    Class_ColorOp effect(context);
+    effect.ImageGetDiBits(colourPicture());
+    for (auto _ : state) {
+        cancel = 0;
+        call(effect);
+        benchmark::ClobberMemory();
+    }
+    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+}
+
+void BM_ColorOp_RGBExchange(benchmark::State& state) {
+    const auto kind = static_cast<std::uint8_t>(state.range(0));
+    runPass(state, [kind](Class_ColorOp& e) { e.RGBExchange(kind, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_ColorOp_RGBExchange)->Arg(0)->Arg(5)->Arg(12)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_ColorBalance(benchmark::State& state) {
+    const auto model = static_cast<std::uint8_t>(state.range(0));
+    runPass(state, [model](Class_ColorOp& e) {
+        e.ColorBalanceAdjust(model, 10, 20, 30, 0, 0, 0, Side, Side);
+    });
+}
+BENCHMARK(BM_ColorOp_ColorBalance)->DenseRange(0, 5)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_AutumnsColor(benchmark::State& state) {
+    runPass(state, [](Class_ColorOp& e) { e.AutumnsColor(3, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_ColorOp_AutumnsColor)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_SakuraFilter(benchmark::State& state) {
+    runPass(state, [](Class_ColorOp& e) { e.SakuraFilter(0, 2, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_ColorOp_SakuraFilter)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_DifferenceOperation(benchmark::State& state) {
+    const auto use = static_cast<std::uint8_t>(state.range(0));
+    runPass(state,
+            [use](Class_ColorOp& e) { e.DifferenceOperation(0, use, 0, 0, Side, Side, true); });
+}
+BENCHMARK(BM_ColorOp_DifferenceOperation)->Arg(1)->Arg(7)->Arg(9)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_Blackend(benchmark::State& state) {
+    runPass(state, [](Class_ColorOp& e) { e.Blackend(24 / 26.0, 1, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_ColorOp_Blackend)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_BlightnessAdjust(benchmark::State& state) {
+    runPass(state, [](Class_ColorOp& e) { e.BlightnessAdjust(1, 30, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_ColorOp_BlightnessAdjust)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_SilverMountain(benchmark::State& state) {
+    runPass(state,
+            [](Class_ColorOp& e) { e.SilverMountain(0, 42, 1, 0, 0, 0, 0, 0, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_ColorOp_SilverMountain)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_GrayatSaturation(benchmark::State& state) {
+    runPass(state, [](Class_ColorOp& e) { e.GrayatSaturation(0, 128, 0, 0, Side, Side, 0); });
+}
+BENCHMARK(BM_ColorOp_GrayatSaturation)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_InvasionEffect(benchmark::State& state) {
+    const auto source = static_cast<std::uint8_t>(state.range(0));
+    runPass(state, [source](Class_ColorOp& e) { e.Invasion_Effect(source, 3, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_ColorOp_InvasionEffect)->Arg(0)->Arg(6)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_OneColorStyle(benchmark::State& state) {
+    runPass(state, [](Class_ColorOp& e) { e.OneColorStyle(0, 0, 255, 128, 0, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_ColorOp_OneColorStyle)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_Hue(benchmark::State& state) {
+    const auto mode = static_cast<std::uint8_t>(state.range(0));
+    runPass(state, [mode](Class_ColorOp& e) { e.Hue(mode, 128, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_ColorOp_Hue)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_HSVInvert(benchmark::State& state) {
+    runPass(state,
+            [](Class_ColorOp& e) { e.HSVInvert(0, 0, Side, Side, 0, 240, 180, -20, 0, 30, 60); });
+}
+BENCHMARK(BM_ColorOp_HSVInvert)->Unit(benchmark::kMillisecond);
+
+void BM_ColorOp_Deterioration(benchmark::State& state) {
+    runPass(state, [](Class_ColorOp& e) {
+        e.Deterioration(1, 0, 0, 0, 0, Side, Side, 128, 128, 128, 0, 0, 30, 60);
+    });
+}
+BENCHMARK(BM_ColorOp_Deterioration)->Unit(benchmark::kMillisecond);
+
+} // namespace

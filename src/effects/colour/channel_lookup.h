@@ -1,0 +1,22 @@
+#pragma once
+
+#include "engine/pixel.h"
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+namespace lumiran {
+
+// The stored byte of every channel value, one table per channel.
+struct ChannelLookup {
+    std::array<std::uint8_t, 256> red{};
+    std::array<std::uint8_t, 256> green{};
+    std::array<std::uint8_t, 256> blue{};
+};
+
+// Replaces each pixel's colour bytes through the tables; the spare byte
+// stays. Vectorised where the processor has byte permutes.
+void applyChannelLookup(std::span<Pixel> pixels, const ChannelLookup& lookup);
+
+} // namespace lumiran

@@ -48,21 +48,16 @@ TEST_F(ColorOpDispatch, MonotoneRowFourteenIsTheHueTriangleAndFifteenIsNotHere) 
     ControlValues v;
     v.color = 14;
     EXPECT_EQ(caseOn(DialogKind::Monotone, 0, v, 200, 50, 0), (Colour{64, 64, 64}));
-    v.color = 15;
-    const EffectPlan plan = planEffect(DialogKind::Monotone, 0, v);
-    EXPECT_EQ(plan.status, EffectPlan::Status::NotAvailable);
-    EXPECT_EQ(plan.missingOperation, "Class_ColorTable.Histgram_Equation");
+    v.color = 15; // the histogram of Class_ColorTable
+    EXPECT_EQ(planEffect(DialogKind::Monotone, 0, v).status, EffectPlan::Status::Ready);
 }
 
-TEST_F(ColorOpDispatch, BlackendTakesItsConstantAmountAndNotTheSlider) {
+TEST_F(ColorOpDispatch, BlackendTakesTheSliderOverTwentySix) {
     ControlValues v;
-    v.sliders[0] = 24;
-    // k1 = 21156: every channel far above 255.
-    EXPECT_EQ(caseOn(DialogKind::Negative, 13, v, 10, 10, 10), (Colour{255, 255, 255}));
-    // Type 2 adds the spread 12694 and red wraps below 0 in its 16-bit field.
-    v.sliders[0] = -255;
-    v.color = 1;
-    EXPECT_EQ(caseOn(DialogKind::Negative, 13, v, 0, 0, 0), (Colour{0, 255, 255}));
+    v.sliders[0] = 24; // 0.923..: k1 = round(46.15) = 46, k2 = round(18.46) = 18
+    EXPECT_EQ(caseOn(DialogKind::Negative, 13, v, 10, 10, 10), (Colour{46, 18, 18}));
+    v.color = 1; // type 1 adds the spread of the result, 28
+    EXPECT_EQ(caseOn(DialogKind::Negative, 13, v, 10, 10, 10), (Colour{74, 46, 46}));
 }
 
 TEST_F(ColorOpDispatch, DeteriorationTakesTheColourRowAsTypeAndTheTypeRowAsKeep) {

@@ -1,12 +1,32 @@
 // Class_ColorOp effects that choose channels by their order, with the
 // program's own choices on particular orders, and the spread ladders.
 #include "color_op_fixture.h"
+#include "effects/colour/color_op_support.h"
+#include "engine/colour_models.h"
 
 namespace lumiran::testing {
 namespace {
 
 using ColorOpRoles = ColorOpFixture;
 using C = Class_ColorOp;
+
+// The branch-free forms the pixel loops use must agree with the plain ones
+// on every order and tie.
+TEST(ColorOpOrders, BranchFreeKeyAndMedianAgreeWithThePlainTests) {
+    ByOrder<ChannelOrder> identity{};
+    for (std::size_t i = 0; i < ChannelOrderCount; ++i)
+        identity[i] = static_cast<ChannelOrder>(i);
+    const auto keyed = byOrderKey(identity);
+    for (int r = 0; r < 4; ++r) {
+        for (int g = 0; g < 4; ++g) {
+            for (int b = 0; b < 4; ++b) {
+                EXPECT_EQ(keyed[static_cast<std::size_t>(orderKey(r, g, b))], channelOrder(r, g, b))
+                    << r << g << b;
+                EXPECT_EQ(programMedianOf(r, g, b), programMedian(r, g, b)) << r << g << b;
+            }
+        }
+    }
+}
 
 ColorOpFixture::Call exchange(int kind) {
     return [kind](C& e, const ProcessRect& r) {

@@ -11,16 +11,21 @@
 namespace lumiran {
 namespace {
 
+// The lightness a pixel of lightness l is moved to, in a 16-bit field:
+// capped above, then its magnitude.
+int targetLightness(int l, int amount) {
+    int t = wrap16(l + amount);
+    if (t > 255) t = 255;
+    return wrap16(std::abs(t));
+}
+
 // BlightnessAdjust depends on a channel and the pixel's lightness only, so
 // its results are tabled once per run: table[lightness][channel].
 class LightnessScaleTable {
   public:
     explicit LightnessScaleTable(int amount) : entries_(256 * 256) {
         for (int l = 0; l < 256; ++l) {
-            // The target lightness, 16-bit: capped above, then its magnitude.
-            int t = wrap16(l + amount);
-            if (t > 255) t = 255;
-            t = wrap16(std::abs(t));
+            const int t = targetLightness(l, amount);
             // A pixel of lightness 0 is first written as 1, 1, 1 and then
             // divided by 1: its channels all become |t|.
             const int divisor = nonZero(l);
@@ -40,12 +45,13 @@ class LightnessScaleTable {
     // True when some pixel could raise the overflow error: the caller then
     // works pixel by pixel, so that the error comes where it would.
     [[nodiscard]] bool overflows() const { return overflows_; }
-    [[nodiscard]] std::int16_t at(int lightness, int channel) const {
-        return entries_[lightness * 256 + channel];
+    [[nodiscard]] int at(int lightness, int channel) const {
+        return entries_[static_cast<std::size_t>(lightness * 256 + channel)];
     }
 
   private:
-    std::vector<std::int16_t> entries_;
+    // 32-bit entries, which the vector unit can gather.
+    std::vector<std::int32_t> entries_;
     bool overflows_ = false;
 };
 
@@ -61,7 +67,7 @@ void Class_ColorOp::BlightnessAdjust(std::uint8_t flag, std::int16_t amount, std
             eachPixel<Ending::SharedTail>(rect, [&table](int& r, int& g, int& b) {
                 const MaxMin m = MaxMinOfThree(r, g, b);
                 const int l = lightness(m.max, m.min);
-                const Rgb16 v{table.at(l, r), table.at(l, g), table.at(l, b)};
+                const Rgb16 v = Channels{table.at(l, r), table.at(l, g), table.at(l, b)}.fields();
                 if (l == 0) r = g = b = 1;
                 return v;
             });
@@ -70,9 +76,7 @@ void Class_ColorOp::BlightnessAdjust(std::uint8_t flag, std::int16_t amount, std
         eachPixel<Ending::SharedTail>(rect, [amount](int& r, int& g, int& b) {
             const MaxMin m = MaxMinOfThree(r, g, b);
             const int l = lightness(m.max, m.min);
-            int t = wrap16(l + amount);
-            if (t > 255) t = 255;
-            t = wrap16(std::abs(t));
+            const int t = targetLightness(l, amount);
             if (l == 0) r = g = b = 1;
             const int divisor = nonZero(l);
             return Rgb16{scaledChannel(r, divisor, t), scaledChannel(g, divisor, t),

@@ -141,8 +141,12 @@ class Class_ColorOp : public PixelFrame {
         for (int y = rect.top; y < endRow; ++y) {
             if (y >= 0 && y < ImageBits.height()) {
                 Pixel* row = ImageBits.row(y).data();
-                if (blend) {
-                    eachPixelOfRow<End, true>(row, y, span, rule);
+                if constexpr (End == Ending::SharedTail) {
+                    if (blend) {
+                        eachPixelOfRow<End, true>(row, y, span, rule);
+                    } else {
+                        eachPixelOfRow<End, false>(row, y, span, rule);
+                    }
                 } else {
                     eachPixelOfRow<End, false>(row, y, span, rule);
                 }
@@ -152,9 +156,12 @@ class Class_ColorOp : public PixelFrame {
     }
 
     // Flattened so that the rule's helpers are inlined and the loop can be
-    // vectorised whatever the inliner's budget for this translation unit.
+    // vectorised whatever the inliner's budget for this translation unit;
+    // the row is said not to overlap the rules' tables, which would
+    // otherwise keep their lookups out of the vector unit.
     template <Ending End, bool Blend, typename Rule>
-    [[gnu::flatten]] void eachPixelOfRow(Pixel* row, int y, const Span& span, Rule& rule) const {
+    [[gnu::flatten]] void eachPixelOfRow(Pixel* __restrict row, int y, const Span& span,
+                                         Rule& rule) const {
         for (int x = span.firstColumn; x < span.endColumn; ++x) {
             row[x] = finish<End, Blend>(row[x], x, y, rule);
         }

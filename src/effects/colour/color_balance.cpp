@@ -80,8 +80,9 @@ Rgb16 cmyk(int r, int g, int blue, int a, int b, int c, int k) {
     const int shiftedBlack = limitToByte(roundInRange<std::int32_t>(black) + k);
     auto channel = [&](double ink0, int shift) {
         const double ink = (ink0 - black) / divisor + shift / 255.0;
+        // At most 255 * 130 + 255: no 32-bit overflow is possible.
         const int ink1 =
-            std::min(roundTo<std::int32_t>((255 - shiftedBlack) * ink + shiftedBlack), 255);
+            std::min(roundInRange<std::int32_t>((255 - shiftedBlack) * ink + shiftedBlack), 255);
         return 255 - ink1;
     };
     return Channels{channel(c0, a), channel(m0, b), channel(y0, c)}.fields();

@@ -2,6 +2,7 @@
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/family_registration.h"
 #include "effects/colour/class_color_op.h"
+#include "effects/colour/class_color_table.h"
 #include "engine/numeric.h"
 
 namespace lumiran {
@@ -40,7 +41,9 @@ void registerColor(EffectDispatch& d) {
     // Monotone: the list row is the kind; rows 14 and 15 pick other methods.
     d.add(DialogKind::Monotone, 0, [](V values) {
         if (values.color == 15) {
-            return EffectPlan::notAvailable("Class_ColorTable.Histgram_Equation");
+            return EffectPlan::ready(runInPlace<Class_ColorTable>([](Class_ColorTable& e, R r) {
+                e.Histgram_Equation(0, r.left, r.top, r.right, r.bottom);
+            }));
         }
         return colorOp([values](Class_ColorOp& e, R r) {
             if (values.color == 14) {
@@ -84,9 +87,11 @@ void registerColor(EffectDispatch& d) {
                                         r.bottom, reverse);
               }));
     }
-    // Blackend is called with a constant amount; the slider reaches no argument.
+    // Blackend's amount is the slider over 26, held in single precision.
     d.add(DialogKind::Negative, 13, planner([](Class_ColorOp& e, V v, R r) {
-              e.Blackend(423.115, row(v.color), r.left, r.top, r.right, r.bottom);
+              const float amount =
+                  static_cast<float>(static_cast<std::int16_t>(v.sliders[0]) / 26.0);
+              e.Blackend(amount, row(v.color), r.left, r.top, r.right, r.bottom);
           }));
     // Pink (hue 0) and Mount Marilyn (hue 1).
     for (const auto& [code, hue] : {std::pair{5, 0}, std::pair{6, 1}}) {

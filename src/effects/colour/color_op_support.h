@@ -54,6 +54,44 @@ template <typename T>
     return table[static_cast<std::size_t>(order)];
 }
 
+// A pixel of each order.
+inline constexpr ByOrder<std::array<int, 3>> OrderRepresentative{{
+    {3, 2, 1},
+    {3, 1, 2},
+    {2, 1, 3},
+    {1, 2, 3},
+    {1, 3, 2},
+    {2, 3, 1}, // strict orders
+    {2, 1, 2},
+    {2, 1, 1},
+    {1, 2, 1},
+    {1, 2, 2},
+    {2, 2, 1},
+    {1, 1, 2}, // two equal
+    {1, 1, 1},
+}};
+
+// The order as six comparison bits, worked out without a branch so that
+// pixel loops choosing by order can still be vectorised.
+[[nodiscard]] constexpr int orderKey(int r, int g, int b) {
+    return static_cast<int>(r > g) | static_cast<int>(g > b) << 1 | static_cast<int>(r > b) << 2 |
+           static_cast<int>(r == g) << 3 | static_cast<int>(g == b) << 4 |
+           static_cast<int>(r == b) << 5;
+}
+
+inline constexpr std::size_t OrderKeyCount = 64;
+
+// A table by order spread over the order keys; keys no pixel has stay 0.
+template <typename T>
+[[nodiscard]] constexpr std::array<T, OrderKeyCount> byOrderKey(const ByOrder<T>& table) {
+    std::array<T, OrderKeyCount> keyed{};
+    for (std::size_t i = 0; i < ChannelOrderCount; ++i) {
+        const auto& p = OrderRepresentative[i];
+        keyed[static_cast<std::size_t>(orderKey(p[0], p[1], p[2]))] = table[i];
+    }
+    return keyed;
+}
+
 // A set of channels.
 using ChannelMask = std::uint8_t;
 inline constexpr ChannelMask NoChannel = 0;
@@ -105,9 +143,26 @@ struct Channels {
     return wrap16(std::abs(roundInRange<std::int32_t>(static_cast<double>(c) / divisor * t)));
 }
 
-// A lightness used as a divisor: 0 is raised to 1.
+// The program's median of three (programMedian) as two min/max and one
+// select, which a vectorised loop can take where the chain of tests is too
+// much for it: max(g, b) when r is above g, otherwise min(g, max(r, b)).
+[[nodiscard]] constexpr int programMedianOf(int r, int g, int b) {
+    const int high = g < b ? b : g;
+    const int low = g < (r < b ? b : r) ? g : (r < b ? b : r);
+    return r > g ? high : low;
+}
+
+// condition ? chosen : otherwise, as arithmetic: the compiler would turn
+// a select back into a branch around the division that gives otherwise,
+// and a division behind a branch keeps a pixel loop out of the vector unit.
+[[nodiscard]] constexpr int chooseWithoutBranch(bool condition, int chosen, int otherwise) {
+    return otherwise + (chosen - otherwise) * static_cast<int>(condition);
+}
+
+// A lightness used as a divisor: 0 is raised to 1. Without a select, which
+// would keep the division after it out of a vectorised loop.
 [[nodiscard]] constexpr int nonZero(int value) {
-    return value == 0 ? 1 : value;
+    return value + static_cast<int>(value == 0);
 }
 
 } // namespace lumiran

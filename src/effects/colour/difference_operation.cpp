@@ -10,7 +10,7 @@ namespace {
 // The channels that count as the middle one: the true middle on strict
 // orders, both equal channels on two equal ones except r = g above b,
 // which gives blue alone; all three when all are equal.
-constexpr ByOrder<ChannelMask> MiddleByOrder{
+constexpr ByOrder<std::uint32_t> MiddleByOrder{
     /* r > g > b */ Green,
     /* r > b > g */ Blue,
     /* b > r > g */ Red,
@@ -25,6 +25,8 @@ constexpr ByOrder<ChannelMask> MiddleByOrder{
     /* b > r = g */ Red | Green,
     /* r = g = b */ AllChannels,
 };
+
+constexpr auto MiddleByKey = byOrderKey(MiddleByOrder);
 
 // The signed difference of a pair as weights of r, g, b, max and min, so
 // that the pixel loop has no branch on the pair.
@@ -109,7 +111,7 @@ void Class_ColorOp::DifferenceOperation(std::uint8_t pair, std::uint8_t use, std
             break;
         case 7:
             run([](int r, int g, int b, int d) {
-                return addTo(entryFor(MiddleByOrder, channelOrder(r, g, b)), r, g, b, d);
+                return addTo(MiddleByKey[static_cast<std::size_t>(orderKey(r, g, b))], r, g, b, d);
             });
             break;
         case 8:

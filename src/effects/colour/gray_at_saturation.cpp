@@ -12,7 +12,7 @@ namespace {
 // The channels that take the middle step. Both equal channels on two equal
 // ones, all three when all are equal; and on purpose not the true middle
 // for g > r > b (blue), g > b > r (none) and r = g above b (blue).
-constexpr ByOrder<ChannelMask> MiddleStepByOrder{
+constexpr ByOrder<std::uint32_t> MiddleStepByOrder{
     /* r > g > b */ Green,
     /* r > b > g */ Blue,
     /* b > r > g */ Red,
@@ -28,6 +28,8 @@ constexpr ByOrder<ChannelMask> MiddleStepByOrder{
     /* r = g = b */ AllChannels,
 };
 
+constexpr auto MiddleStepByKey = byOrderKey(MiddleStepByOrder);
+
 } // namespace
 
 void Class_ColorOp::GrayatSaturation(std::uint8_t channel, std::int16_t degree, std::int16_t left,
@@ -35,59 +37,53 @@ void Class_ColorOp::GrayatSaturation(std::uint8_t channel, std::int16_t degree, 
                                      std::uint8_t kind) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        // round(d * (a / 255)) for every spread d of 0..255; |d / 255| <= 1
-        // keeps it inside 16 bits.
-        std::array<int, 256> step{};
-        for (int d = 0; d < 256; ++d)
-            step[d] = roundTo<std::int16_t>(d * (degree / 255.0));
-        const ChannelMask greyed = channel == 0   ? AllChannels
-                                   : channel == 1 ? Red
-                                   : channel == 2 ? Green
-                                   : channel == 3 ? Blue
-                                                  : NoChannel;
+        // round(d * (a / 255)) of a spread d of 0..255: d / 255 <= 1 keeps
+        // it inside 16 bits, so it needs no range check.
+        const double ratio = degree / 255.0;
+        auto step = [ratio](int d) { return roundInRange<std::int32_t>(d * ratio); };
+        const ChannelMask greyedChannels = channel == 0   ? AllChannels
+                                           : channel == 1 ? Red
+                                           : channel == 2 ? Green
+                                           : channel == 3 ? Blue
+                                                          : NoChannel;
 
-        eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
+        auto rule = [&]<bool Apart>(int r, int g, int b) {
             const int mx = std::max({r, g, b});
             const int mn = std::min({r, g, b});
-            const int md = programMedian(r, g, b);
-            const int d1 = step[mx - mn];
-            const int d2 = step[mx - md];
+            const int md = programMedianOf(r, g, b);
+            const int d1 = step(mx - mn);
+            const int d2 = std::abs(step(mx - md));
             const ChannelMask largest = channelsEqualTo(mx, r, g, b);
             const ChannelMask smallest = channelsEqualTo(mn, r, g, b);
-            const ChannelMask middle = entryFor(MiddleStepByOrder, channelOrder(r, g, b));
+            const auto middle = static_cast<ChannelMask>(
+                MiddleStepByKey[static_cast<std::size_t>(orderKey(r, g, b))]);
             Channels c{r, g, b};
-            if (degree >= 0) {
+            if constexpr (Apart) {
                 c.add(largest, d1);
                 c.add(smallest, -d1);
-                c.add(middle, -std::abs(d2));
+                c.add(middle, -d2);
             } else {
-                c.add(middle, std::abs(d2));
+                c.add(middle, d2);
                 c.add(smallest, std::abs(d1));
             }
             // Pixels darker than the degree are greyed.
             const int v = roundInRange<std::int32_t>((r + g + b) / 3.0);
-            if (v < degree) {
-                int grey = 0;
-                switch (kind) {
-                case 0:
-                    grey = v;
-                    break;
-                case 1:
-                    grey = mx;
-                    break;
-                case 2:
-                    grey = md;
-                    break;
-                case 3:
-                    grey = mn;
-                    break;
-                default:
-                    break;
-                }
-                c.set(greyed, grey);
-            }
-            return c.fields();
-        });
+            const int grey =
+                (kind == 0) * v + (kind == 1) * mx + (kind == 2) * md + (kind == 3) * mn;
+            const bool dark = v < degree;
+            auto pick = [&](ChannelMask which, int stepped) {
+                return dark && (greyedChannels & which) != 0 ? grey : stepped;
+            };
+            return Channels{pick(Red, c.red), pick(Green, c.green), pick(Blue, c.blue)}.fields();
+        };
+        if (degree >= 0) {
+            eachPixel<Ending::SharedTail>(
+                rect, [&](int r, int g, int b) { return rule.template operator()<true>(r, g, b); });
+        } else {
+            eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
+                return rule.template operator()<false>(r, g, b);
+            });
+        }
     });
 }
 

@@ -35,33 +35,16 @@ constexpr Action nothing() {
     return {};
 }
 
-// A pixel of each order, to read which channels hold the extremes.
-constexpr ByOrder<std::array<int, 3>> Representative{{
-    {3, 2, 1},
-    {3, 1, 2},
-    {2, 1, 3},
-    {1, 2, 3},
-    {1, 3, 2},
-    {2, 3, 1}, // strict orders
-    {2, 1, 2},
-    {2, 1, 1},
-    {1, 2, 1},
-    {1, 2, 2},
-    {2, 2, 1},
-    {1, 1, 2}, // two equal
-    {1, 1, 1},
-}};
-
 constexpr bool isStrict(ChannelOrder order) {
     return order <= ChannelOrder::GRB;
 }
 
 constexpr ChannelMask largestOf(ChannelOrder order) {
-    const auto& p = entryFor(Representative, order);
+    const auto& p = entryFor(OrderRepresentative, order);
     return channelsEqualTo(std::max({p[0], p[1], p[2]}), p[0], p[1], p[2]);
 }
 constexpr ChannelMask smallestOf(ChannelOrder order) {
-    const auto& p = entryFor(Representative, order);
+    const auto& p = entryFor(OrderRepresentative, order);
     return channelsEqualTo(std::min({p[0], p[1], p[2]}), p[0], p[1], p[2]);
 }
 constexpr ChannelMask middleOf(ChannelOrder order) {
@@ -207,53 +190,64 @@ Actions actionsFor(std::uint8_t source, std::uint8_t target) {
     return actions;
 }
 
-struct PixelValues {
-    int s, max, min, r, g, b;
-    [[nodiscard]] int of(Value v) const {
-        switch (v) {
-        case Value::S:
-            return s;
-        case Value::Max:
-            return max;
-        case Value::Min:
-            return min;
-        case Value::SourceRed:
-            return r;
-        case Value::SourceGreen:
-            return g;
-        default:
-            return b;
-        }
-    }
-};
+// An action packed into one word, spread over the order keys, so that the
+// pixel loop looks it up without branching: mask and value of the first
+// write in bits 0..5, of the second in bits 6..11.
+using PackedActions = std::array<std::uint32_t, OrderKeyCount>;
 
-PixelValues valuesOf(std::uint8_t source, int r, int g, int b) {
-    const MaxMin m = MaxMinOfThree(r, g, b);
-    int s = 0;
-    switch (source) {
-    case 0:
-        s = r;
-        break;
-    case 1:
-        s = g;
-        break;
-    case 2:
-        s = b;
-        break;
-    case 3:
-        s = m.max;
-        break;
-    case 4:
-        s = programMedian(r, g, b);
-        break;
-    case 5:
-        s = m.min;
-        break;
-    default:
-        s = lightness(m.max, m.min);
-        break;
+PackedActions packed(const Actions& actions) {
+    ByOrder<std::uint32_t> words{};
+    for (std::size_t i = 0; i < ChannelOrderCount; ++i) {
+        const Action& a = actions[i];
+        words[i] = a.first.channels | static_cast<std::uint32_t>(a.first.value) << 3 |
+                   static_cast<std::uint32_t>(a.second.channels) << 6 |
+                   static_cast<std::uint32_t>(a.second.value) << 9;
     }
-    return {s, m.max, m.min, r, g, b};
+    return byOrderKey(words);
+}
+
+// The value S of a source: r, g, b, max, the program's median, min, lightness.
+template <int Source>
+int sourceValue(int r, int g, int b, const MaxMin& m) {
+    if constexpr (Source == 0) return r;
+    if constexpr (Source == 1) return g;
+    if constexpr (Source == 2) return b;
+    if constexpr (Source == 3) return m.max;
+    if constexpr (Source == 4) return programMedianOf(r, g, b);
+    if constexpr (Source == 5) return m.min;
+    if constexpr (Source == 6) return lightness(m.max, m.min);
+    return 0;
+}
+
+template <int Source>
+Rgb16 applyActions(const PackedActions& actions, int r, int g, int b) {
+    const MaxMin m = MaxMinOfThree(r, g, b);
+    const int s = sourceValue<Source>(r, g, b, m);
+    const std::uint32_t word = actions[static_cast<std::size_t>(orderKey(r, g, b))];
+    // A sum of products rather than a chain of selects, which is more than
+    // the vectoriser takes.
+    auto valueOf = [&](std::uint32_t v) {
+        return (v == 0) * s + (v == 1) * m.max + (v == 2) * m.min + (v == 3) * r + (v == 4) * g +
+               (v == 5) * b;
+    };
+    const int first = valueOf((word >> 3) & 7u);
+    const int second = valueOf((word >> 9) & 7u);
+    auto channel = [&](ChannelMask which, int c) {
+        return ((word >> 6) & which) != 0 ? second : ((word & which) != 0 ? first : c);
+    };
+    return Channels{channel(Red, r), channel(Green, g), channel(Blue, b)}.fields();
+}
+
+// All channels by brightness, the source channel itself kept.
+template <int Source>
+Rgb16 byBrightness(int r, int g, int b) {
+    const MaxMin m = MaxMinOfThree(r, g, b);
+    const int s = sourceValue<Source>(r, g, b, m);
+    const int divisor = nonZero(lightness(m.max, m.min));
+    auto channel = [&](int index, int c) {
+        return index == Source ? c : scaledChannelInRange(c, divisor, s);
+    };
+    return Channels{channel(0, r), channel(1, g), channel(2, b)}.fields();
 }
 
 } // namespace
@@ -263,33 +257,50 @@ void Class_ColorOp::Invasion_Effect(std::uint8_t source, std::uint8_t target, st
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
         const bool known = source <= 6 && target <= 5;
-        const bool byBrightness = source <= 5 && target == 5;
-        const Actions actions = known && !byBrightness ? actionsFor(source, target) : Actions{};
-        auto write = [&](int r, int g, int b) {
-            const PixelValues values = valuesOf(source, r, g, b);
-            const Action& action = entryFor(actions, channelOrder(r, g, b));
-            Channels c{r, g, b};
-            c.set(action.first.channels, values.of(action.first.value));
-            c.set(action.second.channels, values.of(action.second.value));
-            return c.fields();
+        const bool brightness = known && source <= 5 && target == 5;
+        const PackedActions actions =
+            known && !brightness ? packed(actionsFor(source, target)) : PackedActions{};
+        auto run = [&]<int Source>() {
+            if (brightness) {
+                eachPixel<Ending::SharedTail>(
+                    rect, [](int r, int g, int b) { return byBrightness<Source>(r, g, b); });
+            } else if (known && Source == 6) {
+                eachPixel<Ending::SharedTail>(rect, [&actions](int r, int g, int b) {
+                    return applyActions<Source>(actions, r, g, b);
+                });
+            } else {
+                // Straight into the array's bytes: no clamp, no calculation
+                // type. Rows the list does not have write nothing.
+                eachPixel<Ending::Store>(rect, [&actions](int r, int g, int b) {
+                    return applyActions<Source>(actions, r, g, b);
+                });
+            }
         };
-
-        if (byBrightness) {
-            // All channels by brightness, the source channel itself kept.
-            eachPixel<Ending::SharedTail>(rect, [source](int r, int g, int b) {
-                const PixelValues values = valuesOf(source, r, g, b);
-                const int divisor = nonZero(lightness(values.max, values.min));
-                auto channel = [&](int index, int c) {
-                    return index == source ? c : scaledChannelInRange(c, divisor, values.s);
-                };
-                return Channels{channel(0, r), channel(1, g), channel(2, b)}.fields();
-            });
-        } else if (known && source == 6) {
-            eachPixel<Ending::SharedTail>(rect, write);
-        } else {
-            // Straight into the array's bytes: no clamp, no calculation type.
-            // Rows the list does not have write nothing.
-            eachPixel<Ending::Store>(rect, write);
+        switch (source) {
+        case 0:
+            run.template operator()<0>();
+            break;
+        case 1:
+            run.template operator()<1>();
+            break;
+        case 2:
+            run.template operator()<2>();
+            break;
+        case 3:
+            run.template operator()<3>();
+            break;
+        case 4:
+            run.template operator()<4>();
+            break;
+        case 5:
+            run.template operator()<5>();
+            break;
+        case 6:
+            run.template operator()<6>();
+            break;
+        default:
+            run.template operator()<7>();
+            break;
         }
     });
 }

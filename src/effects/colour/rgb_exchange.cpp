@@ -39,8 +39,24 @@ constexpr ByOrder<std::array<Replacement, 3>> ReplacedByOrder{{
     /* r = g = b */ {},
 }};
 
-constexpr int channelValue(ChannelMask channel, int r, int g, int b) {
-    return channel == Red ? r : channel == Green ? g : b;
+// The choices of kinds 11..13 by order key, packed as replaced channels in
+// bits 0..2 and the scale channel in bits 3..5.
+constexpr std::array<std::array<std::uint32_t, OrderKeyCount>, 3> ReplacedByKey = [] {
+    std::array<std::array<std::uint32_t, OrderKeyCount>, 3> keyed{};
+    for (std::size_t kind = 0; kind < 3; ++kind) {
+        ByOrder<std::uint32_t> words{};
+        for (std::size_t i = 0; i < ChannelOrderCount; ++i) {
+            const Replacement& choice = ReplacedByOrder[i][kind];
+            words[i] = choice.replaced | static_cast<std::uint32_t>(choice.scale) << 3;
+        }
+        keyed[kind] = byOrderKey(words);
+    }
+    return keyed;
+}();
+
+// A sum of products rather than selects, which keeps the loop vectorised.
+constexpr int channelValue(std::uint32_t channel, int r, int g, int b) {
+    return (channel == Red) * r + (channel == Green) * g + (channel == Blue) * b;
 }
 
 // Swaps the values p and q wherever a channel holds one of them.
@@ -63,14 +79,16 @@ Rgb16 swapRoles(int r, int g, int b) {
 }
 
 // Kinds 8..13: the replaced channels take the lightness, the others are
-// rescaled by the old value of the scale channel.
-Rgb16 replaceByLightness(int r, int g, int b, Replacement choice) {
+// rescaled by the old value of the scale channel. Three equal channels
+// stay as they are, which the rule gives by itself: the lightness is then
+// the channel value and every quotient exactly 1.
+Rgb16 replaceByLightness(int r, int g, int b, std::uint32_t replaced, std::uint32_t scale) {
     const MaxMin m = MaxMinOfThree(r, g, b);
     const int l = lightness(m.max, m.min);
     const int divisor = nonZero(l);
-    const int x = channelValue(choice.scale, r, g, b);
+    const int x = channelValue(scale, r, g, b);
     auto channel = [&](ChannelMask which, int c) -> int {
-        return (choice.replaced & which) ? l : scaledChannelInRange(c, divisor, x);
+        return chooseWithoutBranch((replaced & which) != 0, l, scaledChannelInRange(c, divisor, x));
     };
     return Channels{channel(Red, r), channel(Green, g), channel(Blue, b)}.fields();
 }
@@ -111,22 +129,23 @@ void Class_ColorOp::RGBExchange(std::uint8_t kind, std::int16_t left, std::int16
             break;
         case 8:
         case 9:
-        case 10:
-            replace([kind](int r, int g, int b) {
-                const ChannelMask channel = kind == 8 ? Red : kind == 9 ? Green : Blue;
-                if (r == g && g == b) return Channels{r, g, b}.fields();
-                return replaceByLightness(r, g, b, only(channel));
+        case 10: {
+            const std::uint32_t channel = kind == 8 ? Red : kind == 9 ? Green : Blue;
+            replace([channel](int r, int g, int b) {
+                return replaceByLightness(r, g, b, channel, channel);
             });
             break;
+        }
         case 11:
         case 12:
-        case 13:
-            replace([kind](int r, int g, int b) {
-                const ChannelOrder order = channelOrder(r, g, b);
-                if (order == ChannelOrder::Same) return Channels{r, g, b}.fields();
-                return replaceByLightness(r, g, b, entryFor(ReplacedByOrder, order)[kind - 11]);
+        case 13: {
+            const auto& choices = ReplacedByKey[kind - 11];
+            replace([&choices](int r, int g, int b) {
+                const std::uint32_t word = choices[static_cast<std::size_t>(orderKey(r, g, b))];
+                return replaceByLightness(r, g, b, word & 7u, word >> 3);
             });
             break;
+        }
         default:
             // Any other kind changes nothing.
             swap(fields);

@@ -2,78 +2,74 @@
 #include "effects/colour/color_op_support.h"
 #include "engine/colour_models.h"
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
-#include <vector>
+#include <type_traits>
 
 namespace lumiran {
 namespace {
 
 constexpr double Pi = 3.14159;
 
-// Types 0..3: |255 - round(w c)| with w a wave of the base value k.
-int waveOfBase(int k, int c, double period) {
+// Types 0..3: the wave w of the base value k.
+double waveFactor(int k, double period) {
     const double angle = k * Pi / period;
-    const double w = ((std::sin(angle) + 1) / 2) * ((std::cos(angle) + 1) / 2);
-    return std::abs(255 - roundTo<std::int16_t>(w * c));
+    return ((std::sin(angle) + 1) / 2) * ((std::cos(angle) + 1) / 2);
 }
 
-// Type 4: |round((cos + sin) Y)| with the angle from the channel itself.
-int swingOfGrey(int c, int y, double period) {
+// Type 4: cos + sin with the angle from the channel itself.
+double swingFactor(int c, double period) {
     const double angle = c * Pi / period;
-    return std::abs(roundTo<std::int16_t>((std::cos(angle) + std::sin(angle)) * y));
+    return std::cos(angle) + std::sin(angle);
 }
 
-// The wave depends on the period and two values of 0..255, so with a fixed
-// period it is tabled once per run: at(first, second) is waveOfBase(k, c)
-// or swingOfGrey(c, y). Building it raises the error a period of 0 gives
-// at every pixel.
+// |255 - round(w c)| and |round((cos + sin) Y)|.
+int waveOfBase(int k, int c, double period) {
+    return std::abs(255 - roundTo<std::int16_t>(waveFactor(k, period) * c));
+}
+int swingOfGrey(int c, int y, double period) {
+    return std::abs(roundTo<std::int16_t>(swingFactor(c, period) * y));
+}
+
+// With a fixed period the factor depends on one value of 0..255 only, so
+// it is tabled once per run. A period of 0 makes every factor a NaN and
+// every pixel fail; the table fails at once instead. Finite factors give
+// products that fit: |w c| <= 255 and |(cos + sin) Y| < 361.
 class WaveTable {
   public:
-    WaveTable(std::uint8_t type, double period) : entries_(256 * 256) {
+    WaveTable(std::uint8_t type, double period) {
         for (int i = 0; i < 256; ++i) {
-            for (int j = 0; j < 256; ++j) {
-                entries_[i * 256 + j] = static_cast<std::int16_t>(
-                    type == 4 ? swingOfGrey(i, j, period) : waveOfBase(i, j, period));
-            }
+            const double f = type == 4 ? swingFactor(i, period) : waveFactor(i, period);
+            if (!std::isfinite(f)) throw EffectError::overflow();
+            factors_[static_cast<std::size_t>(i)] = f;
         }
     }
-    [[nodiscard]] int at(int first, int second) const { return entries_[first * 256 + second]; }
+    [[nodiscard]] int wave(int k, int c) const {
+        return std::abs(255 -
+                        roundInRange<std::int32_t>(factors_[static_cast<std::size_t>(k)] * c));
+    }
+    [[nodiscard]] int swing(int c, int y) const {
+        return std::abs(roundInRange<std::int32_t>(factors_[static_cast<std::size_t>(c)] * y));
+    }
 
   private:
-    std::vector<std::int16_t> entries_;
+    std::array<double, 256> factors_{};
 };
 
+// Sums of products rather than switches, which keep the pixel loop
+// vectorised.
 int baseValue(std::uint8_t type, int r, int g, int b) {
-    switch (type) {
-    case 1:
-        return r;
-    case 2:
-        return g;
-    case 3:
-        return b;
-    default:
-        return luminanceY(r, g, b);
-    }
+    return (type == 1) * r + (type == 2) * g + (type == 3) * b + (type == 0) * luminanceY(r, g, b);
 }
 
-// The grey of the results that mono spreads over all three channels.
+// The grey of the results that mono spreads over all three channels: Y
+// of them for types 0 and 4 (within 32 bits, as the results are 16-bit),
+// R, G or B for types 1, 2, 3.
 Rgb16 monoGrey(std::uint8_t type, Rgb16 v) {
-    int grey = 0;
-    switch (type) {
-    case 1:
-        grey = v.red;
-        break;
-    case 2:
-        grey = v.green;
-        break;
-    case 3:
-        grey = v.blue;
-        break;
-    default:
-        grey = roundTo<std::int32_t>(0.59 * v.green + 0.3 * v.red + 0.11 * v.blue);
-        break;
-    }
+    const int y = roundInRange<std::int32_t>(0.59 * v.green + 0.3 * v.red + 0.11 * v.blue);
+    const int grey = (type == 1) * v.red + (type == 2) * v.green + (type == 3) * v.blue +
+                     (type == 0 || type == 4) * y;
     return Channels{grey, grey, grey}.fields();
 }
 
@@ -93,11 +89,10 @@ void Class_ColorOp::SilverMountain(std::uint8_t type, std::int16_t period, std::
             return mono == 1 ? monoGrey(type, v) : v;
         };
         auto working = [invert](int& r, int& g, int& b) {
-            if (invert != 0) {
-                r = 255 - r;
-                g = 255 - g;
-                b = 255 - b;
-            }
+            const bool inverted = invert != 0;
+            r = inverted ? 255 - r : r;
+            g = inverted ? 255 - g : g;
+            b = inverted ? 255 - b : b;
         };
 
         if (random == 1) {
@@ -125,18 +120,31 @@ void Class_ColorOp::SilverMountain(std::uint8_t type, std::int16_t period, std::
             return;
         }
         const WaveTable table(type, period);
+        // Mono chosen per run, not per pixel: a floating-point grey behind a
+        // select would keep the loop out of the vector unit.
+        auto run = [&](auto spread, auto wave) {
+            eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
+                working(r, g, b);
+                const Channels c = wave(r, g, b);
+                const Rgb16 v =
+                    Channels{c.red + addRed, c.green + addGreen, c.blue + addBlue}.fields();
+                if constexpr (decltype(spread)::value) return monoGrey(type, v);
+                return v;
+            });
+        };
+        auto swing = [&table](int r, int g, int b) {
+            const int y = luminanceY(r, g, b);
+            return Channels{table.swing(r, y), table.swing(g, y), table.swing(b, y)};
+        };
+        auto wave = [&table, type](int r, int g, int b) {
+            const int k = baseValue(type, r, g, b);
+            return Channels{table.wave(k, r), table.wave(k, g), table.wave(k, b)};
+        };
+        const bool spread = mono == 1;
         if (type == 4) {
-            eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
-                working(r, g, b);
-                const int y = luminanceY(r, g, b);
-                return finishResult({table.at(r, y), table.at(g, y), table.at(b, y)});
-            });
+            spread ? run(std::true_type{}, swing) : run(std::false_type{}, swing);
         } else {
-            eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
-                working(r, g, b);
-                const int k = baseValue(type, r, g, b);
-                return finishResult({table.at(k, r), table.at(k, g), table.at(k, b)});
-            });
+            spread ? run(std::true_type{}, wave) : run(std::false_type{}, wave);
         }
     });
 }

@@ -45,28 +45,24 @@ Rgb16 sakura(int r, int g, int b) {
     }
     const MaxMin m = MaxMinOfThree(c.red, c.green, c.blue);
     const int d2 = m.max - m.min;
-    // A fifth of the spread taken away, rounded half to even.
-    auto lessAFifth = [d2](int v) { return roundInRange<std::int32_t>(v - d2 / 5.0); };
+    // round(v - d2 / 5): the fifth of a spread of 0 or more is never a half,
+    // so this is v minus the nearest integer to d2 / 5.
+    const int fifth = (d2 + 2) / 5;
+    // Written as selects, field by field and without short-circuits, so
+    // that the pixel loop has no branch.
+    Channels stepped = c;
+    bool step = false;
     if constexpr (Hue == 0) {
-        const bool differs = oneOrThree ? c.green != c.blue : c.red != c.blue;
-        if (m.max == c.green && differs) {
-            c.red += d2;
-            c.green = lessAFifth(c.green);
-            c.blue += d2;
-        }
-        if constexpr (Type == 2) {
-            if (c.blue >= c.red) c = {r, g, b};
-        }
+        step = (m.max == c.green) & (oneOrThree ? c.green != c.blue : c.red != c.blue);
+        stepped = {c.red + d2, c.green - fifth, c.blue + d2};
     } else {
-        const bool differs = oneOrThree ? c.red != c.blue : c.green != c.blue;
-        if (m.max == c.blue && differs) {
-            c.red += d2;
-            c.green += d2;
-            c.blue = lessAFifth(c.blue);
-        }
-        if constexpr (Type == 2) {
-            if (c.red >= c.green) c = {r, g, b};
-        }
+        step = (m.max == c.blue) & (oneOrThree ? c.red != c.blue : c.green != c.blue);
+        stepped = {c.red + d2, c.green + d2, c.blue - fifth};
+    }
+    c = {step ? stepped.red : c.red, step ? stepped.green : c.green, step ? stepped.blue : c.blue};
+    if constexpr (Type == 2) {
+        const bool back = Hue == 0 ? c.blue >= c.red : c.red >= c.green;
+        c = {back ? r : c.red, back ? g : c.green, back ? b : c.blue};
     }
     return c.fields();
 }

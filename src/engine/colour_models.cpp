@@ -7,61 +7,6 @@
 
 namespace lumiran {
 
-Hsv rgbToHsv(int r, int g, int b) {
-    const int mx = std::max({r, g, b});
-    const int mn = std::min({r, g, b});
-    Hsv hsv;
-    hsv.value = mx;
-    hsv.saturation = mx == 0 ? 0.0 : static_cast<double>(mx - mn) / mx;
-    if (hsv.saturation == 0) return hsv;
-    const double d = mx - mn;
-    const double rc = (mx - r) / d;
-    const double gc = (mx - g) / d;
-    const double bc = (mx - b) / d;
-    double h = 0;
-    // Later tests override earlier ones on purpose.
-    if (r == mx) h = bc - gc;
-    if (g == mx) h = rc + 2 - bc;
-    if (b == mx) h = gc + 4 - rc;
-    h *= 60;
-    if (h < 0) h += 360;
-    hsv.hue = h;
-    return hsv;
-}
-
-namespace {
-
-std::int16_t toChannel(double working) {
-    return roundTo<std::int16_t>(std::floor(working * 255.9999));
-}
-
-} // namespace
-
-Rgb16 HsvToRgb(double hue, double saturation, double value) {
-    double red = 0, green = 0, blue = 0;
-    if (saturation == 0) {
-        red = green = blue = value;
-    } else {
-        float h = static_cast<float>(hue / 60);
-        if (h >= 6) h = 0;
-        const int i = roundTo<std::int32_t>(std::floor(h));
-        const double f = h - i;
-        const float p = static_cast<float>((1 - saturation) * value);
-        const float q = static_cast<float>((1 - f * saturation) * value);
-        const float t = static_cast<float>((1 - (1 - f) * saturation) * value);
-        switch (i) {
-        case 0: red = value, green = t, blue = p; break;
-        case 1: red = q, green = value, blue = p; break;
-        case 2: red = p, green = value, blue = t; break;
-        case 3: red = p, green = q, blue = value; break;
-        case 4: red = t, green = p, blue = value; break;
-        case 5: red = value, green = p, blue = q; break;
-        default: break; // negative hue: black
-        }
-    }
-    return {toChannel(red), toChannel(green), toChannel(blue)};
-}
-
 Hls rgbToHls(int r, int g, int b) {
     const int mx = std::max({r, g, b});
     const int mn = std::min({r, g, b});

@@ -1,4 +1,5 @@
 // The parameter forms, configured from the table, with preview and OK.
+#include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScrollBar>
@@ -47,6 +48,70 @@ private slots:
         QCOMPARE(dialog->previewSource().height(), 105);
         dialog->close();
         QCOMPARE(frame.state().PreviewReady, 0);
+    }
+
+    // One effect of each form: ranges, defaults, rows and what stays hidden.
+    void eachFormIsConfiguredForItsEffect() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.setAutoPreview(false);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        frame.show();
+
+        frame.openEffectDialog(*doc, *findEffect("Hue And Gray")); // frm_Sepia
+        EffectDialog* sepia = currentDialog();
+        QCOMPARE(sepia->objectName(), QString("frm_Sepia"));
+        QCOMPARE(sepia->slider(1)->minimum(), 0);
+        QCOMPARE(sepia->slider(1)->maximum(), 255);
+        QCOMPARE(sepia->slider(1)->value(), 128);
+        QCOMPARE(sepia->colorList(), nullptr);
+        sepia->close();
+
+        frame.openEffectDialog(*doc, *findEffect("Difference Addition")); // frm_Emboss
+        EffectDialog* emboss = currentDialog();
+        QCOMPARE(emboss->objectName(), QString("frm_Emboss"));
+        QCOMPARE(emboss->typeList()->count(), 10);
+        QCOMPARE(emboss->colorList()->count(), 4);
+        QCOMPARE(emboss->typeList()->currentRow(), 0);
+        emboss->close();
+
+        frame.openEffectDialog(*doc, *findEffect("HSV Invert")); // frm_Mani
+        EffectDialog* mani = currentDialog();
+        QCOMPARE(mani->objectName(), QString("frm_Mani"));
+        QCOMPARE(mani->slider(2)->minimum(), -255);
+        QCOMPARE(mani->slider(3)->value(), -20);
+        QVERIFY(mani->slider(6)->isVisible());
+        QVERIFY(!mani->slider(7)->isVisible()); // unconfigured sliders stay hidden
+        QVERIFY(!mani->typeList()->parentWidget()->isVisible()); // a list with no rows hides
+        QCOMPARE(mani->values().sliders[5], 60.0);
+        mani->close();
+
+        // frm_Level names Slider1 "最小値" (64) and Slider2 "最大値" (192).
+        frame.openEffectDialog(*doc, *findEffect("Shade Range Adjust"));
+        EffectDialog* level = currentDialog();
+        QCOMPARE(level->objectName(), QString("frm_Level"));
+        QCOMPARE(level->slider(1)->value(), 64);
+        QCOMPARE(level->slider(2)->value(), 192);
+        QVERIFY(level->findChild<QLabel*>() != nullptr);
+        QStringList names;
+        for (QLabel* label : level->findChildren<QLabel*>()) names << label->text();
+        QVERIFY(names.contains("最小値") && names.contains("最大値"));
+        QCOMPARE(level->typeList()->count(), 3);
+        level->close();
+
+        frame.openEffectDialog(*doc, *findEffect("One Color Scale")); // frm_ColorScale
+        EffectDialog* scale = currentDialog();
+        QCOMPARE(scale->objectName(), QString("frm_ColorScale"));
+        QCOMPARE(scale->colorList()->count(), 3);
+        QCOMPARE(scale->slider(1)->maximum(), 128);
+        scale->close();
+
+        frame.openEffectDialog(*doc, *findEffect("Blackend")); // frm_Negative
+        EffectDialog* negative = currentDialog();
+        QCOMPARE(negative->objectName(), QString("frm_Negative"));
+        QCOMPARE(negative->slider(1)->value(), 24);
+        QCOMPARE(negative->slider(1)->minimum(), -255);
+        negative->close();
     }
 
     void autoPreviewFollowsAListButNotTheDefaultButton() {

@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
@@ -19,6 +20,7 @@
 #include "platform/qt_picture_decoder.h"
 #include "shell/ui/frm_document.h"
 #include "shell/ui/frm_main.h"
+#include "shell/ui/frm_picture_save.h"
 #include "shell/ui/qt_settings_store.h"
 #include "shell/ui/run_controller.h"
 #include "shell/ui/ui_text.h"
@@ -234,6 +236,68 @@ private slots:
         QCOMPARE(frame.state().undo.UndoCount(), 1);
         frame.undo(*doc);
         QVERIFY(doc->document().picture == before);
+    }
+
+    // A user's first session: three formats, the arrangements, a run, saves at
+    // 8 and 1 bits, reopening them, undo, closing.
+    void aFirstSessionFromOpenToClose() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.resize(900, 700);
+        frame.show();
+        Surface few(64, 48, makePixel(200, 30, 30));
+        for (int x = 0; x < 64; ++x) few.at(x, 20) = makePixel(0, 0, 0);
+        const QString bmp = writePicture("session.bmp", few);
+        QStringList paths{bmp};
+        if (QFile::exists("/usr/bin/convert")) {
+            const QString jpg = dir_.filePath("session.jpg");
+            QCOMPARE(QProcess::execute("/usr/bin/convert", {bmp, jpg}), 0);
+            paths << jpg;
+        }
+        if (QFile::exists("/usr/bin/bmptopnm") && QFile::exists("/usr/bin/ppmtopcx")) {
+            const QString pcx = dir_.filePath("session.pcx");
+            QCOMPARE(QProcess::execute("sh", {"-c", QString("bmptopnm '%1' 2>/dev/null | ppmtopcx "
+                                                             "2>/dev/null > '%2'")
+                                                         .arg(bmp, pcx)}),
+                     0);
+            paths << pcx;
+        }
+        QList<FrmDocument*> docs;
+        for (const QString& path : paths) {
+            FrmDocument* doc = frame.openFile(path);
+            QVERIFY2(doc != nullptr, qPrintable(path));
+            QCOMPARE(doc->document().picture.width(), 64);
+            docs << doc;
+        }
+        for (int mode : {1, 2, 3}) frame.arrange(mode);
+        QApplication::processEvents();
+
+        FrmDocument* doc = docs.front();
+        QVERIFY(frame.runEffect(*doc, [](EffectInvocation& run) {
+            Class_ColorOp effect(run.context);
+            effect.ImageGetDiBits(run.keptPicture0);
+            effect.Gray_Effect(0, run.rect.left, run.rect.top, run.rect.right, run.rect.bottom);
+            effect.ImageSetDiBits(run.keptPicture1);
+        }));
+        frame.runs().waitForEnd();
+        const Surface grey = doc->document().picture;
+        QVERIFY(!(grey == few));
+
+        const QString eight = dir_.filePath("session8.bmp");
+        const QString one = dir_.filePath("session1.bmp");
+        QVERIFY(savePictureFile(grey, eight, SaveDepth::Bits8));
+        QVERIFY(savePictureFile(grey, one, SaveDepth::Bits1));
+        FrmDocument* reopened8 = frame.openFile(eight);
+        FrmDocument* reopened1 = frame.openFile(one);
+        QVERIFY(reopened8 != nullptr && reopened1 != nullptr);
+        QVERIFY(reopened8->document().picture.sameColours(grey));
+        QCOMPARE(reopened1->document().picture.at(0, 20) & 0xFFFFFFu, 0u);
+        QCOMPARE(reopened1->document().picture.at(0, 0) & 0xFFFFFFu, 0xFFFFFFu);
+
+        frame.undo(*doc);
+        QVERIFY(doc->document().picture == few);
+        MessageBoxAnswerer yes(QMessageBox::Yes);
+        QVERIFY(frame.close());
     }
 
     void undoToAPictureOfAnotherSizeRefitsTheScrollBars() {

@@ -9,6 +9,8 @@
 
 #include "imagefiles/bitmap_writer.h"
 #include "platform/qt_picture_decoder.h"
+#include "catalogue/effect_table.h"
+#include "catalogue/ui/effect_dialog.h"
 #include "shell/ui/dialogs/frm_colorset.h"
 #include "shell/ui/dialogs/frm_create.h"
 #include "shell/ui/dialogs/frm_option.h"
@@ -50,6 +52,18 @@ private slots:
         QVERIFY(colour != nullptr);
         keep(*colour, "menu_color");
         keep(*doc->menu("mnuCompose"), "menu_compose");
+
+        for (const char* effect : {"Monotone", "HSV Invert", "Shade Range Adjust", "One Color Scale"}) {
+            frame.openEffectDialog(*doc, *findEffect(effect));
+            EffectDialog* dialog = frame.findChild<EffectDialog*>();
+            for (QWidget* w : QApplication::topLevelWidgets()) {
+                if (auto* d = qobject_cast<EffectDialog*>(w); d != nullptr && d->isVisible()) dialog = d;
+            }
+            QVERIFY(dialog != nullptr);
+            dialog->PreviewButton_Click();
+            keep(*dialog, QString("effect_%1").arg(dialog->objectName() + "_" + QString::number(dialog->code())));
+            dialog->close();
+        }
 
         frm_Option options(frame.settings());
         for (int tab = 0; tab < 7; ++tab) {

@@ -68,6 +68,19 @@ bool previewForbidden(std::string_view key) {
     return std::ranges::find(keys, key) != std::end(keys);
 }
 
+// Whether the effect's call passes this control's value (K, Rc and so on):
+// controls no call reads stay hidden.
+bool callUses(std::string_view call, std::string_view symbol) {
+    for (std::size_t at = call.find(symbol); at != std::string_view::npos;
+         at = call.find(symbol, at + 1)) {
+        const char before = at == 0 ? '(' : call[at - 1];
+        const std::size_t endAt = at + symbol.size();
+        const char after = endAt < call.size() ? call[endAt] : ')';
+        if ((before == '(' || before == ',') && (after == ',' || after == ')')) return true;
+    }
+    return false;
+}
+
 QString colourSwatch(Rgb8 c) {
     return QString("background-color: rgb(%1,%2,%3); border: 1px solid gray;")
         .arg(c.red)
@@ -273,7 +286,11 @@ void EffectDialog::configure(const EffectEntry& entry) {
             DistanceCombo->setCurrentIndex(0);
         }
     }
+    if (Check1 != nullptr) Check1->setVisible(callUses(entry.call, "K"));
     if (kind_ == DialogKind::ColorScale) {
+        const bool colour = callUses(entry.call, "Rc");
+        ProcessColor->setVisible(colour);
+        ColorCommand->setVisible(colour);
         processColor_ = frame_.state().flags.drawingColor;
         ProcessColor->setStyleSheet(colourSwatch(processColor_));
         colorListClicked();

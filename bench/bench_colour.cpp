@@ -1,14 +1,13 @@
 // Per-pixel colour effects against a plain copy of the same buffer. The
 // copy is the floor: an effect reads and writes each pixel once, so the
 // target is to stay within three times its time.
-#include <benchmark/benchmark.h>
-
-#include <algorithm>
-#include <cstring>
-
 #include "effects/colour/class_color_op.h"
 #include "engine/random_generator.h"
 #include "engine/run_context.h"
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <cstring>
 
 namespace {
 
@@ -19,7 +18,8 @@ constexpr int Side = 4096;
 Surface makeBenchPicture() {
     Surface s(Side, Side);
     RandomGenerator random;
-    for (Pixel& p : s.pixels()) p = static_cast<Pixel>(random.next() * 16777216.0);
+    for (Pixel& p : s.pixels())
+        p = static_cast<Pixel>(random.next() * 16777216.0);
     return s;
 }
 

@@ -1,11 +1,11 @@
 // A preview on the dialog's small copy, the work Auto Preview repeats on
 // every change of a control: it should stay well inside one frame (16 ms).
-#include <benchmark/benchmark.h>
-
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
 #include "catalogue/preview.h"
 #include "engine/random_generator.h"
+
+#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -14,7 +14,8 @@ using namespace lumiran;
 Surface smallCopy() {
     Surface s(140, 105);
     RandomGenerator random;
-    for (Pixel& p : s.pixels()) p = static_cast<Pixel>(random.next() * 16777216.0);
+    for (Pixel& p : s.pixels())
+        p = static_cast<Pixel>(random.next() * 16777216.0);
     return s;
 }
 

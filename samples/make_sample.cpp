@@ -1,13 +1,13 @@
 // Generates the bundled sample picture: gradients, shapes and fine detail,
 // so that every kind of effect has something to show on it.
 //   make-sample OUTPUT.bmp
-#include <cmath>
-#include <cstdio>
-#include <exception>
-
 #include "engine/colour_models.h"
 #include "engine/surface.h"
 #include "imagefiles/bitmap_writer.h"
+
+#include <cmath>
+#include <cstdio>
+#include <exception>
 
 namespace {
 
@@ -58,7 +58,8 @@ void paint(Surface& s) {
         }
     }
     for (int i = 0; i < 12; ++i) {
-        for (int x = 200; x < 310; ++x) s.at(x, 90 + i * 3) = lumiran::makePixel(255, 255, 0);
+        for (int x = 200; x < 310; ++x)
+            s.at(x, 90 + i * 3) = lumiran::makePixel(255, 255, 0);
     }
     for (int y = 130; y < 210; ++y) {
         for (int x = 200; x < 300; ++x) {
@@ -68,10 +69,13 @@ void paint(Surface& s) {
         }
     }
     // A dark frame with a bright corner mark, to see orientation at a glance.
-    for (int x = 0; x < Width; ++x) s.at(x, 0) = s.at(x, Height - 1) = 0;
-    for (int y = 0; y < Height; ++y) s.at(0, y) = s.at(Width - 1, y) = 0;
+    for (int x = 0; x < Width; ++x)
+        s.at(x, 0) = s.at(x, Height - 1) = 0;
+    for (int y = 0; y < Height; ++y)
+        s.at(0, y) = s.at(Width - 1, y) = 0;
     for (int y = 4; y < 14; ++y) {
-        for (int x = 4; x < 14; ++x) s.at(x, y) = lumiran::makePixel(255, 255, 255);
+        for (int x = 4; x < 14; ++x)
+            s.at(x, y) = lumiran::makePixel(255, 255, 255);
     }
 }
 

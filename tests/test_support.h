@@ -1,9 +1,9 @@
 #pragma once
 
-#include <functional>
-
 #include "engine/pixel.h"
 #include "engine/surface.h"
+
+#include <functional>
 
 namespace lumiran::testing {
 
@@ -11,7 +11,8 @@ namespace lumiran::testing {
 inline Surface makePicture(int width, int height, const std::function<Pixel(int, int)>& colour) {
     Surface s(width, height);
     for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) s.at(x, y) = colour(x, y);
+        for (int x = 0; x < width; ++x)
+            s.at(x, y) = colour(x, y);
     }
     return s;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <array>
-
 #include "engine/pixel.h"
+
+#include <array>
 
 namespace lumiran {
 

@@ -9,13 +9,20 @@ enum class DialogKind { Emboss, Monotone, Sepia, Negative, ColorScale, Level, Ma
 
 [[nodiscard]] constexpr std::string_view dialogName(DialogKind kind) {
     switch (kind) {
-    case DialogKind::Emboss: return "frm_Emboss";
-    case DialogKind::Monotone: return "frm_Monotone";
-    case DialogKind::Sepia: return "frm_Sepia";
-    case DialogKind::Negative: return "frm_Negative";
-    case DialogKind::ColorScale: return "frm_ColorScale";
-    case DialogKind::Level: return "frm_Level";
-    case DialogKind::Mani: return "frm_Mani";
+    case DialogKind::Emboss:
+        return "frm_Emboss";
+    case DialogKind::Monotone:
+        return "frm_Monotone";
+    case DialogKind::Sepia:
+        return "frm_Sepia";
+    case DialogKind::Negative:
+        return "frm_Negative";
+    case DialogKind::ColorScale:
+        return "frm_ColorScale";
+    case DialogKind::Level:
+        return "frm_Level";
+    case DialogKind::Mani:
+        return "frm_Mani";
     }
     return "";
 }

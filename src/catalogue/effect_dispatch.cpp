@@ -1,9 +1,9 @@
 #include "catalogue/effect_dispatch.h"
 
-#include <algorithm>
-
 #include "catalogue/effect_table.h"
 #include "catalogue/family_registration.h"
+
+#include <algorithm>
 
 namespace lumiran {
 
@@ -19,9 +19,8 @@ EffectPlan EffectDispatch::plan(DialogKind dialog, int code, const ControlValues
     const auto it = planners_.find({dialog, code});
     if (it != planners_.end()) return it->second(values);
     const auto catalogue = effectCatalogue();
-    const auto entry = std::ranges::find_if(catalogue, [&](const EffectEntry& e) {
-        return e.dialog == dialog && e.code == code;
-    });
+    const auto entry = std::ranges::find_if(
+        catalogue, [&](const EffectEntry& e) { return e.dialog == dialog && e.code == code; });
     if (entry == catalogue.end()) return {};
     return EffectPlan::notAvailable(std::string(entry->call));
 }

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "catalogue/control_values.h"
+#include "catalogue/dialog_kind.h"
+#include "shell/effect_run.h"
+
 #include <functional>
 #include <map>
 #include <string>
 #include <utility>
-
-#include "catalogue/control_values.h"
-#include "catalogue/dialog_kind.h"
-#include "shell/effect_run.h"
 
 namespace lumiran {
 
@@ -37,14 +37,14 @@ using EffectPlanner = std::function<EffectPlan(const ControlValues&)>;
 // The switches of the seven ...Processing routines, filled family by family
 // with one explicit register call each.
 class EffectDispatch {
-public:
+  public:
     void add(DialogKind dialog, int code, EffectPlanner planner);
     [[nodiscard]] bool contains(DialogKind dialog, int code) const;
     // A (dialog, code) of the catalogue whose case is not registered yet is
     // NotAvailable; any other unknown pair is UnknownCode.
     [[nodiscard]] EffectPlan plan(DialogKind dialog, int code, const ControlValues& values) const;
 
-private:
+  private:
     std::map<std::pair<DialogKind, int>, EffectPlanner> planners_;
 };
 

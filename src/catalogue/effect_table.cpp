@@ -1,8 +1,8 @@
 #include "catalogue/effect_table.h"
 
 #include <algorithm>
-#include <string>
 #include <cctype>
+#include <string>
 
 namespace lumiran {
 namespace {

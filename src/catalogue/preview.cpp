@@ -1,9 +1,9 @@
 #include "catalogue/preview.h"
 
-#include <new>
-
 #include "engine/numeric.h"
 #include "engine/raster_step.h"
+
+#include <new>
 
 namespace lumiran {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <vector>
-
 #include "catalogue/effect_dispatch.h"
 #include "engine/effect_error.h"
 #include "engine/surface.h"
 #include "shell/program_state.h"
+
+#include <vector>
 
 namespace lumiran {
 

@@ -1,18 +1,18 @@
 #pragma once
 
+#include "catalogue/control_values.h"
+#include "engine/process_rect.h"
+
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "catalogue/control_values.h"
-#include "engine/process_rect.h"
-
 namespace lumiran::cli {
 
 // A command line that cannot be carried out as given: exit code 2.
 class UsageError : public std::runtime_error {
-public:
+  public:
     using std::runtime_error::runtime_error;
 };
 

@@ -1,11 +1,10 @@
-#include <QGuiApplication>
+#include "cli/cli_commands.h"
+#include "platform/qt_picture_decoder.h"
 
+#include <QGuiApplication>
 #include <iostream>
 #include <string>
 #include <vector>
-
-#include "cli/cli_commands.h"
-#include "platform/qt_picture_decoder.h"
 
 int main(int argc, char** argv) {
     // The tool never shows a window; the offscreen platform works with or

@@ -1,30 +1,41 @@
 #include "engine/calculation.h"
 
+#include "engine/numeric.h"
+
 #include <array>
 #include <cmath>
 #include <cstdlib>
-
-#include "engine/numeric.h"
 
 namespace lumiran {
 namespace {
 
 int blendChannel(std::uint8_t flag, int source, int output) {
     switch (flag) {
-    case 1: return (source + output) / 2;
-    case 2: return source * 2 - output;
-    case 3: return output * 2 - source;
-    case 4: return std::abs(source - output) * 2;
-    case 5: return output * 2 - (255 - source);
-    case 6: return source * 2 - (255 - output);
-    case 7: return std::abs(std::abs(source - output) * 3 - source);
-    case 8: return std::abs(std::abs(source - output) * 3 - output);
+    case 1:
+        return (source + output) / 2;
+    case 2:
+        return source * 2 - output;
+    case 3:
+        return output * 2 - source;
+    case 4:
+        return std::abs(source - output) * 2;
+    case 5:
+        return output * 2 - (255 - source);
+    case 6:
+        return source * 2 - (255 - output);
+    case 7:
+        return std::abs(std::abs(source - output) * 3 - source);
+    case 8:
+        return std::abs(std::abs(source - output) * 3 - output);
     // The program's pi is 3.14 here.
     case 9:
-        return roundTo<std::int16_t>(output * std::sin(source / static_cast<double>(output) * 3.14));
+        return roundTo<std::int16_t>(output *
+                                     std::sin(source / static_cast<double>(output) * 3.14));
     case 10:
-        return roundTo<std::int16_t>(output * std::atan(source / static_cast<double>(output) * 3.14));
-    default: return output;
+        return roundTo<std::int16_t>(output *
+                                     std::atan(source / static_cast<double>(output) * 3.14));
+    default:
+        return output;
     }
 }
 

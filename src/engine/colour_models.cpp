@@ -1,9 +1,9 @@
 #include "engine/colour_models.h"
 
+#include "engine/numeric.h"
+
 #include <algorithm>
 #include <cmath>
-
-#include "engine/numeric.h"
 
 namespace lumiran {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "engine/calculation.h"
+#include "engine/numeric.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-
-#include "engine/calculation.h"
-#include "engine/numeric.h"
 
 namespace lumiran {
 
@@ -89,18 +89,30 @@ inline Rgb16 HsvToRgb(double hue, double saturation, double value) {
         const float q = static_cast<float>((1 - f * saturation) * value);
         const float t = static_cast<float>((1 - (1 - f) * saturation) * value);
         switch (i) {
-        case 0: red = value, green = t, blue = p; break;
-        case 1: red = q, green = value, blue = p; break;
-        case 2: red = p, green = value, blue = t; break;
-        case 3: red = p, green = q, blue = value; break;
-        case 4: red = t, green = p, blue = value; break;
-        case 5: red = value, green = p, blue = q; break;
-        default: break; // negative hue: black
+        case 0:
+            red = value, green = t, blue = p;
+            break;
+        case 1:
+            red = q, green = value, blue = p;
+            break;
+        case 2:
+            red = p, green = value, blue = t;
+            break;
+        case 3:
+            red = p, green = q, blue = value;
+            break;
+        case 4:
+            red = t, green = p, blue = value;
+            break;
+        case 5:
+            red = value, green = p, blue = q;
+            break;
+        default:
+            break; // negative hue: black
         }
     }
     return {detail::toChannel(red), detail::toChannel(green), detail::toChannel(blue)};
 }
-
 
 struct Hls {
     double hue = 0;        // degrees

@@ -9,7 +9,7 @@ namespace lumiran {
 // message titled "ｴﾗｰ" plus the number and then ends the run as cancelled,
 // so every failure path carries the number and the runtime's description.
 class EffectError {
-public:
+  public:
     static constexpr int OverflowNumber = 6;
     static constexpr int OutOfMemoryNumber = 7;
     static constexpr int SubscriptNumber = 9;
@@ -26,7 +26,7 @@ public:
     [[nodiscard]] int number() const { return number_; }
     [[nodiscard]] const std::string& description() const { return description_; }
 
-private:
+  private:
     int number_;
     std::string description_;
 };

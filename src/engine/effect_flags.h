@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "engine/pixel.h"
+
+#include <cstdint>
 
 namespace lumiran {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "engine/effect_error.h"
+
 #include <concepts>
 #include <cstdint>
 #include <limits>
-
-#include "engine/effect_error.h"
 
 namespace lumiran {
 

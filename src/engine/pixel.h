@@ -8,10 +8,18 @@ namespace lumiran {
 // order, that is blue in the low byte of the 32-bit value.
 using Pixel = std::uint32_t;
 
-[[nodiscard]] constexpr int blueOf(Pixel p) { return static_cast<int>(p & 0xFFu); }
-[[nodiscard]] constexpr int greenOf(Pixel p) { return static_cast<int>((p >> 8) & 0xFFu); }
-[[nodiscard]] constexpr int redOf(Pixel p) { return static_cast<int>((p >> 16) & 0xFFu); }
-[[nodiscard]] constexpr int spareOf(Pixel p) { return static_cast<int>(p >> 24); }
+[[nodiscard]] constexpr int blueOf(Pixel p) {
+    return static_cast<int>(p & 0xFFu);
+}
+[[nodiscard]] constexpr int greenOf(Pixel p) {
+    return static_cast<int>((p >> 8) & 0xFFu);
+}
+[[nodiscard]] constexpr int redOf(Pixel p) {
+    return static_cast<int>((p >> 16) & 0xFFu);
+}
+[[nodiscard]] constexpr int spareOf(Pixel p) {
+    return static_cast<int>(p >> 24);
+}
 
 // Builds an element from the low bytes of the channel values; higher bits
 // are dropped exactly as a byte store drops them.
@@ -32,6 +40,8 @@ struct Rgb8 {
     friend bool operator==(const Rgb8&, const Rgb8&) = default;
 };
 
-[[nodiscard]] constexpr Pixel toPixel(Rgb8 c) { return makePixel(c.red, c.green, c.blue); }
+[[nodiscard]] constexpr Pixel toPixel(Rgb8 c) {
+    return makePixel(c.red, c.green, c.blue);
+}
 
 } // namespace lumiran

@@ -2,9 +2,13 @@
 
 namespace lumiran {
 
-void PixelFrame::ImageGetDiBits(const Surface& picture) { ImageBits = picture; }
+void PixelFrame::ImageGetDiBits(const Surface& picture) {
+    ImageBits = picture;
+}
 
-void PixelFrame::ImageGetDiBitsTrans(const Surface& picture) { TransBits = picture; }
+void PixelFrame::ImageGetDiBitsTrans(const Surface& picture) {
+    TransBits = picture;
+}
 
 void PixelFrame::ImageSetDiBits(Surface& picture) {
     picture = std::move(ImageBits);
@@ -18,7 +22,9 @@ void PixelFrame::ImageSetDiBitsTrans(Surface& picture) {
     TransBits = Surface();
 }
 
-void PixelFrame::SetProgressRange(int top, int bottom) { ProgressTotal = wrap16(bottom - top); }
+void PixelFrame::SetProgressRange(int top, int bottom) {
+    ProgressTotal = wrap16(bottom - top);
+}
 
 void PixelFrame::StepProgress() {
     ++ProgressCount;

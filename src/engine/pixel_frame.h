@@ -1,15 +1,15 @@
 #pragma once
 
-#include <algorithm>
-#include <cstdint>
-#include <new>
-
 #include "engine/calculation.h"
 #include "engine/numeric.h"
 #include "engine/pixel.h"
 #include "engine/process_rect.h"
 #include "engine/run_context.h"
 #include "engine/surface.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
 
 namespace lumiran {
 
@@ -40,7 +40,7 @@ struct MaxMin {
 //
 // An object serves one run: its progress counter is never reset.
 class PixelFrame {
-public:
+  public:
     explicit PixelFrame(RunContext& context) : context_(context) {}
     PixelFrame(const PixelFrame&) = delete;
     PixelFrame& operator=(const PixelFrame&) = delete;
@@ -55,7 +55,7 @@ public:
     [[nodiscard]] int progressCount() const { return ProgressCount; }
     [[nodiscard]] int progressTotal() const { return ProgressTotal; }
 
-protected:
+  protected:
     void SetProgressRange(int top, int bottom);
     void StepProgress();
 
@@ -124,11 +124,13 @@ protected:
         // overlap check sends every row down the scalar path.
         if (source == destination) {
             Pixel* row = destination;
-            for (int x = begin; x < end; ++x) row[x] = mapPixel<Tail, Blend>(row[x], row[x], rule);
+            for (int x = begin; x < end; ++x)
+                row[x] = mapPixel<Tail, Blend>(row[x], row[x], rule);
         } else {
             const Pixel* __restrict in = source;
             Pixel* __restrict out = destination;
-            for (int x = begin; x < end; ++x) out[x] = mapPixel<Tail, Blend>(in[x], out[x], rule);
+            for (int x = begin; x < end; ++x)
+                out[x] = mapPixel<Tail, Blend>(in[x], out[x], rule);
         }
     }
 
@@ -155,7 +157,7 @@ protected:
     int ProgressPercent = 0;
     int ProgressTotal = 0;
 
-private:
+  private:
     void fail(const EffectError& error);
 
     RunContext& context_;

@@ -1,8 +1,8 @@
 #include "engine/process_rect.h"
 
-#include <utility>
-
 #include "engine/numeric.h"
+
+#include <utility>
 
 namespace lumiran {
 

@@ -8,14 +8,14 @@ namespace lumiran {
 // fresh process repeats its sequence, and preview and run draw from the same
 // one instance held by the program state.
 class RandomGenerator {
-public:
+  public:
     static constexpr std::uint32_t InitialState = 327680;
 
     // Next value in [0, 1), a multiple of 2^-24.
     [[nodiscard]] double next();
     [[nodiscard]] std::uint32_t state() const { return state_; }
 
-private:
+  private:
     std::uint32_t state_ = InitialState;
 };
 

@@ -1,9 +1,9 @@
 #include "engine/raster_step.h"
 
+#include "engine/numeric.h"
+
 #include <algorithm>
 #include <array>
-
-#include "engine/numeric.h"
 
 namespace lumiran {
 namespace {
@@ -32,18 +32,30 @@ void combineRect(const Surface& result, Surface& document, const ProcessRect& re
 
 Pixel rasterCombine(std::uint8_t flag, Pixel d, Pixel s) {
     switch (flag) {
-    case 0: return s;
-    case 1: return d | s;
-    case 2: return d & s;
-    case 3: return ~(d & s);
-    case 4: return d & ~s;
-    case 5: return d | ~s;
-    case 6: return ~(d | s);
-    case 7: return d ^ s;
-    case 8: return ~(d ^ s);
-    case 9: return s & ~d;
-    case 10: return s | ~d;
-    default: return d;
+    case 0:
+        return s;
+    case 1:
+        return d | s;
+    case 2:
+        return d & s;
+    case 3:
+        return ~(d & s);
+    case 4:
+        return d & ~s;
+    case 5:
+        return d | ~s;
+    case 6:
+        return ~(d | s);
+    case 7:
+        return d ^ s;
+    case 8:
+        return ~(d ^ s);
+    case 9:
+        return s & ~d;
+    case 10:
+        return s | ~d;
+    default:
+        return d;
     }
 }
 
@@ -61,16 +73,8 @@ void rasterStep(std::uint8_t flag, const Surface& result, Surface& document,
 
 const char* rasterOpLabel(std::uint8_t flag) {
     static constexpr std::array<const char*, 11> labels{
-        "",
-        "1,Dso(SrcPaint)",
-        "2,Dsa(SrcAnd)",
-        "3,Dsan",
-        "4,Dsna",
-        "5,Dsno",
-        "6,Dson(NotSrcErase)",
-        "7,Dsx(SrcInvert)",
-        "8,Dsxn",
-        "9,Sdna",
+        "",        "1,Dso(SrcPaint)",     "2,Dsa(SrcAnd)",    "3,Dsan", "4,Dsna",
+        "5,Dsno",  "6,Dson(NotSrcErase)", "7,Dsx(SrcInvert)", "8,Dsxn", "9,Sdna",
         "10,Sdno",
     };
     return flag < labels.size() ? labels[flag] : "";

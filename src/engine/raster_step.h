@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
-
 #include "engine/process_rect.h"
 #include "engine/surface.h"
+
+#include <cstdint>
 
 namespace lumiran {
 

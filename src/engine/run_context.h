@@ -1,20 +1,20 @@
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-#include <vector>
-
 #include "engine/effect_error.h"
 #include "engine/effect_flags.h"
 #include "engine/random_generator.h"
 #include "engine/surface.h"
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
 
 namespace lumiran {
 
 // Receives the percentage after each row. A front end forwards it to its
 // progress bar; this call is also where the original let other events in.
 class ProgressSink {
-public:
+  public:
     virtual ~ProgressSink() = default;
     virtual void showPercent(int percent) = 0;
 };

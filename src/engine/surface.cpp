@@ -1,10 +1,10 @@
 #include "engine/surface.h"
 
+#include "engine/effect_error.h"
+
 #include <algorithm>
 #include <new>
 #include <stdexcept>
-
-#include "engine/effect_error.h"
 
 namespace lumiran {
 
@@ -25,9 +25,8 @@ Surface::Surface(int width, int height, Pixel fill) {
 
 bool Surface::sameColours(const Surface& other) const {
     if (!sameSize(other)) return false;
-    return std::ranges::equal(pixels(), other.pixels(), [](Pixel a, Pixel b) {
-        return ((a ^ b) & 0x00FFFFFFu) == 0;
-    });
+    return std::ranges::equal(pixels(), other.pixels(),
+                              [](Pixel a, Pixel b) { return ((a ^ b) & 0x00FFFFFFu) == 0; });
 }
 
 } // namespace lumiran

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "engine/pixel.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <utility>
 #include <vector>
-
-#include "engine/pixel.h"
 
 namespace lumiran {
 
@@ -14,7 +14,7 @@ namespace lumiran {
 // padding, and one element more than the picture has so that a reach of
 // exactly one past the last pixel stays inside the allocation.
 class Surface {
-public:
+  public:
     // Pictures are bounded by the 16-bit process rectangle.
     static constexpr int MaxDimension = 32767;
 
@@ -50,9 +50,7 @@ public:
 
     // The picture's pixels, without the spare element.
     [[nodiscard]] std::span<Pixel> pixels() { return {elements_.data(), pixelCount()}; }
-    [[nodiscard]] std::span<const Pixel> pixels() const {
-        return {elements_.data(), pixelCount()};
-    }
+    [[nodiscard]] std::span<const Pixel> pixels() const { return {elements_.data(), pixelCount()}; }
     // All elements, the spare one included.
     [[nodiscard]] std::span<Pixel> elements() { return elements_; }
     [[nodiscard]] std::span<const Pixel> elements() const { return elements_; }
@@ -79,7 +77,7 @@ public:
 
     friend bool operator==(const Surface&, const Surface&) = default;
 
-private:
+  private:
     int width_ = 0;
     int height_ = 0;
     std::vector<Pixel> elements_ = std::vector<Pixel>(1, 0);

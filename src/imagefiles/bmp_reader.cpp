@@ -1,10 +1,10 @@
 #include "imagefiles/bmp_reader.h"
 
-#include <cstdlib>
-#include <string>
-
 #include "imagefiles/byte_io.h"
 #include "imagefiles/image_file_error.h"
+
+#include <cstdlib>
+#include <string>
 
 namespace lumiran {
 namespace {
@@ -43,7 +43,8 @@ Surface readBmp(std::span<const std::uint8_t> bytes) {
     const std::size_t bytesPerPixel = bitCount / 8;
     const std::size_t stride = (static_cast<std::size_t>(width) * bitCount + 31) / 32 * 4;
     const std::size_t needed = static_cast<std::size_t>(offBits) + stride * height;
-    if (offBits < 14 + infoSize || needed > in.size()) throw ImageFileError("truncated bitmap data");
+    if (offBits < 14 + infoSize || needed > in.size())
+        throw ImageFileError("truncated bitmap data");
 
     Surface picture(width, static_cast<int>(height));
     for (int y = 0; y < height; ++y) {

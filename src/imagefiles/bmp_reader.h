@@ -1,9 +1,9 @@
 #pragma once
 
+#include "engine/surface.h"
+
 #include <cstdint>
 #include <span>
-
-#include "engine/surface.h"
 
 namespace lumiran {
 

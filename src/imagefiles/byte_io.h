@@ -10,7 +10,7 @@ namespace lumiran {
 // Little-endian fields of a file held in memory; reads past the end give 0
 // and mark the reader as short, so headers can be parsed first and checked once.
 class ByteReader {
-public:
+  public:
     explicit ByteReader(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
 
     [[nodiscard]] std::uint8_t u8(std::size_t offset) {
@@ -34,14 +34,14 @@ public:
     [[nodiscard]] std::size_t size() const { return bytes_.size(); }
     [[nodiscard]] std::span<const std::uint8_t> bytes() const { return bytes_; }
 
-private:
+  private:
     std::span<const std::uint8_t> bytes_;
     bool short_ = false;
 };
 
 // Appends little-endian fields to a byte buffer.
 class ByteWriter {
-public:
+  public:
     void u8(std::uint8_t v) { bytes_.push_back(v); }
     void u16(std::uint16_t v) {
         u8(static_cast<std::uint8_t>(v));
@@ -56,7 +56,7 @@ public:
     void reserve(std::size_t count) { bytes_.reserve(count); }
     [[nodiscard]] std::vector<std::uint8_t>& bytes() { return bytes_; }
 
-private:
+  private:
     std::vector<std::uint8_t> bytes_;
 };
 

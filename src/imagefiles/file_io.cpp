@@ -1,12 +1,12 @@
 #include "imagefiles/file_io.h"
 
+#include "imagefiles/image_file_error.h"
+
 #include <cstdio>
 #include <fstream>
 #include <random>
 #include <string>
 #include <system_error>
-
-#include "imagefiles/image_file_error.h"
 
 namespace lumiran {
 

@@ -8,7 +8,7 @@ namespace lumiran {
 // A picture file that cannot be read or written. The message is complete
 // and fit to show to the user as it stands.
 class ImageFileError : public std::runtime_error {
-public:
+  public:
     using std::runtime_error::runtime_error;
 };
 

@@ -10,7 +10,7 @@ namespace lumiran {
 // (number 0) when a reader refuses a file by its own rules. The detail is a
 // plain account of the reason, for the command line and for a second line.
 class ImageLoadError : public std::runtime_error {
-public:
+  public:
     ImageLoadError(int number, std::string description, const std::string& detail)
         : std::runtime_error(detail), number_(number), description_(std::move(description)) {}
 
@@ -21,7 +21,7 @@ public:
     [[nodiscard]] const std::string& description() const { return description_; }
     [[nodiscard]] std::string detail() const { return what(); }
 
-private:
+  private:
     int number_;
     std::string description_;
 };

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <span>
-
 #include "engine/run_context.h"
 #include "engine/surface.h"
 #include "imagefiles/load_limits.h"
+
+#include <cstdint>
+#include <span>
 
 namespace lumiran {
 
@@ -16,25 +16,25 @@ namespace lumiran {
 // the runtime's number and description.
 
 class Class_PCXImageOp {
-public:
+  public:
     [[nodiscard]] Surface PCXImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits = {});
 };
 
 class Class_PPMImageOp {
-public:
+  public:
     [[nodiscard]] Surface PPMImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits = {});
 };
 
 class Class_TGAImageOp {
-public:
+  public:
     [[nodiscard]] Surface TGAImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits = {});
 };
 
 class Class_PCDImageOp {
-public:
+  public:
     [[nodiscard]] Surface PCDImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits = {});
 };

@@ -1,14 +1,14 @@
 #include "imagefiles/load_dispatch.h"
 
-#include <algorithm>
-#include <array>
-#include <cctype>
-
 #include "imagefiles/file_io.h"
 #include "imagefiles/image_file_error.h"
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/image_readers.h"
 #include "shell/string_table.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
 
 namespace lumiran {
 namespace {
@@ -70,22 +70,29 @@ std::optional<Surface> LoadImageFile(const std::filesystem::path& path, Platform
     const std::string extension = toLower(FileExtension(path.string()));
     const LoadRoute route = routeForExtension(extension);
     switch (route) {
-    case LoadRoute::Blank: return std::nullopt;
+    case LoadRoute::Blank:
+        return std::nullopt;
     case LoadRoute::Platform:
         if (platform == nullptr) {
             throw ImageLoadError::refused(path.string() + ": no decoder for ." + extension +
                                           " files in this program");
         }
         return platform->LoadPicture(path, extension);
-    default: break;
+    default:
+        break;
     }
     const std::vector<std::uint8_t> file = readForReader(path, limits);
     switch (route) {
-    case LoadRoute::Pcx: return Class_PCXImageOp().PCXImageGet(file, progress, limits);
-    case LoadRoute::Ppm: return Class_PPMImageOp().PPMImageGet(file, progress, limits);
-    case LoadRoute::Tga: return Class_TGAImageOp().TGAImageGet(file, progress, limits);
-    case LoadRoute::Pcd: return Class_PCDImageOp().PCDImageGet(file, progress, limits);
-    default: return std::nullopt;
+    case LoadRoute::Pcx:
+        return Class_PCXImageOp().PCXImageGet(file, progress, limits);
+    case LoadRoute::Ppm:
+        return Class_PPMImageOp().PPMImageGet(file, progress, limits);
+    case LoadRoute::Tga:
+        return Class_TGAImageOp().TGAImageGet(file, progress, limits);
+    case LoadRoute::Pcd:
+        return Class_PCDImageOp().PCDImageGet(file, progress, limits);
+    default:
+        return std::nullopt;
     }
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "engine/run_context.h"
+#include "engine/surface.h"
+#include "imagefiles/load_limits.h"
+
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "engine/run_context.h"
-#include "engine/surface.h"
-#include "imagefiles/load_limits.h"
 
 namespace lumiran {
 
@@ -19,7 +19,7 @@ namespace lumiran {
 // itself (BMP, ICO, RLE, WMF, EMF, JPEG, GIF, cursors). Kept behind an
 // interface so the core needs no GUI library.
 class PlatformDecoder {
-public:
+  public:
     virtual ~PlatformDecoder() = default;
     // The file's pixels at the file's size; throws ImageLoadError.
     [[nodiscard]] virtual Surface LoadPicture(const std::filesystem::path& path,

@@ -1,11 +1,10 @@
 #include "imagefiles/load_limits.h"
 
-#include <unistd.h>
+#include "imagefiles/image_load_error.h"
 
 #include <algorithm>
 #include <string>
-
-#include "imagefiles/image_load_error.h"
+#include <unistd.h>
 
 namespace lumiran {
 
@@ -19,7 +18,8 @@ std::uint64_t LoadLimits::defaultMaxBytes() {
 
 void LoadLimits::check(std::int64_t width, std::int64_t height, std::uint64_t bytesPerPixel) const {
     const std::string size = std::to_string(width) + "x" + std::to_string(height);
-    if (width <= 0 || height <= 0) throw ImageLoadError::refused("picture has no pixels (" + size + ")");
+    if (width <= 0 || height <= 0)
+        throw ImageLoadError::refused("picture has no pixels (" + size + ")");
     if (width > MaxDimension || height > MaxDimension) {
         throw ImageLoadError::refused("picture too large: " + size +
                                       " (at most 32767 in either direction)");

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <new>
-#include <string>
-
 #include "engine/effect_error.h"
 #include "engine/surface.h"
 #include "imagefiles/image_load_error.h"
+
+#include <new>
+#include <string>
 
 namespace lumiran {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "engine/process_rect.h"
 #include "engine/surface.h"
+
+#include <cstdint>
+#include <string>
 
 namespace lumiran {
 

@@ -1,8 +1,8 @@
 #include "shell/effect_run.h"
 
-#include <new>
-
 #include "engine/raster_step.h"
+
+#include <new>
 
 namespace lumiran {
 namespace {
@@ -85,8 +85,7 @@ RunOutcome EffectRun::finish(bool keepObjects) {
         state_.cancelFlag = 0;
         outcome_ = RunOutcome::Cancelled;
     } else {
-        rasterStep(context_.flags.rasterOpFlag, state_.keep.keptPicture1, document_.picture,
-                   rect_);
+        rasterStep(context_.flags.rasterOpFlag, state_.keep.keptPicture1, document_.picture, rect_);
     }
     if (!keepObjects) {
         state_.keep.keptPicture0 = Surface();

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <functional>
-#include <vector>
-
 #include "engine/effect_error.h"
 #include "engine/process_rect.h"
 #include "engine/run_context.h"
 #include "shell/document.h"
 #include "shell/program_state.h"
+
+#include <functional>
+#include <vector>
 
 namespace lumiran {
 
@@ -38,7 +38,7 @@ enum class RunOutcome {
 // touches only the kept pictures, and finish lays the result over the
 // document or restores it. The document is not changed before finish.
 class EffectRun {
-public:
+  public:
     EffectRun(ProgramState& state, Document& document, RunOptions options = {});
     EffectRun(const EffectRun&) = delete;
     EffectRun& operator=(const EffectRun&) = delete;
@@ -54,7 +54,7 @@ public:
 
     [[nodiscard]] const std::vector<EffectError>& failures() const { return context_.failures; }
 
-private:
+  private:
     ProgramState& state_;
     Document& document_;
     RunContext context_;

@@ -11,7 +11,7 @@ namespace lumiran {
 // The per-user settings store: sections of string keys with string values.
 // The GUI backs it with an INI file; tests use the in-memory one.
 class KeyValueStore {
-public:
+  public:
     virtual ~KeyValueStore() = default;
     [[nodiscard]] virtual std::optional<std::string> get(const std::string& section,
                                                          const std::string& key) const = 0;
@@ -20,7 +20,7 @@ public:
 };
 
 class MemoryStore : public KeyValueStore {
-public:
+  public:
     [[nodiscard]] std::optional<std::string> get(const std::string& section,
                                                  const std::string& key) const override {
         const auto it = values_.find({section, key});
@@ -35,7 +35,7 @@ public:
     // Keys in the order they were written, for checking the write order.
     [[nodiscard]] const std::vector<std::string>& writeOrder() const { return order_; }
 
-private:
+  private:
     std::map<std::pair<std::string, std::string>, std::string> values_;
     std::vector<std::string> order_;
 };

@@ -8,7 +8,7 @@ namespace lumiran {
 
 // The ten most recent loads, newest first; "Nothing" marks an empty slot.
 class LoadHistory {
-public:
+  public:
     static constexpr std::size_t Size = 10;
     static constexpr std::string_view Empty = "Nothing";
 
@@ -29,7 +29,7 @@ public:
     // The separator above the entries shows only when the first slot is filled.
     [[nodiscard]] bool separatorVisible() const { return !isEmptySlot(0); }
 
-private:
+  private:
     std::array<std::string, Size> entries_;
 };
 

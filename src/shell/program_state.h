@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-
 #include "engine/effect_flags.h"
 #include "engine/random_generator.h"
 #include "engine/run_context.h"
 #include "engine/surface.h"
 #include "shell/undo_stack.h"
+
+#include <cstdint>
 
 namespace lumiran {
 

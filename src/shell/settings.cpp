@@ -1,12 +1,12 @@
 #include "shell/settings.h"
 
+#include "engine/effect_error.h"
+#include "engine/numeric.h"
+
 #include <charconv>
 #include <cmath>
 #include <optional>
 #include <sstream>
-
-#include "engine/effect_error.h"
-#include "engine/numeric.h"
 
 namespace lumiran {
 namespace {
@@ -24,8 +24,7 @@ double parseNumber(const std::string& text) {
     if (first == std::string::npos) throw ConversionFailure{};
     const std::string trimmed = text.substr(first, last - first + 1);
     double value = 0;
-    const auto [ptr, ec] =
-        std::from_chars(trimmed.data(), trimmed.data() + trimmed.size(), value);
+    const auto [ptr, ec] = std::from_chars(trimmed.data(), trimmed.data() + trimmed.size(), value);
     if (ec != std::errc() || ptr != trimmed.data() + trimmed.size() || !std::isfinite(value)) {
         throw ConversionFailure{};
     }
@@ -33,7 +32,7 @@ double parseNumber(const std::string& text) {
 }
 
 class Reader {
-public:
+  public:
     Reader(const KeyValueStore& store, std::vector<SettingsProblem>& problems)
         : store_(store), problems_(problems) {}
 
@@ -73,7 +72,7 @@ public:
                     [](const std::string& t) { return t; });
     }
 
-private:
+  private:
     const KeyValueStore& store_;
     std::vector<SettingsProblem>& problems_;
 };
@@ -84,7 +83,9 @@ std::string decimal(double value) {
     return out.str();
 }
 
-std::string historyKey(std::size_t i) { return "LoadImage" + std::to_string(i + 1); }
+std::string historyKey(std::size_t i) {
+    return "LoadImage" + std::to_string(i + 1);
+}
 
 } // namespace
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "engine/pixel.h"
 #include "shell/key_value_store.h"
 #include "shell/load_history.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace lumiran {
 

@@ -29,7 +29,8 @@ void UndoStack::PushUndo(const Document& document) {
         // Shift down by one; at the limit the oldest level falls off the end
         // and the count stays.
         const int from = std::min<int>(undoCount_, last);
-        for (int i = from; i >= 1; --i) shiftLevel(slots_[i], slots_[i - 1]);
+        for (int i = from; i >= 1; --i)
+            shiftLevel(slots_[i], slots_[i - 1]);
         if (undoCount_ < last) ++undoCount_;
     }
     // Above the limit nothing moves: the newest level is overwritten.
@@ -53,7 +54,9 @@ bool UndoStack::PopUndo(Document& document) {
     return true;
 }
 
-void UndoStack::release() { undoCount_ = 0; }
+void UndoStack::release() {
+    undoCount_ = 0;
+}
 
 void UndoStack::setMaxUndoCount(std::uint8_t maxUndoCount) {
     maxUndoCount_ = maxUndoCount;

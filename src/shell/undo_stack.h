@@ -1,12 +1,12 @@
 #pragma once
 
+#include "engine/surface.h"
+#include "shell/document.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "engine/surface.h"
-#include "shell/document.h"
 
 namespace lumiran {
 
@@ -14,7 +14,7 @@ namespace lumiran {
 // the name of the document it came from, and undoing puts picture and name
 // into whichever document is active.
 class UndoStack {
-public:
+  public:
     struct Level {
         Surface picture;
         std::string folderLabel;
@@ -44,7 +44,7 @@ public:
     [[nodiscard]] const std::optional<Level>& slot(std::size_t i) const { return slots_.at(i); }
     [[nodiscard]] std::size_t slotCount() const { return slots_.size(); }
 
-private:
+  private:
     std::uint8_t maxUndoCount_;
     std::uint8_t undoCount_ = 0;
     std::vector<std::optional<Level>> slots_;

@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "catalogue/preview.h"
 #include "effects/colour/class_color_op.h"
 #include "test_support.h"
+
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
@@ -56,10 +56,13 @@ TEST(Preview, ACancelledPreviewSkipsTheRasterStepAndClearsTheFlag) {
     ProgramState state;
     state.flags.rasterOpFlag = 7;
     const Surface source = testing::makeVariedPicture(4, 4);
-    const PreviewResult result = runPreview(state, [](EffectInvocation& run) {
-        run.keptPicture1 = run.keptPicture0;
-        throw EffectError::overflow();
-    }, source);
+    const PreviewResult result = runPreview(
+        state,
+        [](EffectInvocation& run) {
+            run.keptPicture1 = run.keptPicture0;
+            throw EffectError::overflow();
+        },
+        source);
     EXPECT_TRUE(result.cancelled);
     ASSERT_EQ(result.failures.size(), 1u);
     EXPECT_EQ(state.cancelFlag, 0);

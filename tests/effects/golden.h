@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstdint>
-#include <cstdio>
-#include <string>
-
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
 #include "imagefiles/bmp_reader.h"
 #include "imagefiles/file_io.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
 
 namespace lumiran::testing {
 

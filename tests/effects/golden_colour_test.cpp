@@ -1,8 +1,8 @@
 // Golden hashes of the colour effects at their defaults on the bundled
 // sample: a guard against accidental change, not a test of the rules.
-#include <gtest/gtest.h>
-
 #include "golden.h"
+
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
@@ -24,7 +24,9 @@ INSTANTIATE_TEST_SUITE_P(Effects, GoldenColour,
                          ::testing::Values(Golden{"Monotone", "2a6fbb1197760964"}),
                          [](const auto& info) {
                              std::string name = info.param.effect;
-                             std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
+                             std::erase_if(name, [](char c) {
+                                 return !std::isalnum(static_cast<unsigned char>(c));
+                             });
                              return name;
                          });
 

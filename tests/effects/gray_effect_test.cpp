@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include "effects/colour/class_color_op.h"
 #include "engine/colour_models.h"
+
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
@@ -47,8 +47,8 @@ TEST_F(GrayEffectTest, MedianKindKeepsTheProgramsQuirk) {
 
 TEST_F(GrayEffectTest, ColourDifferenceKindsCapAboveAndWrapBelow) {
     // Blue difference: b - Y + 128.
-    EXPECT_EQ(greyOf(12, 0, 0, 255), 255); // 255 - 28 + 128 capped
-    const int y = luminanceY(255, 255, 0); // 226.95 -> 227
+    EXPECT_EQ(greyOf(12, 0, 0, 255), 255);                    // 255 - 28 + 128 capped
+    const int y = luminanceY(255, 255, 0);                    // 226.95 -> 227
     EXPECT_EQ(greyOf(12, 255, 255, 0), (0 - y + 128) & 0xFF); // -99 wraps to 157
     EXPECT_EQ(greyOf(13, 0, 255, 255), (0 - luminanceY(0, 255, 255) + 128) & 0xFF);
     EXPECT_EQ(greyOf(13, 255, 0, 0), 255); // 255 - 76 + 128 capped

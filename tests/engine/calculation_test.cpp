@@ -1,11 +1,13 @@
-#include <gtest/gtest.h>
-
 #include "engine/calculation.h"
+
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
 
-std::int16_t wrap(int v) { return static_cast<std::int16_t>(v); }
+std::int16_t wrap(int v) {
+    return static_cast<std::int16_t>(v);
+}
 
 // One channel through the blend: source r, effect output r1.
 int blend(std::uint8_t flag, int r, int r1) {
@@ -21,12 +23,12 @@ TEST(CalculationType, IntegerFormulas) {
     EXPECT_EQ(blend(3, 100, 200), 255); // 300 clamped
     EXPECT_EQ(blend(3, 100, 80), 60);
     EXPECT_EQ(blend(4, 10, 50), 80);
-    EXPECT_EQ(blend(5, 0, 100), 0);     // 200 - 255 clamped
+    EXPECT_EQ(blend(5, 0, 100), 0); // 200 - 255 clamped
     EXPECT_EQ(blend(5, 200, 100), 145);
     EXPECT_EQ(blend(6, 100, 200), 145);
     EXPECT_EQ(blend(7, 10, 10), 10);
-    EXPECT_EQ(blend(7, 0, 255), 255);   // 765 clamped
-    EXPECT_EQ(blend(8, 100, 40), 140);  // |60*3 - 40|
+    EXPECT_EQ(blend(7, 0, 255), 255);  // 765 clamped
+    EXPECT_EQ(blend(8, 100, 40), 140); // |60*3 - 40|
 }
 
 TEST(CalculationType, OutputIsClampedBeforeTheBlend) {

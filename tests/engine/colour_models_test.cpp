@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "engine/colour_models.h"
+
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
@@ -8,12 +8,12 @@ namespace {
 TEST(Greys, ThreeWeightsAndTheirRounding) {
     EXPECT_EQ(luminanceY(255, 255, 255), 255);
     EXPECT_EQ(luminanceY(100, 0, 0), 30);
-    EXPECT_EQ(luminanceY(0, 0, 50), 6);    // 5.5 ties to 6
-    EXPECT_EQ(luminanceY(0, 0, 150), 16);  // 16.5: the weight 0.11 is not exact, so no tie
+    EXPECT_EQ(luminanceY(0, 0, 50), 6);         // 5.5 ties to 6
+    EXPECT_EQ(luminanceY(0, 0, 150), 16);       // 16.5: the weight 0.11 is not exact, so no tie
     EXPECT_EQ(averageGrey(255, 255, 254), 254); // 764 / 3 truncated
-    EXPECT_EQ(lightness(3, 0), 2);  // 1.5 -> 2
-    EXPECT_EQ(lightness(5, 0), 2);  // 2.5 -> 2
-    EXPECT_EQ(lightness(7, 0), 4);  // 3.5 -> 4
+    EXPECT_EQ(lightness(3, 0), 2);              // 1.5 -> 2
+    EXPECT_EQ(lightness(5, 0), 2);              // 2.5 -> 2
+    EXPECT_EQ(lightness(7, 0), 4);              // 3.5 -> 4
 }
 
 TEST(Median, IsTheProgramsOwnTestNotATrueMedian) {
@@ -37,7 +37,7 @@ TEST(Hsv, GreyHasNoHueAndComesBackUnchanged) {
 }
 
 TEST(Hsv, EqualMaximaPreferBlueOverGreenOverRed) {
-    EXPECT_DOUBLE_EQ(rgbToHsv(255, 255, 0).hue, 60); // green's formula
+    EXPECT_DOUBLE_EQ(rgbToHsv(255, 255, 0).hue, 60);  // green's formula
     EXPECT_DOUBLE_EQ(rgbToHsv(0, 255, 255).hue, 180); // blue's formula
     EXPECT_DOUBLE_EQ(rgbToHsv(255, 0, 255).hue, 300);
     EXPECT_DOUBLE_EQ(rgbToHsv(255, 0, 128).hue, 360 - 60 * 128 / 255.0);

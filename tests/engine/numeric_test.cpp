@@ -1,10 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-
 #include "engine/numeric.h"
 #include "engine/random_generator.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
 
 namespace lumiran {
 namespace {

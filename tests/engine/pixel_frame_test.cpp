@@ -1,9 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <vector>
-
 #include "engine/pixel_frame.h"
 #include "test_support.h"
+
+#include <gtest/gtest.h>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -13,7 +12,7 @@ using testing::makeVariedPicture;
 // A minimal effect on the shared frame: inverts, and can be told to fail
 // at the n-th pixel.
 class ProbeEffect : public PixelFrame {
-public:
+  public:
     using PixelFrame::PixelFrame;
 
     void Invert(const ProcessRect& rect, int failAtPixel = -1) {
@@ -29,7 +28,8 @@ public:
     void Progress(int top, int bottom, int steps) {
         guarded([&] {
             SetProgressRange(top, bottom);
-            for (int i = 0; i < steps; ++i) StepProgress();
+            for (int i = 0; i < steps; ++i)
+                StepProgress();
         });
     }
     const Surface& bits() const { return ImageBits; }
@@ -37,15 +37,16 @@ public:
 
 // Records percentages and cancels at a chosen row.
 class RecordingSink : public ProgressSink {
-public:
-    RecordingSink(CancelFlag& cancel, int cancelAtCall) : cancel_(cancel), cancelAt_(cancelAtCall) {}
+  public:
+    RecordingSink(CancelFlag& cancel, int cancelAtCall)
+        : cancel_(cancel), cancelAt_(cancelAtCall) {}
     void showPercent(int percent) override {
         percents.push_back(percent);
         if (static_cast<int>(percents.size()) == cancelAt_) cancel_ = 1;
     }
     std::vector<int> percents;
 
-private:
+  private:
     CancelFlag& cancel_;
     int cancelAt_;
 };
@@ -110,7 +111,8 @@ TEST_F(FrameFixture, CancelStopsAfterTheCurrentRowEvenOnTheLastRow) {
         // Rows up to and including the cancelled one are complete.
         for (int y = 0; y < 5; ++y) {
             const bool done = y < cancelRow;
-            EXPECT_EQ(effect.bits().at(3, y), done ? picture.at(3, y) ^ 0xFFFFFFu : picture.at(3, y));
+            EXPECT_EQ(effect.bits().at(3, y),
+                      done ? picture.at(3, y) ^ 0xFFFFFFu : picture.at(3, y));
         }
     }
 }

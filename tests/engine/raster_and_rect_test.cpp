@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "engine/process_rect.h"
 #include "engine/raster_step.h"
 #include "test_support.h"
+
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
@@ -34,8 +34,8 @@ TEST(RasterStep, FlagsAboveTenLeaveTheDocumentUnchanged) {
 TEST(RasterStep, EachFlagCombinesBitByBit) {
     const Pixel d = makePixel(0xF0, 0xCC, 0xAA);
     const Pixel s = makePixel(0x0F, 0xAA, 0xCC);
-    const Pixel expected[] = {s,        d | s,     d & s,      ~(d & s), d & ~s, d | ~s,
-                              ~(d | s), d ^ s,     ~(d ^ s),   s & ~d,   s | ~d};
+    const Pixel expected[] = {s,        d | s, d & s,    ~(d & s), d & ~s, d | ~s,
+                              ~(d | s), d ^ s, ~(d ^ s), s & ~d,   s | ~d};
     for (std::uint8_t flag = 0; flag <= 10; ++flag) {
         Surface document(1, 1, d);
         rasterStep(flag, Surface(1, 1, s), document, ProcessRect{0, 0, 1, 1});

@@ -1,14 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-
 #include "imagefiles/bitmap_writer.h"
 #include "imagefiles/bmp_reader.h"
 #include "imagefiles/byte_io.h"
 #include "imagefiles/file_io.h"
 #include "imagefiles/image_file_error.h"
 #include "test_support.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
@@ -32,7 +31,8 @@ std::vector<std::uint8_t> topDown32(const Surface& s) {
     w.u32(0);
     w.u32(0);
     w.zeros(16);
-    for (const Pixel p : s.pixels()) w.u32(p | 0xFF000000u);
+    for (const Pixel p : s.pixels())
+        w.u32(p | 0xFF000000u);
     return std::move(w.bytes());
 }
 
@@ -86,7 +86,8 @@ TEST(Bmp, BadFilesAreRefusedWithAMessage) {
     expectRefused({good.begin(), good.end() - 1}, "pixels cut");
     auto patched = [&](std::size_t offset, std::int32_t value) {
         auto copy = good;
-        for (int i = 0; i < 4; ++i) copy[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
+        for (int i = 0; i < 4; ++i)
+            copy[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
         return copy;
     };
     expectRefused(patched(18, 0), "zero width");
@@ -108,7 +109,8 @@ TEST_F(TempDir, AFailedWriteLeavesTheOldFileAndNoTemporary) {
     EXPECT_THROW(saveBmp24(makeVariedPicture(3, 3), dir / "missing" / "x.bmp"), ImageFileError);
     EXPECT_THROW(saveBmp24(makeVariedPicture(3, 3), dir), ImageFileError);
     std::size_t entries = 0;
-    for ([[maybe_unused]] const auto& e : fs::directory_iterator(dir)) ++entries;
+    for ([[maybe_unused]] const auto& e : fs::directory_iterator(dir))
+        ++entries;
     EXPECT_EQ(entries, 1u);
 }
 

@@ -1,10 +1,9 @@
-#include <gtest/gtest.h>
+#include "imagefiles/image_load_error.h"
+#include "imagefiles/load_dispatch.h"
 
 #include <filesystem>
 #include <fstream>
-
-#include "imagefiles/image_load_error.h"
-#include "imagefiles/load_dispatch.h"
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
@@ -32,7 +31,7 @@ TEST(LoadRoute, ReadersByLowerCaseExtension) {
 }
 
 class RecordingSink : public ProgressSink {
-public:
+  public:
     void showPercent(int percent) override { percents.push_back(percent); }
     std::vector<int> percents;
 };

@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "effects/colour/class_color_op.h"
 #include "shell/effect_run.h"
 #include "test_support.h"
+
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
@@ -20,13 +20,13 @@ EffectBody grayBody(std::uint8_t kind) {
 }
 
 class CancelAtRow : public ProgressSink {
-public:
+  public:
     CancelAtRow(CancelFlag& cancel, int row) : cancel_(cancel), row_(row) {}
     void showPercent(int) override {
         if (++calls_ == row_) cancel_ = 1;
     }
 
-private:
+  private:
     CancelFlag& cancel_;
     int row_;
     int calls_ = 0;
@@ -72,9 +72,8 @@ TEST_F(EffectRunTest, CancelOnTheLastRowStillDiscardsTheResult) {
 
 TEST_F(EffectRunTest, AFailedEffectIsReportedAndRestoresThePicture) {
     const Surface before = document.picture;
-    const RunReport report = runEffect(state, document, [](EffectInvocation&) {
-        throw EffectError::overflow();
-    });
+    const RunReport report =
+        runEffect(state, document, [](EffectInvocation&) { throw EffectError::overflow(); });
     EXPECT_EQ(report.outcome, RunOutcome::Cancelled);
     ASSERT_EQ(report.failures.size(), 1u);
     EXPECT_EQ(report.failures[0].number(), 6);

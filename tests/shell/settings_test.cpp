@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "shell/settings.h"
+
+#include <gtest/gtest.h>
 
 namespace lumiran {
 namespace {
@@ -117,7 +117,8 @@ TEST(LoadHistory, NewPathsGoFirstAndKnownOnesStay) {
     EXPECT_EQ(h.entry(1), "a");
     EXPECT_EQ(h.visibleCount(), 2u);
     EXPECT_TRUE(h.separatorVisible());
-    for (int i = 0; i < 12; ++i) h.add("p" + std::to_string(i));
+    for (int i = 0; i < 12; ++i)
+        h.add("p" + std::to_string(i));
     EXPECT_EQ(h.entry(0), "p11");
     EXPECT_EQ(h.entry(9), "p2"); // the oldest fall off the end
     EXPECT_EQ(h.visibleCount(), 10u);

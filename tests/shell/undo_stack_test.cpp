@@ -1,8 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "shell/undo_stack.h"
+
+#include <gtest/gtest.h>
+#include <string>
 
 namespace lumiran {
 namespace {
@@ -16,11 +15,14 @@ Document numbered(int n) {
     return d;
 }
 
-int pictureNumber(const Document& d) { return d.picture.width(); }
+int pictureNumber(const Document& d) {
+    return d.picture.width();
+}
 
 TEST(UndoStack, DefaultLimitKeepsFourLevelsInFiveSlots) {
     UndoStack undo(5);
-    for (int n = 1; n <= 5; ++n) undo.PushUndo(numbered(n));
+    for (int n = 1; n <= 5; ++n)
+        undo.PushUndo(numbered(n));
     EXPECT_EQ(undo.UndoCount(), 4);
     for (std::size_t i = 0; i < 5; ++i) {
         ASSERT_TRUE(undo.slot(i).has_value()) << i;
@@ -71,7 +73,8 @@ TEST(UndoStack, ReleasingForgetsEveryLevel) {
 
 TEST(UndoStack, ANewLimitKeepsTheNewestLevelsThatFit) {
     UndoStack undo(5);
-    for (int n = 1; n <= 4; ++n) undo.PushUndo(numbered(n));
+    for (int n = 1; n <= 4; ++n)
+        undo.PushUndo(numbered(n));
     undo.setMaxUndoCount(3);
     EXPECT_EQ(undo.UndoCount(), 2);
     Document active;

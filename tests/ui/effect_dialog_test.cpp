@@ -1,10 +1,4 @@
 // The parameter forms, configured from the table, with preview and OK.
-#include <QLabel>
-#include <QListWidget>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QtTest>
-
 #include "catalogue/effect_table.h"
 #include "catalogue/ui/effect_dialog.h"
 #include "effects/colour/class_color_op.h"
@@ -12,6 +6,12 @@
 #include "shell/ui/frm_document.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/run_controller.h"
+
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QtTest>
 
 using namespace lumiran;
 
@@ -27,7 +27,7 @@ class EffectDialogTest : public QObject {
         return nullptr;
     }
 
-private slots:
+  private slots:
     void monotoneIsConfiguredFromTheTable() {
         MemoryStore store;
         FrmMain frame(store, decoder_);
@@ -81,7 +81,7 @@ private slots:
         QCOMPARE(mani->slider(2)->minimum(), -255);
         QCOMPARE(mani->slider(3)->value(), -20);
         QVERIFY(mani->slider(6)->isVisible());
-        QVERIFY(!mani->slider(7)->isVisible()); // unconfigured sliders stay hidden
+        QVERIFY(!mani->slider(7)->isVisible());                  // unconfigured sliders stay hidden
         QVERIFY(!mani->typeList()->parentWidget()->isVisible()); // a list with no rows hides
         QCOMPARE(mani->values().sliders[5], 60.0);
         mani->close();
@@ -94,7 +94,8 @@ private slots:
         QCOMPARE(level->slider(2)->value(), 192);
         QVERIFY(level->findChild<QLabel*>() != nullptr);
         QStringList names;
-        for (QLabel* label : level->findChildren<QLabel*>()) names << label->text();
+        for (QLabel* label : level->findChildren<QLabel*>())
+            names << label->text();
         QVERIFY(names.contains("最小値") && names.contains("最大値"));
         QCOMPARE(level->typeList()->count(), 3);
         level->close();

@@ -1,20 +1,4 @@
 // The editor's frame and documents on the offscreen platform.
-#include <QAbstractButton>
-#include <QAction>
-#include <QApplication>
-#include <QMdiArea>
-#include <QMenu>
-#include <QMessageBox>
-#include <QScrollArea>
-#include <QScrollBar>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QTimer>
-#include <QtTest>
-
-#include <atomic>
-#include <functional>
-
 #include "effects/colour/class_color_op.h"
 #include "imagefiles/bitmap_writer.h"
 #include "platform/qt_picture_decoder.h"
@@ -26,13 +10,28 @@
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
 
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QMdiArea>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProcess>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+#include <atomic>
+#include <functional>
+
 using namespace lumiran;
 
 namespace {
 
 // Answers every message box that comes up with the given button and counts them.
 class MessageBoxAnswerer : public QObject {
-public:
+  public:
     explicit MessageBoxAnswerer(QMessageBox::StandardButton answer) : answer_(answer) {
         timer_.setInterval(20);
         connect(&timer_, &QTimer::timeout, this, [this] {
@@ -49,7 +48,7 @@ public:
     QStringList titles;
     QStringList texts;
 
-private:
+  private:
     QMessageBox::StandardButton answer_;
     QTimer timer_;
 };
@@ -68,7 +67,8 @@ EffectBody cancellingGray() {
 Surface gradient(int width, int height) {
     Surface s(width, height);
     for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) s.at(x, y) = makePixel(x % 256, y % 256, (x + y) % 256);
+        for (int x = 0; x < width; ++x)
+            s.at(x, y) = makePixel(x % 256, y % 256, (x + y) % 256);
     }
     return s;
 }
@@ -78,7 +78,7 @@ Surface gradient(int width, int height) {
 class FrameTest : public QObject {
     Q_OBJECT
 
-private:
+  private:
     QTemporaryDir dir_;
     QtPictureDecoder decoder_;
 
@@ -88,7 +88,7 @@ private:
         return path;
     }
 
-private slots:
+  private slots:
     void windowCountLimitOfOneAllowsTwoDocuments() {
         MemoryStore store;
         FrmMain frame(store, decoder_);
@@ -246,7 +246,8 @@ private slots:
         frame.resize(900, 700);
         frame.show();
         Surface few(64, 48, makePixel(200, 30, 30));
-        for (int x = 0; x < 64; ++x) few.at(x, 20) = makePixel(0, 0, 0);
+        for (int x = 0; x < 64; ++x)
+            few.at(x, 20) = makePixel(0, 0, 0);
         const QString bmp = writePicture("session.bmp", few);
         QStringList paths{bmp};
         if (QFile::exists("/usr/bin/convert")) {
@@ -257,8 +258,8 @@ private slots:
         if (QFile::exists("/usr/bin/bmptopnm") && QFile::exists("/usr/bin/ppmtopcx")) {
             const QString pcx = dir_.filePath("session.pcx");
             QCOMPARE(QProcess::execute("sh", {"-c", QString("bmptopnm '%1' 2>/dev/null | ppmtopcx "
-                                                             "2>/dev/null > '%2'")
-                                                         .arg(bmp, pcx)}),
+                                                            "2>/dev/null > '%2'")
+                                                        .arg(bmp, pcx)}),
                      0);
             paths << pcx;
         }
@@ -269,7 +270,8 @@ private slots:
             QCOMPARE(doc->document().picture.width(), 64);
             docs << doc;
         }
-        for (int mode : {1, 2, 3}) frame.arrange(mode);
+        for (int mode : {1, 2, 3})
+            frame.arrange(mode);
         QApplication::processEvents();
 
         FrmDocument* doc = docs.front();

@@ -1,16 +1,10 @@
 // Builds every window of the editor once, as a user meets them, and checks
 // each comes up with its texts. With LUMIRAN_SCREENSHOT_DIR set it also
 // saves a picture of each, for looking at the editor without a display.
-#include <QDir>
-#include <QMenu>
-#include <QTabWidget>
-#include <QTemporaryDir>
-#include <QtTest>
-
-#include "imagefiles/bitmap_writer.h"
-#include "platform/qt_picture_decoder.h"
 #include "catalogue/effect_table.h"
 #include "catalogue/ui/effect_dialog.h"
+#include "imagefiles/bitmap_writer.h"
+#include "platform/qt_picture_decoder.h"
 #include "shell/ui/dialogs/frm_colorset.h"
 #include "shell/ui/dialogs/frm_create.h"
 #include "shell/ui/dialogs/frm_option.h"
@@ -20,6 +14,12 @@
 #include "shell/ui/frm_main.h"
 #include "shell/ui/frm_picture_save.h"
 #include "shell/ui/frm_progress.h"
+
+#include <QDir>
+#include <QMenu>
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QtTest>
 
 using namespace lumiran;
 
@@ -36,7 +36,7 @@ class TourTest : public QObject {
         if (!dir.isEmpty()) window.grab().save(QDir(dir).filePath(name + ".png"));
     }
 
-private slots:
+  private slots:
     void everyWindowComesUp() {
         MemoryStore store;
         FrmMain frame(store, decoder_);
@@ -53,15 +53,18 @@ private slots:
         keep(*colour, "menu_color");
         keep(*doc->menu("mnuCompose"), "menu_compose");
 
-        for (const char* effect : {"Monotone", "HSV Invert", "Shade Range Adjust", "One Color Scale"}) {
+        for (const char* effect :
+             {"Monotone", "HSV Invert", "Shade Range Adjust", "One Color Scale"}) {
             frame.openEffectDialog(*doc, *findEffect(effect));
             EffectDialog* dialog = frame.findChild<EffectDialog*>();
             for (QWidget* w : QApplication::topLevelWidgets()) {
-                if (auto* d = qobject_cast<EffectDialog*>(w); d != nullptr && d->isVisible()) dialog = d;
+                if (auto* d = qobject_cast<EffectDialog*>(w); d != nullptr && d->isVisible())
+                    dialog = d;
             }
             QVERIFY(dialog != nullptr);
             dialog->PreviewButton_Click();
-            keep(*dialog, QString("effect_%1").arg(dialog->objectName() + "_" + QString::number(dialog->code())));
+            keep(*dialog, QString("effect_%1")
+                              .arg(dialog->objectName() + "_" + QString::number(dialog->code())));
             dialog->close();
         }
 

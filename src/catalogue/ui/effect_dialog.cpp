@@ -1,5 +1,15 @@
 #include "catalogue/ui/effect_dialog.h"
 
+#include "catalogue/effect_dispatch.h"
+#include "catalogue/preview.h"
+#include "shell/string_table.h"
+#include "shell/ui/dialogs/dialogs.h"
+#include "shell/ui/frm_document.h"
+#include "shell/ui/frm_main.h"
+#include "shell/ui/surface_image.h"
+#include "shell/ui/ui_text.h"
+#include "shell/ui_string_ids.h"
+
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -17,34 +27,27 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
-
 #include <algorithm>
-
-#include "catalogue/effect_dispatch.h"
-#include "catalogue/preview.h"
-#include "shell/string_table.h"
-#include "shell/ui/dialogs/dialogs.h"
-#include "shell/ui/frm_document.h"
-#include "shell/ui/frm_main.h"
-#include "shell/ui/surface_image.h"
-#include "shell/ui/ui_text.h"
-#include "shell/ui_string_ids.h"
 
 namespace lumiran {
 namespace {
 
-constexpr int PreviewBox = 140;      // the preview box of most forms, in pixels
-constexpr int LevelBoxHeight = 136;  // frm_Level's box is 2112 by 2040 twips
+constexpr int PreviewBox = 140;     // the preview box of most forms, in pixels
+constexpr int LevelBoxHeight = 136; // frm_Level's box is 2112 by 2040 twips
 
 int sliderCount(DialogKind kind) {
     switch (kind) {
-    case DialogKind::Monotone: return 0;
+    case DialogKind::Monotone:
+        return 0;
     case DialogKind::Sepia:
     case DialogKind::Negative:
-    case DialogKind::Emboss: return 1;
+    case DialogKind::Emboss:
+        return 1;
     case DialogKind::Level:
-    case DialogKind::ColorScale: return 2;
-    case DialogKind::Mani: return 8;
+    case DialogKind::ColorScale:
+        return 2;
+    case DialogKind::Mani:
+        return 8;
     }
     return 0;
 }
@@ -53,7 +56,9 @@ bool hasTypeList(DialogKind k) {
     return k == DialogKind::Emboss || k == DialogKind::Level || k == DialogKind::ColorScale ||
            k == DialogKind::Mani;
 }
-bool hasColorList(DialogKind k) { return k != DialogKind::Sepia; }
+bool hasColorList(DialogKind k) {
+    return k != DialogKind::Sepia;
+}
 
 // frm_ColorScale shows Slider2 only for row 4 of these effects.
 bool rowFourShowsSlider2(int code) {
@@ -63,8 +68,8 @@ bool rowFourShowsSlider2(int code) {
 
 // The composition effects that need the kept image cannot preview.
 bool previewForbidden(std::string_view key) {
-    constexpr std::string_view keys[] = {"ﾗｽﾀ演算による合成", "波紋座標",     "合成　比較",
-                                         "範囲濃度切り替え",   "合成　ｴﾝﾎﾞｽ", "同一色入れ換え"};
+    constexpr std::string_view keys[] = {"ﾗｽﾀ演算による合成", "波紋座標",    "合成　比較",
+                                         "範囲濃度切り替え",  "合成　ｴﾝﾎﾞｽ", "同一色入れ換え"};
     return std::ranges::find(keys, key) != std::end(keys);
 }
 
@@ -90,7 +95,9 @@ QString colourSwatch(Rgb8 c) {
 
 } // namespace
 
-QString dialogObjectName(DialogKind kind) { return qs(dialogName(kind)); }
+QString dialogObjectName(DialogKind kind) {
+    return qs(dialogName(kind));
+}
 
 EffectDialog::EffectDialog(DialogKind kind, FrmMain& frame, FrmDocument& document)
     : kind_(kind), frame_(frame), document_(document) {
@@ -104,7 +111,9 @@ EffectDialog::EffectDialog(DialogKind kind, FrmMain& frame, FrmDocument& documen
     ApplyFontSize(*this, frame_.settings().FontSize);
 }
 
-EffectDialog::~EffectDialog() { commonEnd(); }
+EffectDialog::~EffectDialog() {
+    commonEnd();
+}
 
 void EffectDialog::buildControls() {
     auto* controls = new QVBoxLayout;
@@ -150,8 +159,8 @@ void EffectDialog::buildControls() {
     };
     if (hasTypeList(kind_)) std::tie(typeFrame_, ETypeList) = listFrame("Frame3", "ETypeList");
     if (hasColorList(kind_)) {
-        std::tie(colorFrame_, ColorList) = listFrame(
-            "Frame1", kind_ == DialogKind::Monotone ? "MonoList" : "ColorList");
+        std::tie(colorFrame_, ColorList) =
+            listFrame("Frame1", kind_ == DialogKind::Monotone ? "MonoList" : "ColorList");
         connect(ColorList, &QListWidget::currentRowChanged, this, [this] { colorListClicked(); });
     }
     if (kind_ == DialogKind::Level) {
@@ -221,7 +230,8 @@ void EffectDialog::buildControls() {
 
     auto* right = new QVBoxLayout;
     right->addWidget(Picture3);
-    for (QPushButton* b : {OKButton, CancelButton, PreviewButton, DefaultButton}) right->addWidget(b);
+    for (QPushButton* b : {OKButton, CancelButton, PreviewButton, DefaultButton})
+        right->addWidget(b);
     right->addStretch();
     auto* layout = new QHBoxLayout(this);
     layout->addLayout(controls);
@@ -270,7 +280,8 @@ void EffectDialog::configure(const EffectEntry& entry) {
         frame->setTitle(qs(spec->caption));
         const QSignalBlocker quiet(list);
         list->clear();
-        for (std::string_view row : spec->rows) list->addItem(qs(row));
+        for (std::string_view row : spec->rows)
+            list->addItem(qs(row));
         list->setCurrentRow(0);
     };
     fill(typeFrame_, ETypeList, entry.list(ListKind::E));
@@ -282,7 +293,8 @@ void EffectDialog::configure(const EffectEntry& entry) {
             distanceFrame_->setTitle(qs(spec->caption));
             const QSignalBlocker quiet(DistanceCombo);
             DistanceCombo->clear();
-            for (std::string_view row : spec->rows) DistanceCombo->addItem(qs(row));
+            for (std::string_view row : spec->rows)
+                DistanceCombo->addItem(qs(row));
             DistanceCombo->setCurrentIndex(0);
         }
     }
@@ -299,8 +311,8 @@ void EffectDialog::configure(const EffectEntry& entry) {
 
     // SetPreviewPicture: the document scaled into the black box.
     const Surface& picture = document_.document().picture;
-    const PreviewPlacement place = SetPreviewPicture(Picture3->width(), Picture3->height(),
-                                                     picture.width(), picture.height());
+    const PreviewPlacement place =
+        SetPreviewPicture(Picture3->width(), Picture3->height(), picture.width(), picture.height());
     source_ = scalePicture(picture, place.width, place.height);
     Picture1->setGeometry(place.left, place.top, place.width, place.height);
     showPicture(source_);
@@ -309,7 +321,8 @@ void EffectDialog::configure(const EffectEntry& entry) {
 
 ControlValues EffectDialog::values() const {
     ControlValues v;
-    for (int n = 1; n <= 8; ++n) v.sliders[n - 1] = sliders_[n - 1]->value();
+    for (int n = 1; n <= 8; ++n)
+        v.sliders[n - 1] = sliders_[n - 1]->value();
     // A slider the effect does not show hands on 0.
     for (int n = 1; n <= 8; ++n) {
         if (!hasSlider(n)) v.sliders[n - 1] = 0;
@@ -323,7 +336,9 @@ ControlValues EffectDialog::values() const {
     return v;
 }
 
-void EffectDialog::DefaultValueSet() { defaults_ = values(); }
+void EffectDialog::DefaultValueSet() {
+    defaults_ = values();
+}
 
 void EffectDialog::setValues(const ControlValues& v) {
     for (int n = 1; n <= sliderCount(kind_); ++n) {

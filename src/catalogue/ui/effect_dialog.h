@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QDialog>
-
-#include <array>
-
 #include "catalogue/control_values.h"
 #include "catalogue/dialog_kind.h"
 #include "catalogue/effect_table.h"
 #include "engine/surface.h"
+
+#include <QDialog>
+#include <array>
 
 class QCheckBox;
 class QComboBox;
@@ -28,7 +27,7 @@ class FrmMain;
 // gives them their meaning.
 class EffectDialog : public QDialog {
     Q_OBJECT
-public:
+  public:
     EffectDialog(DialogKind kind, FrmMain& frame, FrmDocument& document);
     ~EffectDialog() override;
 
@@ -57,10 +56,10 @@ public:
     [[nodiscard]] QComboBox* distanceCombo() const { return DistanceCombo; }
     [[nodiscard]] QPushButton* previewButton() const { return PreviewButton; }
 
-protected:
+  protected:
     void closeEvent(QCloseEvent* event) override;
 
-private:
+  private:
     void buildControls();
     void controlChanged();
     void sliderChanged(int number);

@@ -1,5 +1,13 @@
 #include "shell/ui/frm_document.h"
 
+#include "catalogue/effect_dispatch.h"
+#include "catalogue/effect_table.h"
+#include "shell/ui/frm_main.h"
+#include "shell/ui/picture_view.h"
+#include "shell/ui/surface_image.h"
+#include "shell/ui/ui_text.h"
+#include "shell/ui_string_ids.h"
+
 #include <QAction>
 #include <QCloseEvent>
 #include <QCursor>
@@ -8,16 +16,7 @@
 #include <QMenu>
 #include <QScrollArea>
 #include <QVBoxLayout>
-
 #include <map>
-
-#include "catalogue/effect_dispatch.h"
-#include "catalogue/effect_table.h"
-#include "shell/ui/frm_main.h"
-#include "shell/ui/picture_view.h"
-#include "shell/ui/surface_image.h"
-#include "shell/ui/ui_text.h"
-#include "shell/ui_string_ids.h"
 
 namespace lumiran {
 namespace {
@@ -72,7 +71,8 @@ void FrmDocument::buildMenus() {
     file->addSeparator();
     file->addAction(res(ids::FileExit), &f, &QWidget::close);
     // Pad to the fixed index of the history rows.
-    while (file->actions().size() < HistoryFirstRow - 1) file->addSeparator()->setVisible(false);
+    while (file->actions().size() < HistoryFirstRow - 1)
+        file->addSeparator()->setVisible(false);
     historySeparator_ = file->addSeparator();
     for (int i = 0; i < static_cast<int>(LoadHistory::Size); ++i) {
         QAction* row = file->addAction(QString());

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "shell/document.h"
+
 #include <QList>
 #include <QWidget>
-
 #include <string_view>
-
-#include "shell/document.h"
 
 class QAction;
 class QMenu;
@@ -21,7 +20,7 @@ class PictureView;
 // menus, which the frame shows in its menu bar while the window is active.
 class FrmDocument : public QWidget {
     Q_OBJECT
-public:
+  public:
     explicit FrmDocument(FrmMain& frame);
 
     [[nodiscard]] Document& document() { return document_; }
@@ -43,11 +42,11 @@ public:
 
     [[nodiscard]] PictureView& pictureView() { return *Picture2; }
 
-protected:
+  protected:
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
-private:
+  private:
     void buildMenus();
     void buildEffectMenus(QMenu& effectMenu, QMenu& composeMenu);
     void fillEffectMenu(QMenu& menu, std::string_view menuName);

@@ -1,5 +1,19 @@
 #include "shell/ui/frm_main.h"
 
+#include "catalogue/ui/effect_dialog.h"
+#include "engine/calculation.h"
+#include "engine/raster_step.h"
+#include "imagefiles/image_load_error.h"
+#include "imagefiles/load_dispatch.h"
+#include "shell/string_table.h"
+#include "shell/ui/dialogs/dialogs.h"
+#include "shell/ui/frm_document.h"
+#include "shell/ui/frm_picture_save.h"
+#include "shell/ui/picture_view.h"
+#include "shell/ui/run_controller.h"
+#include "shell/ui/ui_text.h"
+#include "shell/ui_string_ids.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
@@ -23,22 +37,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
-
 #include <algorithm>
-
-#include "catalogue/ui/effect_dialog.h"
-#include "engine/calculation.h"
-#include "engine/raster_step.h"
-#include "imagefiles/image_load_error.h"
-#include "imagefiles/load_dispatch.h"
-#include "shell/string_table.h"
-#include "shell/ui/dialogs/dialogs.h"
-#include "shell/ui/frm_document.h"
-#include "shell/ui/frm_picture_save.h"
-#include "shell/ui/picture_view.h"
-#include "shell/ui/run_controller.h"
-#include "shell/ui/ui_text.h"
-#include "shell/ui_string_ids.h"
 
 namespace lumiran {
 namespace {
@@ -67,13 +66,13 @@ QString qtFilter() {
 
 // The masks of the folder list that the stepping through a folder uses.
 QStringList folderPattern() {
-    return {"*.bmp", "*.dib", "*.ico", "*.rle", "*.wmf", "*.emf", "*.pcx",
-            "*.ppm", "*.tga", "*.jpg", "*.gif", "*.pcd"};
+    return {"*.bmp", "*.dib", "*.ico", "*.rle", "*.wmf", "*.emf",
+            "*.pcx", "*.ppm", "*.tga", "*.jpg", "*.gif", "*.pcd"};
 }
 
 // Shows the load percentage in a document's progress entry while the reader runs.
 class MenuProgressSink : public ProgressSink {
-public:
+  public:
     explicit MenuProgressSink(QAction* item) : item_(item) {}
     void showPercent(int percent) override {
         if (item_ == nullptr) return;
@@ -82,13 +81,13 @@ public:
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     }
 
-private:
+  private:
     QAction* item_;
 };
 
 // A status panel that reports clicks.
 class StatusPanel : public QLabel {
-public:
+  public:
     using QLabel::QLabel;
 };
 
@@ -130,7 +129,8 @@ FrmMain::~FrmMain() {
     // The documents refer to the frame: they go while it is still whole.
     closing_ = true;
     runs_->waitForEnd();
-    for (QMdiSubWindow* sub : mdiArea_->subWindowList()) delete sub;
+    for (QMdiSubWindow* sub : mdiArea_->subWindowList())
+        delete sub;
 }
 
 // Start-up: the keys in the order the frame has always read them.
@@ -244,13 +244,22 @@ void FrmMain::buildToolBar() {
     // The keys are opaque literals that the click handler compares.
     const int bases[] = {3480, 3482, 3484, 3486, 3488, 3490, 3492, 3494,
                          3496, 3498, 3500, 3502, 3504, 3506, 4134, 4136};
-    const QStyle::StandardPixmap icons[] = {
-        QStyle::SP_DialogOpenButton,   QStyle::SP_FileIcon,           QStyle::SP_DialogSaveButton,
-        QStyle::SP_FileDialogDetailedView, QStyle::SP_ArrowBack,      QStyle::SP_FileLinkIcon,
-        QStyle::SP_FileDialogContentsView, QStyle::SP_DirOpenIcon,    QStyle::SP_TitleBarNormalButton,
-        QStyle::SP_ArrowRight,         QStyle::SP_DriveFDIcon,        QStyle::SP_ComputerIcon,
-        QStyle::SP_DirIcon,            QStyle::SP_FileDialogListView, QStyle::SP_FileDialogInfoView,
-        QStyle::SP_DialogHelpButton};
+    const QStyle::StandardPixmap icons[] = {QStyle::SP_DialogOpenButton,
+                                            QStyle::SP_FileIcon,
+                                            QStyle::SP_DialogSaveButton,
+                                            QStyle::SP_FileDialogDetailedView,
+                                            QStyle::SP_ArrowBack,
+                                            QStyle::SP_FileLinkIcon,
+                                            QStyle::SP_FileDialogContentsView,
+                                            QStyle::SP_DirOpenIcon,
+                                            QStyle::SP_TitleBarNormalButton,
+                                            QStyle::SP_ArrowRight,
+                                            QStyle::SP_DriveFDIcon,
+                                            QStyle::SP_ComputerIcon,
+                                            QStyle::SP_DirIcon,
+                                            QStyle::SP_FileDialogListView,
+                                            QStyle::SP_FileDialogInfoView,
+                                            QStyle::SP_DialogHelpButton};
     for (int i = 0; i < 16; ++i) {
         const QString key = QString("LoadResString(%1 + Language)").arg(bases[i]);
         QAction* button = tbToolBar->addAction(style()->standardIcon(icons[i]), res(bases[i] + 1));
@@ -350,14 +359,17 @@ void FrmMain::refreshMenus() {
     menuBar()->clear();
     FrmDocument* doc = activeDocument();
     const QList<QMenu*>& menus = doc != nullptr ? doc->topMenus() : frameMenus_;
-    for (QMenu* m : menus) menuBar()->addMenu(m);
+    for (QMenu* m : menus)
+        menuBar()->addMenu(m);
     menuBar()->addAction(doc != nullptr ? doc->progressItem() : frameProgress_);
     setMenusEnabled(!runs_->running());
 }
 
 void FrmMain::setMenusEnabled(bool enable) {
-    for (QMenu* m : frameMenus_) m->setEnabled(enable);
-    for (FrmDocument* doc : documents()) doc->SetMenusEnabled(enable);
+    for (QMenu* m : frameMenus_)
+        m->setEnabled(enable);
+    for (FrmDocument* doc : documents())
+        doc->SetMenusEnabled(enable);
     tbToolBar->setEnabled(enable);
 }
 
@@ -369,7 +381,8 @@ void FrmMain::refreshFrameHistory() {
         row->setVisible(i < visible);
         row->setText(i < visible ? QString::fromStdString(settings_.history.entry(i)) : QString());
     }
-    for (FrmDocument* doc : documents()) doc->refreshHistory();
+    for (FrmDocument* doc : documents())
+        doc->refreshHistory();
 }
 
 void FrmMain::applyFontSize() {
@@ -389,7 +402,9 @@ bool FrmMain::CheckWindowLimit() {
     return true;
 }
 
-void FrmMain::ApplyRegulation() { arrange(settings_.AutoRegulation); }
+void FrmMain::ApplyRegulation() {
+    arrange(settings_.AutoRegulation);
+}
 
 void FrmMain::arrange(int mode) {
     if (mode == 1) {
@@ -496,7 +511,8 @@ FrmDocument* FrmMain::openFile(const QString& path) {
 void FrmMain::openCommandLine(const QString& commandLine) {
     const QString own = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
     if (commandLine.isEmpty() || commandLine == own || commandLine.size() <= 1) return;
-    for (const QString& piece : commandLine.split(' ', Qt::SkipEmptyParts)) openFile(piece);
+    for (const QString& piece : commandLine.split(' ', Qt::SkipEmptyParts))
+        openFile(piece);
 }
 
 void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) {
@@ -515,8 +531,8 @@ void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) 
 void FrmMain::openWithDialog() {
     QString start;
     if (settings_.OpenFolder != LoadHistory::Empty) start = qs(settings_.OpenFolder);
-    const QString path = QFileDialog::getOpenFileName(this, res(ids::OpenDialogTitle), start,
-                                                      qtFilter());
+    const QString path =
+        QFileDialog::getOpenFileName(this, res(ids::OpenDialogTitle), start, qtFilter());
     if (!path.isEmpty()) openFile(path);
 }
 
@@ -647,13 +663,17 @@ void FrmMain::showHelp() {
     QDesktopServices::openUrl(QUrl::fromLocalFile(help));
 }
 
-void FrmMain::showAbout() { showVersionDialog(settings_, this); }
+void FrmMain::showAbout() {
+    showVersionDialog(settings_, this);
+}
 
 void FrmMain::easterEgg() {
     QMessageBox::warning(this, "Easter Egg", res(ids::EasterEgg));
 }
 
-void FrmMain::setAutoPreview(bool on) { settings_.AutoPreview = on ? 1 : 0; }
+void FrmMain::setAutoPreview(bool on) {
+    settings_.AutoPreview = on ? 1 : 0;
+}
 
 bool FrmMain::runEffect(FrmDocument& doc, EffectBody body, RunOptions options) {
     return runs_->start(doc.document(), std::move(body), settings_.FontSize,

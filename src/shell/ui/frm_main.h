@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QMainWindow>
-#include <QPointer>
-
-#include <memory>
-
 #include "shell/effect_run.h"
 #include "shell/program_state.h"
 #include "shell/settings.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <memory>
 
 class QAction;
 class QLabel;
@@ -30,7 +29,7 @@ class EffectDialog;
 // menus route to.
 class FrmMain : public QMainWindow {
     Q_OBJECT
-public:
+  public:
     // The store and decoder outlive the frame; the store is read here and
     // written when the frame closes.
     FrmMain(KeyValueStore& store, PlatformDecoder& decoder);
@@ -92,13 +91,13 @@ public:
     void refreshMenus();
     void refreshStatus();
 
-protected:
+  protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
-private:
+  private:
     void readSettings();
     void writeSettings();
     void buildFrameMenus();

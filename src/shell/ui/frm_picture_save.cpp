@@ -1,5 +1,12 @@
 #include "shell/ui/frm_picture_save.h"
 
+#include "imagefiles/bitmap_writer.h"
+#include "imagefiles/image_file_error.h"
+#include "imagefiles/load_dispatch.h"
+#include "shell/ui/dialogs/dialogs.h"
+#include "shell/ui/ui_text.h"
+#include "shell/ui_string_ids.h"
+
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -10,30 +17,27 @@
 #include <QPushButton>
 #include <QRadioButton>
 
-#include "imagefiles/bitmap_writer.h"
-#include "imagefiles/image_file_error.h"
-#include "imagefiles/load_dispatch.h"
-#include "shell/ui/dialogs/dialogs.h"
-#include "shell/ui/ui_text.h"
-#include "shell/ui_string_ids.h"
-
 namespace lumiran {
 
 bool savePictureFile(const Surface& picture, const QString& path, SaveDepth depth) {
     const std::filesystem::path target = path.toStdString();
     try {
         switch (depth) {
-        case SaveDepth::Bits24: saveBmp24(picture, target); return true;
-        case SaveDepth::Bits8: return Save256(picture, target, true) == Save256Success;
-        case SaveDepth::Bits1: return SaveMonoImage(target, picture) == 1;
+        case SaveDepth::Bits24:
+            saveBmp24(picture, target);
+            return true;
+        case SaveDepth::Bits8:
+            return Save256(picture, target, true) == Save256Success;
+        case SaveDepth::Bits1:
+            return SaveMonoImage(target, picture) == 1;
         }
     } catch (const ImageFileError&) {
     }
     return false;
 }
 
-frm_PictureSave::frm_PictureSave(const Surface& picture, const QString& suggestedPath,
-                                 int fontSize, QWidget* parent)
+frm_PictureSave::frm_PictureSave(const Surface& picture, const QString& suggestedPath, int fontSize,
+                                 QWidget* parent)
     : QDialog(parent), picture_(picture), Text1(new QLineEdit(suggestedPath)) {
     setObjectName("frm_PictureSave");
     setWindowTitle(res(ids::SaveTitle));
@@ -74,9 +78,9 @@ void frm_PictureSave::Command1_Click() {
     }
     if (FileExtension(path.toStdString()).empty()) path += ".bmp";
     if (QFileInfo::exists(path)) {
-        const auto answer = QMessageBox::question(this, res(ids::SaveConfirmTitle),
-                                                  path + res(ids::SaveExists),
-                                                  QMessageBox::Yes | QMessageBox::No);
+        const auto answer =
+            QMessageBox::question(this, res(ids::SaveConfirmTitle), path + res(ids::SaveExists),
+                                  QMessageBox::Yes | QMessageBox::No);
         if (answer != QMessageBox::Yes) {
             reject();
             return;

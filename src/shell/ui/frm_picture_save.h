@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QDialog>
-
 #include "engine/surface.h"
+
+#include <QDialog>
 
 class QLineEdit;
 class QRadioButton;
@@ -18,7 +18,7 @@ bool savePictureFile(const Surface& picture, const QString& path, SaveDepth dept
 // The save dialog: a path, three depths and the save button Command1.
 class frm_PictureSave : public QDialog {
     Q_OBJECT
-public:
+  public:
     frm_PictureSave(const Surface& picture, const QString& suggestedPath, int fontSize,
                     QWidget* parent = nullptr);
 
@@ -28,7 +28,7 @@ public:
     // Command1: the checks, the question and the save, as the button does.
     void Command1_Click();
 
-private:
+  private:
     const Surface& picture_;
     QLineEdit* Text1;
     QRadioButton* Option1[3];

@@ -1,5 +1,7 @@
 #include "shell/ui/frm_progress.h"
 
+#include "shell/ui/ui_text.h"
+
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
@@ -7,8 +9,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
-
-#include "shell/ui/ui_text.h"
 
 namespace lumiran {
 
@@ -41,7 +41,9 @@ void frm_Progress::setPercent(int percent) {
     if (ProgressBar1->maximum() > 0) ProgressBar1->setValue(std::clamp(percent, 0, 100));
 }
 
-void frm_Progress::setLabel(const QString& text) { Label3->setText(text); }
+void frm_Progress::setLabel(const QString& text) {
+    Label3->setText(text);
+}
 
 bool frm_Progress::eventFilter(QObject* watched, QEvent* event) {
     if (watched == Command1 && event->type() == QEvent::KeyPress &&

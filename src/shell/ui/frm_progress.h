@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QDialog>
-
 #include "engine/run_context.h"
+
+#include <QDialog>
 
 class QLabel;
 class QProgressBar;
@@ -14,17 +14,17 @@ namespace lumiran {
 // button, which (by click or by its key Z) only sets the cancel flag.
 class frm_Progress : public QDialog {
     Q_OBJECT
-public:
+  public:
     frm_Progress(CancelFlag& cancel, bool marquee, int fontSize, QWidget* parent = nullptr);
 
     void setPercent(int percent);
     void setLabel(const QString& text);
 
-protected:
+  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void reject() override; // Escape does not close it: only the button cancels
 
-private:
+  private:
     CancelFlag& cancel_;
     QLabel* Label3;
     QProgressBar* ProgressBar1;

@@ -1,12 +1,12 @@
 // The editor: Frm_Splash, then the frame, its settings and the command line.
-#include <QApplication>
-#include <QPointer>
-#include <QTimer>
-
 #include "platform/qt_picture_decoder.h"
 #include "shell/ui/dialogs/dialogs.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/qt_settings_store.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QTimer>
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
@@ -33,9 +33,8 @@ int main(int argc, char** argv) {
     const QStringList arguments = QApplication::arguments().mid(1);
     frame.openCommandLine(arguments.join(' '));
     if (frame.settings().firstStart()) {
-        QTimer::singleShot(0, &frame, [&frame] {
-            lumiran::showVersionDialog(frame.settings(), &frame);
-        });
+        QTimer::singleShot(0, &frame,
+                           [&frame] { lumiran::showVersionDialog(frame.settings(), &frame); });
     }
     return QApplication::exec();
 }

@@ -1,7 +1,7 @@
 #include "shell/ui/picture_view.h"
 
-#include <QPainter>
 #include <QPaintEvent>
+#include <QPainter>
 
 namespace lumiran {
 

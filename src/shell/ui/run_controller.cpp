@@ -1,17 +1,17 @@
 #include "shell/ui/run_controller.h"
 
-#include <QApplication>
-#include <QMessageBox>
-
 #include "shell/string_table.h"
 #include "shell/ui/frm_progress.h"
 #include "shell/ui/ui_text.h"
+
+#include <QApplication>
+#include <QMessageBox>
 
 namespace lumiran {
 
 // Hands the worker's percentages to the progress window on the GUI thread.
 class RunController::Sink : public ProgressSink {
-public:
+  public:
     explicit Sink(RunController& owner) : owner_(owner) {}
     void showPercent(int percent) override {
         QMetaObject::invokeMethod(
@@ -22,7 +22,7 @@ public:
             Qt::QueuedConnection);
     }
 
-private:
+  private:
     RunController& owner_;
 };
 

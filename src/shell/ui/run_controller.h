@@ -1,12 +1,11 @@
 #pragma once
 
+#include "shell/effect_run.h"
+
 #include <QObject>
 #include <QPointer>
-
 #include <memory>
 #include <thread>
-
-#include "shell/effect_run.h"
 
 namespace lumiran {
 
@@ -17,7 +16,7 @@ class frm_Progress;
 // between. The document is unchanged until the end.
 class RunController : public QObject {
     Q_OBJECT
-public:
+  public:
     explicit RunController(ProgramState& state, QObject* parent = nullptr);
     ~RunController() override;
 
@@ -28,13 +27,13 @@ public:
     // Blocks until the current run has ended (tests, and the frame's exit).
     void waitForEnd();
 
-signals:
+  signals:
     // Menus go off before the first row and come back after the end.
     void runningChanged(bool running);
     // The run ended: applied or cancelled; failures were shown already.
     void finished(lumiran::Document* document, lumiran::RunOutcome outcome);
 
-private:
+  private:
     class Sink;
     void complete();
 

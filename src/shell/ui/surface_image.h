@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QImage>
-
 #include "engine/surface.h"
+
+#include <QImage>
 
 namespace lumiran {
 

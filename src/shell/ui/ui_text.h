@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QString>
-
 #include "shell/string_table.h"
+
+#include <QString>
 
 namespace lumiran {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "effects/colour/class_color_table.h"
+#include "effects/effect_fixture.h"
 #include "test_support.h"
 
 #include <array>
@@ -9,23 +10,7 @@
 
 namespace lumiran::testing {
 
-// Runs Class_ColorTable operations on small pictures, one fresh object per
-// run as the program does.
-struct ColorTableFixture : ::testing::Test {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context{cancel, random};
-
-    using Call = std::function<void(Class_ColorTable&, const ProcessRect&)>;
-
-    Surface run(const Surface& picture, const Call& call) {
-        Class_ColorTable effect(context);
-        effect.ImageGetDiBits(picture);
-        call(effect, ProcessRect::wholePicture(picture.width(), picture.height()));
-        Surface result;
-        effect.ImageSetDiBits(result);
-        return result;
-    }
+struct ColorTableFixture : EffectFixture<Class_ColorTable> {
 
     // The colour of one pixel after the call, spare byte dropped.
     Pixel runOn(int r, int g, int b, const Call& call) {

@@ -10,13 +10,16 @@
 #include <algorithm>
 #include <cstdint>
 #include <new>
+#include <type_traits>
 
 namespace lumiran {
 
-// What an effect does with its result when the calculation type is 0.
+// How a pixel's result fields reach the array.
 enum class ResultTail {
-    Raw,   // store the low bytes as they stand
-    Clamp, // limit to 0..255 first (the shared tail of most effects)
+    Clamp,     // blended by the calculation type, otherwise clamped: the shared tail
+    Raw,       // blended by the calculation type, otherwise the low bytes as they stand
+    StoreOnly, // the low bytes as they stand, never blended
+    ClampOnly, // clamped, never blended
 };
 
 // Where the row loop stores: back into the source, or into the separate
@@ -85,23 +88,45 @@ class PixelFrame {
     // The blend or clamp that ends each pixel, by the calculation type.
     template <ResultTail Tail>
     [[nodiscard]] Rgb16 finishPixel(int r, int g, int b, Rgb16 result) const {
-        const std::uint8_t flag = context_.flags.calculationFlag;
-        if (flag > 0) return applyCalculationType(flag, r, g, b, result);
-        if constexpr (Tail == ResultTail::Clamp) return clampResult(result);
+        if constexpr (blends(Tail)) {
+            const std::uint8_t flag = context_.flags.calculationFlag;
+            if (flag > 0) return applyCalculationType(flag, r, g, b, result);
+        }
+        if constexpr (Tail == ResultTail::Clamp || Tail == ResultTail::ClampOnly) {
+            return clampResult(result);
+        }
         return result;
     }
 
-    // The row loop of a per-pixel effect: rule(r, g, b) gives the result
-    // fields for one source pixel. Rows and columns that fall outside the
-    // picture are dropped rather than reached.
+    [[nodiscard]] static constexpr bool blends(ResultTail tail) {
+        return tail == ResultTail::Clamp || tail == ResultTail::Raw;
+    }
+
+    // The part of a rectangle that lies inside the picture.
+    struct Span {
+        int firstColumn = 0;
+        int endColumn = 0;
+        int firstRow = 0;
+        int endRow = 0;
+        [[nodiscard]] bool empty() const { return firstColumn >= endColumn || firstRow >= endRow; }
+    };
+    [[nodiscard]] Span spanOf(const ProcessRect& rect) const {
+        return {std::max<int>(rect.left, 0), std::min(loopEnd(rect.right), ImageBits.width()),
+                std::max<int>(rect.top, 0), std::min(loopEnd(rect.bottom), ImageBits.height())};
+    }
+
+    // The row loop of a per-pixel effect. The rule is called as rule(r, g, b)
+    // or rule(x, y, r, g, b) and gives the result fields; the second form
+    // takes r, g, b by reference where it changes what the blend sees as the
+    // source. Rows and columns that fall outside the picture are dropped
+    // rather than reached; rows still count for progress.
     template <ResultTail Tail, Destination Dest = Destination::InPlace, typename Rule>
     void mapPixels(const ProcessRect& rect, Rule&& rule) {
         SetProgressRange(rect.top, rect.bottom);
         Surface& target = Dest == Destination::InPlace ? ImageBits : TransBits;
+        const Span span = spanOf(rect);
+        const bool blend = blends(Tail) && calculationFlag() > 0;
         const int endRow = loopEnd(rect.bottom);
-        const int firstColumn = std::max<int>(rect.left, 0);
-        const int endColumn = std::min(loopEnd(rect.right), ImageBits.width());
-        const bool blend = calculationFlag() > 0;
         for (int y = rect.top; y < endRow; ++y) {
             if (y >= 0 && y < ImageBits.height()) {
                 const Pixel* source = ImageBits.row(y).data();
@@ -109,38 +134,58 @@ class PixelFrame {
                 // Without a blend the loop is free of branches, so the
                 // compiler can vectorise the rule.
                 if (blend) {
-                    mapRow<Tail, true>(source, destination, firstColumn, endColumn, rule);
+                    mapRow<Tail, true>(source, destination, y, span, rule);
                 } else {
-                    mapRow<Tail, false>(source, destination, firstColumn, endColumn, rule);
+                    mapRow<Tail, false>(source, destination, y, span, rule);
                 }
             }
             if (!finishRow()) break;
         }
     }
 
+    // Flattened so that the rule's helpers are inlined whatever the
+    // inliner's budget for the translation unit. In place the row is one
+    // pointer, and a restrict parameter tells the compiler that it overlaps
+    // neither a second array nor the rule's tables; otherwise its overlap
+    // checks send every row down the scalar path.
     template <ResultTail Tail, bool Blend, typename Rule>
-    void mapRow(const Pixel* source, Pixel* destination, int begin, int end, Rule& rule) const {
-        // In place the two pointers are one: say so, or the compiler's
-        // overlap check sends every row down the scalar path.
-        if (source == destination) {
-            Pixel* row = destination;
-            for (int x = begin; x < end; ++x)
-                row[x] = mapPixel<Tail, Blend>(row[x], row[x], rule);
-        } else {
-            const Pixel* __restrict in = source;
-            Pixel* __restrict out = destination;
-            for (int x = begin; x < end; ++x)
-                out[x] = mapPixel<Tail, Blend>(in[x], out[x], rule);
+    [[gnu::flatten]] void mapRowInPlace(Pixel* __restrict row, int y, const Span& span,
+                                        Rule& rule) const {
+        for (int x = span.firstColumn; x < span.endColumn; ++x) {
+            row[x] = mapPixel<Tail, Blend>(row[x], row[x], x, y, rule);
         }
     }
 
     template <ResultTail Tail, bool Blend, typename Rule>
-    [[nodiscard]] Pixel mapPixel(Pixel source, Pixel previous, Rule& rule) const {
-        const int r = redOf(source), g = greenOf(source), b = blueOf(source);
-        Rgb16 v = rule(r, g, b);
+    [[gnu::flatten]] void mapRowInto(const Pixel* __restrict in, Pixel* __restrict out, int y,
+                                     const Span& span, Rule& rule) const {
+        for (int x = span.firstColumn; x < span.endColumn; ++x) {
+            out[x] = mapPixel<Tail, Blend>(in[x], out[x], x, y, rule);
+        }
+    }
+
+    template <ResultTail Tail, bool Blend, typename Rule>
+    void mapRow(const Pixel* source, Pixel* destination, int y, const Span& span,
+                Rule& rule) const {
+        if (source == destination) {
+            mapRowInPlace<Tail, Blend>(destination, y, span, rule);
+        } else {
+            mapRowInto<Tail, Blend>(source, destination, y, span, rule);
+        }
+    }
+
+    template <ResultTail Tail, bool Blend, typename Rule>
+    [[nodiscard]] Pixel mapPixel(Pixel source, Pixel previous, int x, int y, Rule& rule) const {
+        int r = redOf(source), g = greenOf(source), b = blueOf(source);
+        Rgb16 v;
+        if constexpr (std::is_invocable_v<Rule&, int, int, int&, int&, int&>) {
+            v = rule(x, y, r, g, b);
+        } else {
+            v = rule(r, g, b);
+        }
         if constexpr (Blend) {
             v = applyCalculationType(calculationFlag(), r, g, b, v);
-        } else if constexpr (Tail == ResultTail::Clamp) {
+        } else if constexpr (Tail == ResultTail::Clamp || Tail == ResultTail::ClampOnly) {
             v = clampResult(v);
         }
         return withColour(previous, v.red, v.green, v.blue);

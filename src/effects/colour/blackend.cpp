@@ -34,7 +34,7 @@ void Class_ColorOp::Blackend(double amount, std::uint8_t type, std::int16_t left
                             distanceFromGrey(k2, b, y)};
         };
         if (type == 1) {
-            eachPixel<Ending::SharedTail>(rect, [shifted](int r, int g, int b) {
+            mapPixels<ResultTail::Clamp>(rect, [shifted](int r, int g, int b) {
                 // The spread is taken of the 16-bit result fields.
                 const Rgb16 v = shifted(r, g, b).fields();
                 const MaxMin m = MaxMinOfThree(v.red, v.green, v.blue);
@@ -42,7 +42,7 @@ void Class_ColorOp::Blackend(double amount, std::uint8_t type, std::int16_t left
                 return Channels{v.red + spread, v.green + spread, v.blue + spread}.fields();
             });
         } else {
-            eachPixel<Ending::SharedTail>(
+            mapPixels<ResultTail::Clamp>(
                 rect, [shifted](int r, int g, int b) { return shifted(r, g, b).fields(); });
         }
     });

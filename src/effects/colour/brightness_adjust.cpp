@@ -64,7 +64,7 @@ void Class_ColorOp::BlightnessAdjust(std::uint8_t flag, std::int16_t amount, std
         const ProcessRect rect{left, top, right, bottom};
         const LightnessScaleTable table(amount);
         if (!table.overflows()) {
-            eachPixel<Ending::SharedTail>(rect, [&table](int& r, int& g, int& b) {
+            mapPixels<ResultTail::Clamp>(rect, [&table](int& r, int& g, int& b) {
                 const MaxMin m = MaxMinOfThree(r, g, b);
                 const int l = lightness(m.max, m.min);
                 const Rgb16 v = Channels{table.at(l, r), table.at(l, g), table.at(l, b)}.fields();
@@ -73,7 +73,7 @@ void Class_ColorOp::BlightnessAdjust(std::uint8_t flag, std::int16_t amount, std
             });
             return;
         }
-        eachPixel<Ending::SharedTail>(rect, [amount](int& r, int& g, int& b) {
+        mapPixels<ResultTail::Clamp>(rect, [amount](int& r, int& g, int& b) {
             const MaxMin m = MaxMinOfThree(r, g, b);
             const int l = lightness(m.max, m.min);
             const int t = targetLightness(l, amount);
@@ -102,7 +102,7 @@ void Class_ColorOp::Momo_Effect(std::int16_t amount, std::int16_t addRed, std::i
         const double halfK = k / 2.0;
         const std::array<int, 3> adds{addRed, addGreen, addBlue};
 
-        eachPixel<Ending::SharedTail>(rect, [&](int x, int y, int& r, int& g, int& b) {
+        mapPixels<ResultTail::Clamp>(rect, [&](int x, int y, int& r, int& g, int& b) {
             const double dx = x - cx, dy = y - cy;
             const double dist = std::sqrt(dx * dx + dy * dy);
             const MaxMin m = MaxMinOfThree(r, g, b);

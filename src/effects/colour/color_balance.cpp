@@ -95,7 +95,7 @@ void Class_ColorOp::ColorBalanceAdjust(std::uint8_t model, std::int16_t a, std::
                                        std::int16_t top, std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        auto run = [&](auto rule) { eachPixel<Ending::SharedTail>(rect, rule); };
+        auto run = [&](auto rule) { mapPixels<ResultTail::Clamp>(rect, rule); };
         switch (model) {
         case 0:
             run([=](int r, int g, int blue) { return Channels{r + a, g + b, blue + c}.fields(); });

@@ -78,7 +78,7 @@ void Class_ColorOp::DifferenceOperation(std::uint8_t pair, std::uint8_t use, std
         const ProcessRect rect{left, top, right, bottom};
         const PairWeights weights = pairWeights(pair, reverse);
         auto run = [&](auto useRule) {
-            eachPixel<Ending::SharedTail>(rect, [weights, useRule](int r, int g, int b) {
+            mapPixels<ResultTail::Clamp>(rect, [weights, useRule](int r, int g, int b) {
                 return useRule(r, g, b, weights.difference(r, g, b)).fields();
             });
         };

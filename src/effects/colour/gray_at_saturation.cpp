@@ -77,10 +77,10 @@ void Class_ColorOp::GrayatSaturation(std::uint8_t channel, std::int16_t degree, 
             return Channels{pick(Red, c.red), pick(Green, c.green), pick(Blue, c.blue)}.fields();
         };
         if (degree >= 0) {
-            eachPixel<Ending::SharedTail>(
+            mapPixels<ResultTail::Clamp>(
                 rect, [&](int r, int g, int b) { return rule.template operator()<true>(r, g, b); });
         } else {
-            eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
+            mapPixels<ResultTail::Clamp>(rect, [&](int r, int g, int b) {
                 return rule.template operator()<false>(r, g, b);
             });
         }

@@ -96,7 +96,7 @@ void Class_ColorOp::HSVInvert(std::int16_t left, std::int16_t top, std::int16_t 
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
         const double saturationShift = static_cast<float>(saturation / 255.0);
-        eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
+        mapPixels<ResultTail::Clamp>(rect, [&](int r, int g, int b) {
             const Hsv hsv = rgbToHsv(r, g, b);
             const int value = std::min(std::abs(intensity - hsv.value), 255);
             double h = hue - hsv.hue;
@@ -124,7 +124,7 @@ void Class_ColorOp::HSVCycle(std::int16_t left, std::int16_t top, std::int16_t r
         // centre at (0, 0) gives 0, and the hue below becomes infinite.
         const double maxAngle =
             std::sqrt(static_cast<double>(cx) * cx + static_cast<double>(cy) * cy) / 180 * 3.1415;
-        eachPixel<Ending::SharedTail>(rect, [&](int x, int y, int& r, int& g, int& b) {
+        mapPixels<ResultTail::Clamp>(rect, [&](int x, int y, int& r, int& g, int& b) {
             const double dx = cx - x, dy = cy - y;
             const double angle = std::sqrt(dx * dx + dy * dy) / 180 * 3.1415;
             // Zero channels are raised to 1, for the blend as well.
@@ -148,7 +148,7 @@ void Class_ColorOp::Hue(std::uint8_t mode, std::int16_t threshold, std::int16_t 
                         std::int16_t top, std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        auto run = [&](auto rule) { eachPixel<Ending::SharedTail>(rect, rule); };
+        auto run = [&](auto rule) { mapPixels<ResultTail::Clamp>(rect, rule); };
         switch (mode) {
         case 0:
             run([threshold](int r, int g, int b) {

@@ -262,16 +262,16 @@ void Class_ColorOp::Invasion_Effect(std::uint8_t source, std::uint8_t target, st
             known && !brightness ? packed(actionsFor(source, target)) : PackedActions{};
         auto run = [&]<int Source>() {
             if (brightness) {
-                eachPixel<Ending::SharedTail>(
+                mapPixels<ResultTail::Clamp>(
                     rect, [](int r, int g, int b) { return byBrightness<Source>(r, g, b); });
             } else if (known && Source == 6) {
-                eachPixel<Ending::SharedTail>(rect, [&actions](int r, int g, int b) {
+                mapPixels<ResultTail::Clamp>(rect, [&actions](int r, int g, int b) {
                     return applyActions<Source>(actions, r, g, b);
                 });
             } else {
                 // Straight into the array's bytes: no clamp, no calculation
                 // type. Rows the list does not have write nothing.
-                eachPixel<Ending::Store>(rect, [&actions](int r, int g, int b) {
+                mapPixels<ResultTail::StoreOnly>(rect, [&actions](int r, int g, int b) {
                     return applyActions<Source>(actions, r, g, b);
                 });
             }

@@ -99,8 +99,8 @@ void Class_ColorOp::RGBExchange(std::uint8_t kind, std::int16_t left, std::int16
                                 std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        auto swap = [&](auto rule) { eachPixel<Ending::Store>(rect, rule); };
-        auto replace = [&](auto rule) { eachPixel<Ending::ClampOnly>(rect, rule); };
+        auto swap = [&](auto rule) { mapPixels<ResultTail::StoreOnly>(rect, rule); };
+        auto replace = [&](auto rule) { mapPixels<ResultTail::ClampOnly>(rect, rule); };
         auto fields = [](int r, int g, int b) { return Channels{r, g, b}.fields(); };
         switch (kind) {
         case 0:

@@ -97,7 +97,7 @@ void Class_ColorOp::SilverMountain(std::uint8_t type, std::int16_t period, std::
 
         if (random == 1) {
             // A period of its own for every pixel, drawn in loop order.
-            eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
+            mapPixels<ResultTail::Clamp>(rect, [&](int r, int g, int b) {
                 working(r, g, b);
                 const double drawn = context().random.next();
                 Channels c;
@@ -116,14 +116,14 @@ void Class_ColorOp::SilverMountain(std::uint8_t type, std::int16_t period, std::
         }
 
         if (spanOf(rect).empty() || !known) {
-            eachPixel<Ending::SharedTail>(rect, [&](int, int, int) { return finishResult({}); });
+            mapPixels<ResultTail::Clamp>(rect, [&](int, int, int) { return finishResult({}); });
             return;
         }
         const WaveTable table(type, period);
         // Mono chosen per run, not per pixel: a floating-point grey behind a
         // select would keep the loop out of the vector unit.
         auto run = [&](auto spread, auto wave) {
-            eachPixel<Ending::SharedTail>(rect, [&](int r, int g, int b) {
+            mapPixels<ResultTail::Clamp>(rect, [&](int r, int g, int b) {
                 working(r, g, b);
                 const Channels c = wave(r, g, b);
                 const Rgb16 v =

@@ -73,7 +73,7 @@ void Class_ColorOp::AutumnsColor(std::uint8_t type, std::int16_t left, std::int1
                                  std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        auto run = [&](auto rule) { eachPixel<Ending::SharedTail>(rect, rule); };
+        auto run = [&](auto rule) { mapPixels<ResultTail::Clamp>(rect, rule); };
         switch (type) {
         case 0:
             run([](int r, int g, int b) { return autumn<0>(r, g, b); });
@@ -98,7 +98,7 @@ void Class_ColorOp::SakuraFilter(std::uint8_t hue, std::uint8_t type, std::int16
                                  std::int16_t top, std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        auto run = [&](auto rule) { eachPixel<Ending::SharedTail>(rect, rule); };
+        auto run = [&](auto rule) { mapPixels<ResultTail::Clamp>(rect, rule); };
         if (hue > 1 || type > 2) {
             // No step applies: the source stands.
             run([](int r, int g, int b) { return Channels{r, g, b}.fields(); });

@@ -1,5 +1,6 @@
 #include "effects/colour/class_color_op.h"
 #include "effects/colour/color_op_support.h"
+#include "engine/colour_memo.h"
 #include "engine/colour_models.h"
 
 #include <algorithm>
@@ -104,10 +105,10 @@ void Class_ColorOp::ColorBalanceAdjust(std::uint8_t model, std::int16_t a, std::
             run([=](int r, int g, int blue) { return yCbCr(r, g, blue, a, b, c); });
             break;
         case 2:
-            run([=](int r, int g, int blue) { return hsv(r, g, blue, a, b, c); });
+            run(ColourMemo([=](int r, int g, int blue) { return hsv(r, g, blue, a, b, c); }));
             break;
         case 3:
-            run([=](int r, int g, int blue) { return hls(r, g, blue, a, b, c); });
+            run(ColourMemo([=](int r, int g, int blue) { return hls(r, g, blue, a, b, c); }));
             break;
         case 4:
             run([=](int r, int g, int blue) { return cmyk(r, g, blue, a, b, c, k); });

@@ -1,5 +1,6 @@
 #include "effects/colour/class_color_op.h"
 #include "effects/colour/color_op_support.h"
+#include "engine/colour_memo.h"
 #include "engine/colour_models.h"
 
 #include <algorithm>
@@ -96,19 +97,21 @@ void Class_ColorOp::HSVInvert(std::int16_t left, std::int16_t top, std::int16_t 
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
         const double saturationShift = static_cast<float>(saturation / 255.0);
-        mapPixels<ResultTail::Clamp>(rect, [&](int r, int g, int b) {
-            const Hsv hsv = rgbToHsv(r, g, b);
-            const int value = std::min(std::abs(intensity - hsv.value), 255);
-            double h = hue - hsv.hue;
-            if (h > 360) h -= 360;
-            // A negative hue is left as it is and comes out black.
-            const double s = limitToUnit(saturationShift - hsv.saturation);
-            const Rgb16 v = HsvToRgb(h, s, value / 255.0);
-            return absolute(Channels{raiseBelow(v.red, redOperand),
-                                     raiseBelow(v.green, greenOperand),
-                                     raiseBelow(v.blue, blueOperand)}
-                                .fields());
-        });
+        mapPixels<ResultTail::Clamp>(rect, ColourMemo([&](int r, int g, int b) {
+                                         const Hsv hsv = rgbToHsv(r, g, b);
+                                         const int value =
+                                             std::min(std::abs(intensity - hsv.value), 255);
+                                         double h = hue - hsv.hue;
+                                         if (h > 360) h -= 360;
+                                         // A negative hue is left as it is and comes out black.
+                                         const double s =
+                                             limitToUnit(saturationShift - hsv.saturation);
+                                         const Rgb16 v = HsvToRgb(h, s, value / 255.0);
+                                         return absolute(Channels{raiseBelow(v.red, redOperand),
+                                                                  raiseBelow(v.green, greenOperand),
+                                                                  raiseBelow(v.blue, blueOperand)}
+                                                             .fields());
+                                     }));
     });
 }
 
@@ -148,7 +151,8 @@ void Class_ColorOp::Hue(std::uint8_t mode, std::int16_t threshold, std::int16_t 
                         std::int16_t top, std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        auto run = [&](auto rule) { mapPixels<ResultTail::Clamp>(rect, rule); };
+        // Every mode depends on the colour alone.
+        auto run = [&](auto rule) { mapPixels<ResultTail::Clamp>(rect, ColourMemo(rule)); };
         switch (mode) {
         case 0:
             run([threshold](int r, int g, int b) {

@@ -1,0 +1,58 @@
+// The colour-model effects on a picture like a photograph: smooth areas
+// with a little noise, so colours repeat as they do in real pictures.
+// (The other benchmarks use random colours, where no colour repeats.)
+#include "effects/colour/class_color_op.h"
+#include "engine/random_generator.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+using namespace lumiran;
+
+constexpr int Side = 4096;
+
+const Surface& photoLike() {
+    static const Surface picture = [] {
+        Surface s(Side, Side);
+        RandomGenerator random;
+        for (int y = 0; y < Side; ++y) {
+            for (int x = 0; x < Side; ++x) {
+                const int noise = static_cast<int>(random.next() * 4);
+                s.at(x, y) = makePixel((x >> 4) + noise, (y >> 4) + noise, ((x + y) >> 5) + noise);
+            }
+        }
+        return s;
+    }();
+    return picture;
+}
+
+template <typename Call>
+void runOnPhoto(benchmark::State& state, Call call) {
+    CancelFlag cancel{0};
+    RandomGenerator random;
+    RunContext context(cancel, random);
+    Class_ColorOp effect(context);
+    for (auto _ : state) {
+        state.PauseTiming();
+        effect.ImageGetDiBits(photoLike());
+        state.ResumeTiming();
+        call(effect);
+        benchmark::ClobberMemory();
+    }
+}
+
+void BM_Photo_HSVInvert(benchmark::State& state) {
+    runOnPhoto(state, [](Class_ColorOp& e) {
+        e.HSVInvert(0, 0, Side, Side, 0, 240, 180, -20, 0, 30, 60);
+    });
+}
+BENCHMARK(BM_Photo_HSVInvert)->Unit(benchmark::kMillisecond);
+
+void BM_Photo_ColorBalanceHls(benchmark::State& state) {
+    runOnPhoto(state,
+               [](Class_ColorOp& e) { e.ColorBalanceAdjust(3, 20, 10, 5, 0, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_Photo_ColorBalanceHls)->Unit(benchmark::kMillisecond);
+
+} // namespace

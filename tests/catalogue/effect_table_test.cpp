@@ -298,13 +298,10 @@ TEST(EffectTable, FindEffectTakesTheKeyThenTheCaption) {
 namespace lumiran {
 namespace {
 
-TEST(FindEffect, KeysCaptionsAndCaptionsWithoutTheirAccelerator) {
-    EXPECT_EQ(findEffect("ﾓﾉﾄｰﾝ"), findEffect("monotone"));
+TEST(FindEffect, ACaptionIsFoundWithoutItsAccelerator) {
     const EffectEntry* mean = findEffect("Mean");
     ASSERT_NE(mean, nullptr);
     EXPECT_EQ(mean->caption, "Mean(&M)");
-    EXPECT_EQ(findEffect(""), nullptr);
-    EXPECT_EQ(findEffect("No such effect"), nullptr);
 }
 
 } // namespace

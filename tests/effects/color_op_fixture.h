@@ -7,6 +7,8 @@
 #include <array>
 #include <functional>
 #include <gtest/gtest.h>
+#include <tuple>
+#include <vector>
 
 namespace lumiran::testing {
 
@@ -15,6 +17,41 @@ using Colour = std::array<int, 3>;
 inline Colour colourOf(Pixel p) {
     return {redOf(p), greenOf(p), blueOf(p)};
 }
+
+// Stands for the four sides of the rectangle among an operation's arguments.
+struct Sides {};
+inline constexpr Sides rect{};
+
+template <typename T>
+std::tuple<T> argumentsOf(T value, const ProcessRect&) {
+    return {value};
+}
+inline auto argumentsOf(Sides, const ProcessRect& r) {
+    return std::tuple{r.left, r.top, r.right, r.bottom};
+}
+
+// A call of an effect operation with these arguments, rect standing for the
+// rectangle the run is given.
+template <auto Operation, typename... Args>
+auto op(Args... args) {
+    return [=](auto& effect, const ProcessRect& r) {
+        std::apply([&](auto... all) { (effect.*Operation)(all...); },
+                   std::tuple_cat(argumentsOf(args, r)...));
+    };
+}
+
+// Progress that records the percentages shown and, while asked to, cancels
+// the run at the first of them.
+struct CancellingProgress : ProgressSink {
+    CancelFlag& cancel;
+    bool cancelFirst = true;
+    std::vector<int> shown;
+    explicit CancellingProgress(CancelFlag& flag) : cancel(flag) {}
+    void showPercent(int percent) override {
+        shown.push_back(percent);
+        if (cancelFirst) cancel = 1;
+    }
+};
 
 struct ColorOpFixture : EffectFixture<Class_ColorOp> {
 

@@ -1,14 +1,23 @@
 #pragma once
 
+#include "color_op_fixture.h" // op(), rect and the shared helpers
 #include "effects/colour/class_color_table.h"
-#include "effects/effect_fixture.h"
-#include "test_support.h"
 
 #include <array>
-#include <functional>
 #include <gtest/gtest.h>
+#include <initializer_list>
+#include <utility>
 
 namespace lumiran::testing {
+
+using LevelValues = std::array<int, 256>;
+
+// Expects the table to hold each listed level's value.
+inline void expectLevels(const LevelValues& table,
+                         std::initializer_list<std::pair<int, int>> expected) {
+    for (const auto& [level, value] : expected)
+        EXPECT_EQ(table[static_cast<std::size_t>(level)], value) << "level " << level;
+}
 
 struct ColorTableFixture : EffectFixture<Class_ColorTable> {
 
@@ -17,18 +26,13 @@ struct ColorTableFixture : EffectFixture<Class_ColorTable> {
         return run(Surface(1, 1, makePixel(r, g, b)), call).at(0, 0) & 0xFFFFFFu;
     }
 
-    // The stored value of every level when each channel holds it: a 256x1
-    // grey ramp, read back on the channel asked for.
-    std::array<int, 256> levels(const Call& call, int channel = 0) {
+    // The stored value of every level: a 256x1 grey ramp, read back on red.
+    LevelValues levels(const Call& call) {
         const Surface out =
             run(makePicture(256, 1, [](int x, int) { return makePixel(x, x, x); }), call);
-        std::array<int, 256> result{};
-        for (int x = 0; x < 256; ++x) {
-            const Pixel p = out.at(x, 0);
-            result[static_cast<std::size_t>(x)] = channel == 0   ? redOf(p)
-                                                  : channel == 1 ? greenOf(p)
-                                                                 : blueOf(p);
-        }
+        LevelValues result{};
+        for (int x = 0; x < 256; ++x)
+            result[static_cast<std::size_t>(x)] = redOf(out.at(x, 0));
         return result;
     }
 

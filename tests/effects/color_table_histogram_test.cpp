@@ -3,16 +3,23 @@
 #include "color_table_fixture.h"
 #include "effects/colour/histogram_flattening.h"
 
-#include <map>
+#include <set>
+#include <utility>
 
-namespace lumiran {
+namespace lumiran::testing {
 namespace {
 
-using ColorTableHistogram = testing::ColorTableFixture;
+using ColorTableHistogram = ColorTableFixture;
 using E = Class_ColorTable;
-using R = ProcessRect;
-using Histogram = HistogramFlattening::Histogram;
 
+HistogramFlattening::Histogram histogram(std::initializer_list<std::pair<int, int>> counts) {
+    HistogramFlattening::Histogram h{};
+    for (const auto& [level, count] : counts)
+        h[static_cast<std::size_t>(level)] = count;
+    return h;
+}
+
+// The new levels of the next count pixels of a source level.
 std::vector<int> takeAll(HistogramFlattening& plan, int source, int count) {
     std::vector<int> levels;
     for (int i = 0; i < count; ++i)
@@ -20,19 +27,8 @@ std::vector<int> takeAll(HistogramFlattening& plan, int source, int count) {
     return levels;
 }
 
-TEST(ColorTableFlattening, AnEvenHistogramStaysWhereItIs) {
-    Histogram even{};
-    even.fill(3);
-    HistogramFlattening plan(even, 3);
-    for (int v = 0; v < 256; ++v)
-        EXPECT_EQ(takeAll(plan, v, 3), std::vector<int>(3, v));
-}
-
 TEST(ColorTableFlattening, ExcessMovesUpAndShortLevelsFillFromAbove) {
-    Histogram h{};
-    h[0] = 5;
-    h[3] = 1;
-    HistogramFlattening plan(h, 2);
+    HistogramFlattening plan(histogram({{0, 5}, {3, 1}}), 2);
     // Level 0 keeps 2 and pushes 3 on, level 1 keeps 2 and pushes 1; level 2
     // then takes the one pixel of level 3 to reach 2. The highest planned
     // level is handed out first.
@@ -41,107 +37,69 @@ TEST(ColorTableFlattening, ExcessMovesUpAndShortLevelsFillFromAbove) {
 }
 
 TEST(ColorTableFlattening, PushKeepsTheLowestSourcesFirst) {
-    Histogram h{};
-    h[0] = 3;
-    h[1] = 2;
-    HistogramFlattening plan(h, 2);
+    HistogramFlattening plan(histogram({{0, 3}, {1, 2}}), 2);
     // Level 1 holds one pixel from 0 and two of its own: the one from 0 and
     // one of its own stay, the other of its own moves to level 2.
-    EXPECT_EQ(plan.planned(1, 0), 1);
-    EXPECT_EQ(plan.planned(1, 1), 1);
-    EXPECT_EQ(plan.planned(2, 1), 1);
     EXPECT_EQ(takeAll(plan, 0, 3), (std::vector<int>{1, 0, 0}));
     EXPECT_EQ(takeAll(plan, 1, 2), (std::vector<int>{2, 1}));
 }
 
 TEST(ColorTableFlattening, FillTakesPartOfTheLevelThatWouldPassTheCount) {
-    Histogram h{};
-    h[0] = 1;
-    h[1] = 3;
-    HistogramFlattening plan(h, 2);
-    EXPECT_EQ(plan.planned(0, 1), 1);
+    // Level 0 takes one of the three pixels of level 1, the lowest handed out last.
+    HistogramFlattening plan(histogram({{0, 1}, {1, 3}}), 2);
     EXPECT_EQ(takeAll(plan, 1, 3), (std::vector<int>{1, 1, 0}));
 }
 
 TEST(ColorTableFlattening, WhatTheTopLevelPushesOutFallsToZero) {
-    Histogram h{};
-    h[255] = 2;
-    h[254] = 1;
-    HistogramFlattening plan(h, 0);
+    HistogramFlattening plan(histogram({{254, 1}, {255, 2}}), 0);
     EXPECT_EQ(plan.planned(256, 255), 2);
     EXPECT_EQ(takeAll(plan, 255, 2), (std::vector<int>{0, 0}));
     EXPECT_EQ(plan.take(254), 0);
 }
 
-// Counts of each output level in the red channel.
-std::map<int, int> redCounts(const Surface& picture) {
-    std::map<int, int> counts;
-    for (const Pixel p : picture.pixels())
-        ++counts[redOf(p)];
-    return counts;
-}
-
-TEST_F(ColorTableHistogram, EquationOnOneGreyGivesEveryLevelOncePerRowOrder) {
-    // 16 x 16 = 256 pixels, Q = 1: the first pixel gets 255, the last 0.
+TEST_F(ColorTableHistogram, EquationGivesEveryLevelOnceInRowOrderOnTheModesChannels) {
+    // 16 x 16 = 256 pixels of one colour, Q = 1: the first pixel gets 255, the last 0.
+    const Surface grey(16, 16, makePixel(90, 100, 110));
+    const Surface blue = run(grey, op<&E::Histgram_Equation>(4, rect)); // "青": blue alone
+    EXPECT_EQ(blue.at(0, 0), makePixel(90, 100, 255));
+    EXPECT_EQ(blue.at(15, 15), makePixel(90, 100, 0));
+    // Mode 8 scales by the new level: L = 125 everywhere, pixel 129 gets 126.
+    const Surface scaled =
+        run(Surface(16, 16, makePixel(200, 100, 50)), op<&E::Histgram_Equation>(8, rect));
+    EXPECT_EQ(scaled.at(0, 0), makePixel(255, 204, 102)); // 408 clamped
+    EXPECT_EQ(scaled.at(1, 8), makePixel(202, 101, 50));  // 201.6, 100.8, 50.4
     // Mode 0 writes straight, past the calculation type.
     context.flags.calculationFlag = 4;
-    const Surface out = run(Surface(16, 16, makePixel(90, 100, 110)), [](E& e, const R& r) {
-        e.Histgram_Equation(0, r.left, r.top, r.right, r.bottom);
-    });
-    EXPECT_EQ(out.at(0, 0) & 0xFFFFFFu, makePixel(255, 255, 255));
-    EXPECT_EQ(out.at(1, 0) & 0xFFFFFFu, makePixel(254, 254, 254));
-    EXPECT_EQ(out.at(15, 15) & 0xFFFFFFu, makePixel(0, 0, 0));
-    const auto counts = redCounts(out);
-    EXPECT_EQ(counts.size(), 256u);
+    const Surface all = run(grey, op<&E::Histgram_Equation>(0, rect));
+    EXPECT_EQ(all.at(1, 0), makePixel(254, 254, 254));
+    EXPECT_EQ(all.at(15, 15), makePixel(0, 0, 0));
+    EXPECT_EQ(std::set<Pixel>(all.pixels().begin(), all.pixels().end()).size(), 256u);
 }
 
 TEST_F(ColorTableHistogram, EquationOnAnEvenRampChangesNothingAndBothPassesCount) {
-    const Surface ramp =
-        testing::makePicture(256, 4, [](int x, int) { return makePixel(x, 255 - x, x); });
-    Class_ColorTable effect(context);
-    effect.ImageGetDiBits(ramp);
-    effect.Histgram_Equation(2, 0, 0, 256, 4); // "赤": red only
-    EXPECT_EQ(effect.progressCount(), 8);
-    Surface out;
-    effect.ImageSetDiBits(out);
+    const Surface ramp = makePicture(256, 4, [](int x, int) { return makePixel(x, 255 - x, x); });
+    int rows = 0;
+    const Surface out = run(ramp, [&](E& e, const ProcessRect& r) {
+        e.Histgram_Equation(2, r.left, r.top, r.right, r.bottom); // "赤": red only
+        rows = e.progressCount();
+    });
+    EXPECT_EQ(rows, 8);
     EXPECT_EQ(out, ramp);
 }
 
-TEST_F(ColorTableHistogram, EquationOnOneChannelLeavesTheOthers) {
-    const Surface out = run(Surface(16, 16, makePixel(90, 100, 110)), [](E& e, const R& r) {
-        e.Histgram_Equation(4, r.left, r.top, r.right, r.bottom); // "青"
-    });
-    EXPECT_EQ(out.at(0, 0) & 0xFFFFFFu, makePixel(90, 100, 255));
-    EXPECT_EQ(out.at(15, 15) & 0xFFFFFFu, makePixel(90, 100, 0));
-}
-
-TEST_F(ColorTableHistogram, EquationBrightnessModeScalesByTheNewLevel) {
-    // L = 125 everywhere; pixel 129 in row order gets the level 126.
-    const Surface out = run(Surface(16, 16, makePixel(200, 100, 50)), [](E& e, const R& r) {
-        e.Histgram_Equation(8, r.left, r.top, r.right, r.bottom);
-    });
-    EXPECT_EQ(out.at(0, 0) & 0xFFFFFFu, makePixel(255, 204, 102)); // 408 clamped
-    EXPECT_EQ(out.at(1, 8) & 0xFFFFFFu, makePixel(202, 101, 50));  // 201.6, 100.8, 50.4
-    EXPECT_EQ(out.at(15, 15) & 0xFFFFFFu, makePixel(0, 0, 0));
-}
-
 TEST_F(ColorTableHistogram, EquationOnASmallRectangleSpreadsTowardTheLowestLevels) {
-    // 12 x 12 = 144 pixels: Q = 1, so the pixels take the lowest 144 levels,
-    // one each.
-    const Surface out = run(testing::makeVariedPicture(12, 12), [](E& e, const R& r) {
-        e.Histgram_Equation(1, r.left, r.top, r.right, r.bottom);
-    });
-    const auto counts = redCounts(out);
-    EXPECT_EQ(counts.size(), 144u);
-    EXPECT_EQ(counts.rbegin()->first, 143);
+    // 12 x 12 = 144 pixels: Q = 1, so the pixels take the lowest 144 levels, one each.
+    const Surface out = run(makeVariedPicture(12, 12), op<&E::Histgram_Equation>(1, rect));
+    std::set<int> reds;
+    for (const Pixel p : out.pixels())
+        reds.insert(redOf(p));
+    EXPECT_EQ(reds.size(), 144u);
+    EXPECT_EQ(*reds.rbegin(), 143);
     // 8 x 8 = 64 pixels: Q = 0, nothing is planned and all fall to 0.
-    const Surface tiny = run(testing::makeVariedPicture(8, 8), [](E& e, const R& r) {
-        e.Histgram_Equation(0, r.left, r.top, r.right, r.bottom);
-    });
-    for (const Pixel p : tiny.pixels())
-        EXPECT_EQ(p & 0xFFFFFFu, 0u);
+    const Surface tiny = run(makeVariedPicture(8, 8), op<&E::Histgram_Equation>(0, rect));
+    EXPECT_EQ(tiny, Surface(8, 8, makePixel(0, 0, 0)));
     EXPECT_TRUE(context.failures.empty());
 }
 
 } // namespace
-} // namespace lumiran
+} // namespace lumiran::testing

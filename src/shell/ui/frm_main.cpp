@@ -291,7 +291,7 @@ void FrmMain::routeToolButton(const QString& key) {
 
 void FrmMain::buildStatusBar() {
     auto makePanel = [this](const char* name) {
-        auto* panel = new StatusPanel;
+        auto* panel = new QLabel;
         panel->setObjectName(name);
         panel->installEventFilter(this);
         statusBar()->addWidget(panel);
@@ -395,10 +395,8 @@ bool FrmMain::CheckWindowLimit() {
     const int limit = settings_.LoadingAmountLimitation;
     if (limit > 0 && documentCount_ >= limit + 1) {
         QMessageBox::warning(this, res(ids::WindowLimitTitle), res(ids::WindowLimitText));
-        loadFlag_ = false;
         return false;
     }
-    loadFlag_ = true;
     return true;
 }
 
@@ -485,7 +483,6 @@ FrmDocument* FrmMain::openFile(const QString& path) {
         box.exec();
         // The document that was to hold it goes again; the others stay as they were.
         doc->parentWidget()->close();
-        loadFlag_ = false;
         return nullptr;
     }
     doc->progressItem()->setText(QString());
@@ -504,7 +501,6 @@ FrmDocument* FrmMain::openFile(const QString& path) {
     settings_.OpenFolder = QFileInfo(path).absolutePath().toStdString();
     refreshFrameHistory();
     refreshMenus();
-    loadFlag_ = false;
     return doc;
 }
 
@@ -539,7 +535,6 @@ void FrmMain::openWithDialog() {
 void FrmMain::newImage() {
     if (!CheckWindowLimit()) return;
     const std::optional<NewImageRequest> request = showCreateDialog(settings_, this);
-    loadFlag_ = false;
     if (!request) return;
     FrmDocument* doc = makeDocument();
     doc->document().picture =
@@ -586,7 +581,6 @@ void FrmMain::openFinalLoadImage() {
     doc->refreshPicture();
     doc->parentWidget()->show();
     fitNewDocument(*mdiArea_, *doc);
-    loadFlag_ = false;
     refreshMenus();
 }
 

@@ -117,7 +117,6 @@ class FrmMain : public QMainWindow {
     std::unique_ptr<RunController> runs_;
     QMdiArea* mdiArea_;
     int documentCount_ = 0;
-    bool loadFlag_ = false;
     bool imageLoaded_ = false;
     bool closing_ = false;
     std::vector<SettingsProblem> settingsProblems_;

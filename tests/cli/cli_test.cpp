@@ -151,25 +151,14 @@ TEST_F(CliTest, RefusalsNameWhatIsMissingOrAllowed) {
     }
 }
 
-TEST_F(CliTest, TruncatedInputIsRefused) {
-    auto bytes = encodeBmp24(testing::makeVariedPicture(8, 8));
-    bytes.resize(bytes.size() / 2);
-    std::ofstream(dir / "cut.bmp", std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-    EXPECT_EQ(run({"convert", path("cut.bmp"), "-o", path("o.bmp")}), cli::ExitUsage);
-    EXPECT_NE(err.str().find("cut.bmp"), std::string::npos);
-    EXPECT_FALSE(fs::exists(dir / "o.bmp"));
-}
-
-TEST_F(CliTest, ConvertWritesEightAndOneBitFiles) {
+TEST_F(CliTest, ConvertWritesEachDepth) {
     Surface few(6, 4, makePixel(0, 0, 0));
     few.at(1, 1) = makePixel(255, 255, 255);
     const std::string input = writeInput("few.bmp", few);
-    ASSERT_EQ(run({"convert", input, "-o", path("eight.bmp"), "--bits", "8"}), 0) << err.str();
-    EXPECT_TRUE(read("eight.bmp").sameColours(few));
-    ASSERT_EQ(run({"convert", input, "-o", path("one.bmp"), "--bits", "1"}), 0) << err.str();
-    EXPECT_TRUE(read("one.bmp").sameColours(few));
+    for (const char* bits : {"24", "8", "1"}) {
+        ASSERT_EQ(run({"convert", input, "-o", path("out.bmp"), "--bits", bits}), 0) << err.str();
+        EXPECT_TRUE(read("out.bmp").sameColours(few)) << bits;
+    }
 }
 
 TEST_F(CliTest, AnEightBitSaveWithTooManyColoursFailsAndWritesNothing) {
@@ -188,6 +177,15 @@ TEST_F(CliTest, OwnReadersAreReachedByExtension) {
     EXPECT_EQ(run({"convert", path("bad.tga"), "-o", path("t.bmp")}), cli::ExitUsage);
     EXPECT_NE(err.str().find("ｴﾗｰ"), std::string::npos) << err.str();
     EXPECT_EQ(run({"convert", path("in.xyz"), "-o", path("x.bmp")}), cli::ExitUsage);
+    // A bitmap cut in half is refused by name and nothing is written.
+    auto bytes = encodeBmp24(testing::makeVariedPicture(8, 8));
+    bytes.resize(bytes.size() / 2);
+    std::ofstream(dir / "cut.bmp", std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    EXPECT_EQ(run({"convert", path("cut.bmp"), "-o", path("o.bmp")}), cli::ExitUsage);
+    EXPECT_NE(err.str().find("cut.bmp"), std::string::npos);
+    EXPECT_FALSE(fs::exists(dir / "o.bmp"));
 }
 
 // An effect whose case is not registered yet, if there is one left.
@@ -250,18 +248,10 @@ TEST_F(CliTest, ListAsJsonIsAnArrayOfEveryEffect) {
     const QJsonObject monotone = effects[0].toObject();
     EXPECT_EQ(monotone["caption"].toString(), "Monotone");
     EXPECT_EQ(monotone["key"].toString(), QString::fromUtf8("ﾓﾉﾄｰﾝ"));
-    EXPECT_EQ(monotone["family"].toString(), "Color");
-    EXPECT_EQ(monotone["dialog"].toString(), "frm_Monotone");
     EXPECT_EQ(monotone["availability"].toString(), "available");
     const QJsonObject list = monotone["lists"].toArray()[0].toObject();
     EXPECT_EQ(list["letter"].toString(), "C");
     EXPECT_EQ(list["rows"].toArray().size(), 16);
-
-    const QJsonObject sway =
-        effects[static_cast<int>(findEffect("Sway 1") - effectCatalogue().data())].toObject();
-    EXPECT_EQ(sway["key"].toString(), "Dast and Sway");
-    EXPECT_EQ(sway["code"].toInt(), 14);
-    EXPECT_EQ(sway["sliders"].toArray()[1].toObject()["max"].toInt(), 500);
 
     if (const EffectEntry* missing = unavailableEffect()) {
         const auto at = static_cast<int>(missing - effectCatalogue().data());
@@ -279,13 +269,6 @@ TEST_F(CliTest, ListTakesNothingButJson) {
     }
     ASSERT_EQ(run({"--help"}), 0);
     EXPECT_NE(out.str().find("lumiran-cli list [--json]"), std::string::npos);
-}
-
-TEST_F(CliTest, ConvertCopiesThePicture) {
-    const Surface picture = testing::makeVariedPicture(5, 4);
-    const std::string input = writeInput("in.bmp", picture);
-    ASSERT_EQ(run({"convert", input, "-o", path("copy.bmp")}), 0);
-    EXPECT_TRUE(read("copy.bmp").sameColours(picture));
 }
 
 } // namespace

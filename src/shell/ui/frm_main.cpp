@@ -38,6 +38,7 @@
 #include <QToolBar>
 #include <QUrl>
 #include <algorithm>
+#include <functional>
 
 namespace lumiran {
 namespace {
@@ -238,55 +239,76 @@ void FrmMain::buildFrameMenus() {
     refreshFrameHistory();
 }
 
+namespace {
+
+// The toolbar's buttons by the base of their key; the tool tip is the odd
+// string beside it.
+struct ToolButton {
+    int base;
+    QStyle::StandardPixmap icon;
+};
+
+constexpr ToolButton ToolButtons[] = {
+    {3480, QStyle::SP_DialogOpenButton},
+    {3482, QStyle::SP_FileIcon},
+    {3484, QStyle::SP_DialogSaveButton},
+    {3486, QStyle::SP_FileDialogDetailedView},
+    {3488, QStyle::SP_ArrowBack},
+    {3490, QStyle::SP_FileLinkIcon},
+    {3492, QStyle::SP_FileDialogContentsView},
+    {3494, QStyle::SP_DirOpenIcon},
+    {3496, QStyle::SP_TitleBarNormalButton},
+    {3498, QStyle::SP_ArrowRight},
+    {3500, QStyle::SP_DriveFDIcon},
+    {3502, QStyle::SP_ComputerIcon},
+    {3504, QStyle::SP_DirIcon},
+    {3506, QStyle::SP_FileDialogListView},
+    {4134, QStyle::SP_FileDialogInfoView},
+    {4136, QStyle::SP_DialogHelpButton},
+};
+
+QString toolKey(int base) {
+    return QString("LoadResString(%1 + Language)").arg(base);
+}
+
+} // namespace
+
 void FrmMain::buildToolBar() {
     tbToolBar = addToolBar("tbToolBar");
     tbToolBar->setObjectName("tbToolBar");
-    // The keys are opaque literals that the click handler compares.
-    const int bases[] = {3480, 3482, 3484, 3486, 3488, 3490, 3492, 3494,
-                         3496, 3498, 3500, 3502, 3504, 3506, 4134, 4136};
-    const QStyle::StandardPixmap icons[] = {QStyle::SP_DialogOpenButton,
-                                            QStyle::SP_FileIcon,
-                                            QStyle::SP_DialogSaveButton,
-                                            QStyle::SP_FileDialogDetailedView,
-                                            QStyle::SP_ArrowBack,
-                                            QStyle::SP_FileLinkIcon,
-                                            QStyle::SP_FileDialogContentsView,
-                                            QStyle::SP_DirOpenIcon,
-                                            QStyle::SP_TitleBarNormalButton,
-                                            QStyle::SP_ArrowRight,
-                                            QStyle::SP_DriveFDIcon,
-                                            QStyle::SP_ComputerIcon,
-                                            QStyle::SP_DirIcon,
-                                            QStyle::SP_FileDialogListView,
-                                            QStyle::SP_FileDialogInfoView,
-                                            QStyle::SP_DialogHelpButton};
-    for (int i = 0; i < 16; ++i) {
-        const QString key = QString("LoadResString(%1 + Language)").arg(bases[i]);
-        QAction* button = tbToolBar->addAction(style()->standardIcon(icons[i]), res(bases[i] + 1));
-        button->setToolTip(res(bases[i] + 1));
+    for (const ToolButton& tool : ToolButtons) {
+        // The keys are opaque literals that the click handler compares.
+        const QString key = toolKey(tool.base);
+        QAction* button =
+            tbToolBar->addAction(style()->standardIcon(tool.icon), res(tool.base + 1));
+        button->setToolTip(res(tool.base + 1));
         button->setData(key);
-        connect(button, &QAction::triggered, this, [this, key] { routeToolButton(key); });
+        // Print, clipboard, area tools, capture, viewer and browser come with their tools.
+        button->setEnabled(routeToolButton(key, false));
+        connect(button, &QAction::triggered, this, [this, key] { routeToolButton(key, true); });
     }
 }
 
-void FrmMain::routeToolButton(const QString& key) {
-    FrmDocument* doc = activeDocument();
-    if (key == "LoadResString(3480 + Language)") {
-        openWithDialog();
-    } else if (key == "LoadResString(3482 + Language)") {
-        newImage();
-    } else if (key == "LoadResString(3484 + Language)") {
-        if (doc != nullptr) saveDocument(*doc);
-    } else if (key == "LoadResString(3488 + Language)") {
-        if (doc != nullptr) undo(*doc);
-    } else if (key == "LoadResString(4134 + Language)") {
-        showOptions();
-    } else if (key == "LoadResString(4136 + Language)") {
-        showHelp();
-    } else if (key == "LoadResString(3490 + Language)" && doc != nullptr) {
-        showPictureInfo(*doc);
-    }
-    // The other buttons route to commands that arrive with their tools.
+bool FrmMain::routeToolButton(const QString& key, bool run) {
+    const auto command = [&]() -> std::function<void()> {
+        if (key == toolKey(3480)) return [this] { openWithDialog(); };
+        if (key == toolKey(3482)) return [this] { newImage(); };
+        if (key == toolKey(3484)) {
+            return [this] {
+                if (FrmDocument* doc = activeDocument()) saveDocument(*doc);
+            };
+        }
+        if (key == toolKey(3488)) {
+            return [this] {
+                if (FrmDocument* doc = activeDocument()) undo(*doc);
+            };
+        }
+        if (key == toolKey(4134)) return [this] { showOptions(); };
+        if (key == toolKey(4136)) return [this] { showHelp(); };
+        return {};
+    }();
+    if (run && command) command();
+    return static_cast<bool>(command);
 }
 
 void FrmMain::buildStatusBar() {

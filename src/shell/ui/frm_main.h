@@ -105,7 +105,9 @@ class FrmMain : public QMainWindow {
     void buildStatusBar();
     void refreshFrameHistory();
     void setMenusEnabled(bool enable);
-    void routeToolButton(const QString& key);
+    // The command of a toolbar key; runs it when asked. False for a key
+    // with no command yet.
+    bool routeToolButton(const QString& key, bool run);
     FrmDocument* makeDocument();
     void applyFontSize();
     void onRunFinished(Document* document);

@@ -37,7 +37,10 @@ class RecordingSink : public ProgressSink {
 };
 
 struct LoadImageFileTest : ::testing::Test {
-    fs::path dir = fs::temp_directory_path() / "lumiran-load-dispatch";
+    // One folder per test: ctest runs the tests of a fixture side by side.
+    fs::path dir = fs::temp_directory_path() /
+                   (std::string("lumiran-load-dispatch-") +
+                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
     void SetUp() override { fs::create_directories(dir); }
     void TearDown() override { fs::remove_all(dir); }
     fs::path write(const char* name, const std::string& bytes) const {

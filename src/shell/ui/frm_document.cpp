@@ -92,10 +92,8 @@ void FrmDocument::buildMenus() {
     edit->addAction(res(ids::EditHistoryClear), &f, &FrmMain::clearHistory);
 
     QMenu* view = addTopMenu("mnuView", ids::MenuView);
-    QAction* autoPreview = view->addAction(res(ids::ViewAutoPreview));
-    autoPreview->setCheckable(true);
-    autoPreview->setChecked(f.settings().AutoPreview == 1);
-    connect(autoPreview, &QAction::toggled, &f, &FrmMain::setAutoPreview);
+    // One action in every view menu, so its tick is the same everywhere.
+    view->addAction(f.autoPreviewAction());
     view->addSeparator();
     view->addAction(res(ids::ViewOptions), &f, &FrmMain::showOptions);
 

@@ -220,10 +220,12 @@ void FrmMain::buildFrameMenus() {
     status->setCheckable(true);
     status->setChecked(true);
     connect(status, &QAction::toggled, this, [this](bool on) { statusBar()->setVisible(on); });
-    QAction* autoPreview = view->addAction(res(ids::ViewAutoPreview));
-    autoPreview->setCheckable(true);
-    autoPreview->setChecked(settings_.AutoPreview == 1);
-    connect(autoPreview, &QAction::toggled, this, &FrmMain::setAutoPreview);
+    autoPreview_ = view->addAction(res(ids::ViewAutoPreview));
+    autoPreview_->setObjectName("AutoPreview");
+    autoPreview_->setCheckable(true);
+    autoPreview_->setChecked(settings_.AutoPreview == 1);
+    connect(autoPreview_, &QAction::toggled, this,
+            [this](bool on) { settings_.AutoPreview = on ? 1 : 0; });
     view->addSeparator();
     view->addAction(res(ids::ViewOptions), this, &FrmMain::showOptions);
 
@@ -641,6 +643,7 @@ void FrmMain::showOptions() {
     edited.MaxUndoCount = state_.undo.maxUndoCount();
     if (!showOptionDialog(edited, this)) return;
     settings_ = edited;
+    autoPreview_->setChecked(settings_.AutoPreview == 1);
     state_.flags.calculationFlag = edited.CalculationFlag;
     state_.flags.rasterOpFlag = edited.RasterOpFlag;
     state_.flags.backColor = edited.backColor;

@@ -84,6 +84,8 @@ class FrmMain : public QMainWindow {
     void showAbout();
     void easterEgg();
     void setAutoPreview(bool on);
+    // "Auto Preview", shared by the frame's and every document's view menu.
+    [[nodiscard]] QAction* autoPreviewAction() const { return autoPreview_; }
 
     // Called by a document window on its way out.
     void documentClosed(FrmDocument* document);
@@ -129,6 +131,7 @@ class FrmMain : public QMainWindow {
     QList<QAction*> frameHistory_;
     QAction* frameHistorySeparator_ = nullptr;
     QAction* frameProgress_ = nullptr;
+    QAction* autoPreview_ = nullptr;
     QToolBar* tbToolBar = nullptr;
     QLabel* calculationPanel_ = nullptr;
     QLabel* rasterPanel_ = nullptr;

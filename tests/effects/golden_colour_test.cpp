@@ -22,8 +22,8 @@ TEST_P(GoldenColour, DefaultRunOnTheSampleIsUnchanged) {
 
 INSTANTIATE_TEST_SUITE_P(Effects, GoldenColour,
                          ::testing::Values(Golden{"Monotone", "2a6fbb1197760964"}),
-                         [](const auto& info) {
-                             std::string name = info.param.effect;
+                         [](const auto& test) {
+                             std::string name = test.param.effect;
                              std::erase_if(name, [](char c) {
                                  return !std::isalnum(static_cast<unsigned char>(c));
                              });

@@ -7,8 +7,10 @@
 #include "shell/ui/frm_main.h"
 #include "shell/ui/run_controller.h"
 
+#include <QAction>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QtTest>
@@ -33,7 +35,13 @@ class EffectDialogTest : public QObject {
         FrmMain frame(store, decoder_);
         FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
         QVERIFY(doc != nullptr);
-        frame.openEffectDialog(*doc, *findEffect("Monotone"));
+        // From its menu entry, as the user picks it; an entry whose class is
+        // still to come is there but cannot start.
+        QAction* entry = doc->menu("mnuEffect")->findChild<QAction*>("ColorNo0");
+        QVERIFY(entry != nullptr && entry->isEnabled());
+        QAction* later = doc->menu("mnuEffect")->findChild<QAction*>("ColorNo14");
+        QVERIFY(later != nullptr && !later->isEnabled());
+        entry->trigger();
         EffectDialog* dialog = currentDialog();
         QVERIFY(dialog != nullptr);
         QCOMPARE(dialog->objectName(), QString("frm_Monotone"));

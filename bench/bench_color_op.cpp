@@ -1,9 +1,8 @@
 // Representative Class_ColorOp operations on 4096x4096, each one pass over
 // an array already fetched; bench_main prints them as multiples of the
 // plain copy.
+#include "bench_support.h"
 #include "effects/colour/class_color_op.h"
-#include "engine/random_generator.h"
-#include "engine/run_context.h"
 
 #include <benchmark/benchmark.h>
 #include <functional>
@@ -12,31 +11,10 @@ namespace {
 
 using namespace lumiran;
 
-constexpr int Side = 4096;
-
-const Surface& colourPicture() {
-    static const Surface picture = [] {
-        Surface s(Side, Side);
-        RandomGenerator random;
-        for (Pixel& p : s.pixels())
-            p = static_cast<Pixel>(random.next() * 16777216.0);
-        return s;
-    }();
-    return picture;
-}
+using bench::Side;
 
 void runPass(benchmark::State& state, const std::function<void(Class_ColorOp&)>& call) {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context(cancel, random);
-    Class_ColorOp effect(context);
-    effect.ImageGetDiBits(colourPicture());
-    for (auto _ : state) {
-        cancel = 0;
-        call(effect);
-        benchmark::ClobberMemory();
-    }
-    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+    bench::runPasses<Class_ColorOp>(state, bench::randomColourPicture(), call);
 }
 
 void BM_ColorOp_RGBExchange(benchmark::State& state) {

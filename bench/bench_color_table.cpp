@@ -2,9 +2,8 @@
 // of bench_colour.cpp. A table effect is one lookup per channel, so it is to
 // stay within three times the copy; the per-pixel and two-pass effects are
 // measured beside them for reference.
+#include "bench_support.h"
 #include "effects/colour/class_color_table.h"
-#include "engine/random_generator.h"
-#include "engine/run_context.h"
 
 #include <benchmark/benchmark.h>
 
@@ -12,33 +11,12 @@ namespace {
 
 using namespace lumiran;
 
-constexpr std::int16_t Side = 4096;
-
-const Surface& tablePicture() {
-    static const Surface picture = [] {
-        Surface s(Side, Side);
-        RandomGenerator random;
-        for (Pixel& p : s.pixels())
-            p = static_cast<Pixel>(random.next() * 16777216.0);
-        return s;
-    }();
-    return picture;
-}
+constexpr std::int16_t Side = bench::Side;
 
 using Operation = void (*)(Class_ColorTable&);
 
-// The operation alone, on an array already fetched, repeated in place.
 void BM_ColorTable(benchmark::State& state, Operation operation) {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context(cancel, random);
-    Class_ColorTable effect(context);
-    effect.ImageGetDiBits(tablePicture());
-    for (auto _ : state) {
-        operation(effect);
-        benchmark::ClobberMemory();
-    }
-    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+    bench::runPasses<Class_ColorTable>(state, bench::randomColourPicture(), operation);
 }
 
 // Lookup per channel.

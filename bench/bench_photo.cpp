@@ -1,8 +1,8 @@
 // The colour-model effects on a picture like a photograph: smooth areas
 // with a little noise, so colours repeat as they do in real pictures.
 // (The other benchmarks use random colours, where no colour repeats.)
+#include "bench_support.h"
 #include "effects/colour/class_color_op.h"
-#include "engine/random_generator.h"
 
 #include <benchmark/benchmark.h>
 
@@ -10,7 +10,7 @@ namespace {
 
 using namespace lumiran;
 
-constexpr int Side = 4096;
+using bench::Side;
 
 const Surface& photoLike() {
     static const Surface picture = [] {
@@ -29,17 +29,7 @@ const Surface& photoLike() {
 
 template <typename Call>
 void runOnPhoto(benchmark::State& state, Call call) {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context(cancel, random);
-    Class_ColorOp effect(context);
-    for (auto _ : state) {
-        state.PauseTiming();
-        effect.ImageGetDiBits(photoLike());
-        state.ResumeTiming();
-        call(effect);
-        benchmark::ClobberMemory();
-    }
+    bench::runPasses<Class_ColorOp>(state, photoLike(), call);
 }
 
 void BM_Photo_HSVInvert(benchmark::State& state) {

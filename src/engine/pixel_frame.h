@@ -88,14 +88,20 @@ class PixelFrame {
     // The blend or clamp that ends each pixel, by the calculation type.
     template <ResultTail Tail>
     [[nodiscard]] Rgb16 finishPixel(int r, int g, int b, Rgb16 result) const {
-        if constexpr (blends(Tail)) {
-            const std::uint8_t flag = context_.flags.calculationFlag;
-            if (flag > 0) return applyCalculationType(flag, r, g, b, result);
-        }
-        if constexpr (Tail == ResultTail::Clamp || Tail == ResultTail::ClampOnly) {
+        if (blends(Tail) && calculationFlag() > 0) return endPixel<Tail, true>(r, g, b, result);
+        return endPixel<Tail, false>(r, g, b, result);
+    }
+
+    // The same with the blend decided once for a whole loop.
+    template <ResultTail Tail, bool Blend>
+    [[nodiscard]] Rgb16 endPixel(int r, int g, int b, Rgb16 result) const {
+        if constexpr (Blend) {
+            return applyCalculationType(calculationFlag(), r, g, b, result);
+        } else if constexpr (Tail == ResultTail::Clamp || Tail == ResultTail::ClampOnly) {
             return clampResult(result);
+        } else {
+            return result;
         }
-        return result;
     }
 
     [[nodiscard]] static constexpr bool blends(ResultTail tail) {
@@ -183,11 +189,7 @@ class PixelFrame {
         } else {
             v = rule(r, g, b);
         }
-        if constexpr (Blend) {
-            v = applyCalculationType(calculationFlag(), r, g, b, v);
-        } else if constexpr (Tail == ResultTail::Clamp || Tail == ResultTail::ClampOnly) {
-            v = clampResult(v);
-        }
+        v = endPixel<Tail, Blend>(r, g, b, v);
         return withColour(previous, v.red, v.green, v.blue);
     }
 

@@ -11,14 +11,19 @@
 
 namespace lumiran {
 
-QDialogButtonBox* makeOkCancelButtons(QDialog& dialog) {
+QDialogButtonBox* makeOkButton(QDialog& dialog) {
     auto* buttons = new QDialogButtonBox(&dialog);
     QPushButton* ok = buttons->addButton(res(ids::ButtonOk), QDialogButtonBox::AcceptRole);
-    QPushButton* cancel = buttons->addButton(res(ids::ButtonCancel), QDialogButtonBox::RejectRole);
     ok->setObjectName("OKButton");
-    cancel->setObjectName("CancelButton");
     ok->setDefault(true);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    return buttons;
+}
+
+QDialogButtonBox* makeOkCancelButtons(QDialog& dialog) {
+    QDialogButtonBox* buttons = makeOkButton(dialog);
+    QPushButton* cancel = buttons->addButton(res(ids::ButtonCancel), QDialogButtonBox::RejectRole);
+    cancel->setObjectName("CancelButton");
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     return buttons;
 }

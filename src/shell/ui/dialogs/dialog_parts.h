@@ -7,6 +7,9 @@ class QDialogButtonBox;
 
 namespace lumiran {
 
+// The OK button alone ("OKButton"), wired to accept.
+QDialogButtonBox* makeOkButton(QDialog& dialog);
+
 // The OK and Cancel buttons of a dialog ("OKButton", "CancelButton"),
 // wired to accept and reject.
 QDialogButtonBox* makeOkCancelButtons(QDialog& dialog);

@@ -1,5 +1,6 @@
 #include "shell/ui/dialogs/frm_pictureinfo.h"
 
+#include "shell/ui/dialogs/dialog_parts.h"
 #include "shell/ui/dialogs/dialog_string_ids.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
@@ -76,11 +77,7 @@ frm_PictureInfo::frm_PictureInfo(const PictureInfo& info, const Surface& picture
         res(dialog_ids::ColorCount),
         valueLabel("ColorCountValue", number(static_cast<qint64>(countDistinctColours(picture)))));
 
-    auto* buttons = new QDialogButtonBox(this);
-    QPushButton* ok = buttons->addButton(res(ids::ButtonOk), QDialogButtonBox::AcceptRole);
-    ok->setObjectName("OKButton");
-    ok->setDefault(true);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    QDialogButtonBox* buttons = makeOkButton(*this);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);

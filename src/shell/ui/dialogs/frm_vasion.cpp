@@ -24,11 +24,7 @@ frm_Vasion::frm_Vasion(const Settings& settings, QWidget* parent) : QDialog(pare
     message->setObjectName("MessageLabel");
     message->setWordWrap(true);
 
-    auto* buttons = new QDialogButtonBox(this);
-    QPushButton* ok = buttons->addButton(res(ids::ButtonOk), QDialogButtonBox::AcceptRole);
-    ok->setObjectName("OKButton");
-    ok->setDefault(true);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    QDialogButtonBox* buttons = makeOkButton(*this);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(name);

@@ -1,0 +1,43 @@
+#pragma once
+
+// What the effect benchmarks share: the 4096x4096 picture of random colours
+// and the pass of one operation on an array already fetched.
+#include "engine/random_generator.h"
+#include "engine/run_context.h"
+#include "engine/surface.h"
+
+#include <benchmark/benchmark.h>
+
+namespace lumiran::bench {
+
+inline constexpr int Side = 4096;
+
+// Every colour equally likely: no colour repeats, so no cache helps.
+inline const Surface& randomColourPicture() {
+    static const Surface picture = [] {
+        Surface s(Side, Side);
+        RandomGenerator random;
+        for (Pixel& p : s.pixels())
+            p = static_cast<Pixel>(random.next() * 16777216.0);
+        return s;
+    }();
+    return picture;
+}
+
+// The operation alone, repeated in place on one fetch of the picture.
+template <typename Class, typename Call>
+void runPasses(benchmark::State& state, const Surface& picture, Call call) {
+    CancelFlag cancel{0};
+    RandomGenerator random;
+    RunContext context(cancel, random);
+    Class effect(context);
+    effect.ImageGetDiBits(picture);
+    for (auto _ : state) {
+        cancel = 0;
+        call(effect);
+        benchmark::ClobberMemory();
+    }
+    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+}
+
+} // namespace lumiran::bench

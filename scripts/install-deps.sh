@@ -6,6 +6,7 @@ set -euo pipefail
 packages=(
     build-essential
     cmake
+    ccache
     pkg-config
     libgtest-dev
     libgmock-dev

@@ -22,6 +22,11 @@ enum class ResultTail {
     ClampOnly, // clamped, never blended
 };
 
+// Whether a row loop may hand its rows to several threads. Rules that carry
+// state from pixel to pixel or row to row, or that draw from the one random
+// generator, must name TopToBottom: their result depends on the order.
+enum class RowOrder { AnyOrder, TopToBottom };
+
 // Where the row loop stores: back into the source, or into the separate
 // destination for effects that still read what they would overwrite.
 enum class Destination { InPlace, Trans };
@@ -121,6 +126,25 @@ class PixelFrame {
                 std::max<int>(rect.top, 0), std::min(loopEnd(rect.bottom), ImageBits.height())};
     }
 
+    // The rows of the rectangle that lie in the picture, as work(y,
+    // firstColumn, endColumn); every row of the rectangle counts for
+    // progress, also those outside the picture. Returns false when the run
+    // was cancelled. With AnyOrder, rows may run at once on several threads:
+    // work must then write nothing but its own row of its destination and
+    // read nothing another row writes. The caller sets the progress range.
+    template <RowOrder Order = RowOrder::AnyOrder, typename RowWork>
+    bool forEachRow(const ProcessRect& rect, RowWork&& work) {
+        const Span span = spanOf(rect);
+        const int endRow = loopEnd(rect.bottom);
+        for (int y = rect.top; y < endRow; ++y) {
+            if (y >= 0 && y < ImageBits.height() && span.firstColumn < span.endColumn) {
+                work(y, span.firstColumn, span.endColumn);
+            }
+            if (!finishRow()) return false;
+        }
+        return true;
+    }
+
     // The row loop of a per-pixel effect. The rule is called as rule(r, g, b)
     // or rule(x, y, r, g, b) and gives the result fields; the second form
     // takes r, g, b by reference where it changes what the blend sees as the
@@ -132,21 +156,17 @@ class PixelFrame {
         Surface& target = Dest == Destination::InPlace ? ImageBits : TransBits;
         const Span span = spanOf(rect);
         const bool blend = blends(Tail) && calculationFlag() > 0;
-        const int endRow = loopEnd(rect.bottom);
-        for (int y = rect.top; y < endRow; ++y) {
-            if (y >= 0 && y < ImageBits.height()) {
-                const Pixel* source = ImageBits.row(y).data();
-                Pixel* destination = target.row(y).data();
-                // Without a blend the loop is free of branches, so the
-                // compiler can vectorise the rule.
-                if (blend) {
-                    mapRow<Tail, true>(source, destination, y, span, rule);
-                } else {
-                    mapRow<Tail, false>(source, destination, y, span, rule);
-                }
+        forEachRow(rect, [&](int y, int, int) {
+            const Pixel* source = ImageBits.row(y).data();
+            Pixel* destination = target.row(y).data();
+            // Without a blend the loop is free of branches, so the
+            // compiler can vectorise the rule.
+            if (blend) {
+                mapRow<Tail, true>(source, destination, y, span, rule);
+            } else {
+                mapRow<Tail, false>(source, destination, y, span, rule);
             }
-            if (!finishRow()) break;
-        }
+        });
     }
 
     // Flattened so that the rule's helpers are inlined whatever the

@@ -116,21 +116,14 @@ class Class_ColorTable : public PixelFrame {
     void equaliseChannels(const ProcessRect& rect, std::int16_t selector);
     void equaliseAverage(const ProcessRect& rect);
 
-    // The rows of the rectangle that lie in the picture, each with its first
-    // and end column; every row of the rectangle counts for progress.
-    // Returns false when the run was cancelled.
-    template <typename RowWork>
+    // The rows of the rectangle as work(row, firstColumn, endColumn). In
+    // order unless the caller knows its rows are independent: histograms
+    // count into one table and flattening hands out levels in scan order.
+    template <RowOrder Order = RowOrder::TopToBottom, typename RowWork>
     bool forEachRow(const ProcessRect& rect, RowWork&& work) {
-        const int endRow = loopEnd(rect.bottom);
-        const int firstColumn = std::max<int>(rect.left, 0);
-        const int endColumn = std::min(loopEnd(rect.right), ImageBits.width());
-        for (int y = rect.top; y < endRow; ++y) {
-            if (y >= 0 && y < ImageBits.height() && firstColumn < endColumn) {
-                work(ImageBits.row(y).data(), firstColumn, endColumn);
-            }
-            if (!finishRow()) return false;
-        }
-        return true;
+        return PixelFrame::forEachRow<Order>(rect, [&](int y, int begin, int end) {
+            work(ImageBits.row(y).data(), begin, end);
+        });
     }
 };
 

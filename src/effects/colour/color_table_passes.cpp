@@ -43,12 +43,12 @@ void Class_ColorTable::applyTables(const ProcessRect& rect, const ChannelTables&
             lookup.green[c] = static_cast<std::uint8_t>(v.green);
             lookup.blue[c] = static_cast<std::uint8_t>(v.blue);
         }
-        forEachRow(rect, [&](Pixel* row, int begin, int end) {
+        forEachRow<RowOrder::AnyOrder>(rect, [&](Pixel* row, int begin, int end) {
             applyChannelLookup({row + begin, static_cast<std::size_t>(end - begin)}, lookup);
         });
         return;
     }
-    forEachRow(rect, [&](Pixel* row, int begin, int end) {
+    forEachRow<RowOrder::AnyOrder>(rect, [&](Pixel* row, int begin, int end) {
         for (int x = begin; x < end; ++x) {
             const int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);
             Rgb16 v{tables.red.at(r), tables.green.at(g), tables.blue.at(b)};
@@ -74,7 +74,7 @@ void Class_ColorTable::applyBrightness(const ProcessRect& rect, const LevelTable
         const int darkBecomesOne = dark == DarkPixel::BecomesOne ? 1 : 0;
         // Selects by arithmetic rather than by branches, which would keep
         // the compiler from vectorising.
-        forEachRow(rect, [&](Pixel* row, int begin, int end) {
+        forEachRow<RowOrder::AnyOrder>(rect, [&](Pixel* row, int begin, int end) {
             for (int x = begin; x < end; ++x) {
                 const Pixel p = row[x];
                 const int r = redOf(p), g = greenOf(p), b = blueOf(p);
@@ -94,7 +94,7 @@ void Class_ColorTable::applyBrightness(const ProcessRect& rect, const LevelTable
         });
         return;
     }
-    forEachRow(rect, [&](Pixel* row, int begin, int end) {
+    forEachRow<RowOrder::AnyOrder>(rect, [&](Pixel* row, int begin, int end) {
         for (int x = begin; x < end; ++x) {
             int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);
             const MaxMin m = MaxMinOfThree(r, g, b);

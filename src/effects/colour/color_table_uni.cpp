@@ -28,7 +28,7 @@ void Class_ColorTable::Uni(std::int16_t left, std::int16_t top, std::int16_t rig
         if (calculationFlag() == 0 && withinSixteenBits(red, green, blue, light, weight)) {
             // The same rule without checked conversions or branches, so that
             // it vectorises.
-            forEachRow(rect, [&](Pixel* row, int begin, int end) {
+            forEachRow<RowOrder::AnyOrder>(rect, [&](Pixel* row, int begin, int end) {
                 for (int x = begin; x < end; ++x) {
                     const Pixel p = row[x];
                     const int r = redOf(p), g = greenOf(p), b = blueOf(p);
@@ -49,7 +49,7 @@ void Class_ColorTable::Uni(std::int16_t left, std::int16_t top, std::int16_t rig
             });
             return;
         }
-        forEachRow(rect, [&](Pixel* row, int begin, int end) {
+        forEachRow<RowOrder::AnyOrder>(rect, [&](Pixel* row, int begin, int end) {
             for (int x = begin; x < end; ++x) {
                 int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);
                 const MaxMin m = MaxMinOfThree(r, g, b);

@@ -61,6 +61,7 @@ std::int64_t stretchSourceOffset(std::int64_t i, std::int64_t targetExtent,
     const auto twice = static_cast<std::uint64_t>(2 * i + 1);
     const auto source = static_cast<std::uint64_t>(std::abs(sourceExtent));
     const auto target = static_cast<std::uint64_t>(std::abs(targetExtent));
+    if (target == 0) return 0;
     return static_cast<std::int64_t>(twice * source / (2 * target));
 }
 

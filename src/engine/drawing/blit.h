@@ -33,7 +33,8 @@ void StretchBlt(Surface& target, int x, int y, int width, int height, const Surf
 // The one mapping of every stretch: the target pixel that lies i steps from
 // its origin (0 <= i < |targetExtent|) takes the source pixel that lies
 // floor((2 i + 1) |sourceExtent| / (2 |targetExtent|)) steps from the source
-// origin: the source pixel under the target pixel's centre.
+// origin: the source pixel under the target pixel's centre. A target
+// extent of 0 gives 0.
 [[nodiscard]] std::int64_t stretchSourceOffset(std::int64_t i, std::int64_t targetExtent,
                                                std::int64_t sourceExtent);
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace lumiran {
@@ -20,8 +21,8 @@ using drawing::Window;
 constexpr std::int64_t MaxRadius = std::int64_t{1} << 30;
 
 Window visibleWindow(const Surface& surface, int left, int top, int right, int bottom) {
-    return {std::max(left, 0), std::max(top, 0), std::min(right, surface.width()) - 1,
-            std::min(bottom, surface.height()) - 1};
+    return {std::max(left, 0), std::max(top, 0), std::int64_t{std::min(right, surface.width())} - 1,
+            std::int64_t{std::min(bottom, surface.height())} - 1};
 }
 
 // The rows of a filled box, both corners included.
@@ -38,8 +39,8 @@ RowRuns boxRuns(const Window& window, std::int64_t x0, std::int64_t y0, std::int
 std::pair<std::int64_t, std::int64_t> stepsWithin(std::int64_t start, std::int64_t direction,
                                                   std::int64_t length, std::int64_t low,
                                                   std::int64_t high) {
-    std::int64_t first = direction > 0 ? low - start : start - high;
-    std::int64_t last = direction > 0 ? high - start : start - low;
+    const std::int64_t first = direction > 0 ? low - start : start - high;
+    const std::int64_t last = direction > 0 ? high - start : start - low;
     return {std::max<std::int64_t>(first, 0), std::min(last, length - 1)};
 }
 

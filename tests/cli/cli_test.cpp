@@ -30,9 +30,7 @@ struct CliTest : ::testing::Test {
     QtPictureDecoder decoder;
 
     void SetUp() override {
-        dir = fs::temp_directory_path() /
-              (std::string("lumiran-cli-") +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        dir = lumiran::testing::testFolder("lumiran-cli-");
         fs::remove_all(dir);
         fs::create_directories(dir);
     }

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "engine/numeric.h"
+
+#include <array>
+#include <cstdint>
+
+namespace lumiran {
+
+// The output value for each input value 0..255.
+using LevelTable = std::array<std::int16_t, 256>;
+
+// The table of a level: 2, 3 and 4 spelled out, every other level by the
+// band rule, whose bands start at 256 / level rather than at 0, so black
+// never occurs from level 5 up. Level 0 ends in the overflow error.
+[[nodiscard]] LevelTable levelTable(std::int16_t level);
+
+// One channel's table from the drawing colour's channel value: paint type
+// 0 runs from that value to white, any other type from black to it.
+[[nodiscard]] LevelTable drawingColorLevelTable(std::int16_t level, std::int16_t paintType,
+                                                int channel);
+
+// The grey the dithers work on, round(0.3 r + 0.59 g + 0.11 b).
+[[nodiscard]] inline int ditherGrey(int r, int g, int b) {
+    return roundInRange<int>(0.3 * r + 0.59 * g + 0.11 * b);
+}
+
+// A value limited to the channel range.
+[[nodiscard]] constexpr int toChannel(int value) {
+    return value < 0 ? 0 : value > 255 ? 255 : value;
+}
+
+} // namespace lumiran

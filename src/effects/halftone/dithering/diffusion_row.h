@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 namespace lumiran::diffusion {
 
@@ -28,64 +29,190 @@ struct Bounds {
     int bottom = 0;
 };
 
-// One share laid on a neighbour, each channel limited to 0..255.
-template <bool OneError>
-[[nodiscard]] Pixel spreadInto(Pixel old, const DiffusionKernel& kernel, std::size_t tap,
-                               const Quantised& q) {
-    const int r = redOf(old), g = greenOf(old), b = blueOf(old);
-    if constexpr (OneError) {
-        // One error for all three channels: one lookup.
-        const int s = kernel.shift(tap, q.errorRed);
-        if (s != DiffusionKernel::NoShift) {
-            return withColour(old, toChannel(r + s), toChannel(g + s), toChannel(b + s));
-        }
-    }
-    return withColour(old, toChannel(kernel.spread(tap, q.errorRed, r)),
-                      toChannel(kernel.spread(tap, q.errorGreen, g)),
-                      toChannel(kernel.spread(tap, q.errorBlue, b)));
+// Adds a shift (-255..255) to each colour byte, each limited to 0..255,
+// and keeps the spare byte. The bytes are spread into 16-bit lanes and
+// biased by 256, so a lane below 256 went under 0 and one from 512 up
+// went over 255.
+[[nodiscard]] inline Pixel shifted(Pixel p, int red, int green, int blue) {
+    constexpr std::uint64_t Lanes = 0x0000'0001'0001'0001ull;
+    std::uint64_t v = (p & 0xFFu) | (static_cast<std::uint64_t>(p & 0xFF00u) << 8) |
+                      (static_cast<std::uint64_t>(p & 0xFF0000u) << 16);
+    v += static_cast<std::uint64_t>(256 + blue) | static_cast<std::uint64_t>(256 + green) << 16 |
+         static_cast<std::uint64_t>(256 + red) << 32;
+    const std::uint64_t over = (v >> 9) & Lanes;
+    const std::uint64_t under = ~((v >> 8) | (v >> 9)) & Lanes;
+    v = ((v & Lanes * 0xFF) | over * 0xFF) & ~(under * 0xFF);
+    return (p & 0xFF000000u) | static_cast<Pixel>(v & 0xFFu) |
+           static_cast<Pixel>((v >> 8) & 0xFF00u) | static_cast<Pixel>((v >> 16) & 0xFF0000u);
 }
 
-// Diffuses one row in place, left to right. quantise(r, g, b) gives entry
-// 0's colour and errors; with OneError the three errors are equal.
-//
-// Where the kernel reaches past the bounds its positions are clamped into
-// them: every entry is read first, the shares are worked out from those
-// values, and the entries are written from the last back to entry 0, so
-// of two shares clamped onto one pixel the earlier in list order stands,
-// and a share clamped onto the pixel itself vanishes under entry 0.
-template <bool OneError, typename Quantise>
-void diffuseRow(Pixel* picture, int width, const Bounds& bounds, int y,
-                const DiffusionKernel& kernel, Quantise&& quantise) {
-    const auto& taps = kernel.taps();
-    const std::size_t tapCount = taps.size();
-    Pixel* row = picture + static_cast<std::ptrdiff_t>(y) * width;
-    const bool rowsInside = y + kernel.reachDown() <= bounds.bottom - 1;
-    const int fastFrom = bounds.left + kernel.reachLeft();
-    const int fastTo = bounds.right - 1 - kernel.reachRight();
-    for (int x = bounds.left; x < bounds.right; ++x) {
-        Pixel* self = row + x;
-        const Quantised q = quantise(redOf(*self), greenOf(*self), blueOf(*self));
-        if (rowsInside && x >= fastFrom && x <= fastTo) {
-            for (std::size_t t = 0; t < tapCount; ++t) {
-                Pixel* n = self + taps[t].offset;
-                *n = spreadInto<OneError>(*n, kernel, t, q);
-            }
-        } else {
-            std::array<Pixel*, 16> at{};
-            std::array<Pixel, 16> value{};
-            for (std::size_t t = 0; t < tapCount; ++t) {
-                const int nx = std::clamp(x + taps[t].dx, bounds.left, bounds.right - 1);
-                const int ny = std::clamp(y + taps[t].dy, bounds.top, bounds.bottom - 1);
-                at[t] = picture + static_cast<std::ptrdiff_t>(ny) * width + nx;
-                value[t] = *at[t];
-            }
-            for (std::size_t t = 0; t < tapCount; ++t)
-                value[t] = spreadInto<OneError>(value[t], kernel, t, q);
-            for (std::size_t t = tapCount; t-- > 0;)
-                *at[t] = value[t];
-        }
-        *self = withColour(*self, toChannel(q.red), toChannel(q.green), toChannel(q.blue));
+// One share laid on a neighbour: each channel round(error * weight +
+// old), limited to 0..255. With OneError the three errors are equal.
+template <bool OneError>
+[[nodiscard, gnu::always_inline]] inline Pixel spreadInto(Pixel old, const DiffusionKernel& kernel,
+                                                          std::size_t tap, const Quantised& q) {
+    constexpr int No = DiffusionKernel::NoShift;
+    if constexpr (OneError) {
+        const int s = kernel.shift(tap, q.errorRed);
+        if (s != No) return shifted(old, s, s, s);
+    } else {
+        const int sr = kernel.shift(tap, q.errorRed);
+        const int sg = kernel.shift(tap, q.errorGreen);
+        const int sb = kernel.shift(tap, q.errorBlue);
+        if (sr != No && sg != No && sb != No) return shifted(old, sr, sg, sb);
     }
+    return withColour(old, toChannel(kernel.exact(tap, q.errorRed, redOf(old))),
+                      toChannel(kernel.exact(tap, q.errorGreen, greenOf(old))),
+                      toChannel(kernel.exact(tap, q.errorBlue, blueOf(old))));
 }
+
+// Entry 0 as the pixel's new value.
+[[nodiscard]] inline Pixel settled(Pixel old, const Quantised& q) {
+    return withColour(old, toChannel(q.red), toChannel(q.green), toChannel(q.blue));
+}
+
+// A row diffused in place, left to right, exactly as one pixel after the
+// other reading every entry, working out the shares from those values and
+// writing the entries from the last back to entry 0.
+//
+// quantise gives entry 0's colour and errors: from the grey with OneError
+// (the three errors equal), from the channels otherwise.
+template <bool OneError, typename Quantise>
+class RowDiffusion {
+  public:
+    RowDiffusion(Pixel* picture, int width, const Bounds& bounds, const DiffusionKernel& kernel,
+                 Quantise& quantise)
+        : picture_(picture), width_(width), bounds_(bounds), kernel_(kernel), quantise_(quantise) {}
+
+    [[gnu::flatten]] void run(int y) {
+        Pixel* row = picture_ + static_cast<std::ptrdiff_t>(y) * width_;
+        const int fastFrom = bounds_.left + kernel_.reachLeft();
+        const int fastTo = bounds_.right - 1 - kernel_.reachRight();
+        if (y + kernel_.reachDown() > bounds_.bottom - 1 || fastFrom > fastTo) {
+            for (int x = bounds_.left; x < bounds_.right; ++x)
+                clampedStep(row, x, y);
+            return;
+        }
+        for (int x = bounds_.left; x < fastFrom; ++x)
+            clampedStep(row, x, y);
+        inner(row, fastFrom, fastTo);
+        for (int x = fastTo + 1; x < bounds_.right; ++x)
+            clampedStep(row, x, y);
+    }
+
+  private:
+    Quantised quantiseChannels(Pixel p) {
+        if constexpr (OneError) {
+            return quantise_(ditherGrey(redOf(p), greenOf(p), blueOf(p)));
+        } else {
+            return quantise_(redOf(p), greenOf(p), blueOf(p));
+        }
+    }
+
+    // Near the bounds: positions clamped into them, so shares may land on
+    // one pixel. Of two shares on one pixel the earlier in list order
+    // stands, and a share clamped onto the pixel itself vanishes under
+    // entry 0.
+    void clampedStep(Pixel* row, int x, int y) {
+        const auto& taps = kernel_.taps();
+        Pixel* self = row + x;
+        const Quantised q = quantiseChannels(*self);
+        std::array<Pixel*, 16> at{};
+        std::array<Pixel, 16> value{};
+        for (std::size_t t = 0; t < taps.size(); ++t) {
+            const int nx = std::clamp(x + taps[t].dx, bounds_.left, bounds_.right - 1);
+            const int ny = std::clamp(y + taps[t].dy, bounds_.top, bounds_.bottom - 1);
+            at[t] = picture_ + static_cast<std::ptrdiff_t>(ny) * width_ + nx;
+            value[t] = *at[t];
+        }
+        for (std::size_t t = 0; t < taps.size(); ++t)
+            value[t] = spreadInto<OneError>(value[t], kernel_, t, q);
+        for (std::size_t t = taps.size(); t-- > 0;)
+            *at[t] = value[t];
+        *self = settled(*self, q);
+    }
+
+    // Where no position is clamped every share lands on a pixel of its
+    // own, so the order of the writes does not matter. The shares on the
+    // row itself are held back until the pixel they land on is reached:
+    // the row's chain of errors then runs through registers rather than
+    // memory, and they are laid on in the order they were made.
+    void inner(Pixel* row, int from, int to) {
+        const int next = kernel_.nextTap();
+        const int second = kernel_.secondNextTap();
+        // The errors of the two pixels before, while they lie in this
+        // stretch; shares of earlier pixels are in memory already.
+        Quantised before1{}, before2{};
+        bool hasBefore1 = false, hasBefore2 = false;
+        for (int x = from; x <= to; ++x) {
+            Pixel* self = row + x;
+            const Pixel stored = *self;
+            const bool fromSecond = hasBefore2 && second >= 0;
+            const bool fromNext = hasBefore1 && next >= 0;
+            const Quantised q = quantiseHeld(stored, fromSecond, before2, fromNext, before1);
+            *self = settled(stored, q);
+            for (const std::size_t t : kernel_.lowerTaps()) {
+                Pixel* n = self + kernel_.taps()[t].offset;
+                *n = spreadInto<OneError>(*n, kernel_, t, q);
+            }
+            before2 = before1;
+            hasBefore2 = hasBefore1;
+            before1 = q;
+            hasBefore1 = true;
+        }
+        // The held shares of the last pixels go on the pixels after the stretch.
+        if (second >= 0 && hasBefore2) {
+            Pixel& n = row[to + 1];
+            n = spreadInto<OneError>(n, kernel_, static_cast<std::size_t>(second), before2);
+        }
+        if (next >= 0) {
+            Pixel& n = row[to + 1];
+            n = spreadInto<OneError>(n, kernel_, static_cast<std::size_t>(next), before1);
+        }
+        if (second >= 0) {
+            Pixel& n = row[to + 2];
+            n = spreadInto<OneError>(n, kernel_, static_cast<std::size_t>(second), before1);
+        }
+    }
+
+    // Entry 0 quantised after the held shares: the one from two pixels
+    // before first, then the one from the pixel before.
+    Quantised quantiseHeld(Pixel stored, bool fromSecond, const Quantised& before2, bool fromNext,
+                           const Quantised& before1) {
+        if constexpr (OneError) {
+            // While no channel is limited, a shift s moves 30 r + 59 g + 11 b
+            // by 100 s and so the grey by exactly s.
+            const int s2 = fromSecond
+                               ? kernel_.shift(static_cast<std::size_t>(kernel_.secondNextTap()),
+                                               before2.errorRed)
+                               : 0;
+            const int s1 = fromNext ? kernel_.shift(static_cast<std::size_t>(kernel_.nextTap()),
+                                                    before1.errorRed)
+                                    : 0;
+            const int r = redOf(stored), g = greenOf(stored), b = blueOf(stored);
+            const int hundredfold = 30 * r + 59 * g + 11 * b;
+            const int low = std::min({r, g, b}), high = std::max({r, g, b});
+            const int total = s2 + s1;
+            const bool exact = s1 != DiffusionKernel::NoShift && s2 != DiffusionKernel::NoShift &&
+                               hundredfold % 100 != 50 && low + std::min(s2, total) >= 0 &&
+                               high + std::max(s2, total) <= 255;
+            if (exact) return quantise_((hundredfold + 50) / 100 + total);
+        }
+        Pixel p = stored;
+        if (fromSecond)
+            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(kernel_.secondNextTap()),
+                                     before2);
+        if (fromNext)
+            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(kernel_.nextTap()),
+                                     before1);
+        return quantiseChannels(p);
+    }
+
+    Pixel* picture_;
+    int width_;
+    Bounds bounds_;
+    const DiffusionKernel& kernel_;
+    Quantise& quantise_;
+};
 
 } // namespace lumiran::diffusion

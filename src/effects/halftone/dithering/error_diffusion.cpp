@@ -41,28 +41,29 @@ void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, st
 
     // Each row takes the shares of the rows above it, and the random sizes
     // come from the one generator in scan order.
-    forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) {
-        if (mono) {
-            diffusion::diffuseRow<true>(
-                picture, width, bounds, y, prepared, [&](int r, int g, int b) {
-                    const int grey = ditherGrey(r, g, b);
-                    const int v = MonoLevelTable[static_cast<std::size_t>(grey)];
-                    const int e = resize(grey - v);
-                    return Quantised{v, v, v, e, e, e};
-                });
-        } else {
-            diffusion::diffuseRow<false>(picture, width, bounds, y, prepared,
-                                         [&](int r, int g, int b) {
-                                             Quantised q{LevelTableR[static_cast<std::size_t>(r)],
-                                                         LevelTableG[static_cast<std::size_t>(g)],
-                                                         LevelTableB[static_cast<std::size_t>(b)]};
-                                             q.errorRed = resize(r - q.red);
-                                             q.errorGreen = resize(g - q.green);
-                                             q.errorBlue = resize(b - q.blue);
-                                             return q;
-                                         });
-        }
-    });
+    if (mono) {
+        auto quantise = [&](int grey) {
+            const int v = MonoLevelTable[static_cast<std::size_t>(grey)];
+            const int e = resize(grey - v);
+            return Quantised{v, v, v, e, e, e};
+        };
+        diffusion::RowDiffusion<true, decltype(quantise)> rows(picture, width, bounds, prepared,
+                                                               quantise);
+        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
+    } else {
+        auto quantise = [&](int r, int g, int b) {
+            Quantised q{LevelTableR[static_cast<std::size_t>(r)],
+                        LevelTableG[static_cast<std::size_t>(g)],
+                        LevelTableB[static_cast<std::size_t>(b)]};
+            q.errorRed = resize(r - q.red);
+            q.errorGreen = resize(g - q.green);
+            q.errorBlue = resize(b - q.blue);
+            return q;
+        };
+        diffusion::RowDiffusion<false, decltype(quantise)> rows(picture, width, bounds, prepared,
+                                                                quantise);
+        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
+    }
 }
 
 void Class_Dithering::diffuseColorPaint(int kernel, const ProcessRect& rect) {
@@ -76,14 +77,15 @@ void Class_Dithering::diffuseColorPaint(int kernel, const ProcessRect& rect) {
     const int width = TransBits.width();
     // The grey indexes all three tables; each channel hands on the grey
     // minus its own table value.
-    forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) {
-        diffusion::diffuseRow<false>(picture, width, bounds, y, prepared, [&](int r, int g, int b) {
-            const auto grey = static_cast<std::size_t>(ditherGrey(r, g, b));
-            const Quantised q{LevelTableR[grey], LevelTableG[grey], LevelTableB[grey]};
-            const int v = static_cast<int>(grey);
-            return Quantised{q.red, q.green, q.blue, v - q.red, v - q.green, v - q.blue};
-        });
-    });
+    auto quantise = [&](int r, int g, int b) {
+        const auto grey = static_cast<std::size_t>(ditherGrey(r, g, b));
+        const int v = static_cast<int>(grey);
+        const int nr = LevelTableR[grey], ng = LevelTableG[grey], nb = LevelTableB[grey];
+        return Quantised{nr, ng, nb, v - nr, v - ng, v - nb};
+    };
+    diffusion::RowDiffusion<false, decltype(quantise)> rows(picture, width, bounds, prepared,
+                                                            quantise);
+    forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
 }
 
 void Class_Dithering::Dither_ErrorDiffuse(std::int16_t filter, std::int16_t left, std::int16_t top,

@@ -20,9 +20,14 @@ using LevelTable = std::array<std::int16_t, 256>;
 [[nodiscard]] LevelTable drawingColorLevelTable(std::int16_t level, std::int16_t paintType,
                                                 int channel);
 
-// The grey the dithers work on, round(0.3 r + 0.59 g + 0.11 b).
+// The grey the dithers work on, round(0.3 r + 0.59 g + 0.11 b) in double
+// precision. A hundred times the grey is the integer 30 r + 59 g + 11 b,
+// which rounds the same way unless it ends in 50: only there do the
+// inexact constants decide the tie, and the sum is rounded as it stands.
 [[nodiscard]] inline int ditherGrey(int r, int g, int b) {
-    return roundInRange<int>(0.3 * r + 0.59 * g + 0.11 * b);
+    const int hundredfold = 30 * r + 59 * g + 11 * b;
+    if (hundredfold % 100 == 50) return roundInRange<int>(0.3 * r + 0.59 * g + 0.11 * b);
+    return (hundredfold + 50) / 100;
 }
 
 // A value limited to the channel range.

@@ -126,16 +126,19 @@ TEST_F(Diffusion, FixedAndRandomErrorsKeepOnlyTheSign) {
     const Surface picture = noisePicture(19, 11, 3);
     const ProcessRect whole = ProcessRect::wholePicture(19, 11);
     for (std::int16_t filter = 0; filter < 4; ++filter) {
-        Surface expected = picture;
-        literalDiffusion(expected, whole, DiffusionKernels[filter], false, levelTable(2),
-                         [](int old, int fresh) { return old - fresh >= 0 ? 42 : -42; });
-        EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorFixed>(filter, rect, 1, 2, 42)),
-                  expected)
-            << "fixed, filter " << filter;
+        for (const bool mono : {true, false}) {
+            Surface expected = picture;
+            literalDiffusion(expected, whole, DiffusionKernels[filter], mono, levelTable(2),
+                             [](int old, int fresh) { return old - fresh >= 0 ? 42 : -42; });
+            EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorFixed>(filter, rect,
+                                                                           mono ? 0 : 1, 2, 42)),
+                      expected)
+                << "fixed, filter " << filter;
+        }
 
         // One draw a pixel in mono, of 255 / level * rnd + 1.
         RandomGenerator draws;
-        expected = picture;
+        Surface expected = picture;
         literalDiffusion(expected, whole, DiffusionKernels[filter], true, levelTable(4),
                          [&draws](int old, int fresh) {
                              const int e = roundEven(255.0 / 4 * draws.next() + 1);

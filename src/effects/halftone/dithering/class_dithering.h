@@ -7,6 +7,11 @@
 
 namespace lumiran {
 
+class DiffusionKernel;
+namespace diffusion {
+struct Bounds;
+}
+
 // Reduction to few grey or colour levels: ordered dithers, error
 // diffusions, a random dither, a gathering diffusion, a 2 x 2 dot pattern
 // and two local-mean thresholders. Reads ImageBits, writes TransBits; both
@@ -87,6 +92,10 @@ class Class_Dithering : public PixelFrame {
     void diffuse(int kernel, const ProcessRect& rect, bool mono, std::int16_t level, ErrorSize size,
                  std::int16_t fixedError);
     void diffuseColorPaint(int kernel, const ProcessRect& rect);
+    // The rows top to bottom with the kernel compiled in.
+    template <bool OneError, typename Quantise>
+    void rowsOf(int kernel, const ProcessRect& rect, const diffusion::Bounds& bounds,
+                const DiffusionKernel& prepared, Quantise& quantise, bool byGreyAlone);
     void randomDither(const ProcessRect& rect, bool mono, std::int16_t level);
 
     LevelTable MonoLevelTable{};

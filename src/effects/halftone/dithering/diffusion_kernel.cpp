@@ -14,14 +14,6 @@ DiffusionKernel::DiffusionKernel(const KernelSpec& spec, int pictureWidth) {
         reachLeft_ = std::max(reachLeft_, -t.dx);
         reachRight_ = std::max(reachRight_, static_cast<int>(t.dx));
         reachDown_ = std::max(reachDown_, static_cast<int>(t.dy));
-        const int index = static_cast<int>(taps_.size()) - 1;
-        if (t.dy > 0) {
-            lowerTaps_.push_back(taps_.size() - 1);
-        } else if (t.dx == 1) {
-            nextTap_ = index;
-        } else if (t.dx == 2) {
-            secondNextTap_ = index;
-        }
     }
     shifts_.resize(taps_.size() * RowLength);
     for (std::size_t tap = 0; tap < taps_.size(); ++tap) {

@@ -33,12 +33,6 @@ class DiffusionKernel {
     [[nodiscard]] int reachRight() const { return reachRight_; }
     [[nodiscard]] int reachDown() const { return reachDown_; }
 
-    // The shares on the pixel's own row, one and two to the right, as tap
-    // indices (-1 where the kernel has none), and the shares on lower rows.
-    [[nodiscard]] int nextTap() const { return nextTap_; }
-    [[nodiscard]] int secondNextTap() const { return secondNextTap_; }
-    [[nodiscard]] const std::vector<std::size_t>& lowerTaps() const { return lowerTaps_; }
-
     // The shift of a tap for an error, or NoShift where old decides.
     static constexpr int NoShift = INT16_MIN;
     [[nodiscard]] int shift(std::size_t tap, int error) const {
@@ -68,9 +62,6 @@ class DiffusionKernel {
     int reachLeft_ = 0;
     int reachRight_ = 0;
     int reachDown_ = 0;
-    int nextTap_ = -1;
-    int secondNextTap_ = -1;
-    std::vector<std::size_t> lowerTaps_;
 };
 
 } // namespace lumiran

@@ -7,11 +7,14 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <type_traits>
+#include <utility>
 
 namespace lumiran::diffusion {
 
 // Entry 0's new colour and the error each channel hands on.
 struct Quantised {
+    int grey = 0; // the grey quantised, where entry 0 was quantised by its grey
     int red = 0;
     int green = 0;
     int blue = 0;
@@ -71,18 +74,76 @@ template <bool OneError>
     return withColour(old, toChannel(q.red), toChannel(q.green), toChannel(q.blue));
 }
 
+// What the row loop needs to know of a kernel when it is compiled: the
+// shares on the row itself (one and two to the right, -1 where there is
+// none) and those on lower rows.
+template <int Filter>
+struct KernelShape {
+    static constexpr KernelSpec Spec = DiffusionKernels[Filter];
+
+    static constexpr int tapAt(int dx) {
+        for (std::size_t t = 0; t < Spec.taps.size(); ++t) {
+            if (Spec.taps[t].dy == 0 && Spec.taps[t].dx == dx) return static_cast<int>(t);
+        }
+        return -1;
+    }
+    static constexpr int Next = tapAt(1);
+    static constexpr int SecondNext = tapAt(2);
+
+    static constexpr std::size_t LowerCount = [] {
+        std::size_t n = 0;
+        for (const KernelTap& t : Spec.taps)
+            n += t.dy > 0 ? 1 : 0;
+        return n;
+    }();
+    static constexpr std::array<std::size_t, LowerCount> Lower = [] {
+        std::array<std::size_t, LowerCount> lower{};
+        std::size_t n = 0;
+        for (std::size_t t = 0; t < Spec.taps.size(); ++t) {
+            if (Spec.taps[t].dy > 0) lower[n++] = t;
+        }
+        return lower;
+    }();
+};
+
+// Calls body with the filter as a compile-time constant; filters outside
+// 0..6 call nothing.
+template <typename Body>
+void withFilter(int filter, Body&& body) {
+    auto call = [&]<int... F>(std::integer_sequence<int, F...>) {
+        ((filter == F ? body(std::integral_constant<int, F>{}) : void()), ...);
+    };
+    call(std::make_integer_sequence<int, static_cast<int>(DiffusionKernels.size())>{});
+}
+
 // A row diffused in place, left to right, exactly as one pixel after the
 // other reading every entry, working out the shares from those values and
 // writing the entries from the last back to entry 0.
 //
 // quantise gives entry 0's colour and errors: from the grey with OneError
 // (the three errors equal), from the channels otherwise.
-template <bool OneError, typename Quantise>
+template <bool OneError, int Filter, typename Quantise>
 class RowDiffusion {
+    using Shape = KernelShape<Filter>;
+
   public:
+    // byGreyAlone: quantise(grey) depends on nothing but the grey, so the
+    // shares on the row can be looked up by the grey that made them.
     RowDiffusion(Pixel* picture, int width, const Bounds& bounds, const DiffusionKernel& kernel,
-                 Quantise& quantise)
-        : picture_(picture), width_(width), bounds_(bounds), kernel_(kernel), quantise_(quantise) {}
+                 Quantise& quantise, bool byGreyAlone)
+        : picture_(picture), width_(width), bounds_(bounds), kernel_(kernel), quantise_(quantise),
+          byGreyAlone_(OneError && byGreyAlone) {
+        if constexpr (OneError) {
+            if (!byGreyAlone_) return;
+            for (int grey = 0; grey < 256; ++grey) {
+                const int error = quantise_(grey).errorRed;
+                const auto g = static_cast<std::size_t>(grey);
+                if constexpr (Shape::Next >= 0) nextShare_[g] = kernel_.shift(Shape::Next, error);
+                if constexpr (Shape::SecondNext >= 0)
+                    secondShare_[g] = kernel_.shift(Shape::SecondNext, error);
+            }
+        }
+    }
 
     [[gnu::flatten]] void run(int y) {
         Pixel* row = picture_ + static_cast<std::ptrdiff_t>(y) * width_;
@@ -138,8 +199,8 @@ class RowDiffusion {
     // the row's chain of errors then runs through registers rather than
     // memory, and they are laid on in the order they were made.
     void inner(Pixel* row, int from, int to) {
-        const int next = kernel_.nextTap();
-        const int second = kernel_.secondNextTap();
+        constexpr int next = Shape::Next;
+        constexpr int second = Shape::SecondNext;
         // The errors of the two pixels before, while they lie in this
         // stretch; shares of earlier pixels are in memory already.
         Quantised before1{}, before2{};
@@ -151,28 +212,30 @@ class RowDiffusion {
             const bool fromNext = hasBefore1 && next >= 0;
             const Quantised q = quantiseHeld(stored, fromSecond, before2, fromNext, before1);
             *self = settled(stored, q);
-            for (const std::size_t t : kernel_.lowerTaps()) {
-                Pixel* n = self + kernel_.taps()[t].offset;
-                *n = spreadInto<OneError>(*n, kernel_, t, q);
+            [&]<std::size_t... I>(std::index_sequence<I...>) {
+                (spreadBelow(self, Shape::Lower[I], q), ...);
             }
+            (std::make_index_sequence<Shape::LowerCount>{});
             before2 = before1;
             hasBefore2 = hasBefore1;
             before1 = q;
             hasBefore1 = true;
         }
         // The held shares of the last pixels go on the pixels after the stretch.
-        if (second >= 0 && hasBefore2) {
-            Pixel& n = row[to + 1];
-            n = spreadInto<OneError>(n, kernel_, static_cast<std::size_t>(second), before2);
+        if constexpr (second >= 0) {
+            if (hasBefore2)
+                row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, second, before2);
         }
-        if (next >= 0) {
-            Pixel& n = row[to + 1];
-            n = spreadInto<OneError>(n, kernel_, static_cast<std::size_t>(next), before1);
-        }
-        if (second >= 0) {
-            Pixel& n = row[to + 2];
-            n = spreadInto<OneError>(n, kernel_, static_cast<std::size_t>(second), before1);
-        }
+        if constexpr (next >= 0)
+            row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, next, before1);
+        if constexpr (second >= 0)
+            row[to + 2] = spreadInto<OneError>(row[to + 2], kernel_, second, before1);
+    }
+
+    [[gnu::always_inline]] void spreadBelow(Pixel* self, std::size_t tap, const Quantised& q) {
+        const KernelTap& t = Shape::Spec.taps[tap];
+        Pixel* n = self + static_cast<std::ptrdiff_t>(t.dy) * width_ + t.dx;
+        *n = spreadInto<OneError>(*n, kernel_, tap, q);
     }
 
     // Entry 0 quantised after the held shares: the one from two pixels
@@ -182,13 +245,14 @@ class RowDiffusion {
         if constexpr (OneError) {
             // While no channel is limited, a shift s moves 30 r + 59 g + 11 b
             // by 100 s and so the grey by exactly s.
-            const int s2 = fromSecond
-                               ? kernel_.shift(static_cast<std::size_t>(kernel_.secondNextTap()),
-                                               before2.errorRed)
-                               : 0;
-            const int s1 = fromNext ? kernel_.shift(static_cast<std::size_t>(kernel_.nextTap()),
-                                                    before1.errorRed)
-                                    : 0;
+            // Looked up by grey the share on the next pixel is one load
+            // from the grey before: the row's chain of dependent steps.
+            auto share = [&](int tap, const std::array<int, 256>& byGrey, const Quantised& q) {
+                return byGreyAlone_ ? byGrey[static_cast<std::size_t>(q.grey)]
+                                    : kernel_.shift(static_cast<std::size_t>(tap), q.errorRed);
+            };
+            const int s2 = fromSecond ? share(Shape::SecondNext, secondShare_, before2) : 0;
+            const int s1 = fromNext ? share(Shape::Next, nextShare_, before1) : 0;
             const int r = redOf(stored), g = greenOf(stored), b = blueOf(stored);
             const int hundredfold = 30 * r + 59 * g + 11 * b;
             const int low = std::min({r, g, b}), high = std::max({r, g, b});
@@ -200,11 +264,10 @@ class RowDiffusion {
         }
         Pixel p = stored;
         if (fromSecond)
-            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(kernel_.secondNextTap()),
+            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(Shape::SecondNext),
                                      before2);
         if (fromNext)
-            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(kernel_.nextTap()),
-                                     before1);
+            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(Shape::Next), before1);
         return quantiseChannels(p);
     }
 
@@ -213,6 +276,9 @@ class RowDiffusion {
     Bounds bounds_;
     const DiffusionKernel& kernel_;
     Quantise& quantise_;
+    bool byGreyAlone_;
+    std::array<int, 256> nextShare_{};
+    std::array<int, 256> secondShare_{};
 };
 
 } // namespace lumiran::diffusion

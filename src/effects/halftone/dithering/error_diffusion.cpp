@@ -13,6 +13,17 @@ int withSign(int error, int magnitude) {
 
 } // namespace
 
+template <bool OneError, typename Quantise>
+void Class_Dithering::rowsOf(int kernel, const ProcessRect& rect, const diffusion::Bounds& bounds,
+                             const DiffusionKernel& prepared, Quantise& quantise,
+                             bool byGreyAlone) {
+    diffusion::withFilter(kernel, [&](auto filter) {
+        diffusion::RowDiffusion<OneError, decltype(filter)::value, Quantise> rows(
+            TransBits.pixels().data(), TransBits.width(), bounds, prepared, quantise, byGreyAlone);
+        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
+    });
+}
+
 void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, std::int16_t level,
                               ErrorSize size, std::int16_t fixedError) {
     BuildLevelTable(level, mono ? 0 : 1);
@@ -22,8 +33,6 @@ void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, st
     const DiffusionKernel prepared(DiffusionKernels[static_cast<std::size_t>(kernel)],
                                    TransBits.width());
     const diffusion::Bounds bounds{span.firstColumn, span.firstRow, span.endColumn, span.endRow};
-    Pixel* picture = TransBits.pixels().data();
-    const int width = TransBits.width();
     RandomGenerator& random = context().random;
     const double randomScale = 255.0 / level;
     auto randomSize = [&] { return roundTo<std::int16_t>(randomScale * random.next() + 1); };
@@ -45,14 +54,12 @@ void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, st
         auto quantise = [&](int grey) {
             const int v = MonoLevelTable[static_cast<std::size_t>(grey)];
             const int e = resize(grey - v);
-            return Quantised{v, v, v, e, e, e};
+            return Quantised{grey, v, v, v, e, e, e};
         };
-        diffusion::RowDiffusion<true, decltype(quantise)> rows(picture, width, bounds, prepared,
-                                                               quantise);
-        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
+        rowsOf<true>(kernel, rect, bounds, prepared, quantise, size != ErrorSize::Random);
     } else {
         auto quantise = [&](int r, int g, int b) {
-            Quantised q{LevelTableR[static_cast<std::size_t>(r)],
+            Quantised q{0, LevelTableR[static_cast<std::size_t>(r)],
                         LevelTableG[static_cast<std::size_t>(g)],
                         LevelTableB[static_cast<std::size_t>(b)]};
             q.errorRed = resize(r - q.red);
@@ -60,9 +67,7 @@ void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, st
             q.errorBlue = resize(b - q.blue);
             return q;
         };
-        diffusion::RowDiffusion<false, decltype(quantise)> rows(picture, width, bounds, prepared,
-                                                                quantise);
-        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
+        rowsOf<false>(kernel, rect, bounds, prepared, quantise, false);
     }
 }
 
@@ -73,19 +78,15 @@ void Class_Dithering::diffuseColorPaint(int kernel, const ProcessRect& rect) {
     const DiffusionKernel prepared(DiffusionKernels[static_cast<std::size_t>(kernel)],
                                    TransBits.width());
     const diffusion::Bounds bounds{span.firstColumn, span.firstRow, span.endColumn, span.endRow};
-    Pixel* picture = TransBits.pixels().data();
-    const int width = TransBits.width();
     // The grey indexes all three tables; each channel hands on the grey
     // minus its own table value.
     auto quantise = [&](int r, int g, int b) {
         const auto grey = static_cast<std::size_t>(ditherGrey(r, g, b));
         const int v = static_cast<int>(grey);
         const int nr = LevelTableR[grey], ng = LevelTableG[grey], nb = LevelTableB[grey];
-        return Quantised{nr, ng, nb, v - nr, v - ng, v - nb};
+        return Quantised{v, nr, ng, nb, v - nr, v - ng, v - nb};
     };
-    diffusion::RowDiffusion<false, decltype(quantise)> rows(picture, width, bounds, prepared,
-                                                            quantise);
-    forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
+    rowsOf<false>(kernel, rect, bounds, prepared, quantise, false);
 }
 
 void Class_Dithering::Dither_ErrorDiffuse(std::int16_t filter, std::int16_t left, std::int16_t top,

@@ -30,6 +30,12 @@ using LevelTable = std::array<std::int16_t, 256>;
     return (hundredfold + 50) / 100;
 }
 
+// The same grey from the double sum alone: no branch, so pixel loops that
+// need it can be vectorised.
+[[nodiscard]] inline int ditherGreyFloating(int r, int g, int b) {
+    return roundInRange<int>(0.3 * r + 0.59 * g + 0.11 * b);
+}
+
 // A value limited to the channel range.
 [[nodiscard]] constexpr int toChannel(int value) {
     return value < 0 ? 0 : value > 255 ? 255 : value;

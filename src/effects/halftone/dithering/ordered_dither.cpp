@@ -9,12 +9,12 @@ namespace {
 
 // The output for every (cell position, input value), 256 entries a
 // position. Levels outside 2..8 leave it at 0, so the picture goes black.
-std::vector<std::uint8_t> thresholdTable(std::span<const std::uint8_t> matrix, int scale, int level,
-                                         int levelTwoOffset) {
-    std::vector<std::uint8_t> table(matrix.size() * 256, 0);
+std::vector<std::uint32_t> thresholdTable(std::span<const std::uint8_t> matrix, int scale,
+                                          int level, int levelTwoOffset) {
+    std::vector<std::uint32_t> table(matrix.size() * 256, 0);
     for (std::size_t k = 0; k < matrix.size(); ++k) {
         const int m = matrix[k];
-        std::uint8_t* entries = table.data() + k * 256;
+        std::uint32_t* entries = table.data() + k * 256;
         if (level == 2) {
             const int threshold = wrap16(m * scale + levelTwoOffset);
             for (int v = 0; v < 256; ++v)
@@ -23,7 +23,7 @@ std::vector<std::uint8_t> thresholdTable(std::span<const std::uint8_t> matrix, i
             const ordered::LevelSteps& steps = ordered::StepsByLevel[level - 3];
             const double u = static_cast<double>(scale) / steps.divisor * m;
             for (int v = 0; v < 256; ++v) {
-                std::uint8_t out = steps.outputs[0];
+                std::uint32_t out = steps.outputs[0];
                 if (v >= u) out = steps.outputs[1];
                 for (int i = 0; i < steps.stepCount; ++i) {
                     if (v >= u + steps.steps[i]) out = steps.outputs[i + 2];
@@ -33,6 +33,25 @@ std::vector<std::uint8_t> thresholdTable(std::span<const std::uint8_t> matrix, i
         }
     }
     return table;
+}
+
+// Pixels from..to (inclusive) of a row, the cell column counted from
+// first. The source and result rows are separate arrays and the loop has
+// no branch, so it is vectorised with gathers from the table.
+template <int CellSize, bool Mono>
+void ditherRow(const Pixel* __restrict in, Pixel* __restrict out,
+               const std::uint32_t* __restrict positions, int first, int from, int to) {
+    for (int x = from; x <= to; ++x) {
+        const Pixel p = in[x];
+        const std::uint32_t* entries = positions + ((x - first) & (CellSize - 1)) * 256;
+        std::uint32_t colour;
+        if constexpr (Mono) {
+            colour = entries[ditherGreyFloating(redOf(p), greenOf(p), blueOf(p))] * 0x010101u;
+        } else {
+            colour = entries[redOf(p)] << 16 | entries[greenOf(p)] << 8 | entries[blueOf(p)];
+        }
+        out[x] = (out[x] & 0xFF000000u) | colour;
+    }
 }
 
 } // namespace
@@ -53,7 +72,7 @@ void Class_Dithering::orderedDither(std::int16_t type, std::int16_t adjust, cons
     SetProgressRange(rect.top, rect.bottom);
     if (!arraysReady() || type < 0 || static_cast<std::size_t>(type) >= matrices.size()) return;
     const int scale = wrap16(adjust + (small ? 16 : 4));
-    const std::vector<std::uint8_t> table =
+    const std::vector<std::uint32_t> table =
         thresholdTable(matrices[static_cast<std::size_t>(type)], scale, level, small ? 4 : 2);
     const Span span = spanOf(rect);
     const bool mono = colourMode == 0;
@@ -64,28 +83,18 @@ void Class_Dithering::orderedDither(std::int16_t type, std::int16_t adjust, cons
     // cell's last column, the last row the cell's last row.
     forEachRow(rect, [&](int y, int x0, int x1) {
         const int cellRow = y == span.endRow - 1 ? CellSize - 1 : (y - span.firstRow) % CellSize;
-        const std::uint8_t* positions = table.data() + cellRow * CellSize * 256;
+        const std::uint32_t* positions = table.data() + cellRow * CellSize * 256;
+        const std::uint32_t* lastColumn = positions + (CellSize - 1) * 256;
         const Pixel* in = ImageBits.row(y).data();
         Pixel* out = TransBits.row(y).data();
-        auto dither = [&](int x, const std::uint8_t* entries) {
-            const Pixel p = in[x];
-            const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-            if (mono) {
-                const int v = entries[ditherGrey(r, g, b)];
-                out[x] = withColour(out[x], v, v, v);
-            } else {
-                out[x] = withColour(out[x], entries[r], entries[g], entries[b]);
-            }
-        };
         const int last = x1 - 1;
-        int x = x0;
-        for (; x + CellSize <= last; x += CellSize) {
-            for (int j = 0; j < CellSize; ++j)
-                dither(x + j, positions + j * 256);
+        if (mono) {
+            ditherRow<CellSize, true>(in, out, positions, x0, x0, last - 1);
+            ditherRow<1, true>(in, out, lastColumn, last, last, last);
+        } else {
+            ditherRow<CellSize, false>(in, out, positions, x0, x0, last - 1);
+            ditherRow<1, false>(in, out, lastColumn, last, last, last);
         }
-        for (int j = 0; x < last; ++x, ++j)
-            dither(x, positions + j * 256);
-        dither(last, positions + (CellSize - 1) * 256);
     });
 }
 

@@ -15,55 +15,44 @@ struct Band {
     int value;
 };
 
-struct LevelCase {
-    int level;
-    std::vector<Band> bands;
-};
-
-class LevelBands : public ::testing::TestWithParam<LevelCase> {};
-
-TEST_P(LevelBands, EveryIndexFallsInItsBand) {
-    const LevelTable t = levelTable(static_cast<std::int16_t>(GetParam().level));
-    for (const Band& b : GetParam().bands) {
-        for (int i = b.first; i <= b.last; ++i)
-            ASSERT_EQ(t[static_cast<std::size_t>(i)], b.value) << "index " << i;
+TEST(LevelTable, BandsOfTheRuleStartAtAStep) {
+    // From level 5 up the bands start at 256 / level: no black at all.
+    const std::vector<std::pair<int, std::vector<Band>>> levels{
+        {4, {{0, 42, 0}, {43, 127, 85}, {128, 212, 170}, {213, 255, 255}}},
+        {5, {{0, 25, 51}, {26, 103, 102}, {104, 155, 153}, {156, 207, 204}, {208, 255, 255}}},
+        {6,
+         {{0, 21, 43},
+          {22, 87, 86},
+          {88, 131, 129},
+          {132, 175, 172},
+          {176, 219, 215},
+          {220, 255, 255}}},
+        {7,
+         {{0, 17, 37},
+          {18, 75, 74},
+          {76, 113, 111},
+          {114, 151, 148},
+          {152, 189, 185},
+          {190, 227, 222},
+          {228, 255, 255}}},
+        {8,
+         {{0, 15, 32},
+          {16, 65, 64},
+          {66, 98, 96},
+          {99, 131, 128},
+          {132, 164, 160},
+          {165, 197, 192},
+          {198, 230, 224},
+          {231, 255, 255}}}};
+    for (const auto& [level, bands] : levels) {
+        const LevelTable t = levelTable(static_cast<std::int16_t>(level));
+        for (const Band& b : bands) {
+            for (int i = b.first; i <= b.last; ++i)
+                ASSERT_EQ(t[static_cast<std::size_t>(i)], b.value)
+                    << "level " << level << " index " << i;
+        }
     }
 }
-
-// Levels 5 and above start their bands at 256 / level: no black at all.
-INSTANTIATE_TEST_SUITE_P(
-    Levels, LevelBands,
-    ::testing::Values(
-        LevelCase{2, {{0, 127, 0}, {128, 255, 255}}},
-        LevelCase{3, {{0, 63, 0}, {64, 191, 128}, {192, 255, 255}}},
-        LevelCase{4, {{0, 42, 0}, {43, 127, 85}, {128, 212, 170}, {213, 255, 255}}},
-        LevelCase{5,
-                  {{0, 25, 51}, {26, 103, 102}, {104, 155, 153}, {156, 207, 204}, {208, 255, 255}}},
-        LevelCase{6,
-                  {{0, 21, 43},
-                   {22, 87, 86},
-                   {88, 131, 129},
-                   {132, 175, 172},
-                   {176, 219, 215},
-                   {220, 255, 255}}},
-        LevelCase{7,
-                  {{0, 17, 37},
-                   {18, 75, 74},
-                   {76, 113, 111},
-                   {114, 151, 148},
-                   {152, 189, 185},
-                   {190, 227, 222},
-                   {228, 255, 255}}},
-        LevelCase{8,
-                  {{0, 15, 32},
-                   {16, 65, 64},
-                   {66, 98, 96},
-                   {99, 131, 128},
-                   {132, 164, 160},
-                   {165, 197, 192},
-                   {198, 230, 224},
-                   {231, 255, 255}}}),
-    [](const auto& info) { return "Level" + std::to_string(info.param.level); });
 
 TEST(LevelTable, LevelZeroIsTheOverflowError) {
     EXPECT_THROW((void)levelTable(0), EffectError);

@@ -5,6 +5,7 @@
 #include "engine/raster_step.h"
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/load_dispatch.h"
+#include "platform/qt_picture_decoder.h"
 #include "shell/string_table.h"
 #include "shell/ui/dialogs/dialogs.h"
 #include "shell/ui/frm_document.h"
@@ -18,7 +19,6 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -34,9 +34,11 @@
 #include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTextBrowser>
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
+#include <QtMath>
 #include <algorithm>
 #include <functional>
 
@@ -76,7 +78,8 @@ class MenuProgressSink : public ProgressSink {
   public:
     explicit MenuProgressSink(QAction* item) : item_(item) {}
     void showPercent(int percent) override {
-        if (item_ == nullptr) return;
+        if (item_ == nullptr || percent == shown_) return;
+        shown_ = percent;
         item_->setText(qs(loadProgressCaption(percent)));
         // Repaint only: input waits until the load is done.
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
@@ -84,6 +87,21 @@ class MenuProgressSink : public ProgressSink {
 
   private:
     QAction* item_;
+    int shown_ = -1;
+};
+
+// Hands the decoder a progress sink for the length of one load.
+class DecoderProgress {
+  public:
+    DecoderProgress(QtPictureDecoder& decoder, ProgressSink& sink) : decoder_(decoder) {
+        decoder_.setProgress(&sink);
+    }
+    ~DecoderProgress() { decoder_.setProgress(nullptr); }
+    DecoderProgress(const DecoderProgress&) = delete;
+    DecoderProgress& operator=(const DecoderProgress&) = delete;
+
+  private:
+    QtPictureDecoder& decoder_;
 };
 
 // A status panel that reports clicks.
@@ -104,7 +122,7 @@ QString colourStyle(Rgb8 c) {
 
 } // namespace
 
-FrmMain::FrmMain(KeyValueStore& store, PlatformDecoder& decoder)
+FrmMain::FrmMain(KeyValueStore& store, QtPictureDecoder& decoder)
     : store_(store), decoder_(decoder), runs_(std::make_unique<RunController>(state_)),
       mdiArea_(new QMdiArea) {
     setObjectName("FrmMain");
@@ -117,10 +135,13 @@ FrmMain::FrmMain(KeyValueStore& store, PlatformDecoder& decoder)
     buildToolBar();
     buildStatusBar();
     connect(mdiArea_, &QMdiArea::subWindowActivated, this, [this] { refreshMenus(); });
+    runs_->setOwnerWindow(this);
     connect(runs_.get(), &RunController::runningChanged, this,
             [this](bool running) { setMenusEnabled(!running); });
     connect(runs_.get(), &RunController::finished, this,
-            [this](Document* document, RunOutcome) { onRunFinished(document); });
+            [this](Document* document, RunOutcome, QImage picture) {
+                onRunFinished(document, std::move(picture));
+            });
     refreshMenus();
     refreshStatus();
     applyFontSize();
@@ -184,14 +205,17 @@ void FrmMain::reportSettingsProblems(const std::vector<SettingsProblem>& problem
 void FrmMain::buildFrameMenus() {
     auto* file = new QMenu(res(ids::MenuImage), this);
     file->setObjectName("mnuFile");
-    file->addAction(res(ids::FileOpen), this, &FrmMain::openWithDialog);
-    file->addAction(res(ids::FileNew), this, &FrmMain::newImage);
+    file->addAction(res(ids::FileOpen), QKeySequence(Qt::CTRL | Qt::Key_O), this,
+                    &FrmMain::openWithDialog);
+    file->addAction(res(ids::FileNew), QKeySequence(Qt::CTRL | Qt::Key_N), this,
+                    &FrmMain::newImage);
     file->addSeparator();
     file->addAction(res(ids::FileCapture))->setEnabled(false);
     file->addSeparator();
     file->addAction(res(ids::FileViewer))->setEnabled(false);
     file->addSeparator();
-    file->addAction(res(ids::FileExit), this, &QWidget::close);
+    file->addAction(res(ids::FileExit), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close)
+        ->setObjectName("FileExit");
     frameHistorySeparator_ = file->addSeparator();
     for (int i = 0; i < static_cast<int>(LoadHistory::Size); ++i) {
         QAction* row = file->addAction(QString());
@@ -202,8 +226,8 @@ void FrmMain::buildFrameMenus() {
 
     auto* edit = new QMenu(res(ids::MenuEdit), this);
     edit->setObjectName("mnuEdit");
-    edit->addAction(res(ids::EditFinalLoad), this, &FrmMain::openFinalLoadImage)
-        ->setObjectName("mnueditfinalloadnewopen");
+    frameFinalLoad_ = edit->addAction(res(ids::EditFinalLoad), this, &FrmMain::openFinalLoadImage);
+    frameFinalLoad_->setObjectName("mnueditfinalloadnewopen");
     edit->addAction(res(ids::EditPasteClipboard))->setEnabled(false);
     edit->addAction(res(ids::EditClipboardClear))->setEnabled(false);
     edit->addAction(res(ids::EditHistoryClear), this, &FrmMain::clearHistory)
@@ -231,7 +255,7 @@ void FrmMain::buildFrameMenus() {
 
     auto* help = new QMenu(res(ids::MenuHelp), this);
     help->setObjectName("MnuHelp");
-    help->addAction(res(ids::HelpContents), this, &FrmMain::showHelp);
+    help->addAction(res(ids::HelpContents), QKeySequence(Qt::Key_F1), this, &FrmMain::showHelp);
     help->addAction(res(ids::HelpAbout), this, &FrmMain::showAbout);
 
     frameMenus_ = {file, edit, view, help};
@@ -283,11 +307,16 @@ void FrmMain::buildToolBar() {
         const QString key = toolKey(tool.base);
         QAction* button =
             tbToolBar->addAction(style()->standardIcon(tool.icon), res(tool.base + 1));
-        button->setToolTip(res(tool.base + 1));
+        button->setObjectName(QString("Tool%1").arg(tool.base));
         button->setData(key);
-        // Print, clipboard, area tools, capture, viewer and browser come with their tools.
-        button->setEnabled(routeToolButton(key, false));
+        // Print, clipboard, area tools, capture, viewer and browser come with
+        // their tools; until then they say so, as unavailable effects do.
+        const bool available = routeToolButton(key, false);
+        button->setEnabled(available);
+        button->setToolTip(available ? res(tool.base + 1)
+                                     : res(tool.base + 1) + "\n" + res(ids::NotAvailableYet));
         connect(button, &QAction::triggered, this, [this, key] { routeToolButton(key, true); });
+        if (tool.base == 3488) toolUndo_ = button;
     }
 }
 
@@ -327,10 +356,24 @@ void FrmMain::buildStatusBar() {
     toolPanel_ = makePanel("ToolPanel");
     backColorPanel_ = makePanel("BackColorPanel");
     drawingColorPanel_ = makePanel("DrawingColorPanel");
+    // Beside the panels above: what the last command did, and the picture
+    // under the pointer, its size and its zoom.
+    messagePanel_ = new QLabel;
+    messagePanel_->setObjectName("MessagePanel");
+    statusBar()->addWidget(messagePanel_, 1);
+    auto permanent = [this](const char* name) {
+        auto* panel = new QLabel;
+        panel->setObjectName(name);
+        statusBar()->addPermanentWidget(panel);
+        return panel;
+    };
+    pointerPanel_ = permanent("PointerPanel");
+    sizePanel_ = permanent("SizePanel");
+    zoomPanel_ = permanent("ZoomPanel");
 }
 
 bool FrmMain::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease && state_.ProcessingFlag == 0) {
+    if (event->type() == QEvent::MouseButtonRelease && !busy()) {
         // A click steps a flag, wrapping after 10, or opens the colour dialog.
         if (watched == calculationPanel_) {
             state_.flags.calculationFlag = (state_.flags.calculationFlag + 1) % 11;
@@ -387,6 +430,74 @@ void FrmMain::refreshMenus() {
         menuBar()->addMenu(m);
     menuBar()->addAction(doc != nullptr ? doc->progressItem() : frameProgress_);
     setMenusEnabled(!runs_->running());
+    refreshCommands();
+    refreshPicturePanels();
+}
+
+bool FrmMain::busy() const {
+    return runs_->running();
+}
+
+bool FrmMain::busyWith(const FrmDocument& document) const {
+    return runs_->running() && runs_->document() == &document.document();
+}
+
+void FrmMain::refreshCommands() {
+    const std::uint8_t count = state_.undo.UndoCount();
+    QString name;
+    if (count > 0 && state_.undo.slot(0)) name = qs(state_.undo.slot(0)->nameLabel);
+    // The stack is global: the caption tells whose picture comes back.
+    const QString caption =
+        name.isEmpty() ? res(ids::EditUndo) : res(ids::EditUndo) + " (" + name + ")";
+    for (FrmDocument* doc : documents()) {
+        doc->undoAction()->setEnabled(count > 0);
+        doc->undoAction()->setText(caption);
+        doc->finalLoadAction()->setEnabled(imageLoaded_);
+    }
+    frameFinalLoad_->setEnabled(imageLoaded_);
+    if (toolUndo_ != nullptr) {
+        toolUndo_->setEnabled(count > 0 && activeDocument() != nullptr);
+        toolUndo_->setToolTip(name.isEmpty() ? res(3489) : res(3489) + " (" + name + ")");
+    }
+}
+
+void FrmMain::refreshPicturePanels() {
+    const FrmDocument* doc = activeDocument();
+    if (doc == nullptr) {
+        sizePanel_->clear();
+        zoomPanel_->clear();
+        pointerPanel_->clear();
+        return;
+    }
+    const Surface& picture = doc->document().picture;
+    sizePanel_->setText(res(ids::StatusSize).arg(picture.width()).arg(picture.height()));
+    const double percent = const_cast<FrmDocument*>(doc)->zoom() * 100.0;
+    zoomPanel_->setText(
+        res(ids::StatusZoom).arg(QString::number(percent, 'f', percent < 10 ? 1 : 0)));
+}
+
+void FrmMain::showPointer(const FrmDocument& document, QPoint pixel) {
+    // The screen's copy of the picture: the model may be in a run's hands.
+    const QImage& shown = const_cast<FrmDocument&>(document).pictureView().image();
+    if (!shown.rect().contains(pixel)) {
+        clearPointer();
+        return;
+    }
+    const QRgb c = shown.pixel(pixel);
+    pointerPanel_->setText(res(ids::StatusPointer)
+                               .arg(pixel.x())
+                               .arg(pixel.y())
+                               .arg(qRed(c))
+                               .arg(qGreen(c))
+                               .arg(qBlue(c)));
+}
+
+void FrmMain::clearPointer() {
+    pointerPanel_->clear();
+}
+
+QString FrmMain::statusMessage() const {
+    return messagePanel_->text();
 }
 
 void FrmMain::setMenusEnabled(bool enable) {
@@ -428,13 +539,38 @@ void FrmMain::ApplyRegulation() {
     arrange(settings_.AutoRegulation);
 }
 
-void FrmMain::arrange(int mode) {
-    if (mode == 1) {
-        mdiArea_->cascadeSubWindows();
-        return;
+namespace {
+
+// The offset from one window of a cascade to the next: its title bar.
+int cascadeStep(const QMdiArea& area) {
+    return std::max(16, area.style()->pixelMetric(QStyle::PM_TitleBarHeight) + 4);
+}
+
+// A document window's size when it shows its whole picture.
+QSize wholePictureSize(QMdiSubWindow& sub) {
+    auto* doc = qobject_cast<FrmDocument*>(sub.widget());
+    if (doc == nullptr) return sub.size();
+    const QSize frame = sub.size() - sub.widget()->size();
+    return doc->pictureView().size() + frame + QSize(4, 4);
+}
+
+} // namespace
+
+QPoint FrmMain::nextWindowPlace(QSize size, const QMdiSubWindow* placed) const {
+    const QSize room = mdiArea_->viewport()->size();
+    const int step = cascadeStep(*mdiArea_);
+    int others = 0;
+    for (QMdiSubWindow* sub : mdiArea_->subWindowList()) {
+        if (sub != placed && sub->isVisible()) ++others;
     }
-    if (mode != 2 && mode != 3) return;
-    // Tiled across: one above the other, full width; tiled down: side by side.
+    // As many places down the diagonal as keep the whole window inside.
+    const int places = 1 + std::max(0, std::min((room.width() - size.width()) / step,
+                                                (room.height() - size.height()) / step));
+    const int place = others % places;
+    return {place * step, place * step};
+}
+
+void FrmMain::arrange(int mode) {
     QList<QMdiSubWindow*> windows;
     for (QMdiSubWindow* sub : mdiArea_->subWindowList()) {
         if (sub->isVisible() && !sub->isMinimized()) windows.append(sub);
@@ -442,6 +578,30 @@ void FrmMain::arrange(int mode) {
     if (windows.isEmpty()) return;
     const QSize room = mdiArea_->viewport()->size();
     const int n = static_cast<int>(windows.size());
+    if (mode == 1) {
+        // Cascade: each window as large as its picture wants, at least half
+        // the workspace where that much is wanted, and whole inside it; the
+        // active window comes last, on top.
+        if (QMdiSubWindow* active = mdiArea_->activeSubWindow(); windows.removeOne(active)) {
+            windows.append(active);
+        }
+        const int step = cascadeStep(*mdiArea_);
+        const QSize least = room / 2;
+        const int places = 1 + std::max(0, std::min((room.width() - least.width()) / step,
+                                                    (room.height() - least.height()) / step));
+        for (int i = 0; i < n; ++i) {
+            QMdiSubWindow* sub = windows[i];
+            sub->showNormal();
+            const QPoint at((i % places) * step, (i % places) * step);
+            const QSize size = wholePictureSize(*sub).boundedTo(
+                QSize(room.width() - at.x(), room.height() - at.y()));
+            sub->setGeometry(QRect(at, size));
+            sub->raise();
+        }
+        return;
+    }
+    if (mode != 2 && mode != 3) return;
+    // Tiled across: one above the other, full width; tiled down: side by side.
     for (int i = 0; i < n; ++i) {
         windows[i]->showNormal();
         if (mode == 2) {
@@ -469,32 +629,34 @@ FrmDocument* FrmMain::makeDocument() {
     auto* doc = new FrmDocument(*this);
     QMdiSubWindow* sub = mdiArea_->addSubWindow(doc);
     sub->setAttribute(Qt::WA_DeleteOnClose);
+    connect(&doc->pictureView(), &PictureView::pointerMoved, this,
+            [this, doc](QPoint pixel) { showPointer(*doc, pixel); });
+    connect(&doc->pictureView(), &PictureView::pointerLeft, this, &FrmMain::clearPointer);
+    connect(doc, &FrmDocument::zoomChanged, this, &FrmMain::refreshPicturePanels);
     ++documentCount_;
     return doc;
 }
 
-namespace {
-
-// The window follows the picture's size, within the frame's client area.
-void fitNewDocument(QMdiArea& area, FrmDocument& doc) {
-    QMdiSubWindow* sub = qobject_cast<QMdiSubWindow*>(doc.parentWidget());
+void FrmMain::placeNewDocument(FrmDocument& doc) {
+    QMdiSubWindow* sub = doc.subWindow();
     if (sub == nullptr) return;
-    const QSize picture = doc.pictureView().size();
-    const QSize frame = sub->size() - sub->widget()->size();
-    const QSize wanted = picture + frame + QSize(4, 4);
-    const QSize room = area.viewport()->size();
-    sub->resize(std::min(wanted.width(), room.width()), std::min(wanted.height(), room.height()));
+    // The window follows the picture's size, within the frame's client area,
+    // and opens at the next place of a cascade that keeps it whole inside.
+    sub->show();
+    const QSize size = wholePictureSize(*sub).boundedTo(mdiArea_->viewport()->size());
+    sub->setGeometry(QRect(nextWindowPlace(size, sub), size));
 }
 
-} // namespace
-
 FrmDocument* FrmMain::openFile(const QString& path) {
-    if (path.isEmpty() || !CheckWindowLimit()) return nullptr;
+    if (path.isEmpty() || busy() || !CheckWindowLimit()) return nullptr;
     FrmDocument* doc = makeDocument();
     doc->setPath(path);
     std::optional<Surface> picture;
+    // The new document's progress entry stands in the menu bar while it loads.
+    menuBar()->addAction(doc->progressItem());
     try {
         MenuProgressSink sink(doc->progressItem());
+        const DecoderProgress decoderProgress(decoder_, sink);
         QApplication::setOverrideCursor(Qt::WaitCursor);
         picture = LoadImageFile(path.toStdString(), &decoder_, &sink);
         QApplication::restoreOverrideCursor();
@@ -506,7 +668,8 @@ FrmDocument* FrmMain::openFile(const QString& path) {
         box.setDetailedText(qs(error.detail()));
         box.exec();
         // The document that was to hold it goes again; the others stay as they were.
-        doc->parentWidget()->close();
+        doc->closeWindow();
+        refreshMenus();
         return nullptr;
     }
     doc->progressItem()->setText(QString());
@@ -518,8 +681,7 @@ FrmDocument* FrmMain::openFile(const QString& path) {
     finalLoadName_ = doc->document().nameLabel;
     imageLoaded_ = true;
     doc->refreshPicture();
-    doc->parentWidget()->show();
-    fitNewDocument(*mdiArea_, *doc);
+    placeNewDocument(*doc);
     ApplyRegulation();
     settings_.history.add(path.toStdString());
     settings_.OpenFolder = QFileInfo(path).absolutePath().toStdString();
@@ -536,7 +698,7 @@ void FrmMain::openCommandLine(const QString& commandLine) {
 }
 
 void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) {
-    if (state_.ProcessingFlag == 1) return;
+    if (busy()) return;
     Document& model = document.document();
     if (model.ToolsFlag == 4 || model.ToolsFlag == 2) model.ToolsFlag = 3;
     // The forms are loaded afresh for every effect.
@@ -549,6 +711,7 @@ void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) 
 }
 
 void FrmMain::openWithDialog() {
+    if (busy()) return;
     QString start;
     if (settings_.OpenFolder != LoadHistory::Empty) start = qs(settings_.OpenFolder);
     const QString path =
@@ -557,7 +720,7 @@ void FrmMain::openWithDialog() {
 }
 
 void FrmMain::newImage() {
-    if (!CheckWindowLimit()) return;
+    if (busy() || !CheckWindowLimit()) return;
     const std::optional<NewImageRequest> request = showCreateDialog(settings_, this);
     if (!request) return;
     FrmDocument* doc = makeDocument();
@@ -566,20 +729,24 @@ void FrmMain::newImage() {
     doc->document().nameLabel = request->name.toStdString();
     doc->setWindowTitle(request->name);
     doc->refreshPicture();
-    doc->parentWidget()->show();
-    fitNewDocument(*mdiArea_, *doc);
+    placeNewDocument(*doc);
     refreshMenus();
 }
 
 void FrmMain::saveDocument(FrmDocument& doc) {
-    const QString suggested = qs(doc.document().caption());
+    if (busy()) return;
+    QString folder = qs(doc.document().folderLabel);
+    if (folder.isEmpty() && settings_.OpenFolder != LoadHistory::Empty) {
+        folder = qs(settings_.OpenFolder) + "/";
+    }
+    const QString suggested = proposedSaveName(folder, qs(doc.document().nameLabel));
     frm_PictureSave dialog(doc.document().picture, suggested, settings_.FontSize, this);
     dialog.exec();
     if (!dialog.savedPath().isEmpty()) doc.setPath(dialog.savedPath());
 }
 
 void FrmMain::undo(FrmDocument& doc) {
-    if (state_.undo.UndoCount() == 0) return;
+    if (busy() || state_.undo.UndoCount() == 0) return;
     try {
         state_.undo.PopUndo(doc.document());
     } catch (...) {
@@ -588,23 +755,27 @@ void FrmMain::undo(FrmDocument& doc) {
     }
     doc.setWindowTitle(qs(doc.document().caption()));
     doc.refreshPicture();
+    messagePanel_->setText(res(ids::StatusUndone).arg(qs(doc.document().nameLabel)));
+    refreshCommands();
+    refreshPicturePanels();
 }
 
 void FrmMain::releaseUndo() {
+    if (busy()) return;
     state_.undo.release();
+    refreshCommands();
     QMessageBox::information(this, res(ids::EditUndoRelease), res(ids::Done));
 }
 
 void FrmMain::openFinalLoadImage() {
-    if (!imageLoaded_ || !CheckWindowLimit()) return;
+    if (busy() || !imageLoaded_ || !CheckWindowLimit()) return;
     FrmDocument* doc = makeDocument();
     doc->document().picture = state_.keep.FinalLoadImage;
     doc->document().folderLabel = finalLoadFolder_;
     doc->document().nameLabel = finalLoadName_;
     doc->setWindowTitle(qs(doc->document().caption()));
     doc->refreshPicture();
-    doc->parentWidget()->show();
-    fitNewDocument(*mdiArea_, *doc);
+    placeNewDocument(*doc);
     refreshMenus();
 }
 
@@ -651,6 +822,7 @@ void FrmMain::showOptions() {
     state_.undo.setMaxUndoCount(edited.MaxUndoCount);
     applyFontSize();
     refreshStatus();
+    refreshCommands();
 }
 
 void FrmMain::showColorSet() {
@@ -674,12 +846,25 @@ void FrmMain::showPictureInfo(FrmDocument& doc) {
 }
 
 void FrmMain::showHelp() {
-    const QString help = QCoreApplication::applicationDirPath() + "/help/index.html";
-    if (!QFileInfo::exists(help)) {
+    // A window of the editor's own, so help shows on any desktop.
+    const QUrl help("qrc:/help/index.html");
+    if (!QFileInfo::exists(":/help/index.html")) {
         QMessageBox::warning(this, res(ids::ErrorTitle), res(ids::HelpMissing));
         return;
     }
-    QDesktopServices::openUrl(QUrl::fromLocalFile(help));
+    if (!helpWindow_) {
+        helpWindow_ = new QTextBrowser(this);
+        helpWindow_->setObjectName("HelpWindow");
+        helpWindow_->setWindowFlag(Qt::Window);
+        helpWindow_->setAttribute(Qt::WA_DeleteOnClose);
+        helpWindow_->setOpenExternalLinks(true);
+        helpWindow_->setSource(help);
+        helpWindow_->setWindowTitle(helpWindow_->documentTitle());
+        helpWindow_->resize(720, 600);
+    }
+    helpWindow_->show();
+    helpWindow_->raise();
+    helpWindow_->activateWindow();
 }
 
 void FrmMain::showAbout() {
@@ -699,13 +884,19 @@ bool FrmMain::runEffect(FrmDocument& doc, EffectBody body, RunOptions options) {
                         settings_.ProcessBarType, options);
 }
 
-void FrmMain::onRunFinished(Document* document) {
+void FrmMain::onRunFinished(Document* document, QImage picture) {
     for (FrmDocument* doc : documents()) {
         if (&doc->document() == document) {
             doc->setWindowTitle(qs(document->caption()));
-            doc->refreshPicture();
+            if (picture.isNull()) {
+                doc->refreshPicture();
+            } else {
+                doc->showPicture(std::move(picture));
+            }
         }
     }
+    refreshCommands();
+    refreshPicturePanels();
 }
 
 void FrmMain::documentClosed(FrmDocument* document) {
@@ -717,8 +908,8 @@ void FrmMain::documentClosed(FrmDocument* document) {
 }
 
 void FrmMain::closeEvent(QCloseEvent* event) {
-    if (state_.ProcessingFlag == 1) {
-        event->ignore();
+    if (closing_) {
+        event->accept();
         return;
     }
     const auto answer = QMessageBox::question(this, res(ids::ExitTitle), res(ids::ExitQuestion),
@@ -728,9 +919,19 @@ void FrmMain::closeEvent(QCloseEvent* event) {
         return;
     }
     closing_ = true;
+    // A run in progress is cancelled and ends its current row first, so the
+    // document is as it was before the run when the settings are written.
+    if (runs_->running()) {
+        runs_->cancel();
+        runs_->waitForEnd();
+    }
+    // Windows of their own that would otherwise keep the program alive.
+    if (effectDialog_) effectDialog_->close();
+    if (helpWindow_) helpWindow_->close();
     mdiArea_->closeAllSubWindows();
     writeSettings();
     event->accept();
+    emit exited();
 }
 
 void FrmMain::dragEnterEvent(QDragEnterEvent* event) {
@@ -738,6 +939,7 @@ void FrmMain::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void FrmMain::dropEvent(QDropEvent* event) {
+    if (busy()) return;
     for (const QUrl& url : event->mimeData()->urls()) {
         if (url.isLocalFile()) openFile(url.toLocalFile());
     }

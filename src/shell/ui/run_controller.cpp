@@ -2,6 +2,7 @@
 
 #include "shell/string_table.h"
 #include "shell/ui/frm_progress.h"
+#include "shell/ui/surface_image.h"
 #include "shell/ui/ui_text.h"
 
 #include <QApplication>
@@ -14,6 +15,9 @@ class RunController::Sink : public ProgressSink {
   public:
     explicit Sink(RunController& owner) : owner_(owner) {}
     void showPercent(int percent) override {
+        // One queued call per change of the shown value, not per row.
+        if (percent == last_) return;
+        last_ = percent;
         QMetaObject::invokeMethod(
             &owner_,
             [this, percent] {
@@ -24,6 +28,7 @@ class RunController::Sink : public ProgressSink {
 
   private:
     RunController& owner_;
+    int last_ = -1;
 };
 
 RunController::RunController(ProgramState& state, QObject* parent)
@@ -34,47 +39,78 @@ RunController::~RunController() {
         state_.cancelFlag = 1;
         worker_.join();
     }
+    if (progress_) progress_->end();
 }
 
 bool RunController::start(Document& document, EffectBody body, int fontSize, bool marqueeBar,
                           RunOptions options) {
-    if (running() || state_.ProcessingFlag == 1) return false;
+    if (active_ || state_.ProcessingFlag == 1) return false;
+    active_ = true;
     document_ = &document;
-    run_ = std::make_unique<EffectRun>(state_, document, options);
+    cancelRequested_ = false;
+    state_.cancelFlag = 0;
+    state_.ProcessingFlag = 1;
     sink_ = std::make_unique<Sink>(*this);
     if (state_.ProgressFlag == 1) {
-        progress_ = new frm_Progress(state_.cancelFlag, marqueeBar, fontSize);
+        progress_ = new frm_Progress(state_.cancelFlag, marqueeBar, fontSize, owner_);
         progress_->setAttribute(Qt::WA_DeleteOnClose);
+        connect(progress_, &frm_Progress::cancelRequested, this, &RunController::cancel);
         progress_->show();
         progress_->raise();
     }
+    // The window shows and the menus go off before the first copy.
     emit runningChanged(true);
-    worker_ = std::thread([this, body = std::move(body)] {
-        run_->execute(body, sink_.get());
-        QMetaObject::invokeMethod(this, &RunController::complete, Qt::QueuedConnection);
+    worker_ = std::thread([this, &document, options, body = std::move(body)] {
+        run_ = std::make_unique<EffectRun>(state_, document, options);
+        // A cancel pressed while the copies were made is not lost to the
+        // run's own reset of the flag.
+        if (cancelRequested_) run_->context().requestCancel();
+        if (!run_->context().cancelled()) run_->execute(body, sink_.get());
+        QMetaObject::invokeMethod(this, &RunController::bodyDone, Qt::QueuedConnection);
     });
     return true;
 }
 
-void RunController::complete() {
-    if (!run_) return;
+void RunController::cancel() {
+    if (!active_) return;
+    cancelRequested_ = true;
+    state_.cancelFlag = 1;
+}
+
+void RunController::joinWorker() {
     if (worker_.joinable()) worker_.join();
+}
+
+void RunController::bodyDone() {
+    joinWorker();
+    if (!run_) return;
     // The effects' handlers show their messages before the run ends.
     for (const EffectError& failure : run_->failures()) {
-        QMessageBox::warning(nullptr, qs(errorTitle(failure.number())), qs(failure.description()));
+        QMessageBox::warning(owner_, qs(errorTitle(failure.number())), qs(failure.description()));
     }
-    const RunOutcome outcome = run_->finish();
-    if (progress_) progress_->close();
-    run_.reset();
+    worker_ = std::thread([this] {
+        outcome_ = run_->finish();
+        run_.reset();
+        picture_ = toQImage(document_->picture);
+        QMetaObject::invokeMethod(this, &RunController::finishDone, Qt::QueuedConnection);
+    });
+}
+
+void RunController::finishDone() {
+    joinWorker();
+    if (progress_) progress_->end();
     sink_.reset();
     Document* document = document_;
     document_ = nullptr;
+    QImage picture = std::move(picture_);
+    picture_ = QImage();
+    active_ = false;
     emit runningChanged(false);
-    emit finished(document, outcome);
+    emit finished(document, outcome_, std::move(picture));
 }
 
 void RunController::waitForEnd() {
-    while (running()) {
+    while (active_) {
         QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     }
 }

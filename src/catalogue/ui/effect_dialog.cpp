@@ -125,8 +125,11 @@ void EffectDialog::buildControls() {
         // The change event fires at the end of a movement, not while dragging.
         bar->setTracking(false);
         bar->setMinimumWidth(160);
-        // Arrow and page keys step the slider as its arrows and trough do.
+        // Arrow and page keys step the slider as its arrows and trough do;
+        // right, up and page up raise the value, as on any value slider
+        // (a scroll bar would invert them).
         bar->setFocusPolicy(Qt::StrongFocus);
+        bar->setInvertedControls(false);
         sliders_[n - 1] = bar;
         // A typed value moves the slider, whose change event does the rest;
         // it counts once the typing is done, not at each digit.

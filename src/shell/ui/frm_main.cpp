@@ -31,6 +31,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPainter>
 #include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
@@ -293,6 +294,23 @@ constexpr ToolButton ToolButtons[] = {
     {4136, QStyle::SP_DialogHelpButton},
 };
 
+// A button's icon with a faded image for its disabled state, so that a
+// button without a command reads as off whatever the style draws.
+QIcon fadedWhenDisabled(const QIcon& icon, QSize size) {
+    const QPixmap normal = icon.pixmap(size);
+    QPixmap faded(normal.size());
+    faded.setDevicePixelRatio(normal.devicePixelRatio());
+    faded.fill(Qt::transparent);
+    QPainter painter(&faded);
+    painter.setOpacity(0.3);
+    painter.drawPixmap(0, 0, normal);
+    painter.end();
+    QIcon result;
+    result.addPixmap(normal, QIcon::Normal);
+    result.addPixmap(faded, QIcon::Disabled);
+    return result;
+}
+
 QString toolKey(int base) {
     return QString("LoadResString(%1 + Language)").arg(base);
 }
@@ -305,8 +323,9 @@ void FrmMain::buildToolBar() {
     for (const ToolButton& tool : ToolButtons) {
         // The keys are opaque literals that the click handler compares.
         const QString key = toolKey(tool.base);
-        QAction* button =
-            tbToolBar->addAction(style()->standardIcon(tool.icon), res(tool.base + 1));
+        QAction* button = tbToolBar->addAction(
+            fadedWhenDisabled(style()->standardIcon(tool.icon), tbToolBar->iconSize()),
+            res(tool.base + 1));
         button->setObjectName(QString("Tool%1").arg(tool.base));
         button->setData(key);
         // Print, clipboard, area tools, capture, viewer and browser come with
@@ -629,6 +648,15 @@ FrmDocument* FrmMain::makeDocument() {
     auto* doc = new FrmDocument(*this);
     QMdiSubWindow* sub = mdiArea_->addSubWindow(doc);
     sub->setAttribute(Qt::WA_DeleteOnClose);
+    // The document's close entry carries Ctrl+W and Ctrl+F4; the child
+    // window's own menu giving them too would make both keys ambiguous.
+    if (QMenu* system = sub->systemMenu()) {
+        for (QAction* action : system->actions()) {
+            for (const QKeySequence& key : doc->closeAction()->shortcuts()) {
+                if (action->shortcuts().contains(key)) action->setShortcuts({});
+            }
+        }
+    }
     connect(&doc->pictureView(), &PictureView::pointerMoved, this,
             [this, doc](QPoint pixel) { showPointer(*doc, pixel); });
     connect(&doc->pictureView(), &PictureView::pointerLeft, this, &FrmMain::clearPointer);

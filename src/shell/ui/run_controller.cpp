@@ -61,11 +61,19 @@ bool RunController::start(Document& document, EffectBody body, int fontSize, boo
     // The window shows and the menus go off before the first copy.
     emit runningChanged(true);
     worker_ = std::thread([this, &document, options, body = std::move(body)] {
-        run_ = std::make_unique<EffectRun>(state_, document, options);
-        // A cancel pressed while the copies were made is not lost to the
-        // run's own reset of the flag.
-        if (cancelRequested_) run_->context().requestCancel();
-        if (!run_->context().cancelled()) run_->execute(body, sink_.get());
+        try {
+            run_ = std::make_unique<EffectRun>(state_, document, options);
+        } catch (const EffectError& error) {
+            startFailure_ = error;
+        } catch (const std::bad_alloc&) {
+            startFailure_ = EffectError::outOfMemory();
+        }
+        if (run_) {
+            // A cancel pressed while the copies were made is not lost to the
+            // run's own reset of the flag.
+            if (cancelRequested_) run_->context().requestCancel();
+            if (!run_->context().cancelled()) run_->execute(body, sink_.get());
+        }
         QMetaObject::invokeMethod(this, &RunController::bodyDone, Qt::QueuedConnection);
     });
     return true;
@@ -83,7 +91,20 @@ void RunController::joinWorker() {
 
 void RunController::bodyDone() {
     joinWorker();
-    if (!run_) return;
+    if (!run_) {
+        // The frame itself failed before the first row (no memory for the
+        // copies): the message, and the editor back as it was.
+        if (startFailure_) {
+            QMessageBox::warning(owner_, qs(errorTitle(startFailure_->number())),
+                                 qs(startFailure_->description()));
+        }
+        startFailure_.reset();
+        state_.ProcessingFlag = 0;
+        state_.cancelFlag = 0;
+        outcome_ = RunOutcome::Cancelled;
+        finishDone();
+        return;
+    }
     // The effects' handlers show their messages before the run ends.
     for (const EffectError& failure : run_->failures()) {
         QMessageBox::warning(owner_, qs(errorTitle(failure.number())), qs(failure.description()));
@@ -91,7 +112,11 @@ void RunController::bodyDone() {
     worker_ = std::thread([this] {
         outcome_ = run_->finish();
         run_.reset();
-        picture_ = toQImage(document_->picture);
+        try {
+            picture_ = toQImage(document_->picture);
+        } catch (const std::bad_alloc&) {
+            picture_ = QImage(); // the frame converts it again, or shows what it has
+        }
         QMetaObject::invokeMethod(this, &RunController::finishDone, Qt::QueuedConnection);
     });
 }

@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <thread>
 
 class QWidget;
@@ -62,6 +63,7 @@ class RunController : public QObject {
     std::atomic<bool> cancelRequested_{false};
     std::unique_ptr<EffectRun> run_; // made and ended on the worker
     std::unique_ptr<Sink> sink_;
+    std::optional<EffectError> startFailure_;
     RunOutcome outcome_ = RunOutcome::Applied;
     QImage picture_;
     std::thread worker_;

@@ -523,7 +523,7 @@ class FrameTest : public QObject {
         FrmMain frame(store, decoder_);
         frame.resize(900, 700);
         frame.show();
-        const QString path = writePicture("many.bmp", gradient(200, 150));
+        const QString path = writePicture("many.bmp", gradient(320, 240));
         const QRect workspace = frame.workspace().viewport()->rect();
         for (int i = 0; i < 12; ++i) {
             FrmDocument* doc = frame.openFile(path);
@@ -533,7 +533,7 @@ class FrameTest : public QObject {
         for (FrmDocument* doc : frame.documents()) {
             QVERIFY(workspace.contains(doc->subWindow()->geometry()));
             const QSize shown = doc->basicArea().viewport()->size();
-            QVERIFY2(shown.width() >= 200 && shown.height() >= 150,
+            QVERIFY2(shown.width() >= 320 && shown.height() >= 240,
                      qPrintable(QString("%1x%2").arg(shown.width()).arg(shown.height())));
         }
     }

@@ -12,6 +12,7 @@
 #include "shell/ui/frm_picture_save.h"
 #include "shell/ui/picture_view.h"
 #include "shell/ui/run_controller.h"
+#include "shell/ui/surface_image.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
 
@@ -22,6 +23,7 @@
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -41,7 +43,9 @@
 #include <QUrl>
 #include <QtMath>
 #include <algorithm>
+#include <exception>
 #include <functional>
+#include <thread>
 
 namespace lumiran {
 namespace {
@@ -74,23 +78,6 @@ QStringList folderPattern() {
             "*.pcx", "*.ppm", "*.tga", "*.jpg", "*.gif", "*.pcd"};
 }
 
-// Shows the load percentage in a document's progress entry while the reader runs.
-class MenuProgressSink : public ProgressSink {
-  public:
-    explicit MenuProgressSink(QAction* item) : item_(item) {}
-    void showPercent(int percent) override {
-        if (item_ == nullptr || percent == shown_) return;
-        shown_ = percent;
-        item_->setText(qs(loadProgressCaption(percent)));
-        // Repaint only: input waits until the load is done.
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-    }
-
-  private:
-    QAction* item_;
-    int shown_ = -1;
-};
-
 // Hands the decoder a progress sink for the length of one load.
 class DecoderProgress {
   public:
@@ -104,6 +91,58 @@ class DecoderProgress {
   private:
     QtPictureDecoder& decoder_;
 };
+
+// Shows the load percentage in a document's progress entry; the reader runs
+// on a worker thread, the entry lives on the GUI thread.
+class MenuProgressSink : public ProgressSink {
+  public:
+    explicit MenuProgressSink(QAction* item) : item_(item) {}
+    void showPercent(int percent) override {
+        if (percent == shown_) return;
+        shown_ = percent;
+        QMetaObject::invokeMethod(
+            item_, [item = item_, percent] { item->setText(qs(loadProgressCaption(percent))); },
+            Qt::QueuedConnection);
+    }
+
+  private:
+    QAction* item_;
+    int shown_ = -1;
+};
+
+// What a load hands back: the picture, its copy for FinalLoadImage and its
+// image for the screen, all made on the worker.
+struct LoadedPicture {
+    std::optional<Surface> picture;
+    Surface finalLoadCopy;
+    QImage shown;
+    std::exception_ptr failure;
+};
+
+// Reads the file on a worker thread while the GUI thread repaints; input
+// waits until the load is done, as it always has.
+LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, QAction* progressItem) {
+    LoadedPicture loaded;
+    MenuProgressSink sink(progressItem);
+    const DecoderProgress decoderProgress(decoder, sink);
+    QEventLoop wait;
+    std::thread worker([&] {
+        try {
+            loaded.picture = LoadImageFile(path.toStdString(), &decoder, &sink);
+            if (loaded.picture) {
+                loaded.finalLoadCopy = *loaded.picture;
+                loaded.shown = toQImage(*loaded.picture);
+            }
+        } catch (...) {
+            loaded.failure = std::current_exception();
+        }
+        QMetaObject::invokeMethod(&wait, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    wait.exec(QEventLoop::ExcludeUserInputEvents);
+    worker.join();
+    return loaded;
+}
+
 
 // A status panel that reports clicks.
 class StatusPanel : public QLabel {
@@ -679,36 +718,45 @@ FrmDocument* FrmMain::openFile(const QString& path) {
     if (path.isEmpty() || busy() || !CheckWindowLimit()) return nullptr;
     FrmDocument* doc = makeDocument();
     doc->setPath(path);
-    std::optional<Surface> picture;
     // The new document's progress entry stands in the menu bar while it loads.
     menuBar()->addAction(doc->progressItem());
-    try {
-        MenuProgressSink sink(doc->progressItem());
-        const DecoderProgress decoderProgress(decoder_, sink);
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-        picture = LoadImageFile(path.toStdString(), &decoder_, &sink);
-        QApplication::restoreOverrideCursor();
-    } catch (const ImageLoadError& error) {
-        QApplication::restoreOverrideCursor();
-        doc->progressItem()->setText(QString());
-        QMessageBox box(QMessageBox::Warning, qs(errorTitle(error.number())),
-                        qs(error.description()), QMessageBox::Ok, this);
-        box.setDetailedText(qs(error.detail()));
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    LoadedPicture loaded = loadOnWorker(path, decoder_, doc->progressItem());
+    QApplication::restoreOverrideCursor();
+    QCoreApplication::sendPostedEvents(doc->progressItem());
+    doc->progressItem()->setText(QString());
+    if (loaded.failure) {
+        std::optional<ImageLoadError> failure;
+        try {
+            std::rethrow_exception(loaded.failure);
+        } catch (const ImageLoadError& error) {
+            failure = error;
+        } catch (const std::bad_alloc&) {
+            const EffectError memory = EffectError::outOfMemory();
+            failure = ImageLoadError(memory.number(), memory.description(), path.toStdString());
+        }
+        QMessageBox box(QMessageBox::Warning, qs(errorTitle(failure->number())),
+                        qs(failure->description()), QMessageBox::Ok, this);
+        box.setDetailedText(qs(failure->detail()));
         box.exec();
         // The document that was to hold it goes again; the others stay as they were.
         doc->closeWindow();
         refreshMenus();
         return nullptr;
     }
-    doc->progressItem()->setText(QString());
-    // An extension the program does not know leaves the blank picture.
-    doc->document().picture =
-        picture ? std::move(*picture) : Surface(320, 240, makePixel(255, 255, 255));
-    state_.keep.FinalLoadImage = doc->document().picture;
+    if (loaded.picture) {
+        doc->document().picture = std::move(*loaded.picture);
+        state_.keep.FinalLoadImage = std::move(loaded.finalLoadCopy);
+        doc->showPicture(std::move(loaded.shown));
+    } else {
+        // An extension the program does not know leaves the blank picture.
+        doc->document().picture = Surface(320, 240, makePixel(255, 255, 255));
+        state_.keep.FinalLoadImage = doc->document().picture;
+        doc->refreshPicture();
+    }
     finalLoadFolder_ = doc->document().folderLabel;
     finalLoadName_ = doc->document().nameLabel;
     imageLoaded_ = true;
-    doc->refreshPicture();
     placeNewDocument(*doc);
     ApplyRegulation();
     settings_.history.add(path.toStdString());

@@ -9,6 +9,7 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
@@ -195,9 +196,15 @@ class EffectDialogTest : public QObject {
         QCOMPARE(box->minimum(), slider->minimum());
         QCOMPARE(box->maximum(), slider->maximum());
 
-        box->setValue(40); // as Enter after typing 40
+        // Typed and taken with Enter, which leaves the form open.
+        box->findChild<QLineEdit*>()->selectAll();
+        QTest::keyClicks(box, "40");
+        QCOMPARE(slider->value(), 24); // not at each digit
+        QTest::keyClick(box, Qt::Key_Return);
         QCOMPARE(slider->value(), 40);
         QCOMPARE(dialog->previewCount(), 1);
+        QVERIFY(dialog->isVisible());
+        QCOMPARE(frame.state().undo.UndoCount(), 0);
 
         struct Key {
             Qt::Key key;

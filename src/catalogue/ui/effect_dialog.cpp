@@ -19,6 +19,7 @@
 #include <QGroupBox>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
@@ -143,6 +144,7 @@ void EffectDialog::buildControls() {
         nameLabels_[n - 1] = new QLabel;
         connect(bar, &QScrollBar::valueChanged, this, [this, n] { sliderChanged(n); });
         connect(box, &QSpinBox::valueChanged, bar, &QScrollBar::setValue);
+        box->installEventFilter(this);
     }
     if (count > 0) {
         sliderFrame_ = new QGroupBox;
@@ -454,6 +456,21 @@ void EffectDialog::OKButton_Click() {
     FrmDocument& document = document_;
     close();
     if (plan.status == EffectPlan::Status::Ready) frame.runEffect(document, plan.body);
+}
+
+bool EffectDialog::eventFilter(QObject* watched, QEvent* event) {
+    // Enter in a slider's box takes the typed value (and its preview); it
+    // does not press OK as it would elsewhere in the form.
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        auto* box = qobject_cast<QSpinBox*>(watched);
+        if (box != nullptr && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+            box->interpretText();
+            box->selectAll();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 void EffectDialog::closeEvent(QCloseEvent* event) {

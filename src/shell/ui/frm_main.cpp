@@ -143,7 +143,6 @@ LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, QActi
     return loaded;
 }
 
-
 // A status panel that reports clicks.
 class StatusPanel : public QLabel {
   public:
@@ -176,11 +175,13 @@ FrmMain::FrmMain(KeyValueStore& store, QtPictureDecoder& decoder)
     buildStatusBar();
     connect(mdiArea_, &QMdiArea::subWindowActivated, this, [this] { refreshMenus(); });
     runs_->setOwnerWindow(this);
-    connect(runs_.get(), &RunController::runningChanged, this,
-            [this](bool running) { setMenusEnabled(!running); });
+    connect(runs_.get(), &RunController::runningChanged, this, [this](bool running) {
+        setMenusEnabled(!running);
+        if (running) messagePanel_->clear();
+    });
     connect(runs_.get(), &RunController::finished, this,
-            [this](Document* document, RunOutcome, QImage picture) {
-                onRunFinished(document, std::move(picture));
+            [this](Document* document, RunOutcome outcome, QImage picture) {
+                onRunFinished(document, outcome, std::move(picture));
             });
     refreshMenus();
     refreshStatus();
@@ -818,6 +819,8 @@ void FrmMain::saveDocument(FrmDocument& doc) {
     const QString suggested = proposedSaveName(folder, qs(doc.document().nameLabel));
     frm_PictureSave dialog(doc.document().picture, suggested, settings_.FontSize, this);
     dialog.exec();
+    // Some window managers leave the keyboard nowhere after nested dialogs.
+    activateWindow();
     if (!dialog.savedPath().isEmpty()) doc.setPath(dialog.savedPath());
 }
 
@@ -831,6 +834,7 @@ void FrmMain::undo(FrmDocument& doc) {
     }
     doc.setWindowTitle(qs(doc.document().caption()));
     doc.refreshPicture();
+    clearPointer();
     messagePanel_->setText(res(ids::StatusUndone).arg(qs(doc.document().nameLabel)));
     refreshCommands();
     refreshPicturePanels();
@@ -960,17 +964,17 @@ bool FrmMain::runEffect(FrmDocument& doc, EffectBody body, RunOptions options) {
                         settings_.ProcessBarType, options);
 }
 
-void FrmMain::onRunFinished(Document* document, QImage picture) {
+void FrmMain::onRunFinished(Document* document, RunOutcome outcome, QImage picture) {
     for (FrmDocument* doc : documents()) {
-        if (&doc->document() == document) {
-            doc->setWindowTitle(qs(document->caption()));
-            if (picture.isNull()) {
-                doc->refreshPicture();
-            } else {
-                doc->showPicture(std::move(picture));
-            }
+        if (&doc->document() != document) continue;
+        doc->setWindowTitle(qs(document->caption()));
+        if (!picture.isNull()) {
+            doc->showPicture(std::move(picture));
+        } else if (outcome == RunOutcome::Applied) {
+            doc->refreshPicture();
         }
     }
+    clearPointer();
     refreshCommands();
     refreshPicturePanels();
 }

@@ -142,7 +142,7 @@ class FrmMain : public QMainWindow {
     // Shows a new document window inside the workspace, sized to its picture.
     void placeNewDocument(FrmDocument& document);
     void applyFontSize();
-    void onRunFinished(Document* document, QImage picture);
+    void onRunFinished(Document* document, RunOutcome outcome, QImage picture);
 
     KeyValueStore& store_;
     QtPictureDecoder& decoder_;

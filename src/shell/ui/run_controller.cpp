@@ -47,6 +47,7 @@ bool RunController::start(Document& document, EffectBody body, int fontSize, boo
     if (active_ || state_.ProcessingFlag == 1) return false;
     active_ = true;
     document_ = &document;
+    options_ = options;
     cancelRequested_ = false;
     state_.cancelFlag = 0;
     state_.ProcessingFlag = 1;
@@ -112,10 +113,14 @@ void RunController::bodyDone() {
     worker_ = std::thread([this] {
         outcome_ = run_->finish();
         run_.reset();
-        try {
-            picture_ = toQImage(document_->picture);
-        } catch (const std::bad_alloc&) {
-            picture_ = QImage(); // the frame converts it again, or shows what it has
+        // A cancelled run put its own snapshot back: the screen shows that
+        // picture already. Without a snapshot the pop brought an older level.
+        if (outcome_ == RunOutcome::Applied || options_.noUndo) {
+            try {
+                picture_ = toQImage(document_->picture);
+            } catch (const std::bad_alloc&) {
+                picture_ = QImage(); // the frame converts it again
+            }
         }
         QMetaObject::invokeMethod(this, &RunController::finishDone, Qt::QueuedConnection);
     });

@@ -47,7 +47,8 @@ class RunController : public QObject {
     // Menus go off before the first copy and come back after the end.
     void runningChanged(bool running);
     // The run ended: applied or cancelled; failures were shown already.
-    // `picture` is the document's new picture, ready for the screen.
+    // `picture` is the document's new picture, ready for the screen; null
+    // when the screen's picture stands (a cancelled run put it back).
     void finished(lumiran::Document* document, lumiran::RunOutcome outcome, QImage picture);
 
   private:
@@ -59,6 +60,7 @@ class RunController : public QObject {
     ProgramState& state_;
     QWidget* owner_ = nullptr;
     Document* document_ = nullptr;
+    RunOptions options_;
     bool active_ = false;
     std::atomic<bool> cancelRequested_{false};
     std::unique_ptr<EffectRun> run_; // made and ended on the worker

@@ -102,7 +102,7 @@ QString dialogObjectName(DialogKind kind) {
 }
 
 EffectDialog::EffectDialog(DialogKind kind, FrmMain& frame, FrmDocument& document)
-    : kind_(kind), frame_(frame), document_(document) {
+    : QDialog(&frame), kind_(kind), frame_(frame), document_(document) {
     setObjectName(dialogObjectName(kind));
     setModal(false);
     setAttribute(Qt::WA_DeleteOnClose);

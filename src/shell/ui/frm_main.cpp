@@ -940,7 +940,10 @@ void FrmMain::showHelp() {
         helpWindow_->setOpenExternalLinks(true);
         helpWindow_->setSource(help);
         helpWindow_->setWindowTitle(helpWindow_->documentTitle());
-        helpWindow_->resize(720, 600);
+        // Over the frame, where the user is looking.
+        const QSize size = QSize(720, 600).boundedTo(this->size());
+        helpWindow_->setGeometry(
+            QRect(geometry().center() - QPoint(size.width(), size.height()) / 2, size));
     }
     helpWindow_->show();
     helpWindow_->raise();
@@ -981,6 +984,7 @@ void FrmMain::onRunFinished(Document* document, RunOutcome outcome, QImage pictu
 
 void FrmMain::documentClosed(FrmDocument* document) {
     --documentCount_;
+    if (documentCount_ == 0) messagePanel_->clear();
     // A form configured for this document has nothing left to work on.
     if (effectDialog_ && &effectDialog_->document() == document) effectDialog_->close();
     // The closing window still counts among the subwindows until it is gone.

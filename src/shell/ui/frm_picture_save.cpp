@@ -67,6 +67,7 @@ frm_PictureSave::frm_PictureSave(const Surface& picture, const QString& suggeste
     setObjectName("frm_PictureSave");
     setWindowTitle(res(ids::SaveTitle));
     Text1->setObjectName("Text1");
+    Text1->setMinimumWidth(360); // room for a whole path
     auto* browse = new QPushButton(res(ids::SaveBrowse));
     auto* save = new QPushButton(res(ids::SaveCommand));
     save->setObjectName("Command1");

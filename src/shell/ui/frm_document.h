@@ -51,6 +51,7 @@ class FrmDocument : public QWidget {
     void refreshHistory();
 
     [[nodiscard]] PictureView& pictureView() { return *Picture2; }
+    [[nodiscard]] const PictureView& pictureView() const { return *Picture2; }
     [[nodiscard]] QScrollArea& basicArea() { return *BasicArea; }
 
     // Zoom of the view; the picture and all coordinates stay in picture pixels.

@@ -502,6 +502,8 @@ bool FrmMain::busyWith(const FrmDocument& document) const {
 }
 
 void FrmMain::refreshCommands() {
+    // The run's worker owns the undo stack until the end, which calls this again.
+    if (busy()) return;
     const std::uint8_t count = state_.undo.UndoCount();
     QString name;
     if (count > 0 && state_.undo.slot(0)) name = qs(state_.undo.slot(0)->nameLabel);
@@ -528,16 +530,17 @@ void FrmMain::refreshPicturePanels() {
         pointerPanel_->clear();
         return;
     }
-    const Surface& picture = doc->document().picture;
+    // The screen's copy of the picture: the model may be in a run's hands.
+    const QSize picture = doc->pictureView().image().size();
     sizePanel_->setText(res(ids::StatusSize).arg(picture.width()).arg(picture.height()));
-    const double percent = const_cast<FrmDocument*>(doc)->zoom() * 100.0;
+    const double percent = doc->zoom() * 100.0;
     zoomPanel_->setText(
         res(ids::StatusZoom).arg(QString::number(percent, 'f', percent < 10 ? 1 : 0)));
 }
 
 void FrmMain::showPointer(const FrmDocument& document, QPoint pixel) {
     // The screen's copy of the picture: the model may be in a run's hands.
-    const QImage& shown = const_cast<FrmDocument&>(document).pictureView().image();
+    const QImage& shown = document.pictureView().image();
     if (!shown.rect().contains(pixel)) {
         clearPointer();
         return;

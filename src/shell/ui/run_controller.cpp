@@ -5,7 +5,7 @@
 #include "shell/ui/surface_image.h"
 #include "shell/ui/ui_text.h"
 
-#include <QApplication>
+#include <QEventLoop>
 #include <QMessageBox>
 
 namespace lumiran {
@@ -20,8 +20,8 @@ class RunController::Sink : public ProgressSink {
         last_ = percent;
         QMetaObject::invokeMethod(
             &owner_,
-            [this, percent] {
-                if (owner_.progress_) owner_.progress_->setPercent(percent);
+            [owner = &owner_, percent] {
+                if (owner->progress_) owner->progress_->setPercent(percent);
             },
             Qt::QueuedConnection);
     }
@@ -140,9 +140,13 @@ void RunController::finishDone() {
 }
 
 void RunController::waitForEnd() {
-    while (active_) {
-        QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    }
+    if (!active_) return;
+    // The end arrives as queued calls from the worker: an event loop of our own takes them.
+    QEventLoop wait;
+    connect(this, &RunController::runningChanged, &wait, [&wait](bool running) {
+        if (!running) wait.quit();
+    });
+    wait.exec();
 }
 
 } // namespace lumiran

@@ -30,6 +30,7 @@ const EffectDispatch& effectDispatch() {
         EffectDispatch d;
         registerColorOpEffects(d);
         registerColorTableEffects(d);
+        registerSoftenEffects(d);
         return d;
     }();
     return dispatch;

@@ -9,5 +9,6 @@ class EffectDispatch;
 // libraries without a word.
 void registerColorOpEffects(EffectDispatch& dispatch);
 void registerColorTableEffects(EffectDispatch& dispatch);
+void registerSoftenEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

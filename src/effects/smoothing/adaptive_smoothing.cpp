@@ -62,7 +62,7 @@ void Class_Soften::channelWeightedSmoothing(int reach, const ProcessRect& rect) 
 
 void Class_Soften::Edge_SavingSmooth(std::uint8_t size, std::uint8_t type, std::int16_t left,
                                      std::int16_t top, std::int16_t right, std::int16_t bottom) {
-    guarded([&] {
+    guardedTrans([&] {
         if (size > 2) return;
         const ProcessRect rect{left, top, right, bottom};
         if (type == 0) {

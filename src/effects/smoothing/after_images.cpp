@@ -86,7 +86,7 @@ void Class_Soften::AfterImage_Wave(std::int16_t count, std::uint8_t type, std::u
                                    std::int16_t bottom, std::int16_t amplitude,
                                    std::int16_t wavelength, std::int16_t xPercent,
                                    std::int16_t yPercent) {
-    guarded([&] {
+    guardedTrans([&] {
         const ProcessRect rect{left, top, right, bottom};
         // The centre is worked out and not used.
         (void)centreOf(rect, xPercent, yPercent);
@@ -130,7 +130,7 @@ void Class_Soften::AfterImage_Ripple(std::int16_t count, std::uint8_t type, std:
                                      std::int16_t bottom, std::int16_t amplitude,
                                      std::int16_t wavelength, std::int16_t xPercent,
                                      std::int16_t yPercent) {
-    guarded([&] {
+    guardedTrans([&] {
         const ProcessRect rect{left, top, right, bottom};
         const Position centre = centreOf(rect, xPercent, yPercent);
         const double k = 1.0 - wavelength / 100.0;
@@ -226,7 +226,7 @@ void Class_Soften::AfterImage_Vortex(std::int16_t count, std::uint8_t type, std:
                                      std::int16_t left, std::int16_t top, std::int16_t right,
                                      std::int16_t bottom, std::int16_t amplitude,
                                      std::int16_t xPercent, std::int16_t yPercent) {
-    guarded([&] {
+    guardedTrans([&] {
         const ProcessRect rect{left, top, right, bottom};
         const VortexTurn turn{centreOf(rect, xPercent, yPercent), static_cast<double>(amplitude)};
         auto place = [direction](int x, int y, int j, auto turned) -> Position {

@@ -76,6 +76,17 @@ class Class_Soften : public PixelFrame {
                         std::int16_t bottom, std::uint8_t direction);
 
   private:
+    // The shared handler, after a check that TransBits was fetched along
+    // with ImageBits: a missing destination is the subscript error rather
+    // than a write outside an array.
+    template <typename Body>
+    void guardedTrans(Body&& body) {
+        guarded([&] {
+            if (!TransBits.sameSize(ImageBits)) throw EffectError::subscriptOutOfRange();
+            body();
+        });
+    }
+
     // Runs rule over the centres of a window of the given reach (1..7):
     // makeRule(std::integral_constant<int, K>) gives the rule for K.
     template <typename MakeRule>

@@ -44,7 +44,7 @@ constexpr std::array<SubWindow, 9> SubWindows{{
 void Class_Soften::Edge_PreservingSmoothing(std::uint8_t measure, std::int16_t left,
                                             std::int16_t top, std::int16_t right,
                                             std::int16_t bottom) {
-    guarded([&] {
+    guardedTrans([&] {
         // 0 "分散" ranks the sub-windows by the sum of the channels'
         // variances, 1 "標準偏差" by the sum of their standard deviations.
         if (measure > 1) return;

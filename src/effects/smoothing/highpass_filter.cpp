@@ -27,14 +27,17 @@ Offset largeWeightAt(int direction, int filterKind) {
     return {u.dx * reach, u.dy * reach};
 }
 
-// Floor division and its remainder, for rounding half to even exactly as
-// the double quotient of two integers rounds.
-int roundedQuotient(int num, int den) {
+// num / den rounded half to even, den above 0: exactly as the double
+// quotient of the two integers rounds. Free of branches, so the loops over
+// a row vectorise.
+constexpr int roundedQuotient(int num, int den) {
     int q = num / den;
-    if (num % den != 0 && (num < 0) != (den < 0)) --q;
-    const int twiceRest = 2 * (num - q * den);
-    if (twiceRest > den || (twiceRest == den && (q & 1) != 0)) ++q;
-    return q;
+    int rest = num - q * den;
+    const int negative = rest < 0 ? 1 : 0;
+    q -= negative;
+    rest += den * negative;
+    const int twice = 2 * rest;
+    return q + ((twice > den || (twice == den && (q & 1) != 0)) ? 1 : 0);
 }
 
 struct KernelSums {
@@ -62,7 +65,7 @@ void crossSums(const Surface& source, int y, int start, int count, KernelSums& s
 void Class_Soften::HighpassFilter(std::int16_t threshold, std::uint8_t filterKind,
                                   std::uint8_t selector, std::int16_t left, std::int16_t top,
                                   std::int16_t right, std::int16_t bottom, std::uint8_t direction) {
-    guarded([&] {
+    guardedTrans([&] {
         if (filterKind > 2) return;
         const int reach = filterKind == 2 ? 2 : 1;
         // Weights 5, 9, 25: the sum of the weighted entries is the large
@@ -85,32 +88,45 @@ void Class_Soften::HighpassFilter(std::int16_t threshold, std::uint8_t filterKin
             const Pixel* entries = ImageBits.row(y + at.dy).data() + start + at.dx;
             std::copy_n(entries, count, s.large.begin());
         };
-        auto rule = [&](const KernelSums& s, int c, Channels& centre) -> Channels {
+        auto filtered = [large, t](const KernelSums& s, int c, const Channels& centre) {
             const Channels sum = soften::fieldSums(s.low[c], s.high[c]);
             const Channels e = soften::channelsOf(s.large[c]);
-            auto filtered = [&](int sumOf, int entry, int source) {
-                const int f = large * entry - sumOf;
-                return roundedQuotient(t * f + (10 - t) * source, 10);
+            auto channel = [&](int sumOf, int entry, int source) {
+                return roundedQuotient(t * (large * entry - sumOf) + (10 - t) * source, 10);
             };
-            const Channels v{filtered(sum.r, e.r, centre.r), filtered(sum.g, e.g, centre.g),
-                             filtered(sum.b, e.b, centre.b)};
-            if (selector != BrightnessSelector) {
-                return {mask.red ? v.r : centre.r, mask.green ? v.g : centre.g,
-                        mask.blue ? v.b : centre.b};
-            }
-            // "光度": the source scaled by the lightness of the new values
-            // over its own; a black source counts as 1, 1, 1.
-            auto lightness = [](Channels x) {
-                return roundedQuotient(std::max({x.r, x.g, x.b}) + std::min({x.r, x.g, x.b}), 2);
-            };
-            int l1 = lightness(centre);
+            return Channels{channel(sum.r, e.r, centre.r), channel(sum.g, e.g, centre.g),
+                            channel(sum.b, e.b, centre.b)};
+        };
+        if (selector != BrightnessSelector) {
+            // The new value in the selected channels, the source in the others.
+            const int red = mask.red ? 1 : 0, green = mask.green ? 1 : 0, blue = mask.blue ? 1 : 0;
+            centreRows<KernelSums>(
+                centres, fill, [=](const KernelSums& s, int c, Channels& centre) {
+                    const Channels v = filtered(s, c, centre);
+                    return Channels{red != 0 ? v.r : centre.r, green != 0 ? v.g : centre.g,
+                                    blue != 0 ? v.b : centre.b};
+                });
+            return;
+        }
+        // "光度": the source scaled by the lightness of the new values over
+        // its own; a black source counts as 1, 1, 1.
+        auto lightness = [](Channels x) {
+            const int largest = std::max(x.r, std::max(x.g, x.b));
+            const int smallest = std::min(x.r, std::min(x.g, x.b));
+            return roundedQuotient(largest + smallest, 2);
+        };
+        auto rule = [=](const KernelSums& s, int c, Channels& centre) {
+            const Channels v = filtered(s, c, centre);
             const int l2 = lightness(v);
-            if (l1 == 0) {
-                l1 = 1;
-                centre = {1, 1, 1};
-            }
-            return {roundedQuotient(centre.r * l2, l1), roundedQuotient(centre.g * l2, l1),
-                    roundedQuotient(centre.b * l2, l1)};
+            const int l1 = lightness(centre);
+            const bool black = l1 == 0;
+            centre = {black ? 1 : centre.r, black ? 1 : centre.g, black ? 1 : centre.b};
+            // The quotient of two integers as a double rounds a tie exactly.
+            const double divisor = l1 + (black ? 1 : 0);
+            auto scaled = [&](int source) {
+                return roundInRange<int>(static_cast<double>(source * l2) / divisor);
+            };
+            return Channels{scaled(centre.r), scaled(centre.g), scaled(centre.b)};
         };
         centreRows<KernelSums>(centres, fill, rule);
     });

@@ -4,7 +4,7 @@ namespace lumiran {
 
 void Class_Soften::Smoothing(std::uint8_t kind, std::int16_t left, std::int16_t top,
                              std::int16_t right, std::int16_t bottom) {
-    guarded([&] {
+    guardedTrans([&] {
         const ProcessRect rect{left, top, right, bottom};
         switch (kind) {
         case 0:

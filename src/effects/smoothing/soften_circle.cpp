@@ -76,7 +76,7 @@ class Shape {
 void Class_Soften::Soften_Circle(std::uint8_t, std::int16_t level, std::int16_t left,
                                  std::int16_t top, std::int16_t right, std::int16_t bottom,
                                  std::uint8_t type) {
-    guarded([&] {
+    guardedTrans([&] {
         if (type > 12 || level < 1) return;
         const ProcessRect rect =
             soften::cutToPicture({left, top, right, bottom}, ImageBits.width(), ImageBits.height());

@@ -31,7 +31,7 @@ void Class_Soften::meanSmoothing(int reach, const ProcessRect& rect) {
 
 void Class_Soften::MovingAverage(std::uint8_t sizeKind, std::uint8_t, std::int16_t left,
                                  std::int16_t top, std::int16_t right, std::int16_t bottom) {
-    guarded([&] {
+    guardedTrans([&] {
         // 9x9, 11x11, 13x13, 15x15. The window's top left corner runs from
         // left to right minus the side, so its centre keeps the margins of
         // every other window.
@@ -42,7 +42,7 @@ void Class_Soften::MovingAverage(std::uint8_t sizeKind, std::uint8_t, std::int16
 
 void Class_Soften::Sharpen(std::uint8_t sizeKind, std::int16_t left, std::int16_t top,
                            std::int16_t right, std::int16_t bottom) {
-    guarded([&] {
+    guardedTrans([&] {
         if (sizeKind > 2) return;
         windowFilter(sizeKind + 1, {left, top, right, bottom}, [](auto k) {
             const soften::Divider mean = meanDivider<decltype(k)::value>();

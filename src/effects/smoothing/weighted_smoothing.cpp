@@ -28,25 +28,79 @@ int weightedSum(const std::array<double, 9>& weights, const Window& w, int Chann
     return roundTo<std::int16_t>(sum);
 }
 
-// The same worked out on integers. Kind 0's weights are sixteenths, exact
-// in binary, so its sum rounds exactly as the integer form; the hundredths
-// of kinds 1 and 2 are not, and only where the exact value is a tie does
-// the double sum's own error decide, so those few go the double way.
-int channelResult(int kind, const Window& w, int Channels::*channel) {
-    auto e = [&](int i) { return w[i].*channel; };
-    if (kind == 0) {
-        const int num = 4 * e(0) + 2 * (e(2) + e(4) + e(5) + e(7)) + e(1) + e(3) + e(6) + e(8);
-        const int q = num >> 4;
-        const int rest = num & 15;
-        return q + ((rest > 8 || (rest == 8 && (q & 1) != 0)) ? 1 : 0);
+// The three rows of a window, with the entries the first windows of a
+// column take from the top row of the rectangle.
+struct WindowRows {
+    const Pixel* up;
+    const Pixel* middle;
+    const Pixel* down;
+    const Pixel* centre; // where entry 0 comes from
+    const Pixel* top;    // where entry 2 comes from
+
+    [[nodiscard]] Window at(int x) const {
+        return {soften::channelsOf(centre[x]),     soften::channelsOf(up[x - 1]),
+                soften::channelsOf(top[x]),        soften::channelsOf(up[x + 1]),
+                soften::channelsOf(middle[x - 1]), soften::channelsOf(middle[x + 1]),
+                soften::channelsOf(down[x - 1]),   soften::channelsOf(down[x]),
+                soften::channelsOf(down[x + 1])};
     }
-    // Kinds 1 and 2 in hundredths.
-    const int num =
-        kind == 1 ? 25 * e(0) + 19 * (e(2) + e(7)) + 18 * (e(4) + e(5))
-                  : 4 * e(0) + 15 * (e(1) + e(3) + e(6) + e(8)) + 9 * (e(2) + e(4) + e(5) + e(7));
-    const int rest = num % 100;
-    if (rest == 50) return weightedSum(Weights[static_cast<std::size_t>(kind)], w, channel);
-    return num / 100 + (rest > 50 ? 1 : 0);
+};
+
+struct WeightedChunk {
+    std::array<int, soften::Chunk> r, g, b;
+    std::array<Pixel, soften::Chunk> centre;
+    std::array<int, soften::Chunk> ties; // channels whose exact sum is a tie
+};
+
+// The weighted sums worked out on integers, all three channels at once in
+// the 16-bit fields (at most 100 * 255). Kind 0's weights are sixteenths,
+// exact in binary, so its sum rounds exactly as the integer form; the
+// hundredths of kinds 1 and 2 are not, and only where the exact value is a
+// tie does the double sum's own error decide: those few go the double way.
+template <int Kind>
+void weightedSums(const WindowRows& w, int start, int count, WeightedChunk& out) {
+    using soften::highFields;
+    using soften::lowFields;
+    constexpr std::uint32_t Denominator = Kind == 0 ? 16 : 100;
+    const soften::Divider divide = soften::dividerFor(Denominator, 100 * 255);
+    for (int c = 0; c < count; ++c) {
+        const int x = start + c;
+        auto numerator = [&](auto fields) {
+            const std::uint32_t centre = fields(w.centre[x]);
+            const std::uint32_t corners = fields(w.up[x - 1]) + fields(w.up[x + 1]) +
+                                          fields(w.down[x - 1]) + fields(w.down[x + 1]);
+            const std::uint32_t upDown = fields(w.top[x]) + fields(w.down[x]);
+            const std::uint32_t sides = fields(w.middle[x - 1]) + fields(w.middle[x + 1]);
+            if constexpr (Kind == 0) return 4 * centre + 2 * (upDown + sides) + corners;
+            if constexpr (Kind == 1) return 25 * centre + 19 * upDown + 18 * sides;
+            return 4 * centre + 15 * corners + 9 * (upDown + sides);
+        };
+        const std::uint32_t low = numerator(lowFields);
+        const std::uint32_t high = numerator(highFields);
+        int ties = 0;
+        auto rounded = [&](std::uint32_t n, int bit) {
+            const std::uint32_t q = divide(n);
+            const std::uint32_t twice = 2 * (n - q * Denominator);
+            if constexpr (Kind != 0) ties |= twice == Denominator ? bit : 0;
+            return static_cast<int>(q) +
+                   ((twice > Denominator || (twice == Denominator && (q & 1) != 0)) ? 1 : 0);
+        };
+        out.r[c] = rounded(low >> 16, 1);
+        out.g[c] = rounded(high & 0xFFFFu, 2);
+        out.b[c] = rounded(low & 0xFFFFu, 4);
+        out.ties[c] = ties;
+        out.centre[c] = w.centre[x];
+    }
+    if constexpr (Kind != 0) {
+        const auto& weights = Weights[Kind];
+        for (int c = 0; c < count; ++c) {
+            if (out.ties[c] == 0) continue;
+            const Window window = w.at(start + c);
+            if ((out.ties[c] & 1) != 0) out.r[c] = weightedSum(weights, window, &Channels::r);
+            if ((out.ties[c] & 2) != 0) out.g[c] = weightedSum(weights, window, &Channels::g);
+            if ((out.ties[c] & 4) != 0) out.b[c] = weightedSum(weights, window, &Channels::b);
+        }
+    }
 }
 
 } // namespace
@@ -54,31 +108,29 @@ int channelResult(int kind, const Window& w, int Channels::*channel) {
 void Class_Soften::weightedSmoothing(int kind, const ProcessRect& rect) {
     const ProcessRect centres =
         soften::windowCentres(rect, ImageBits.width(), ImageBits.height(), 1);
-    SetProgressRange(centres.top, centres.bottom);
     const int firstRow = centres.top;
-    forEachRow(centres, [&](int y, int firstColumn, int endColumn) {
+    auto fill = [&](WeightedChunk& data, int y, int start, int count) {
         const Pixel* up = ImageBits.row(y - 1).data();
         const Pixel* middle = ImageBits.row(y).data();
-        const Pixel* down = ImageBits.row(y + 1).data();
         // The first window of a column takes its centre from the top row of
         // the rectangle; the sliding window then shifts that entry up, so
         // the second pixel of the column sees it as its top entry.
-        const Pixel* centreRow = y == firstRow ? up : middle;
-        const Pixel* topRow = y == firstRow + 1 ? ImageBits.row(y - 2).data() : up;
-        Pixel* out = TransBits.row(y).data();
-        for (int x = firstColumn; x < endColumn; ++x) {
-            const Window w{soften::channelsOf(centreRow[x]),  soften::channelsOf(up[x - 1]),
-                           soften::channelsOf(topRow[x]),     soften::channelsOf(up[x + 1]),
-                           soften::channelsOf(middle[x - 1]), soften::channelsOf(middle[x + 1]),
-                           soften::channelsOf(down[x - 1]),   soften::channelsOf(down[x]),
-                           soften::channelsOf(down[x + 1])};
-            const Rgb16 v{wrap16(channelResult(kind, w, &Channels::r)),
-                          wrap16(channelResult(kind, w, &Channels::g)),
-                          wrap16(channelResult(kind, w, &Channels::b))};
-            const Rgb16 e = finishPixel<ResultTail::Clamp>(w[0].r, w[0].g, w[0].b, v);
-            out[x] = withColour(out[x], e.red, e.green, e.blue);
+        const WindowRows rows{up, middle, ImageBits.row(y + 1).data(), y == firstRow ? up : middle,
+                              y == firstRow + 1 ? ImageBits.row(y - 2).data() : up};
+        if (kind == 0) {
+            weightedSums<0>(rows, start, count, data);
+        } else if (kind == 1) {
+            weightedSums<1>(rows, start, count, data);
+        } else {
+            weightedSums<2>(rows, start, count, data);
         }
-    });
+    };
+    // The blend sees the window's centre entry as the source.
+    centreRows<WeightedChunk>(centres, fill,
+                              [](const WeightedChunk& data, int c, Channels& centre) {
+                                  centre = soften::channelsOf(data.centre[c]);
+                                  return Channels{data.r[c], data.g[c], data.b[c]};
+                              });
 }
 
 void Class_Soften::staleResultFields(const ProcessRect& rect) {

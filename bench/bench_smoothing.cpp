@@ -78,9 +78,11 @@ BENCHMARK(BM_Soften_HighpassFilter)
     ->Unit(benchmark::kMillisecond);
 
 void BM_Soften_SelectiveLocalAveraging(benchmark::State& state) {
-    runPass(state, [](Class_Soften& e) { e.Edge_PreservingSmoothing(0, 0, 0, Side, Side); });
+    const auto measure = static_cast<std::uint8_t>(state.range(0));
+    runPass(state,
+            [measure](Class_Soften& e) { e.Edge_PreservingSmoothing(measure, 0, 0, Side, Side); });
 }
-BENCHMARK(BM_Soften_SelectiveLocalAveraging)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Soften_SelectiveLocalAveraging)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 void BM_Soften_SpecialSoften(benchmark::State& state) {
     const auto type = static_cast<std::uint8_t>(state.range(0));

@@ -14,6 +14,11 @@ struct Direction {
     double y = 0;
 };
 
+// Half away from zero, as std::lround, without the library call.
+int nearest(double v) {
+    return static_cast<int>(std::copysign(std::floor(std::fabs(v) + 0.5), v));
+}
+
 Direction unit(double x, double y) {
     const double length = std::sqrt(x * x + y * y);
     if (length == 0) return {};
@@ -92,8 +97,8 @@ void Class_Soften::Soften_Circle(std::uint8_t, std::int16_t level, std::int16_t 
                 Channels sum;
                 for (int i = 0; i < level; ++i) {
                     const double t = first + i;
-                    int sx = x + static_cast<int>(std::lround(t * d.x));
-                    int sy = y + static_cast<int>(std::lround(t * d.y));
+                    int sx = x + nearest(t * d.x);
+                    int sy = y + nearest(t * d.y);
                     if (sx < rect.left || sx >= rect.right) sx = x;
                     if (sy < rect.top || sy >= rect.bottom) sy = y;
                     const Channels e = soften::channelsOf(ImageBits.at(sx, sy));

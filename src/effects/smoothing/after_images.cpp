@@ -87,9 +87,10 @@ void Class_Soften::AfterImage_Wave(std::int16_t count, std::uint8_t type, std::u
                                    std::int16_t wavelength, std::int16_t xPercent,
                                    std::int16_t yPercent) {
     guardedTrans([&] {
+        // The percentages place a centre that the wave never reads.
+        (void)xPercent;
+        (void)yPercent;
         const ProcessRect rect{left, top, right, bottom};
-        // The centre is worked out and not used.
-        (void)centreOf(rect, xPercent, yPercent);
         const double a = amplitude;
         const double w = wavelength;
         auto cosine = [&](int v) { return a * std::cos(v * 6.28 / w); };

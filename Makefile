@@ -5,7 +5,7 @@ JOBS ?= $(shell nproc)
 SAMPLE := samples/sample.bmp
 FUZZ_SECONDS ?= 20
 
-.PHONY: all deps configure build run test bench sample clean
+.PHONY: all deps configure build run test bench bench-compare sample clean
 
 all: build
 
@@ -27,6 +27,12 @@ test: build
 
 bench: build
 	$(BUILD_DIR)/bench/lumiran_bench
+
+# Whole runs of lumiran-cli against ImageMagick, GraphicsMagick and libvips,
+# with the rows of bench/compare/*.txt; COMPARE_ARGS passes options on
+# (e.g. COMPARE_ARGS="--rows Negative --sizes 1920x1080").
+bench-compare: build
+	python3 bench/compare.py --cli $(BUILD_DIR)/lumiran-cli $(COMPARE_ARGS)
 
 # Regenerates the bundled sample picture (it is committed).
 sample: build

@@ -16,6 +16,10 @@ packages=(
     libwmf-dev
     libemf2svg-dev
     imagemagick
+    graphicsmagick
+    libvips-tools
+    hyperfine
+    python3
     netpbm
     clang
     libclang-rt-dev

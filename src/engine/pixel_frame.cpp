@@ -35,6 +35,18 @@ void PixelFrame::StepProgress() {
     if (context_.progress != nullptr) context_.progress->showPercent(ProgressPercent);
 }
 
+PixelFrame::BandPlan PixelFrame::bandPlan(const ProcessRect& rect) const {
+    const Span span = spanOf(rect);
+    const long long rows = static_cast<long long>(loopEnd(rect.bottom)) - rect.top;
+    const int threads = context_.threading.threads;
+    if (threads <= 1 || rows <= 1 || span.firstColumn >= span.endColumn) return {};
+    const long long width = span.endColumn - span.firstColumn;
+    const long long bandRows =
+        std::max<long long>(1, (std::max(context_.threading.bandPixels, 1) + width - 1) / width);
+    const long long bands = (rows + bandRows - 1) / bandRows;
+    return {static_cast<int>(std::min<long long>(threads, bands)), static_cast<int>(bandRows)};
+}
+
 void PixelFrame::fail(const EffectError& error) {
     context_.failures.push_back(error);
     context_.requestCancel();

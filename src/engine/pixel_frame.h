@@ -4,13 +4,16 @@
 #include "engine/numeric.h"
 #include "engine/pixel.h"
 #include "engine/process_rect.h"
+#include "engine/row_bands.h"
 #include "engine/run_context.h"
 #include "engine/surface.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <mutex>
 #include <new>
 #include <type_traits>
+#include <vector>
 
 namespace lumiran {
 
@@ -129,44 +132,113 @@ class PixelFrame {
     // The rows of the rectangle that lie in the picture, as work(y,
     // firstColumn, endColumn); every row of the rectangle counts for
     // progress, also those outside the picture. Returns false when the run
-    // was cancelled. With AnyOrder, rows may run at once on several threads:
-    // work must then write nothing but its own row of its destination and
-    // read nothing another row writes. The caller sets the progress range.
+    // was cancelled. With AnyOrder, rows run at once on several threads in
+    // bands: work must then write nothing but its own row of its destination
+    // and read nothing another row writes. Progress still counts each
+    // finished row, a cancel stops every thread after its current row, and
+    // an error thrown by a row ends the loop with the error of the first
+    // failing row, as on one thread. The caller sets the progress range.
     template <RowOrder Order = RowOrder::AnyOrder, typename RowWork>
     bool forEachRow(const ProcessRect& rect, RowWork&& work) {
-        const Span span = spanOf(rect);
-        const int endRow = loopEnd(rect.bottom);
-        for (int y = rect.top; y < endRow; ++y) {
-            if (y >= 0 && y < ImageBits.height() && span.firstColumn < span.endColumn) {
-                work(y, span.firstColumn, span.endColumn);
-            }
-            if (!finishRow()) return false;
+        if constexpr (Order == RowOrder::AnyOrder) {
+            return rowsInBands(rect, bandPlan(rect),
+                               [&](int, int y, int begin, int end) { work(y, begin, end); });
+        } else {
+            return rowsInOrder(rect, work);
         }
-        return true;
     }
 
     // The row loop of a per-pixel effect. The rule is called as rule(r, g, b)
     // or rule(x, y, r, g, b) and gives the result fields; the second form
     // takes r, g, b by reference where it changes what the blend sees as the
     // source. Rows and columns that fall outside the picture are dropped
-    // rather than reached; rows still count for progress.
-    template <ResultTail Tail, Destination Dest = Destination::InPlace, typename Rule>
+    // rather than reached; rows still count for progress. With AnyOrder each
+    // thread calls a copy of the rule of its own, so a rule may keep a cache;
+    // a rule that carries state from pixel to pixel names TopToBottom.
+    template <ResultTail Tail, Destination Dest = Destination::InPlace,
+              RowOrder Order = RowOrder::AnyOrder, typename Rule>
     void mapPixels(const ProcessRect& rect, Rule&& rule) {
         SetProgressRange(rect.top, rect.bottom);
         Surface& target = Dest == Destination::InPlace ? ImageBits : TransBits;
         const Span span = spanOf(rect);
         const bool blend = blends(Tail) && calculationFlag() > 0;
-        forEachRow(rect, [&](int y, int, int) {
+        auto mapOneRow = [&](auto& ownRule, int y) {
             const Pixel* source = ImageBits.row(y).data();
             Pixel* destination = target.row(y).data();
             // Without a blend the loop is free of branches, so the
             // compiler can vectorise the rule.
             if (blend) {
-                mapRow<Tail, true>(source, destination, y, span, rule);
+                mapRow<Tail, true>(source, destination, y, span, ownRule);
             } else {
-                mapRow<Tail, false>(source, destination, y, span, rule);
+                mapRow<Tail, false>(source, destination, y, span, ownRule);
+            }
+        };
+        using OwnRule = std::decay_t<Rule>;
+        if constexpr (Order == RowOrder::TopToBottom || !std::is_copy_constructible_v<OwnRule>) {
+            if constexpr (Order == RowOrder::TopToBottom) {
+                rowsInOrder(rect, [&](int y, int, int) { mapOneRow(rule, y); });
+            } else {
+                forEachRow(rect, [&](int y, int, int) { mapOneRow(rule, y); });
+            }
+        } else {
+            const BandPlan plan = bandPlan(rect);
+            std::vector<OwnRule> rules(static_cast<std::size_t>(plan.workers), rule);
+            rowsInBands(rect, plan, [&](int worker, int y, int, int) {
+                mapOneRow(rules[static_cast<std::size_t>(worker)], y);
+            });
+        }
+    }
+
+    // How the rows of a rectangle are shared out among threads.
+    struct BandPlan {
+        int workers = 1;
+        int bandRows = 1;
+    };
+    [[nodiscard]] BandPlan bandPlan(const ProcessRect& rect) const;
+
+    template <typename RowWork>
+    bool rowsInOrder(const ProcessRect& rect, RowWork&& work) {
+        const Span span = spanOf(rect);
+        const int endRow = loopEnd(rect.bottom);
+        for (int y = rect.top; y < endRow; ++y) {
+            if (inPicture(y, span)) work(y, span.firstColumn, span.endColumn);
+            if (!finishRow()) return false;
+        }
+        return true;
+    }
+
+    // work(worker, y, firstColumn, endColumn) on plan.workers threads.
+    template <typename RowWork>
+    bool rowsInBands(const ProcessRect& rect, const BandPlan& plan, RowWork&& work) {
+        if (plan.workers <= 1) {
+            auto one = [&](int y, int begin, int end) { work(0, y, begin, end); };
+            return rowsInOrder(rect, one);
+        }
+        const Span span = spanOf(rect);
+        RowBands bands(rect.top, loopEnd(rect.bottom), plan.bandRows);
+        context_.workers().run(plan.workers, [&](int worker) {
+            for (RowBands::Band band = bands.claim(); !band.empty(); band = bands.claim()) {
+                for (int y = band.begin; y < band.end; ++y) {
+                    if (!bands.mayStart(y)) return;
+                    try {
+                        if (inPicture(y, span)) work(worker, y, span.firstColumn, span.endColumn);
+                        const std::scoped_lock lock(bands.rowEnd());
+                        if (!finishRow()) {
+                            bands.cancel();
+                            return;
+                        }
+                    } catch (...) {
+                        bands.fail(y, std::current_exception());
+                        return;
+                    }
+                }
             }
         });
+        return bands.finish();
+    }
+
+    [[nodiscard]] bool inPicture(int y, const Span& span) const {
+        return y >= 0 && y < ImageBits.height() && span.firstColumn < span.endColumn;
     }
 
     // Flattened so that the rule's helpers are inlined whatever the

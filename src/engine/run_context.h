@@ -4,9 +4,11 @@
 #include "engine/effect_flags.h"
 #include "engine/random_generator.h"
 #include "engine/surface.h"
+#include "engine/worker_pool.h"
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace lumiran {
@@ -22,6 +24,15 @@ class ProgressSink {
 // 1 asks the row loop to stop after the current row. Set from the progress
 // window's thread, read by the effect after each row.
 using CancelFlag = std::atomic<std::uint8_t>;
+
+// How the row loops whose rows are independent use the cores.
+struct RowThreading {
+    // 1 runs every row on the calling thread.
+    int threads = availableCores();
+    // The smallest band of rows handed to one thread, in pixels: small
+    // pictures are not worth a second thread.
+    int bandPixels = 1 << 15;
+};
 
 // Everything an effect object reads besides its own arguments.
 struct RunContext {
@@ -41,9 +52,21 @@ struct RunContext {
     // Errors the effects' handlers caught, in order; the front end shows
     // each under "ｴﾗｰ" plus its number.
     std::vector<EffectError> failures;
+    RowThreading threading;
+
+    // The threads of the run, started on first use.
+    [[nodiscard]] WorkerPool& workers() {
+        if (!workers_ || workers_->threads() != threading.threads) {
+            workers_ = std::make_unique<WorkerPool>(threading.threads);
+        }
+        return *workers_;
+    }
 
     [[nodiscard]] bool cancelled() const { return cancel.load(std::memory_order_relaxed) == 1; }
     void requestCancel() { cancel.store(1, std::memory_order_relaxed); }
+
+  private:
+    std::unique_ptr<WorkerPool> workers_;
 };
 
 } // namespace lumiran

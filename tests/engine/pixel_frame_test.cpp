@@ -1,7 +1,9 @@
 #include "engine/pixel_frame.h"
 #include "test_support.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <utility>
 #include <vector>
 
 namespace lumiran {
@@ -25,6 +27,23 @@ class ProbeEffect : public PixelFrame {
                 return Rgb16{S(255 - r), S(255 - g), S(255 - b)};
             });
         });
+    }
+    // Inverts row by row in any order; the rows in failures throw the
+    // error paired with them.
+    bool InvertRows(const ProcessRect& rect,
+                    const std::vector<std::pair<int, EffectError>>& failures) {
+        bool finished = false;
+        guarded([&] {
+            SetProgressRange(rect.top, rect.bottom);
+            finished = forEachRow(rect, [&](int y, int begin, int end) {
+                for (const auto& [row, error] : failures) {
+                    if (row == y) throw error;
+                }
+                for (Pixel& p : ImageBits.row(y).subspan(begin, end - begin))
+                    p ^= 0x00FFFFFFu;
+            });
+        });
+        return finished;
     }
     void Progress(int top, int bottom, int steps) {
         guarded([&] {
@@ -130,6 +149,56 @@ TEST_F(FrameFixture, ProgressBeyondTheRangeOverruns) {
     twoPass.Progress(0, 2, 4); // a second pass on a total that covers one
     EXPECT_EQ(percents.back(), 200);
     EXPECT_TRUE(context.failures.empty());
+}
+
+// The same frame with every row a band of its own on three threads.
+struct ThreadedFrame : FrameFixture {
+    ThreadedFrame() { context.threading = {.threads = 3, .bandPixels = 1}; }
+    bool invertRows(Surface& picture, const std::vector<std::pair<int, EffectError>>& failures) {
+        ProbeEffect effect(context);
+        effect.ImageGetDiBits(picture);
+        const bool finished = effect.InvertRows(
+            ProcessRect::wholePicture(picture.width(), picture.height()), failures);
+        count = effect.progressCount();
+        effect.ImageSetDiBits(picture);
+        return finished;
+    }
+};
+
+TEST_F(ThreadedFrame, RowsOnSeveralThreadsGiveTheOneThreadResultAndCountEveryRow) {
+    const Surface picture = makeVariedPicture(5, 40);
+    Surface result = picture;
+    EXPECT_TRUE(invertRows(result, {}));
+    EXPECT_EQ(result, invertedIn(picture, ProcessRect{0, 0, 5, 40}));
+    EXPECT_EQ(count, 40);
+    // Reported one at a time, so the percentages never go back.
+    ASSERT_EQ(percents.size(), 40u);
+    EXPECT_TRUE(std::ranges::is_sorted(percents));
+    EXPECT_EQ(percents.back(), 100);
+}
+
+TEST_F(ThreadedFrame, TheFailureOfTheFirstFailingRowIsTheOneReported) {
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        context.failures.clear();
+        cancel = 0;
+        Surface picture = makeVariedPicture(3, 60);
+        EXPECT_FALSE(invertRows(picture, {{41, EffectError::divisionByZero()},
+                                          {17, EffectError::overflow()},
+                                          {55, EffectError::outOfMemory()}}));
+        ASSERT_EQ(context.failures.size(), 1u);
+        EXPECT_EQ(context.failures[0].number(), 6) << attempt;
+        EXPECT_EQ(cancel, 1);
+    }
+}
+
+TEST_F(ThreadedFrame, CancelStopsEveryThreadAfterItsCurrentRow) {
+    cancelAtCall = 4;
+    Surface picture = makeVariedPicture(3, 60);
+    EXPECT_FALSE(invertRows(picture, {}));
+    // The row that saw the cancel, and at most one row in flight on each
+    // other thread.
+    EXPECT_GE(count, 4);
+    EXPECT_LE(count, 4 + 2);
 }
 
 } // namespace

@@ -75,7 +75,10 @@ void Class_ColorOp::Deterioration(std::uint8_t type, std::uint8_t base, std::uin
         const std::array<int, 3> shifts{a, b, c};
         const std::array<int, 3> operands{redOperand, greenOperand, blueOperand};
 
-        mapPixels<ResultTail::Clamp>(rect, [&](int& r, int& g, int& bl) {
+        // The fields carry the previous pixel into the next: one row after
+        // the other.
+        mapPixels<ResultTail::Clamp, Destination::InPlace,
+                  RowOrder::TopToBottom>(rect, [&](int& r, int& g, int& bl) {
             const Fields raw{r, g, bl};
             const MaxMin m = MaxMinOfThree(r, g, bl);
             const int d = m.max - m.min;

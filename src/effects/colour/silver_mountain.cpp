@@ -97,21 +97,22 @@ void Class_ColorOp::SilverMountain(std::uint8_t type, std::int16_t period, std::
 
         if (random == 1) {
             // A period of its own for every pixel, drawn in loop order.
-            mapPixels<ResultTail::Clamp>(rect, [&](int r, int g, int b) {
-                working(r, g, b);
-                const double drawn = context().random.next();
-                Channels c;
-                if (type == 4) {
-                    const int y = luminanceY(r, g, b);
-                    c = {swingOfGrey(r, y, period), swingOfGrey(g, y, period),
-                         swingOfGrey(b, y, period)};
-                } else if (known) {
-                    const int t = roundTo<std::int16_t>(period * drawn + 1);
-                    const int k = baseValue(type, r, g, b);
-                    c = {waveOfBase(k, r, t), waveOfBase(k, g, t), waveOfBase(k, b, t)};
-                }
-                return finishResult(c);
-            });
+            mapPixels<ResultTail::Clamp, Destination::InPlace, RowOrder::TopToBottom>(
+                rect, [&](int r, int g, int b) {
+                    working(r, g, b);
+                    const double drawn = context().random.next();
+                    Channels c;
+                    if (type == 4) {
+                        const int y = luminanceY(r, g, b);
+                        c = {swingOfGrey(r, y, period), swingOfGrey(g, y, period),
+                             swingOfGrey(b, y, period)};
+                    } else if (known) {
+                        const int t = roundTo<std::int16_t>(period * drawn + 1);
+                        const int k = baseValue(type, r, g, b);
+                        c = {waveOfBase(k, r, t), waveOfBase(k, g, t), waveOfBase(k, b, t)};
+                    }
+                    return finishResult(c);
+                });
             return;
         }
 

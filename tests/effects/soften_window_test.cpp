@@ -127,7 +127,8 @@ WindowRule highpass(int t, int kind, int selector, int direction) {
             return scaled;
         }
         const ChannelMask m = selectedChannels(selector);
-        return Channels{m.red ? v[0] : src[0], m.green ? v[1] : src[1], m.blue ? v[2] : src[2]};
+        return Channels{(m & Red) != 0 ? v[0] : src[0], (m & Green) != 0 ? v[1] : src[1],
+                        (m & Blue) != 0 ? v[2] : src[2]};
     };
 }
 

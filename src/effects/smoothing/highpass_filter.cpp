@@ -99,7 +99,7 @@ void Class_Soften::HighpassFilter(std::int16_t threshold, std::uint8_t filterKin
         };
         if (selector != BrightnessSelector) {
             // The new value in the selected channels, the source in the others.
-            const int red = mask.red ? 1 : 0, green = mask.green ? 1 : 0, blue = mask.blue ? 1 : 0;
+            const int red = mask & Red, green = mask & Green, blue = mask & Blue;
             centreRows<KernelSums>(
                 centres, fill, [=](const KernelSums& s, int c, Channels& centre) {
                     const Channels v = filtered(s, c, centre);

@@ -32,6 +32,7 @@ const EffectDispatch& effectDispatch() {
         registerColorTableEffects(d);
         registerDitheringEffects(d);
         registerBinarizationEffects(d);
+        registerSoftenEffects(d);
         return d;
     }();
     return dispatch;

@@ -30,6 +30,8 @@ const EffectDispatch& effectDispatch() {
         EffectDispatch d;
         registerColorOpEffects(d);
         registerColorTableEffects(d);
+        registerNeighborhoodEffects(d);
+        registerEdgeEffects(d);
         return d;
     }();
     return dispatch;

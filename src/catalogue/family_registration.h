@@ -9,5 +9,7 @@ class EffectDispatch;
 // libraries without a word.
 void registerColorOpEffects(EffectDispatch& dispatch);
 void registerColorTableEffects(EffectDispatch& dispatch);
+void registerNeighborhoodEffects(EffectDispatch& dispatch);
+void registerEdgeEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

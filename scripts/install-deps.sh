@@ -16,6 +16,8 @@ packages=(
     libwmf-dev
     libemf2svg-dev
     imagemagick
+    graphicsmagick
+    libvips-tools
     netpbm
     clang
     libclang-rt-dev

@@ -49,8 +49,9 @@ ShapeOffsets shapeOffsets(Shape shape, int reach) {
 // The value met most often among `values`; of equal counts the one met
 // last wins, as a later equal count replaces the earlier one. Returns its
 // index in `values`.
-int mostFrequent(const std::array<int, 49>& values, int count) {
-    std::array<std::uint8_t, 256> seen{};
+// `seen` is all zero on entry and is left so.
+int mostFrequent(const std::array<int, 49>& values, int count,
+                 std::array<std::uint8_t, 256>& seen) {
     for (int i = 0; i < count; ++i)
         ++seen[static_cast<std::size_t>(values[static_cast<std::size_t>(i)])];
     int best = 0, bestCount = -1;
@@ -61,6 +62,8 @@ int mostFrequent(const std::array<int, 49>& values, int count) {
             best = i;
         }
     }
+    for (int i = 0; i < count; ++i)
+        seen[static_cast<std::size_t>(values[static_cast<std::size_t>(i)])] = 0;
     return best;
 }
 
@@ -86,6 +89,7 @@ void Class_NeighborhoodOp::CountFilter(std::uint8_t window, std::uint8_t /*mode*
             const Pixel* source = ImageBits.row(y).data();
             std::array<Pixel, 49> samples{};
             std::array<int, 49> values{};
+            std::array<std::uint8_t, 256> seen{};
             for (int x = inner.firstColumn; x < inner.endColumn; ++x) {
                 for (int i = 0; i < shape.count; ++i) {
                     const Offset o = shape.at[static_cast<std::size_t>(i)];
@@ -97,7 +101,7 @@ void Class_NeighborhoodOp::CountFilter(std::uint8_t window, std::uint8_t /*mode*
                         values[static_cast<std::size_t>(i)] =
                             greyOf(samples[static_cast<std::size_t>(i)]);
                     const Pixel p =
-                        samples[static_cast<std::size_t>(mostFrequent(values, shape.count))];
+                        samples[static_cast<std::size_t>(mostFrequent(values, shape.count, seen))];
                     result = {wrap16(redOf(p)), wrap16(greenOf(p)), wrap16(blueOf(p))};
                 } else {
                     std::array<std::int16_t, 3> channels{};
@@ -107,8 +111,9 @@ void Class_NeighborhoodOp::CountFilter(std::uint8_t window, std::uint8_t /*mode*
                             values[static_cast<std::size_t>(i)] = static_cast<int>(
                                 (samples[static_cast<std::size_t>(i)] >> shift) & 0xFFu);
                         }
-                        channels[static_cast<std::size_t>(c)] = wrap16(
-                            values[static_cast<std::size_t>(mostFrequent(values, shape.count))]);
+                        channels[static_cast<std::size_t>(c)] =
+                            wrap16(values[static_cast<std::size_t>(
+                                mostFrequent(values, shape.count, seen))]);
                     }
                     result = {channels[0], channels[1], channels[2]};
                 }

@@ -114,15 +114,35 @@ void Class_NeighborhoodOp::RankFilter(std::int16_t rank, std::uint8_t channelKin
         const int element = std::clamp<int>(rank, 0, neighbourhood::windowLength(reach) - 1);
         const RankSort sort = sortMode == 0 ? RankSort::Packed : RankSort::Channels;
         const Area centres = areaOf(rect).inner(reach);
+        // Without a blend, kinds 0..6 are a choice of bytes.
+        const bool plain = channelKind < 7 && !blending();
+        Pixel takeMask = 0;
+        if (channelKind < 7) {
+            const auto& take = RankChannels[channelKind];
+            takeMask =
+                (take[0] ? 0xFF0000u : 0u) | (take[1] ? 0xFF00u : 0u) | (take[2] ? 0xFFu : 0u);
+        }
+        const Pixel keepMask = ~takeMask & 0xFFFFFFu;
         SetProgressRange(top, bottom);
         forEachRow(rect, [&](int y, int, int) {
             if (!centres.containsRow(y)) return;
             const Pixel* source = ImageBits.row(y).data();
+            Pixel* target = TransBits.row(y).data();
             neighbourhood::forEachChunk(
                 centres.firstColumn, centres.endColumn, [&](int first, int count) {
                     std::array<Pixel, ChunkColumns> ranked;
                     neighbourhood::rankColours(ImageBits, sort, reach, element, y, first, count,
                                                ranked.data());
+                    if (plain) {
+                        // The channels byte by byte from the rank element or the source.
+                        for (int i = 0; i < count; ++i) {
+                            const Pixel s = source[first + i];
+                            target[first + i] = (target[first + i] & 0xFF000000u) |
+                                                (ranked[static_cast<std::size_t>(i)] & takeMask) |
+                                                (s & keepMask);
+                        }
+                        return;
+                    }
                     for (int i = 0; i < count; ++i) {
                         const int x = first + i;
                         const Rgb q = channelsOf(ranked[static_cast<std::size_t>(i)]);

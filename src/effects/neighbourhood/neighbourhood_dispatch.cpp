@@ -50,8 +50,8 @@ void registerColour(EffectDispatch& d) {
               e.Kakekomi(v.sliders[0], r.left, r.top, r.right, r.bottom);
           }));
     // Cold Seed (False) and Snow White (True).
-    for (const auto& [code, snow] : {std::pair{25, false}, std::pair{26, true}}) {
-        d.add(DialogKind::Emboss, code, inPlace([snow](Op& e, V v, R r) {
+    for (const auto& [code, isSnow] : {std::pair{25, false}, std::pair{26, true}}) {
+        d.add(DialogKind::Emboss, code, inPlace([snow = isSnow](Op& e, V v, R r) {
                   e.ColdSeed(row(v.color), row(v.eType), r.left, r.top, r.right, r.bottom, snow,
                              slider(v, 1));
               }));
@@ -78,9 +78,9 @@ void registerEmbossing(EffectDispatch& d) {
     // Normal, Monotone, Sine, RGB Average, Relief 1, Relief 2 and Brightness.
     constexpr std::array<std::pair<int, std::uint8_t>, 7> kinds{
         {{72, 0}, {73, 1}, {74, 2}, {75, 3}, {76, 4}, {77, 5}, {81, 7}}};
-    for (const auto& [code, kind] : kinds) {
+    for (const auto& [code, embossKind] : kinds) {
         d.add(DialogKind::Mani, code,
-              withTrans([kind](Op& e, V v, R r) { embossWith(e, v, r, kind); }));
+              withTrans([kind = embossKind](Op& e, V v, R r) { embossWith(e, v, r, kind); }));
     }
     // Piece Emboss: the sine-shaped impression, then a normal emboss of it.
     d.add(DialogKind::Mani, 80, [](V v) {

@@ -283,10 +283,10 @@ template <int Length, int Rank, int Pass, typename V>
 }
 
 // The element at Rank after the partial Shell sort with its early stop, for
-// Length 9 or 25. `window` is the window in its array order; `sortedRank`
-// gives the element at Rank of the whole sort, asked for only when needed.
-// Most windows of a picture with detail have an insertion that runs through
-// in the first pass already; a block where every lane does needs no more.
+// Length 9 or 25. `window` is the window in its array order;
+// `wholeSortRank()` gives the element at Rank of the whole sort. Most
+// windows of a picture with detail have an insertion that runs through in
+// the first pass already; a block where every lane does needs no more.
 template <int Length, int Rank, typename V, typename WholeSort>
 [[gnu::always_inline]] inline V partialSortRank(std::array<V, Length> window,
                                                 WholeSort wholeSortRank) {

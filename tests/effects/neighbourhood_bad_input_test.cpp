@@ -51,21 +51,13 @@ const std::vector<Operation>& operations() {
          OpCall([](Op& e, R r) { e.CountFilter(2, 0, r.left, r.top, r.right, r.bottom, 7); })},
         {"Fugu7x7",
          OpCall([](Op& e, R r) { e.DarkLighten(3, 1, r.left, r.top, r.right, r.bottom, 255, 0); })},
-        // 2x2 blocks fit a 2x2 picture.
         {"Moire", OpCall([](Op& e, R r) { e.Moire(42, r.left, r.top, r.right, r.bottom); }), false},
-        {"Bleeding",
-         OpCall([](Op& e, R r) { e.BleedingFilter(42, r.left, r.top, r.right, r.bottom); }), false},
         {"Wall", OpCall([](Op& e, R r) {
              e.WallEmboss(2, 1, r.left, r.top, r.right, r.bottom, 120, 128, 128, 128, 6);
          })},
-        {"ForceFields",
-         OpCall([](Op& e, R r) { e.ForceFields(1, r.left, r.top, r.right, r.bottom, 120, 10); })},
         {"Emboss", OpCall([](Op& e, R r) {
              e.Embossing(5, 3, 2, r.left, r.top, r.right, r.bottom, 20, 128, 128, 128, 6);
          }),
-         false},
-        {"Fugu1x1",
-         OpCall([](Op& e, R r) { e.DarkLighten(0, 0, r.left, r.top, r.right, r.bottom, 255, 0); }),
          false},
         {"ColdSeed",
          OpCall([](Op& e, R r) { e.ColdSeed(1, 4, r.left, r.top, r.right, r.bottom, true, 40); }),
@@ -84,9 +76,6 @@ const std::vector<Operation>& operations() {
          })},
         {"Sobel", EdgeCall([](Class_Edge& e, R r) {
              e.Edge_Sobel(0, r.left, r.top, r.right, r.bottom, 2);
-         })},
-        {"Kirsch", EdgeCall([](Class_Edge& e, R r) {
-             e.Edge_Kirsch(180, r.left, r.top, r.right, r.bottom);
          })},
         {"Expansion", EdgeCall([](Class_Edge& e, R r) {
              e.Edge_Expansion(2, r.left, r.top, r.right, r.bottom);

@@ -33,6 +33,8 @@ const EffectDispatch& effectDispatch() {
         registerDitheringEffects(d);
         registerBinarizationEffects(d);
         registerSoftenEffects(d);
+        registerNeighborhoodEffects(d);
+        registerEdgeEffects(d);
         return d;
     }();
     return dispatch;

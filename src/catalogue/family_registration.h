@@ -12,5 +12,7 @@ void registerColorTableEffects(EffectDispatch& dispatch);
 void registerDitheringEffects(EffectDispatch& dispatch);
 void registerBinarizationEffects(EffectDispatch& dispatch);
 void registerSoftenEffects(EffectDispatch& dispatch);
+void registerNeighborhoodEffects(EffectDispatch& dispatch);
+void registerEdgeEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

@@ -32,6 +32,7 @@ const EffectDispatch& effectDispatch() {
         registerColorTableEffects(d);
         registerDitheringEffects(d);
         registerBinarizationEffects(d);
+        registerFalseColorEffects(d);
         return d;
     }();
     return dispatch;

@@ -11,5 +11,6 @@ void registerColorOpEffects(EffectDispatch& dispatch);
 void registerColorTableEffects(EffectDispatch& dispatch);
 void registerDitheringEffects(EffectDispatch& dispatch);
 void registerBinarizationEffects(EffectDispatch& dispatch);
+void registerFalseColorEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

@@ -82,6 +82,20 @@ void Class_FalseColor::Retrospection(std::uint8_t form, double adjust, std::uint
             }
             byGrey[static_cast<std::size_t>(y)] = c;
         }
+        if (selector == 0) {
+            GreyTables tables{};
+            for (std::size_t y = 0; y < 256; ++y) {
+                tables[0][y] = byGrey[y].red;
+                tables[1][y] = byGrey[y].green;
+                tables[2][y] = byGrey[y].blue;
+            }
+            mapPixels<ResultTail::Clamp>(
+                {left, top, right, bottom}, [&tables](int r, int g, int b) {
+                    const auto y = static_cast<std::size_t>(luminanceY(255 - r, 255 - g, 255 - b));
+                    return Channels{tables[0][y], tables[1][y], tables[2][y]}.fields();
+                });
+            return;
+        }
         const ChannelMask selected = selectedChannels(selector);
         mapPixels<ResultTail::Clamp>(
             {left, top, right, bottom}, [&byGrey, selected, selector](int r, int g, int b) {

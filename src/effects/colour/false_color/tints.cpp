@@ -2,6 +2,7 @@
 #include "effects/colour/false_color/class_false_color.h"
 #include "engine/colour_models.h"
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -82,6 +83,29 @@ void Class_FalseColor::tint(bool blue, std::uint8_t type, std::int16_t adjust, s
     for (std::size_t key = 0; key < table.size(); ++key) {
         table[key] = type == 0 ? typeZeroLevels(static_cast<int>(key), adjust)
                                : complementLevels(type, static_cast<int>(key), adjust);
+    }
+    // The usual case, the plain choice with no level overflowing: one
+    // table per result channel, so the loop vectorises as gathers.
+    const bool overflows = std::ranges::any_of(table, &TintLevels::overflow);
+    if (choice == 0 && !overflows) {
+        std::array<std::vector<int>, 3> channels;
+        for (auto& c : channels)
+            c.reserve(table.size());
+        for (const TintLevels& levels : table) {
+            const Rgb16 v = assign(blue, type, levels);
+            channels[0].push_back(v.red);
+            channels[1].push_back(v.green);
+            channels[2].push_back(v.blue);
+        }
+        const int* reds = channels[0].data();
+        const int* greens = channels[1].data();
+        const int* blues = channels[2].data();
+        mapPixels<ResultTail::Clamp>(rect, [=](int r, int g, int b) {
+            const auto key = static_cast<std::size_t>(
+                type == 0 ? 510 - b - g : luminanceY(255 - r, 255 - g, 255 - b));
+            return Channels{reds[key], greens[key], blues[key]}.fields();
+        });
+        return;
     }
     mapPixels<ResultTail::Clamp>(
         rect, [&table, blue, type, choice](int, int, int& r, int& g, int& b) {

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <functional>
+#include <vector>
 
 namespace lumiran::testing {
 namespace {
@@ -155,6 +156,49 @@ TEST_F(FalseColorTest, NoiseStaysInTheRectangleAndDrawsOnFromTheGenerator) {
     EXPECT_GT(changed, 40);
     // The generator runs on: a second run in the same program differs.
     EXPECT_FALSE(std::equal(first.pixels().begin(), first.pixels().end(), second.pixels().begin()));
+}
+
+struct CaptionLog : ProgressSink {
+    std::vector<int> captions;
+    int percents = 0;
+    void showPercent(int) override { ++percents; }
+    void showCaption(int id) override { captions.push_back(id); }
+};
+
+// Noise Corrdinate names both passes and takes every pixel from within the
+// amplitude, never from outside the rectangle.
+TEST_F(FalseColorTest, NoiseCoordinateMovesPixelsWithinTheAmplitude) {
+    Surface source(40, 30);
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 0; x < 40; ++x)
+            source.at(x, y) = withColour(0, x, y, 0);
+    }
+    CaptionLog log;
+    context.progress = &log;
+    C effect(context);
+    effect.ImageGetDiBits(source);
+    effect.ImageGetDiBitsTrans(source);
+    effect.NoiserizeWater(8, 3, 3, 5, 5, 35, 25);
+    Surface out;
+    effect.ImageSetDiBitsTrans(out);
+    EXPECT_EQ(log.captions, (std::vector<int>{3435, 3437}));
+    EXPECT_GT(log.percents, 20);
+    int moved = 0;
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 0; x < 40; ++x) {
+            const Pixel p = out.at(x, y);
+            const bool inside = x >= 5 && x < 35 && y >= 5 && y < 25;
+            if (!inside) {
+                EXPECT_EQ(p, source.at(x, y));
+                continue;
+            }
+            EXPECT_LE(std::abs(redOf(p) - x), 3);
+            EXPECT_LE(std::abs(greenOf(p) - y), 3);
+            EXPECT_TRUE(redOf(p) >= 5 && redOf(p) < 35 && greenOf(p) >= 5 && greenOf(p) < 25);
+            moved += redOf(p) != x || greenOf(p) != y;
+        }
+    }
+    EXPECT_GT(moved, 300);
 }
 
 } // namespace

@@ -32,7 +32,8 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"Night-fall Color", "46e95ce20e5e35b0"}, Golden{"Sax Blue", "177e71342dc9587d"},
         Golden{"Marine Snow", "84180330a29f96fb"}, Golden{"Monotone Noise", "cfd9a20e310dbc4c"},
         Golden{"Color Noise Random", "9fc4bb2e9138c7a4"},
-        Golden{"Color Noise Normal", "b54e1ba41e282209"}),
+        Golden{"Color Noise Normal", "b54e1ba41e282209"},
+        Golden{"Noise Corrdinate", "0def83397b004e32"}),
     [](const auto& testInfo) {
         std::string name = testInfo.param.effect;
         std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
@@ -41,7 +42,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 // The generator is never seeded: every fresh program draws the same noise.
 TEST(FalseColorNoise, AFreshProgramRepeatsTheSameNoise) {
-    for (const char* effect : {"Monotone Noise", "Color Noise Random", "Color Noise Normal"}) {
+    for (const char* effect :
+         {"Monotone Noise", "Color Noise Random", "Color Noise Normal", "Noise Corrdinate"}) {
         const Surface first = testing::runWithDefaults(effect);
         ASSERT_FALSE(first.empty()) << effect;
         EXPECT_EQ(testing::pictureHash(first),

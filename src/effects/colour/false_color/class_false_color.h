@@ -47,6 +47,15 @@ class Class_FalseColor : public PixelFrame {
                            std::int16_t left, std::int16_t top, std::int16_t right,
                            std::int16_t bottom);
 
+    // "Noise Corrdinate": pass 1 draws a grey noise field by a random walk,
+    // pass 2 moves each pixel by amplitude times a trigonometric function
+    // (0 sine, 1 cosine, 2 tangent, 3 sine and cosine, 4 cosine and sine)
+    // of the field's grey over the wavelength. Reads ImageBits and writes
+    // TransBits.
+    void NoiserizeWater(std::int16_t wavelength, std::int16_t amplitude, std::uint8_t function,
+                        std::int16_t left, std::int16_t top, std::int16_t right,
+                        std::int16_t bottom);
+
   private:
     void tint(bool blue, std::uint8_t type, std::int16_t adjust, std::uint8_t choice,
               const ProcessRect& rect);

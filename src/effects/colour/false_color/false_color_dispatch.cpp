@@ -76,6 +76,14 @@ void registerFalseColorEffects(EffectDispatch& d) {
               e.RandamNoise_Color(slider(v, 1), 1, c.red, c.green, c.blue, row(v.eType), r.left,
                                   r.top, r.right, r.bottom);
           }));
+    // Noise Corrdinate: wavelength, amplitude, function. It reads the
+    // source while it writes, so it has the Trans array.
+    d.add(DialogKind::Level, 48, [](V v) {
+        return EffectPlan::ready(runWithTrans<Class_FalseColor>([v](Class_FalseColor& e, R r) {
+            e.NoiserizeWater(slider(v, 2), slider(v, 1), row(v.color), r.left, r.top, r.right,
+                             r.bottom);
+        }));
+    });
 }
 
 } // namespace lumiran

@@ -83,17 +83,16 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
         if (span.empty()) return;
         const double toAngle = 2 * std::numbers::pi / std::max<int>(wavelength, 1);
         const Surface& source = ImageBits;
-        mapPixels<ResultTail::Clamp, Destination::Trans>(
-            rect, [&, toAngle](int x, int y, int& r, int& g, int& b) {
-                const Offset o = offsetOf(function, blueOf(field.at(x, y)) * toAngle, amplitude);
-                const int sx = x + o.dx, sy = y + o.dy;
-                const bool inside = sx >= span.firstColumn && sx < span.endColumn &&
-                                    sy >= span.firstRow && sy < span.endRow;
-                const Pixel p = inside ? source.at(sx, sy) : withColour(0, r, g, b);
-                return Rgb16{static_cast<std::int16_t>(redOf(p)),
-                             static_cast<std::int16_t>(greenOf(p)),
-                             static_cast<std::int16_t>(blueOf(p))};
-            });
+        mapPixels<ResultTail::Clamp, Destination::Trans>(rect, [&, toAngle](int x, int y, int& r,
+                                                                            int& g, int& b) {
+            const Offset o = offsetOf(function, blueOf(field.at(x, y)) * toAngle, amplitude);
+            const int sx = x + o.dx, sy = y + o.dy;
+            const bool inside = sx >= span.firstColumn && sx < span.endColumn &&
+                                sy >= span.firstRow && sy < span.endRow;
+            const Pixel p = inside ? source.at(sx, sy) : withColour(0, r, g, b);
+            return Rgb16{static_cast<std::int16_t>(redOf(p)), static_cast<std::int16_t>(greenOf(p)),
+                         static_cast<std::int16_t>(blueOf(p))};
+        });
     });
 }
 

@@ -35,6 +35,7 @@ const EffectDispatch& effectDispatch() {
         registerSoftenEffects(d);
         registerNeighborhoodEffects(d);
         registerEdgeEffects(d);
+        registerFalseColorEffects(d);
         return d;
     }();
     return dispatch;

@@ -14,5 +14,6 @@ void registerBinarizationEffects(EffectDispatch& dispatch);
 void registerSoftenEffects(EffectDispatch& dispatch);
 void registerNeighborhoodEffects(EffectDispatch& dispatch);
 void registerEdgeEffects(EffectDispatch& dispatch);
+void registerFalseColorEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

@@ -25,6 +25,14 @@ class RunController::Sink : public ProgressSink {
             },
             Qt::QueuedConnection);
     }
+    void showCaption(int stringId) override {
+        QMetaObject::invokeMethod(
+            &owner_,
+            [this, stringId] {
+                if (owner_.progress_) owner_.progress_->setLabel(res(stringId));
+            },
+            Qt::QueuedConnection);
+    }
 
   private:
     RunController& owner_;

@@ -2,27 +2,10 @@
 // bundled sample: a guard against accidental change, not a test of the rules.
 #include "golden.h"
 
-#include <gtest/gtest.h>
-
-namespace lumiran {
-namespace {
-
-struct Golden {
-    const char* effect;
-    const char* hash;
-};
-
-class GoldenFalseColor : public ::testing::TestWithParam<Golden> {};
-
-TEST_P(GoldenFalseColor, DefaultRunOnTheSampleIsUnchanged) {
-    const Golden& golden = GetParam();
-    const Surface result = testing::runWithDefaults(golden.effect);
-    ASSERT_FALSE(result.empty()) << golden.effect << " did not run";
-    EXPECT_EQ(testing::pictureHash(result), golden.hash) << golden.effect;
-}
+namespace lumiran::testing {
 
 INSTANTIATE_TEST_SUITE_P(
-    Effects, GoldenFalseColor,
+    FalseColor, GoldenDefaults,
     ::testing::Values(
         Golden{"Pseudo", "51bef39537f46376"}, Golden{"Color Adjust", "6d1b6d4d8a32da3e"},
         Golden{"Fluorescence Color", "1cb0a5559c62e0a8"},
@@ -34,25 +17,17 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"Color Noise Random", "9fc4bb2e9138c7a4"},
         Golden{"Color Noise Normal", "b54e1ba41e282209"},
         Golden{"Noise Corrdinate", "0def83397b004e32"}),
-    [](const auto& testInfo) {
-        std::string name = testInfo.param.effect;
-        std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
-        return name;
-    });
+    goldenTestName);
 
-// The generator is never seeded: every fresh program draws the same noise.
+// Each run starts from a fresh generator, as a fresh program does.
 TEST(FalseColorNoise, AFreshProgramRepeatsTheSameNoise) {
     for (const char* effect :
          {"Monotone Noise", "Color Noise Random", "Color Noise Normal", "Noise Corrdinate"}) {
-        const Surface first = testing::runWithDefaults(effect);
+        const Surface first = runWithDefaults(effect);
         ASSERT_FALSE(first.empty()) << effect;
-        EXPECT_EQ(testing::pictureHash(first),
-                  testing::pictureHash(testing::runWithDefaults(effect)))
-            << effect;
-        EXPECT_NE(testing::pictureHash(first), testing::pictureHash(testing::bundledSample()))
-            << effect;
+        EXPECT_EQ(pictureHash(first), pictureHash(runWithDefaults(effect))) << effect;
+        EXPECT_NE(pictureHash(first), pictureHash(bundledSample())) << effect;
     }
 }
 
-} // namespace
-} // namespace lumiran
+} // namespace lumiran::testing

@@ -2,27 +2,10 @@
 // sample: a guard against accidental change, not a test of the rules.
 #include "golden.h"
 
-#include <gtest/gtest.h>
-
-namespace lumiran {
-namespace {
-
-struct Golden {
-    const char* effect;
-    const char* hash;
-};
-
-class GoldenNeighborhoodOp : public ::testing::TestWithParam<Golden> {};
-
-TEST_P(GoldenNeighborhoodOp, DefaultRunOnTheSampleIsUnchanged) {
-    const Golden& golden = GetParam();
-    const Surface result = testing::runWithDefaults(golden.effect);
-    ASSERT_FALSE(result.empty()) << golden.effect << " did not run";
-    EXPECT_EQ(testing::pictureHash(result), golden.hash) << golden.effect;
-}
+namespace lumiran::testing {
 
 INSTANTIATE_TEST_SUITE_P(
-    Effects, GoldenNeighborhoodOp,
+    NeighborhoodOp, GoldenDefaults,
     ::testing::Values(
         Golden{"Color Shift", "ee9996a2507567bf"}, Golden{"Cold Seed", "175e06229f5a00af"},
         Golden{"Snow White", "a7b7809cb1fa8bbb"}, Golden{"Moire", "97d3bf0c1628e4b4"},
@@ -38,11 +21,6 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"Fugu", "d0cfac24fae1762f"}, Golden{"Median Color", "b76593e5329934ec"},
         Golden{"Bleeding Filter", "d226db3cb4492473"}, Golden{"Fiasco", "44a232f4abcf3f5f"},
         Golden{"Gather 3x3", "af9637a5e78b087a"}),
-    [](const auto& testInfo) {
-        std::string name = testInfo.param.effect;
-        std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
-        return name;
-    });
+    goldenTestName);
 
-} // namespace
-} // namespace lumiran
+} // namespace lumiran::testing

@@ -30,6 +30,9 @@ const EffectDispatch& effectDispatch() {
         EffectDispatch d;
         registerColorOpEffects(d);
         registerColorTableEffects(d);
+        registerMosaicEffects(d);
+        registerNetMosaicEffects(d);
+        registerPatternEffects(d);
         return d;
     }();
     return dispatch;

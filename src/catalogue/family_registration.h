@@ -9,5 +9,8 @@ class EffectDispatch;
 // libraries without a word.
 void registerColorOpEffects(EffectDispatch& dispatch);
 void registerColorTableEffects(EffectDispatch& dispatch);
+void registerMosaicEffects(EffectDispatch& dispatch);
+void registerNetMosaicEffects(EffectDispatch& dispatch);
+void registerPatternEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

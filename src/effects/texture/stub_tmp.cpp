@@ -1,0 +1,4 @@
+#include "catalogue/family_registration.h"
+namespace lumiran {
+void registerPatternEffects(EffectDispatch&) {}
+} // namespace lumiran

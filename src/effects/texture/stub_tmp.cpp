@@ -1,4 +1,0 @@
-#include "catalogue/family_registration.h"
-namespace lumiran {
-void registerPatternEffects(EffectDispatch&) {}
-} // namespace lumiran

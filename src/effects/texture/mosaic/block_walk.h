@@ -101,6 +101,9 @@ struct Block {
     Pixel first = 0;              // the source of the block's first pixel, for the blend
     int gridRow = 0;              // the block's row and column among the blocks
     int gridColumn = 0;
+    // Room for the colours of a rule's classes, reused from block to block.
+    std::span<Rgb16> palette{};
+    std::span<Pixel> paletteBits{};
 };
 
 // The mean of the block's counted cells, each channel rounded half to even.

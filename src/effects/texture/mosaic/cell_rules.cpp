@@ -2,10 +2,41 @@
 
 #include "engine/numeric.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
 namespace lumiran::mosaic {
+namespace {
+
+// Classes by a function of the cell; count one past the largest.
+template <typename ClassOf>
+CellClasses classify(int width, int height, ClassOf classOf) {
+    CellClasses c{width, height, 0,
+                  std::vector<std::uint16_t>(static_cast<std::size_t>(width) * height)};
+    for (int i = 0; i < height; ++i) {
+        for (int j = 0; j < width; ++j) {
+            const std::uint16_t k = classOf(i, j);
+            c.of[static_cast<std::size_t>(i) * width + j] = k;
+            if (k != LeaveCell) c.count = std::max(c.count, k + 1);
+        }
+    }
+    return c;
+}
+
+bool edge(int i, int j) {
+    return i == 0 || j == 0;
+}
+
+// Edge cells class 0, the others 1 + j: the rules whose inside slopes
+// across the block.
+CellClasses edgeAndColumn(int width, int height) {
+    return classify(width, height, [](int i, int j) {
+        return static_cast<std::uint16_t>(edge(i, j) ? 0 : 1 + j);
+    });
+}
+
+} // namespace
 
 Rgb16 shifted(Rgb16 mean, int delta) {
     return {wrap16(mean.red + delta), wrap16(mean.green + delta), wrap16(mean.blue + delta)};
@@ -15,97 +46,180 @@ Rgb16 grey(int value) {
     return {wrap16(value), wrap16(value), wrap16(value)};
 }
 
-Rgb16 normalCell(std::uint8_t type, const CellPlace& cell, Rgb16 mean) {
-    switch (type) {
-    case 1:
-        return cell.edge() ? shifted(mean, 5 * cell.width) : shifted(mean, -3 * cell.j);
-    case 2:
-        return cell.edge() ? shifted(mean, -5 * cell.width) : shifted(mean, 3 * cell.j);
-    default:
-        return mean;
+CellRule normalRule(std::uint8_t type, int width, int height) {
+    if (type != 1 && type != 2) {
+        return {classify(width, height, [](int, int) { return std::uint16_t{0}; }),
+                [](Rgb16 m, std::span<Rgb16> c) { c[0] = m; }};
     }
+    const int sign = type == 1 ? 1 : -1;
+    return {edgeAndColumn(width, height), [sign, width](Rgb16 m, std::span<Rgb16> c) {
+                c[0] = shifted(m, sign * 5 * width);
+                for (int j = 0; j < width; ++j)
+                    c[1 + j] = shifted(m, -sign * 3 * j);
+            }};
 }
 
-Rgb16 tileCell(std::uint8_t type, const CellPlace& cell, Rgb16 mean) {
-    switch (type) {
-    case 0:
-        if (cell.edge()) return shifted(mean, -18);
-        return cell.at(1) ? shifted(mean, 18) : mean;
-    case 1:
-        if (cell.edge()) return grey(0);
-        return cell.at(1) ? grey(255) : mean;
-    case 2:
-        if (cell.edge()) return grey(0);
-        if (cell.at(1)) return grey(128);
-        return cell.at(2) ? grey(255) : mean;
-    default:
-        return mean;
-    }
+CellRule tileRule(std::uint8_t type, int width, int height) {
+    // 0 the edge, 1 the cells at 1, 2 those at 2, 3 the inside.
+    CellClasses classes = classify(width, height, [](int i, int j) {
+        if (edge(i, j)) return std::uint16_t{0};
+        if (i == 1 || j == 1) return std::uint16_t{1};
+        return std::uint16_t{i == 2 || j == 2 ? 2 : 3};
+    });
+    classes.count = 4;
+    return {std::move(classes), [type](Rgb16 m, std::span<Rgb16> c) {
+                switch (type) {
+                case 0:
+                    c[0] = shifted(m, -18);
+                    c[1] = shifted(m, 18);
+                    c[2] = m;
+                    break;
+                case 1:
+                    c[0] = grey(0);
+                    c[1] = grey(255);
+                    c[2] = m;
+                    break;
+                case 2:
+                    c[0] = grey(0);
+                    c[1] = grey(128);
+                    c[2] = grey(255);
+                    break;
+                default:
+                    c[0] = c[1] = c[2] = m;
+                    break;
+                }
+                c[3] = m;
+            }};
 }
 
-Rgb16 gradation1Cell(std::uint8_t type, const CellPlace& cell, Rgb16 mean) {
-    if (cell.edge()) return mean;
-    // i + j is held in a byte before it is scaled.
-    const auto diagonal = [&] {
-        return roundTo<int>(static_cast<std::uint8_t>(cell.i + cell.j) * 1.5);
+CellRule gradation1Rule(std::uint8_t type, int width, int height) {
+    if (type == 2 || type == 3) {
+        // Inside the edge the slope follows i + j, held in a byte.
+        const int sign = type == 2 ? -1 : 1;
+        CellClasses classes = classify(width, height, [](int i, int j) {
+            return static_cast<std::uint16_t>(edge(i, j) ? 0
+                                                         : 1 + static_cast<std::uint8_t>(i + j));
+        });
+        return {std::move(classes), [sign](Rgb16 m, std::span<Rgb16> c) {
+                    c[0] = m;
+                    for (int d = 0; d + 1 < static_cast<int>(c.size()) && d < 256; ++d)
+                        c[1 + d] = shifted(m, sign * roundTo<int>(d * 1.5));
+                }};
+    }
+    const int sign = type == 0 ? -1 : type == 1 ? 1 : 0;
+    return {edgeAndColumn(width, height), [sign, width](Rgb16 m, std::span<Rgb16> c) {
+                c[0] = m;
+                for (int j = 0; j < width; ++j)
+                    c[1 + j] = shifted(m, sign * 3 * j);
+            }};
+}
+
+CellRule gradation2Rule(std::uint8_t type, int width, int height) {
+    enum class Measure { Vertical, Radial, Diagonal };
+    enum class End { Black, Mean, White };
+    struct Kind {
+        Measure measure;
+        End from;
+        End to;
     };
-    switch (type) {
-    case 0:
-        return shifted(mean, -3 * cell.j);
-    case 1:
-        return shifted(mean, 3 * cell.j);
-    case 2:
-        return shifted(mean, -diagonal());
-    case 3:
-        return shifted(mean, diagonal());
-    default:
-        return mean;
-    }
-}
-
-Gradation2::Gradation2(std::uint8_t type) {
-    // Types 1 and 2 are the radial runs the menu's rows 2 and 3 name; the
-    // others run between the mean and black or white so each looks apart.
+    // Types 1 and 2 are the radial runs between white and M; the others run
+    // between M and black or white so that each looks apart.
     static constexpr std::array<Kind, 6> kinds{{
-        {Measure::Vertical, End::White, End::Mean},
+        {Measure::Diagonal, End::White, End::Mean},
         {Measure::Radial, End::White, End::Mean},
         {Measure::Radial, End::Mean, End::White},
         {Measure::Radial, End::Mean, End::Black},
         {Measure::Radial, End::Black, End::Mean},
-        {Measure::Diagonal, End::Mean, End::Black},
+        {Measure::Vertical, End::Mean, End::Black},
     }};
-    kind_ = type < kinds.size() ? kinds[type] : Kind{Measure::Vertical, End::Mean, End::Mean};
+    const Kind kind =
+        type < kinds.size() ? kinds[type] : Kind{Measure::Vertical, End::Mean, End::Mean};
+    double extent = 0;
+    std::vector<double> distance(static_cast<std::size_t>(width) * height);
+    const double cx = width / 2.0;
+    const double cy = height / 2.0;
+    for (int i = 0; i < height; ++i) {
+        for (int j = 0; j < width; ++j) {
+            double& d = distance[static_cast<std::size_t>(i) * width + j];
+            switch (kind.measure) {
+            case Measure::Vertical:
+                d = i;
+                extent = height - 1;
+                break;
+            case Measure::Radial:
+                d = std::sqrt((j - cx) * (j - cx) + (i - cy) * (i - cy));
+                extent = std::sqrt(cx * cx + cy * cy);
+                break;
+            case Measure::Diagonal:
+                d = i + j;
+                extent = width + height - 2;
+                break;
+            }
+        }
+    }
+    CellClasses classes = classify(
+        width, height, [width](int i, int j) { return static_cast<std::uint16_t>(i * width + j); });
+    return {std::move(classes),
+            [kind, extent, distance = std::move(distance)](Rgb16 m, std::span<Rgb16> c) {
+                const auto end = [](End e, int v) {
+                    return e == End::Black ? 0 : e == End::White ? 255 : v;
+                };
+                // a + (b - a) / extent * distance; at distance 0 the start
+                // colour, also where the extent is 0. The run stays between
+                // its two ends, so the rounding needs no range check.
+                const auto run = [&](int v, std::size_t k) -> std::int16_t {
+                    const int a = end(kind.from, v);
+                    const int b = end(kind.to, v);
+                    if (distance[k] == 0) return wrap16(a);
+                    return roundInRange<std::int16_t>(a + static_cast<double>(b - a) / extent *
+                                                              distance[k]);
+                };
+                for (std::size_t k = 0; k < distance.size(); ++k)
+                    c[k] = {run(m.red, k), run(m.green, k), run(m.blue, k)};
+            }};
 }
 
-Rgb16 Gradation2::cell(const CellPlace& cell, Rgb16 mean) const {
-    double distance = 0;
-    double extent = 0;
-    switch (kind_.measure) {
-    case Measure::Vertical:
-        distance = cell.i;
-        extent = cell.height - 1;
-        break;
-    case Measure::Radial: {
-        const double cx = cell.width / 2.0;
-        const double cy = cell.height / 2.0;
-        distance = std::sqrt((cell.j - cx) * (cell.j - cx) + (cell.i - cy) * (cell.i - cy));
-        extent = std::sqrt(cx * cx + cy * cy);
-        break;
+CellRule maskRule(const CellMask& mask, int width, int height) {
+    return {
+        classify(width, height,
+                 [&](int i, int j) { return mask.paints(i, j) ? std::uint16_t{0} : LeaveCell; }),
+        [](Rgb16 m, std::span<Rgb16> c) { c[0] = m; }};
+}
+
+CellRule randomRule(std::uint8_t type, int width, int height) {
+    if (type == 1) {
+        return {classify(width, height, [](int, int j) { return static_cast<std::uint16_t>(j); }),
+                [width](Rgb16 m, std::span<Rgb16> c) {
+                    for (int j = 0; j < width; ++j)
+                        c[j] = shifted(m, 3 * width - 3 * j);
+                }};
     }
-    case Measure::Diagonal:
-        distance = cell.i + cell.j;
-        extent = cell.width + cell.height - 2;
-        break;
+    if (type == 2 || type == 3) {
+        const int frame = type == 2 ? 255 : 0;
+        return {classify(width, height,
+                         [&](int i, int j) {
+                             const bool onFrame =
+                                 i == 0 || j == 0 || i == height - 1 || j == width - 1;
+                             return static_cast<std::uint16_t>(onFrame ? 0 : 1);
+                         }),
+                [frame](Rgb16 m, std::span<Rgb16> c) {
+                    c[0] = grey(frame);
+                    c[1] = m;
+                }};
     }
-    const auto end = [](End e, int m) { return e == End::Black ? 0 : e == End::White ? 255 : m; };
-    const auto channel = [&](int m) -> std::int16_t {
-        const int a = end(kind_.from, m);
-        const int b = end(kind_.to, m);
-        // At distance 0 the start colour, also where the extent is 0.
-        if (distance == 0) return wrap16(a);
-        return roundTo<std::int16_t>(a + static_cast<double>(b - a) / extent * distance);
-    };
-    return {channel(mean.red), channel(mean.green), channel(mean.blue)};
+    return normalRule(0, width, height);
+}
+
+CellRule shadingRule(std::vector<CellLight> relief, int size, int reflection, int ambient) {
+    CellClasses classes = classify(
+        size, size, [size](int i, int j) { return static_cast<std::uint16_t>(i * size + j); });
+    return {std::move(classes),
+            [relief = std::move(relief), reflection, ambient](Rgb16 m, std::span<Rgb16> c) {
+                for (std::size_t k = 0; k < relief.size(); ++k)
+                    c[k] = {shadeChannel(m.red, relief[k], reflection, ambient),
+                            shadeChannel(m.green, relief[k], reflection, ambient),
+                            shadeChannel(m.blue, relief[k], reflection, ambient)};
+            }};
 }
 
 } // namespace lumiran::mosaic

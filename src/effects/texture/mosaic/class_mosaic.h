@@ -1,6 +1,7 @@
 #pragma once
 
 #include "effects/texture/mosaic/block_walk.h"
+#include "effects/texture/mosaic/cell_rules.h"
 #include "engine/pixel_frame.h"
 
 #include <cstdint>
@@ -112,18 +113,18 @@ class Class_Mosaic : public PixelFrame {
     // The rectangle cut to the picture.
     [[nodiscard]] mosaic::Extent extentOf(const ProcessRect& rect) const;
 
-    // Paints every cell for which rule(i, j) gives a colour, after the
-    // post-step; rule returns std::optional<Rgb16> or Rgb16. Folded cells
-    // are painted as often as they fold, the last writer winning.
-    template <typename Rule>
-    void paintCells(Surface& target, const mosaic::Block& block, Rule&& rule);
+    // Paints the block by the rule: the colours of its classes from the
+    // block's mean, each blended with the block's first source pixel or
+    // clamped, then every cell of a class in its colour. Folded cells are
+    // painted as often as they fold, the last writer winning.
+    void paintRule(Surface& target, const mosaic::Block& block, const mosaic::CellRule& rule);
 
     // Every cell in one colour.
     void paintUniform(Surface& target, const mosaic::Block& block, Rgb16 colour);
 
-    // The shared form of the mask mosaics: M where the mask paints.
-    void paintThroughMask(Surface& target, const mosaic::Block& block,
-                          const mosaic::CellMask& mask);
+    // Mosaic_Normal's type 0 over the plain grid: the means of a whole row
+    // of blocks summed row by row, then the rows painted, each pixel once.
+    void uniformMosaic(const ProcessRect& rect, int width, int height);
 };
 
 } // namespace lumiran

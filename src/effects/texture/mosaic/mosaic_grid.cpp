@@ -1,5 +1,4 @@
 // The mosaics that paint every cell of a block by a rule of its place.
-#include "effects/texture/mosaic/cell_rules.h"
 #include "effects/texture/mosaic/mosaic_walk.h"
 
 namespace lumiran {
@@ -7,7 +6,6 @@ namespace {
 
 using mosaic::Block;
 using mosaic::BlockGrid;
-using mosaic::CellPlace;
 
 ProcessRect rectOf(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom) {
     return {left, top, right, bottom};
@@ -19,16 +17,14 @@ void Class_Mosaic::Mosaic_Normal(std::uint8_t width, std::uint8_t height, std::i
                                  std::int16_t top, std::int16_t right, std::int16_t bottom,
                                  std::uint8_t type) {
     guarded([&] {
-        walkBlocks(rectOf(left, top, right, bottom), BlockGrid::plain(width, height),
-                   [&](const Block& block) {
-                       if (type != 1 && type != 2) {
-                           paintUniform(ImageBits, block, block.mean);
-                           return;
-                       }
-                       paintCells(ImageBits, block, [&](int i, int j) {
-                           return mosaic::normalCell(type, {i, j, width, height}, block.mean);
-                       });
-                   });
+        const ProcessRect rect = rectOf(left, top, right, bottom);
+        if (type != 1 && type != 2) {
+            uniformMosaic(rect, width, height);
+            return;
+        }
+        const mosaic::CellRule rule = mosaic::normalRule(type, width, height);
+        walkBlocks(rect, BlockGrid::plain(width, height),
+                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
     });
 }
 
@@ -36,12 +32,9 @@ void Class_Mosaic::Mosaic_Tile(std::uint8_t width, std::uint8_t height, std::int
                                std::int16_t top, std::int16_t right, std::int16_t bottom, bool,
                                std::uint8_t type) {
     guarded([&] {
+        const mosaic::CellRule rule = mosaic::tileRule(type, width, height);
         walkBlocks(rectOf(left, top, right, bottom), BlockGrid::plain(width, height),
-                   [&](const Block& block) {
-                       paintCells(ImageBits, block, [&](int i, int j) {
-                           return mosaic::tileCell(type, {i, j, width, height}, block.mean);
-                       });
-                   });
+                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
     });
 }
 
@@ -49,12 +42,9 @@ void Class_Mosaic::Mosaic_Gradation1(std::uint8_t width, std::uint8_t height, st
                                      std::int16_t top, std::int16_t right, std::int16_t bottom,
                                      std::uint8_t, std::uint8_t type) {
     guarded([&] {
+        const mosaic::CellRule rule = mosaic::gradation1Rule(type, width, height);
         walkBlocks(rectOf(left, top, right, bottom), BlockGrid::plain(width, height),
-                   [&](const Block& block) {
-                       paintCells(ImageBits, block, [&](int i, int j) {
-                           return mosaic::gradation1Cell(type, {i, j, width, height}, block.mean);
-                       });
-                   });
+                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
     });
 }
 
@@ -62,13 +52,9 @@ void Class_Mosaic::Mosaic_Gradation2(std::uint8_t width, std::uint8_t height, st
                                      std::int16_t top, std::int16_t right, std::int16_t bottom,
                                      std::uint8_t, std::uint8_t type) {
     guarded([&] {
-        const mosaic::Gradation2 gradation(type);
+        const mosaic::CellRule rule = mosaic::gradation2Rule(type, width, height);
         walkBlocks(rectOf(left, top, right, bottom), BlockGrid::plain(width, height),
-                   [&](const Block& block) {
-                       paintCells(ImageBits, block, [&](int i, int j) {
-                           return gradation.cell({i, j, width, height}, block.mean);
-                       });
-                   });
+                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
     });
 }
 
@@ -82,17 +68,16 @@ void Class_Mosaic::Mosaic_Blick(std::uint8_t width, std::uint8_t height, std::in
         } else {
             grid.rowShift[1] = width / 2;
         }
-        walkBlocks(rectOf(left, top, right, bottom), grid, [&](const Block& block) {
-            if (type != 1 && type != 2) {
-                paintUniform(ImageBits, block, block.mean);
-                return;
-            }
-            // The relief and the black and white edge of the tile mosaic.
-            const auto tileType = static_cast<std::uint8_t>(type - 1);
-            paintCells(ImageBits, block, [&](int i, int j) {
-                return mosaic::tileCell(tileType, {i, j, width, height}, block.mean);
-            });
-        });
+        if (type != 1 && type != 2) {
+            walkBlocks(rectOf(left, top, right, bottom), grid,
+                       [&](const Block& block) { paintUniform(ImageBits, block, block.mean); });
+            return;
+        }
+        // The relief and the black and white edge of the tile mosaic.
+        const mosaic::CellRule rule =
+            mosaic::tileRule(static_cast<std::uint8_t>(type - 1), width, height);
+        walkBlocks(rectOf(left, top, right, bottom), grid,
+                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
     });
 }
 

@@ -2,6 +2,37 @@
 
 namespace lumiran {
 
+void Class_Mosaic::paintRule(Surface& target, const mosaic::Block& block,
+                             const mosaic::CellRule& rule) {
+    const mosaic::CellClasses& classes = rule.classes;
+    rule.palette(block.mean, block.palette);
+    const int r = redOf(block.first), g = greenOf(block.first), b = blueOf(block.first);
+    for (int k = 0; k < classes.count; ++k) {
+        const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, b, block.palette[k]);
+        block.paletteBits[k] = makePixel(v.red, v.green, v.blue);
+    }
+    const bool plain = mosaic::isPlainRun(block.columns);
+    for (std::size_t i = 0; i < block.rows.size(); ++i) {
+        const int y = block.rows[i];
+        if (y == mosaic::SkippedCell) continue;
+        const std::uint16_t* cellClass = classes.of.data() + i * classes.width;
+        Pixel* row = target.row(y).data();
+        if (plain) {
+            Pixel* run = row + block.columns.front();
+            for (std::size_t j = 0; j < block.columns.size(); ++j) {
+                if (cellClass[j] != mosaic::LeaveCell)
+                    run[j] = (run[j] & 0xFF000000u) | block.paletteBits[cellClass[j]];
+            }
+            continue;
+        }
+        for (std::size_t j = 0; j < block.columns.size(); ++j) {
+            const int x = block.columns[j];
+            if (x != mosaic::SkippedCell && cellClass[j] != mosaic::LeaveCell)
+                row[x] = (row[x] & 0xFF000000u) | block.paletteBits[cellClass[j]];
+        }
+    }
+}
+
 void Class_Mosaic::paintUniform(Surface& target, const mosaic::Block& block, Rgb16 colour) {
     const Rgb16 v = finishPixel<ResultTail::Clamp>(redOf(block.first), greenOf(block.first),
                                                    blueOf(block.first), colour);
@@ -21,14 +52,6 @@ void Class_Mosaic::paintUniform(Surface& target, const mosaic::Block& block, Rgb
             if (x != mosaic::SkippedCell) row[x] = (row[x] & 0xFF000000u) | bits;
         }
     }
-}
-
-void Class_Mosaic::paintThroughMask(Surface& target, const mosaic::Block& block,
-                                    const mosaic::CellMask& mask) {
-    paintCells(target, block, [&](int i, int j) -> std::optional<Rgb16> {
-        if (!mask.paints(i, j)) return std::nullopt;
-        return block.mean;
-    });
 }
 
 } // namespace lumiran

@@ -1,6 +1,5 @@
 // Blocks dropped at random origins; painted in place in the order drawn,
 // so later blocks average what earlier ones painted.
-#include "effects/texture/mosaic/cell_rules.h"
 #include "effects/texture/mosaic/mosaic_walk.h"
 #include "effects/texture/mosaic/shape_masks.h"
 
@@ -18,16 +17,21 @@ void Class_Mosaic::Mosaic_Random(std::uint8_t width, std::uint8_t height, std::i
         if (blockRows == 0) return;
         const int blockColumns = (span.endColumn - 1 - span.firstColumn) / width + 1;
         const int size = std::max(width, height);
-        mosaic::CellMask mask;
-        if (type == 4) mask = mosaic::dotMask(size);
-        if (type == 5)
-            mask = mosaic::shapeMask(size, static_cast<int>(mosaic::Shape::FirstLozenge));
+        mosaic::CellRule rule = mosaic::randomRule(type, width, height);
+        if (type == 4) rule = mosaic::maskRule(mosaic::dotMask(size), width, height);
+        if (type == 5) {
+            rule = mosaic::maskRule(
+                mosaic::shapeMask(size, static_cast<int>(mosaic::Shape::FirstLozenge)), width,
+                height);
+        }
         // Origins reach one past the last column and row, where the whole
         // block folds onto the edge.
         const double across = span.endColumn - span.firstColumn + 1;
         const double down = span.endRow - span.firstRow + 1;
         std::vector<int> rows(height);
         std::vector<int> columns(width);
+        std::vector<Rgb16> palette(std::max<std::size_t>(rule.classes.count, 1));
+        std::vector<Pixel> paletteBits(palette.size());
         for (int k = 0; k < blockRows; ++k) {
             for (int m = 0; m < blockColumns; ++m) {
                 const int x0 =
@@ -41,31 +45,10 @@ void Class_Mosaic::Mosaic_Random(std::uint8_t width, std::uint8_t height, std::i
                                           mosaic::blockMean(ImageBits, rows, columns),
                                           mosaic::firstPixel(ImageBits, rows, columns),
                                           k,
-                                          m};
-                const Rgb16 mean = block.mean;
-                switch (type) {
-                case 1: // a slope down from M + 3 w
-                    paintCells(ImageBits, block, [&](int, int j) {
-                        return mosaic::shifted(mean, 3 * width - 3 * j);
-                    });
-                    break;
-                case 2:
-                case 3: { // a frame of white or black around the block
-                    const Rgb16 frame = mosaic::grey(type == 2 ? 255 : 0);
-                    paintCells(ImageBits, block, [&](int i, int j) {
-                        const bool onFrame = i == 0 || j == 0 || i == height - 1 || j == width - 1;
-                        return onFrame ? frame : mean;
-                    });
-                    break;
-                }
-                case 4:
-                case 5:
-                    paintThroughMask(ImageBits, block, mask);
-                    break;
-                default:
-                    paintUniform(ImageBits, block, mean);
-                    break;
-                }
+                                          m,
+                                          palette,
+                                          paletteBits};
+                paintRule(ImageBits, block, rule);
             }
             if (!finishRow()) return;
         }

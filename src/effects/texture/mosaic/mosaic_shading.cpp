@@ -33,19 +33,10 @@ void Class_Mosaic::Mosaic_GradShading(std::uint8_t size, std::int16_t left, std:
                                       std::int16_t reflection, std::int16_t ambient) {
     guarded([&] {
         if (size == 0) throw EffectError::overflow();
-        const std::vector<mosaic::CellLight> relief =
-            mosaic::reliefLight(size, kind, lightX, lightY, lightZ);
+        const mosaic::CellRule rule = mosaic::shadingRule(
+            mosaic::reliefLight(size, kind, lightX, lightY, lightZ), size, reflection, ambient);
         walkBlocks({left, top, right, bottom}, mosaic::BlockGrid::plain(size, size),
-                   [&](const mosaic::Block& block) {
-                       const Rgb16 m = block.mean;
-                       paintCells(ImageBits, block, [&](int i, int j) {
-                           const mosaic::CellLight& cell =
-                               relief[static_cast<std::size_t>(i) * size + j];
-                           return Rgb16{mosaic::shadeChannel(m.red, cell, reflection, ambient),
-                                        mosaic::shadeChannel(m.green, cell, reflection, ambient),
-                                        mosaic::shadeChannel(m.blue, cell, reflection, ambient)};
-                       });
-                   });
+                   [&](const mosaic::Block& block) { paintRule(ImageBits, block, rule); });
     });
 }
 

@@ -1,5 +1,4 @@
 // The mosaics that paint a block through a shape mask.
-#include "effects/texture/mosaic/cell_rules.h"
 #include "effects/texture/mosaic/mosaic_walk.h"
 #include "effects/texture/mosaic/shape_masks.h"
 
@@ -15,9 +14,9 @@ void Class_Mosaic::Mosaic_Circle(std::uint8_t size, std::int16_t left, std::int1
                                  std::int16_t right, std::int16_t bottom, std::uint8_t shape) {
     guarded([&] {
         if (size == 0) throw EffectError::overflow();
-        const mosaic::CellMask mask = mosaic::shapeMask(size, shape);
+        const mosaic::CellRule rule = mosaic::maskRule(mosaic::shapeMask(size, shape), size, size);
         walkBlocks({left, top, right, bottom}, BlockGrid::plain(size, size),
-                   [&](const Block& block) { paintThroughMask(ImageBits, block, mask); });
+                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
     });
 }
 
@@ -26,15 +25,19 @@ void Class_Mosaic::Mosaic_Osero(std::uint8_t size, std::int16_t left, std::int16
                                 std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
     guarded([&] {
         if (size == 0) throw EffectError::overflow();
-        const mosaic::CellMask disc = mosaic::shapeMask(size, 0);
+        // Class 0 the stone, 1 the board around it.
+        mosaic::CellRule rule = mosaic::maskRule(mosaic::shapeMask(size, 0), size, size);
+        for (std::uint16_t& cell : rule.classes.of)
+            cell = cell == mosaic::LeaveCell ? 1 : 0;
+        rule.classes.count = 2;
         const Rgb16 board{red, green, blue};
+        rule.palette = [board, threshold](Rgb16 m, std::span<Rgb16> c) {
+            const int grey = (m.red + m.green + m.blue) / 3;
+            c[0] = mosaic::grey(grey < threshold ? 0 : 255);
+            c[1] = board;
+        };
         walkBlocks({left, top, right, bottom}, BlockGrid::plain(size, size),
-                   [&](const Block& block) {
-                       const int grey = (block.mean.red + block.mean.green + block.mean.blue) / 3;
-                       const Rgb16 stone = mosaic::grey(grey < threshold ? 0 : 255);
-                       paintCells(ImageBits, block,
-                                  [&](int i, int j) { return disc.paints(i, j) ? stone : board; });
-                   });
+                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
     });
 }
 
@@ -52,17 +55,18 @@ void Class_Mosaic::Mosaic_ShippouTunagi(std::uint8_t size, std::int16_t left, st
         const mosaic::Extent extent = extentOf(rect);
         SetProgressRange(0, mosaic::blockRowCount(extent, stars) +
                                 (petals ? mosaic::blockRowCount(extent, lenses) : 0));
-        const mosaic::CellMask star = mosaic::starMask(size, outlined);
+        const mosaic::CellRule star =
+            mosaic::maskRule(mosaic::starMask(size, outlined), size, size);
         walkBlocks(
-            rect, stars, [&](const Block& block) { paintThroughMask(TransBits, block, star); },
-            false);
+            rect, stars, [&](const Block& block) { paintRule(TransBits, block, star); }, false);
         if (!petals || context().cancelled()) return;
-        const mosaic::CellMask petal[2] = {mosaic::petalMask(size, 0, outlined),
-                                           mosaic::petalMask(size, 1, outlined)};
+        const mosaic::CellRule petal[2] = {
+            mosaic::maskRule(mosaic::petalMask(size, 0, outlined), half, half),
+            mosaic::maskRule(mosaic::petalMask(size, 1, outlined), half, half)};
         walkBlocks(
             rect, lenses,
             [&](const Block& block) {
-                paintThroughMask(TransBits, block, petal[(block.gridRow + block.gridColumn) & 1]);
+                paintRule(TransBits, block, petal[(block.gridRow + block.gridColumn) & 1]);
             },
             false);
     });
@@ -86,8 +90,9 @@ void Class_Mosaic::Mosaic_Lozenge(std::uint8_t width, std::uint8_t height, std::
                 mosaic::shapeMask(std::max(width, height), static_cast<int>(mosaic::Shape::Circle));
             grid.rowShift[1] = width / 2;
         }
+        const mosaic::CellRule rule = mosaic::maskRule(mask, width, height);
         walkBlocks({left, top, right, bottom}, grid,
-                   [&](const Block& block) { paintThroughMask(TransBits, block, mask); });
+                   [&](const Block& block) { paintRule(TransBits, block, rule); });
     });
 }
 

@@ -5,7 +5,6 @@
 #include "effects/texture/mosaic/class_mosaic.h"
 
 #include <algorithm>
-#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -23,16 +22,24 @@ void Class_Mosaic::walkBlocks(const ProcessRect& rect, const mosaic::BlockGrid& 
     const int blockRows = mosaic::blockRowCount(extent, grid);
     if (ownProgressRange) SetProgressRange(0, blockRows);
     if (blockRows == 0) return;
+    // Room for the colours of any rule's classes: one a cell, or the 257 of
+    // a slope held in a byte.
+    const std::size_t paletteSize =
+        std::max<std::size_t>(static_cast<std::size_t>(grid.width) * grid.height, 257);
     auto rowOfBlocks = [&](int k) {
         std::vector<int> rows(static_cast<std::size_t>(grid.height));
         std::vector<int> columns(static_cast<std::size_t>(grid.width));
+        std::vector<Rgb16> palette(paletteSize);
+        std::vector<Pixel> paletteBits(paletteSize);
         mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int m) {
-            const mosaic::Block block{rows,
-                                      columns,
-                                      mosaic::blockMean(ImageBits, rows, columns),
-                                      mosaic::firstPixel(ImageBits, rows, columns),
-                                      k,
-                                      m};
+            const mosaic::Block block{.rows = rows,
+                                      .columns = columns,
+                                      .mean = mosaic::blockMean(ImageBits, rows, columns),
+                                      .first = mosaic::firstPixel(ImageBits, rows, columns),
+                                      .gridRow = k,
+                                      .gridColumn = m,
+                                      .palette = palette,
+                                      .paletteBits = paletteBits};
             paint(block);
         });
     };
@@ -48,24 +55,6 @@ void Class_Mosaic::walkBlocks(const ProcessRect& rect, const mosaic::BlockGrid& 
     for (int k = 0; k < blockRows; ++k) {
         rowOfBlocks(k);
         if (!finishRow()) return;
-    }
-}
-
-template <typename Rule>
-void Class_Mosaic::paintCells(Surface& target, const mosaic::Block& block, Rule&& rule) {
-    const int r = redOf(block.first), g = greenOf(block.first), b = blueOf(block.first);
-    for (std::size_t i = 0; i < block.rows.size(); ++i) {
-        const int y = block.rows[i];
-        if (y == mosaic::SkippedCell) continue;
-        Pixel* row = target.row(y).data();
-        for (std::size_t j = 0; j < block.columns.size(); ++j) {
-            const int x = block.columns[j];
-            if (x == mosaic::SkippedCell) continue;
-            const std::optional<Rgb16> colour = rule(static_cast<int>(i), static_cast<int>(j));
-            if (!colour) continue;
-            const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, b, *colour);
-            row[x] = withColour(row[x], v.red, v.green, v.blue);
-        }
     }
 }
 

@@ -8,8 +8,9 @@
 
 namespace lumiran {
 namespace pattern {
+class Bands;
 struct TileLayout;
-}
+} // namespace pattern
 
 // Generated patterns painted over the picture in place on ImageBits:
 // trigonometric colour fields, banded rings, tile-wall lines and stipple.
@@ -151,10 +152,17 @@ class Class_Pattern : public PixelFrame {
     // the three channels, which the weight blend mixes with the source.
     template <RowOrder Order = RowOrder::AnyOrder, typename Pattern>
     void blendPattern(const ProcessRect& rect, std::int16_t weight, Pattern&& pattern);
-    // The banded effects: m(x, y) through the band rule of the colour.
-    template <typename Measure>
+    // The banded effects: rowMeasure(y, first, end, m) gives m for the
+    // columns first..end-1 of row y, whole numbers in floating point whose
+    // range the caller has checked; each goes through the band rule of the
+    // colour and the weight blend.
+    template <typename RowMeasure>
     void paintBands(const ProcessRect& rect, int period, std::uint8_t red, std::uint8_t green,
-                    std::uint8_t blue, std::int16_t weight, Measure&& measure);
+                    std::uint8_t blue, std::int16_t weight, RowMeasure&& rowMeasure);
+    // One row of the band rule and the weight blend, then the post-step.
+    template <bool Blend>
+    void paintBandRow(const pattern::Bands& shared, Pixel* __restrict row, double* __restrict m,
+                      int count) const;
     // Colours the pixels whose level(x, y) (0 a joint's line, 1 and 2 right
     // of and below it) the line type colours, each then blended or clamped;
     // other pixels stay untouched.

@@ -2,10 +2,29 @@
 #include "effects/texture/pattern/pattern_frame.h"
 #include "engine/drawing/blit.h"
 
+#include <algorithm>
+
 namespace lumiran {
 namespace {
 
-// (round(c + a) \ 2) mod 255, and round(a) mod 255: the spread's channels.
+int floorHalf(int v) {
+    return v >= 0 ? v / 2 : -((1 - v) / 2);
+}
+
+// The spread's ramps a (across) and b (down), 255 / (right - left) x and
+// 255 / (bottom - top) y with a 0 raised to 1, for the rectangle's columns
+// and rows in the picture.
+std::vector<double> ramp(double slope, int first, int end) {
+    std::vector<double> values(static_cast<std::size_t>(std::max(end - first, 0)));
+    for (int v = first; v < end; ++v) {
+        const double value = slope * v;
+        values[v - first] = value == 0 ? 1 : value;
+    }
+    return values;
+}
+
+// (round(c + a) \ 2) mod 255 and round(a) mod 255, the channels that follow
+// one ramp, with the conversion's range check.
 int halfOfSum(int colour, double ramp) {
     return roundTo<std::int32_t>(colour + ramp) / 2 % 255;
 }
@@ -13,8 +32,8 @@ int rampOf(double ramp) {
     return roundTo<std::int32_t>(ramp) % 255;
 }
 
-int floorHalf(int v) {
-    return v >= 0 ? v / 2 : -((1 - v) / 2);
+double largestOf(const std::vector<double>& values) {
+    return values.empty() ? 0 : std::max(std::abs(values.front()), std::abs(values.back()));
 }
 
 } // namespace
@@ -23,36 +42,70 @@ void Class_Pattern::ColorSpread(std::uint8_t type, std::int16_t left, std::int16
                                 std::int16_t right, std::int16_t bottom, std::uint8_t red,
                                 std::uint8_t green, std::uint8_t blue, std::int16_t weight) {
     guarded([&] {
-        const double across = 255.0 / wrap16(right - left);
-        const double down = 255.0 / wrap16(bottom - top);
-        blendPattern({left, top, right, bottom}, weight, [&](int x, int y) {
-            double a = across * x;
-            double b = down * y;
-            if (a == 0) a = 1;
-            if (b == 0) b = 1;
-            int pr = red, pg = green, pb = blue;
-            switch (type) {
-            case 0:
-                pr = halfOfSum(red, a);
-                pg = roundTo<std::int32_t>(a + b) / 2 % 255;
-                pb = halfOfSum(blue, b);
-                break;
-            case 1:
-                pr = rampOf(a);
-                pb = halfOfSum(blue, b);
-                break;
-            case 2:
-                pr = halfOfSum(red, a);
-                pg = rampOf(b);
-                break;
-            case 3:
-                pg = rampOf(a);
-                pb = rampOf(b);
-                break;
-            default:
-                break;
-            }
-            return Rgb16{wrap16(pr), wrap16(pg), wrap16(pb)};
+        const ProcessRect rect{left, top, right, bottom};
+        const Span s = spanOf(rect);
+        const std::vector<double> a =
+            ramp(255.0 / wrap16(right - left), s.firstColumn, s.endColumn);
+        const std::vector<double> b = ramp(255.0 / wrap16(bottom - top), s.firstRow, s.endRow);
+        // Each channel is a part of the column plus a part of the row: the
+        // ramp's channel on one side, 0 or the colour's channel on the other.
+        std::vector<int> across[3];
+        std::vector<int> down[3];
+        for (auto& channel : across)
+            channel.assign(a.size(), 0);
+        for (auto& channel : down)
+            channel.assign(b.size(), 0);
+        const auto fill = [](std::vector<int>& out, const std::vector<double>& in, auto f) {
+            for (std::size_t k = 0; k < in.size(); ++k)
+                out[k] = f(in[k]);
+        };
+        const auto halfWith = [](int colour) {
+            return [colour](double v) { return halfOfSum(colour, v); };
+        };
+        switch (type) {
+        case 0: {
+            fill(across[0], a, halfWith(red));
+            fill(down[2], b, halfWith(blue));
+            // Green, (round(a + b) \ 2) mod 255, at every pixel; the ramps
+            // are largest at one end, which bounds the sum's range.
+            pattern::checkMeasure(largestOf(a) + largestOf(b));
+            blendPattern(rect, weight, [&](int x, int y) {
+                const int i = x - s.firstColumn;
+                const int j = y - s.firstRow;
+                const int g =
+                    static_cast<std::int32_t>(pattern::roundedWhole(a[i] + b[j])) / 2 % 255;
+                return Rgb16{static_cast<std::int16_t>(across[0][i]), static_cast<std::int16_t>(g),
+                             static_cast<std::int16_t>(down[2][j])};
+            });
+            return;
+        }
+        case 1:
+            fill(across[0], a, rampOf);
+            std::fill(down[1].begin(), down[1].end(), green);
+            fill(down[2], b, halfWith(blue));
+            break;
+        case 2:
+            fill(across[0], a, halfWith(red));
+            fill(down[1], b, rampOf);
+            std::fill(down[2].begin(), down[2].end(), blue);
+            break;
+        case 3:
+            std::fill(down[0].begin(), down[0].end(), red);
+            fill(across[1], a, rampOf);
+            fill(down[2], b, rampOf);
+            break;
+        default:
+            std::fill(down[0].begin(), down[0].end(), red);
+            std::fill(down[1].begin(), down[1].end(), green);
+            std::fill(down[2].begin(), down[2].end(), blue);
+            break;
+        }
+        blendPattern(rect, weight, [&](int x, int y) {
+            const int i = x - s.firstColumn;
+            const int j = y - s.firstRow;
+            return Rgb16{static_cast<std::int16_t>(across[0][i] + down[0][j]),
+                         static_cast<std::int16_t>(across[1][i] + down[1][j]),
+                         static_cast<std::int16_t>(across[2][i] + down[2][j])};
         });
     });
 }

@@ -46,6 +46,9 @@ Vector normalOf(int i, int j, int size, std::uint8_t kind) {
 std::vector<CellLight> reliefLight(int size, std::uint8_t kind, int lightX, int lightY,
                                    int lightZ) {
     const Vector light = Vector{lightX / 10.0, lightY / 10.0, lightZ / 10.0}.unit();
+    // Without a light there is no highlight either: the half vector of no
+    // light would point at the viewer and light every flat cell.
+    const bool dark = light.dot(light) == 0;
     const Vector half = Vector{(light.x + 0) / 2, (light.y + 0) / 2, (light.z + 1) / 2}.unit();
     std::vector<CellLight> cells(static_cast<std::size_t>(size) * size);
     for (int i = 0; i < size; ++i) {
@@ -53,7 +56,7 @@ std::vector<CellLight> reliefLight(int size, std::uint8_t kind, int lightX, int 
             const Vector n = normalOf(i, j, size, kind);
             CellLight& cell = cells[static_cast<std::size_t>(i) * size + j];
             cell.diffuse = std::max(0.0, light.dot(n));
-            cell.specular = std::max(0.0, std::pow(half.dot(n), 100));
+            cell.specular = dark ? 0 : std::max(0.0, std::pow(half.dot(n), 100));
         }
     }
     return cells;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 
 namespace lumiran::mosaic {
 namespace {
@@ -64,7 +65,7 @@ CellRule tileRule(std::uint8_t type, int width, int height) {
     CellClasses classes = classify(width, height, [](int i, int j) {
         if (edge(i, j)) return std::uint16_t{0};
         if (i == 1 || j == 1) return std::uint16_t{1};
-        return std::uint16_t{i == 2 || j == 2 ? 2 : 3};
+        return static_cast<std::uint16_t>(i == 2 || j == 2 ? 2 : 3);
     });
     classes.count = 4;
     return {std::move(classes), [type](Rgb16 m, std::span<Rgb16> c) {
@@ -164,18 +165,28 @@ CellRule gradation2Rule(std::uint8_t type, int width, int height) {
                 const auto end = [](End e, int v) {
                     return e == End::Black ? 0 : e == End::White ? 255 : v;
                 };
-                // a + (b - a) / extent * distance; at distance 0 the start
-                // colour, also where the extent is 0. The run stays between
-                // its two ends, so the rounding needs no range check.
-                const auto run = [&](int v, std::size_t k) -> std::int16_t {
-                    const int a = end(kind.from, v);
-                    const int b = end(kind.to, v);
-                    if (distance[k] == 0) return wrap16(a);
-                    return roundInRange<std::int16_t>(a + static_cast<double>(b - a) / extent *
-                                                              distance[k]);
-                };
-                for (std::size_t k = 0; k < distance.size(); ++k)
-                    c[k] = {run(m.red, k), run(m.green, k), run(m.blue, k)};
+                // a + (b - a) / extent * distance, the quotient once a block
+                // and channel; at distance 0 the start colour, also where the
+                // extent is 0. The run stays between its two ends, so the
+                // rounding needs no range check and the loop vectorises.
+                const int a[3] = {end(kind.from, m.red), end(kind.from, m.green),
+                                  end(kind.from, m.blue)};
+                double slope[3];
+                for (int ch = 0; ch < 3; ++ch)
+                    slope[ch] = static_cast<double>(end(kind.to, ch == 0   ? m.red
+                                                                 : ch == 1 ? m.green
+                                                                           : m.blue) -
+                                                    a[ch]) /
+                                extent;
+                const double* __restrict d = distance.data();
+                Rgb16* __restrict out = c.data();
+                for (std::size_t k = 0; k < distance.size(); ++k) {
+                    const auto run = [&](int ch) {
+                        return d[k] == 0 ? wrap16(a[ch])
+                                         : roundInRange<std::int16_t>(a[ch] + slope[ch] * d[k]);
+                    };
+                    out[k] = {run(0), run(1), run(2)};
+                }
             }};
 }
 
@@ -213,12 +224,30 @@ CellRule randomRule(std::uint8_t type, int width, int height) {
 CellRule shadingRule(std::vector<CellLight> relief, int size, int reflection, int ambient) {
     CellClasses classes = classify(
         size, size, [size](int i, int j) { return static_cast<std::uint16_t>(i * size + j); });
+    // Diffuse and specular lie within 0..1, so a channel stays within the sum
+    // of the magnitudes; where that fits 16 bits the rounding needs no check
+    // and the loop vectorises.
+    const bool fits = 255 + std::abs(reflection) + std::abs(ambient) < 32767;
     return {std::move(classes),
-            [relief = std::move(relief), reflection, ambient](Rgb16 m, std::span<Rgb16> c) {
-                for (std::size_t k = 0; k < relief.size(); ++k)
-                    c[k] = {shadeChannel(m.red, relief[k], reflection, ambient),
-                            shadeChannel(m.green, relief[k], reflection, ambient),
-                            shadeChannel(m.blue, relief[k], reflection, ambient)};
+            [relief = std::move(relief), reflection, ambient, fits](Rgb16 m, std::span<Rgb16> c) {
+                if (!fits) {
+                    for (std::size_t k = 0; k < relief.size(); ++k)
+                        c[k] = {shadeChannel(m.red, relief[k], reflection, ambient),
+                                shadeChannel(m.green, relief[k], reflection, ambient),
+                                shadeChannel(m.blue, relief[k], reflection, ambient)};
+                    return;
+                }
+                const CellLight* __restrict light = relief.data();
+                Rgb16* __restrict out = c.data();
+                const double red = m.red, green = m.green, blue = m.blue;
+                for (std::size_t k = 0; k < relief.size(); ++k) {
+                    // In shadeChannel's order: c d + A s, then the ambient.
+                    const double highlight = reflection * light[k].specular;
+                    const double d = light[k].diffuse;
+                    out[k] = {roundInRange<std::int16_t>(red * d + highlight + ambient),
+                              roundInRange<std::int16_t>(green * d + highlight + ambient),
+                              roundInRange<std::int16_t>(blue * d + highlight + ambient)};
+                }
             }};
 }
 

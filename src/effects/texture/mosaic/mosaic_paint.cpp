@@ -7,9 +7,20 @@ void Class_Mosaic::paintRule(Surface& target, const mosaic::Block& block,
     const mosaic::CellClasses& classes = rule.classes;
     rule.palette(block.mean, block.palette);
     const int r = redOf(block.first), g = greenOf(block.first), b = blueOf(block.first);
-    for (int k = 0; k < classes.count; ++k) {
-        const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, b, block.palette[k]);
-        block.paletteBits[k] = makePixel(v.red, v.green, v.blue);
+    // The blend decided once a block, so that the clamp alone vectorises
+    // over rules with a class a cell.
+    const auto finishClasses = [&]<bool Blend>() {
+        const Rgb16* __restrict palette = block.palette.data();
+        Pixel* __restrict bits = block.paletteBits.data();
+        for (int k = 0; k < classes.count; ++k) {
+            const Rgb16 v = endPixel<ResultTail::Clamp, Blend>(r, g, b, palette[k]);
+            bits[k] = makePixel(v.red, v.green, v.blue);
+        }
+    };
+    if (calculationFlag() > 0) {
+        finishClasses.template operator()<true>();
+    } else {
+        finishClasses.template operator()<false>();
     }
     const bool plain = mosaic::isPlainRun(block.columns);
     for (std::size_t i = 0; i < block.rows.size(); ++i) {

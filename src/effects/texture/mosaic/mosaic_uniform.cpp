@@ -74,9 +74,9 @@ void Class_Mosaic::uniformMosaic(const ProcessRect& rect, int w, int height) {
         const Pixel* firstRow = ImageBits.row(rows.front()).data() + extent.firstColumn;
         for (int m = 0; m < blocks; ++m) {
             const Pixel first = firstRow[m * width];
-            const Rgb16 v = finishPixel<ResultTail::Clamp>(
-                redOf(first), greenOf(first), blueOf(first),
-                {means[3 * m], means[3 * m + 1], means[3 * m + 2]});
+            const Rgb16 v =
+                finishPixel<ResultTail::Clamp>(redOf(first), greenOf(first), blueOf(first),
+                                               {means[3 * m], means[3 * m + 1], means[3 * m + 2]});
             const Pixel bits = makePixel(v.red, v.green, v.blue);
             std::fill(pattern.begin() + m * width,
                       pattern.begin() + std::min((m + 1) * width, across), bits);

@@ -46,8 +46,7 @@ struct TileLayout {
 // rectangle.
 class TileLines {
   public:
-    TileLines(int size, std::vector<CellMask> variants, TileLayout layout, const ProcessRect& rect)
-        : size_(size), variants_(std::move(variants)), layout_(std::move(layout)), rect_(rect) {}
+    TileLines(int size, std::vector<CellMask> variants, TileLayout layout, const ProcessRect& rect);
     // 0, 1 or 2, or 3 off the joints.
     [[nodiscard]] int level(int x, int y) const {
         if (line(x, y)) return 0;
@@ -57,17 +56,26 @@ class TileLines {
     }
 
   private:
+    // Which tile and which of its cells each column and row falls in, worked
+    // out once rather than divided out at every look-up.
+    struct Place {
+        int tile = 0;
+        int cell = 0;
+    };
     [[nodiscard]] bool line(int x, int y) const {
-        if (x < rect_.left || x >= rect_.right || y < rect_.top || y >= rect_.bottom) return false;
-        const int dx = x - rect_.left;
-        const int dy = y - rect_.top;
-        const CellMask& mask = variants_[layout_.variant(dy / size_, dx / size_)];
-        return mask.paints(dy % size_, dx % size_);
+        if (x < rect_.left || y < rect_.top) return false;
+        const Place& across = columns_[static_cast<std::size_t>(x - rect_.left)];
+        const Place& down = rows_[static_cast<std::size_t>(y - rect_.top)];
+        const CellMask& mask =
+            single_ != nullptr ? *single_ : variants_[layout_.variant(down.tile, across.tile)];
+        return mask.paints(down.cell, across.cell);
     }
-    int size_;
     std::vector<CellMask> variants_;
     TileLayout layout_;
     ProcessRect rect_;
+    std::vector<Place> columns_;
+    std::vector<Place> rows_;
+    const CellMask* single_ = nullptr; // the one drawing of a wall of like tiles
 };
 
 } // namespace pattern

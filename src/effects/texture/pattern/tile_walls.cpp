@@ -62,6 +62,20 @@ std::uint8_t TileLayout::variant(int tileRow, int tileColumn) const {
     return first;
 }
 
+TileLines::TileLines(int size, std::vector<CellMask> variants, TileLayout layout,
+                     const ProcessRect& rect)
+    : variants_(std::move(variants)), layout_(std::move(layout)), rect_(rect) {
+    const auto placesOf = [size](int count) {
+        std::vector<Place> places(static_cast<std::size_t>(std::max(count, 0)));
+        for (int k = 0; k < count; ++k)
+            places[k] = {k / size, k % size};
+        return places;
+    };
+    columns_ = placesOf(rect.right - rect.left);
+    rows_ = placesOf(rect.bottom - rect.top);
+    if (layout_.kind == TileLayout::Kind::Same) single_ = &variants_[layout_.first];
+}
+
 } // namespace pattern
 
 void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std::int16_t height,
@@ -135,6 +149,14 @@ void Class_Pattern::drawnJoints(const ProcessRect& rect, int size,
 
 namespace {
 
+// Turn 0 and turn 1 alternating in the given way.
+pattern::TileLayout alternating(pattern::TileLayout::Kind kind) {
+    pattern::TileLayout layout;
+    layout.kind = kind;
+    layout.second = 1;
+    return layout;
+}
+
 // A tile of no pixels has no place for its lines.
 void checkTile(std::int16_t size) {
     if (size < 1) throw EffectError::overflow();
@@ -161,13 +183,13 @@ void Class_Pattern::Draw_ArcCrest(std::int16_t size, std::int16_t left, std::int
             layout.first = 1;
             break;
         case 2:
-            layout = {Kind::Chequer, 0, 1};
+            layout = alternating(Kind::Chequer);
             break;
         case 3:
-            layout = {Kind::Rows, 0, 1};
+            layout = alternating(Kind::Rows);
             break;
         case 4:
-            layout = {Kind::Columns, 0, 1};
+            layout = alternating(Kind::Columns);
             break;
         case 5:
             layout.first = 2;

@@ -36,6 +36,9 @@ const EffectDispatch& effectDispatch() {
         registerNeighborhoodEffects(d);
         registerEdgeEffects(d);
         registerFalseColorEffects(d);
+        registerMosaicEffects(d);
+        registerNetMosaicEffects(d);
+        registerPatternEffects(d);
         return d;
     }();
     return dispatch;

@@ -15,5 +15,8 @@ void registerSoftenEffects(EffectDispatch& dispatch);
 void registerNeighborhoodEffects(EffectDispatch& dispatch);
 void registerEdgeEffects(EffectDispatch& dispatch);
 void registerFalseColorEffects(EffectDispatch& dispatch);
+void registerMosaicEffects(EffectDispatch& dispatch);
+void registerNetMosaicEffects(EffectDispatch& dispatch);
+void registerPatternEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

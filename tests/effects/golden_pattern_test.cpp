@@ -2,27 +2,10 @@
 // bundled sample: a guard against accidental change, not a test of the rules.
 #include "golden.h"
 
-#include <gtest/gtest.h>
-
-namespace lumiran {
-namespace {
-
-struct Golden {
-    const char* effect;
-    const char* hash;
-};
-
-class GoldenPattern : public ::testing::TestWithParam<Golden> {};
-
-TEST_P(GoldenPattern, DefaultRunOnTheSampleIsUnchanged) {
-    const Golden& golden = GetParam();
-    const Surface result = testing::runWithDefaults(golden.effect);
-    ASSERT_FALSE(result.empty()) << golden.effect << " did not run";
-    EXPECT_EQ(testing::pictureHash(result), golden.hash) << golden.effect;
-}
+namespace lumiran::testing {
 
 INSTANTIATE_TEST_SUITE_P(
-    Effects, GoldenPattern,
+    Pattern, GoldenDefaults,
     ::testing::Values(
         Golden{"Color Spread", "b3f86f9405334739"},
         Golden{"Shade Pattern Color", "cf8a8fe54b95f44e"},
@@ -37,11 +20,6 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"Tile Wall Arc Crest", "3b784da1c470fdad"},
         Golden{"Tile Wall Lozenge", "4eb4723ba0fed185"},
         Golden{"Tile Wall Shippou-Tunagi", "9ea80ef42d86e731"}),
-    [](const auto& info) {
-        std::string name = info.param.effect;
-        std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
-        return name;
-    });
+    goldenTestName);
 
-} // namespace
-} // namespace lumiran
+} // namespace lumiran::testing

@@ -1,6 +1,7 @@
 // The cases of the dialogs' ...Processing routines served by Class_Pattern,
 // among them "Color Spread" of the Color menu.
 #include "catalogue/family_registration.h"
+#include "effects/halftone/binarization/class_binarization.h"
 #include "effects/texture/pattern/class_pattern.h"
 #include "effects/texture/texture_dispatch.h"
 
@@ -27,19 +28,27 @@ void registerPatternEffects(EffectDispatch& d) {
                              c.blue);
     });
     // Checked Pattern: rows 0..2 the operation; row 3 ("2値化") copies blocks
-    // from random places and then binarizes the result, a call on
-    // Class_Binarization, which this build does not have yet.
+    // from random places, and the result is then binarized at 128.
     const EffectPlanner checked = texture::inPlace<Class_Pattern>([](E& e, V v, R r) {
         e.CheckedPattern(true, slider(v, 1), slider(v, 2), r.left, r.top, r.right, r.bottom,
                          row(v.eType));
     });
     d.add(DialogKind::Level, 13, [checked](V v) {
-        if (v.eType == 3) {
-            return EffectPlan::notAvailable(
-                "Class_Pattern CheckedPattern(-1,S1,S2,rect,8); Class_Binarization "
-                "Binarization(128,0,rect)");
-        }
-        return checked(v);
+        if (v.eType != 3) return checked(v);
+        return EffectPlan::ready([v](EffectInvocation& run) {
+            runInPlace<Class_Pattern>([v](E& e, R r) {
+                e.CheckedPattern(true, slider(v, 1), slider(v, 2), r.left, r.top, r.right, r.bottom,
+                                 8);
+            })(run);
+            if (run.context.cancelled()) return;
+            // The second call reads what the first left in kept picture 1.
+            Class_Binarization binarization(run.context);
+            binarization.ImageGetDiBits(run.keptPicture1);
+            binarization.ImageGetDiBitsTrans(run.keptPicture1);
+            const ProcessRect& r = run.rect;
+            binarization.Binarization(128, 0, r.left, r.top, r.right, r.bottom);
+            binarization.ImageSetDiBitsTrans(run.keptPicture1);
+        });
     });
     // Sin Light (periods as given) and Smoke Pattern (periods drawn at random).
     for (const auto& [code, random] : {std::pair{53, false}, std::pair{20, true}}) {

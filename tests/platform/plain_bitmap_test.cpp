@@ -40,7 +40,8 @@ Bytes bitmap(const Surface& picture, int bits, bool topDown, int headerSize = 40
     const int offset = 14 + headerSize + gap;
     Bytes out;
     put(out, 2, {0x4D42});
-    put(out, 4, {offset + stride * height, 0, offset, headerSize, width, topDown ? -height : height});
+    put(out, 4,
+        {offset + stride * height, 0, offset, headerSize, width, topDown ? -height : height});
     put(out, 2, {1, bits});
     put(out, 4, {0, stride * height, 2835, 2835, coloursUsed, 0});
     out.resize(static_cast<std::size_t>(offset), 0);
@@ -101,7 +102,8 @@ TEST_F(PlainBitmapTest, EveryLayoutGivesThePlatformDecodersPixels) {
         const std::string w = std::to_string(width);
         cases.push_back({"written" + w + ".bmp", encodeBmp24(picture), true});
         cases.push_back({"topdown" + w + ".bmp", bitmap(picture, 24, true), true});
-        cases.push_back({"depth32_" + w + ".bmp", bitmap(picture, 32, false, 40, 0, 0, 0x80), true});
+        cases.push_back(
+            {"depth32_" + w + ".bmp", bitmap(picture, 32, false, 40, 0, 0, 0x80), true});
     }
     const Surface picture = testing::makeVariedPicture(6, 4);
     cases.push_back({"v4.bmp", bitmap(picture, 24, false, 108), true});
@@ -125,9 +127,9 @@ TEST_F(PlainBitmapTest, BitmapsOfOtherWritersGoWhereTheyBelong) {
     }
     const fs::path source = write("source.bmp", encodeBmp24(testing::makeVariedPicture(9, 5)));
     const std::pair<const char*, bool> kinds[] = {
-        {"BMP3:", true},                  // Windows 3, 24 bits
-        {"BMP:", true},                   // version 5 header, 24 bits
-        {"-type Palette BMP3:", false},   // 8 bits with a colour table
+        {"BMP3:", true},                // Windows 3, 24 bits
+        {"BMP:", true},                 // version 5 header, 24 bits
+        {"-type Palette BMP3:", false}, // 8 bits with a colour table
         {"-colors 16 -compress RLE BMP3:", false},
         {"-monochrome BMP3:", false},
         {"-alpha on BMP:", false}, // 32 bits with alpha
@@ -137,10 +139,11 @@ TEST_F(PlainBitmapTest, BitmapsOfOtherWritersGoWhereTheyBelong) {
         const std::string target = (dir / ("kind" + std::to_string(n++) + ".bmp")).string();
         std::string options = arguments;
         const std::size_t prefix = options.rfind(' ');
-        const std::string format = prefix == std::string::npos ? options : options.substr(prefix + 1);
+        const std::string format =
+            prefix == std::string::npos ? options : options.substr(prefix + 1);
         options = prefix == std::string::npos ? "" : options.substr(0, prefix);
-        const std::string command = "convert '" + source.string() + "' " + options + " '" + format +
-                                    target + "'";
+        const std::string command =
+            "convert '" + source.string() + "' " + options + " '" + format + target + "'";
         ASSERT_EQ(std::system(command.c_str()), 0) << command;
         expectAsThePlatformGivesIt(target, plain);
     }

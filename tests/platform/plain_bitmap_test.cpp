@@ -81,7 +81,9 @@ struct PlainBitmapTest : ::testing::Test {
             EXPECT_THROW((void)LoadImageFile(path, &decoder, nullptr), ImageLoadError);
             return;
         }
-        if (straight) EXPECT_EQ(*straight, *platform);
+        if (straight) {
+            EXPECT_EQ(*straight, *platform);
+        }
         EXPECT_EQ(LoadImageFile(path, &decoder, nullptr), platform);
     }
     fs::path write(const std::string& name, const Bytes& bytes) {

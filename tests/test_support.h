@@ -3,7 +3,11 @@
 #include "engine/pixel.h"
 #include "engine/surface.h"
 
+#include <filesystem>
 #include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
 
 namespace lumiran::testing {
 
@@ -22,6 +26,14 @@ inline Surface makeVariedPicture(int width, int height) {
     return makePicture(width, height, [](int x, int y) {
         return makePixel((x * 37 + y * 11) & 0xFF, (x * 5 + y * 53) & 0xFF, (x * 91 + y) & 0xFF);
     });
+}
+
+// A folder of the running test's own: the process id keeps two checkouts
+// that test at once on one machine out of each other's files.
+inline std::filesystem::path testFolder(const std::string& prefix) {
+    return std::filesystem::temp_directory_path() /
+           (prefix + std::to_string(::getpid()) + "-" +
+            ::testing::UnitTest::GetInstance()->current_test_info()->name());
 }
 
 } // namespace lumiran::testing

@@ -30,6 +30,8 @@ const EffectDispatch& effectDispatch() {
         EffectDispatch d;
         registerColorOpEffects(d);
         registerColorTableEffects(d);
+        registerDitheringEffects(d);
+        registerBinarizationEffects(d);
         return d;
     }();
     return dispatch;

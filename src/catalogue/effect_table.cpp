@@ -1,5 +1,7 @@
 #include "catalogue/effect_table.h"
 
+#include "catalogue/name_folding.h"
+
 #include <algorithm>
 #include <cctype>
 #include <string>
@@ -92,6 +94,10 @@ ControlValues defaultControlValues(const EffectEntry& effect) {
     return values;
 }
 
+std::string effectName(const EffectEntry& effect) {
+    return effect.caption.empty() ? std::string(effect.key) : withoutAccelerator(effect.caption);
+}
+
 const EffectEntry* findEffect(std::string_view name) {
     // Two composition entries have no caption; an empty name finds nothing.
     if (name.empty()) return nullptr;
@@ -105,6 +111,63 @@ const EffectEntry* findEffect(std::string_view name) {
     // "Mean" finds the menu caption "Mean(&M)": the accelerator is not part of the name.
     for (const EffectEntry& e : table) {
         if (equalsIgnoringCase(withoutAccelerator(e.caption), name)) return &e;
+    }
+    // Typed with the other width: "モノトーン" for "ﾓﾉﾄｰﾝ", "Ｍｏｎｏｔｏｎｅ".
+    const std::string folded = foldedName(name);
+    for (const EffectEntry& e : table) {
+        if (foldedName(e.key) == folded) return &e;
+    }
+    for (const EffectEntry& e : table) {
+        if (!e.caption.empty() && foldedName(withoutAccelerator(e.caption)) == folded) return &e;
+    }
+    return nullptr;
+}
+
+std::vector<std::string> closestEffectNames(std::string_view name, std::size_t most) {
+    const std::u32string typed = decodeUtf8(foldedName(name));
+    if (typed.empty()) return {};
+    // Near means within about a third of the typed length of a whole name,
+    // or one step further of a part of one ("Mosaic" of "Normal Mosaic").
+    // Only the nearest are offered, the first in menu order; a name must
+    // keep at least one of the typed characters.
+    const std::size_t reach =
+        std::min(std::max<std::size_t>(1, typed.size() / 3), typed.size() - 1);
+    std::size_t nearest = reach + 1;
+    std::vector<std::string> names;
+    for (const EffectEntry& e : effectCatalogue()) {
+        std::size_t best = reach + 1;
+        std::string shown;
+        auto consider = [&](std::string form) {
+            const std::u32string candidate = decodeUtf8(foldedName(form));
+            std::size_t distance = editDistance(typed, candidate);
+            if (typed.size() >= 4) {
+                distance = std::min(distance, partDistance(typed, candidate) + 1);
+            }
+            if (distance < best) {
+                best = distance;
+                shown = std::move(form);
+            }
+        };
+        if (!e.caption.empty()) consider(withoutAccelerator(e.caption));
+        consider(std::string(e.key));
+        if (shown.empty() || best > nearest) continue;
+        if (best < nearest) {
+            nearest = best;
+            names.clear();
+        }
+        if (names.size() < most && std::ranges::find(names, shown) == names.end()) {
+            names.push_back(std::move(shown));
+        }
+    }
+    return names;
+}
+
+const EffectFamily* findFamilyNamed(std::string_view name) {
+    const std::string folded = foldedName(name);
+    for (const EffectFamily& family : effectFamilies()) {
+        if (foldedName(family.caption) == folded || foldedName(family.menu) == folded) {
+            return &family;
+        }
     }
     return nullptr;
 }

@@ -4,6 +4,7 @@
 #include "catalogue/dialog_kind.h"
 
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -81,7 +82,23 @@ struct EffectEntry {
 // once: every slider at its default, row 0 of every list.
 [[nodiscard]] ControlValues defaultControlValues(const EffectEntry& effect);
 
-// By key, or by English caption ignoring case; the first in menu order wins.
+// The name a user reads and types: the caption without its accelerator
+// ("Mean" for "Mean(&M)"), or the key where there is no caption.
+[[nodiscard]] std::string effectName(const EffectEntry& effect);
+
+// By key, or by English caption ignoring case; the first in menu order
+// wins. A name that matches neither as typed is compared after NFKC, so
+// full-width and half-width forms both find the effect.
 [[nodiscard]] const EffectEntry* findEffect(std::string_view name);
+
+// Up to `most` names of effects that come closest to one that was not
+// found, closest first: of each effect the caption (without its
+// accelerator) or the key, whichever is nearer. Empty when nothing is near.
+[[nodiscard]] std::vector<std::string> closestEffectNames(std::string_view name,
+                                                          std::size_t most = 3);
+
+// A family by its caption ("Color Table") or menu ("ColorTableNo"),
+// ignoring case, after NFKC.
+[[nodiscard]] const EffectFamily* findFamilyNamed(std::string_view name);
 
 } // namespace lumiran

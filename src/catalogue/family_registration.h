@@ -9,5 +9,7 @@ class EffectDispatch;
 // libraries without a word.
 void registerColorOpEffects(EffectDispatch& dispatch);
 void registerColorTableEffects(EffectDispatch& dispatch);
+void registerDitheringEffects(EffectDispatch& dispatch);
+void registerBinarizationEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

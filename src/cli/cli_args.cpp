@@ -1,6 +1,8 @@
 #include "cli/cli_args.h"
 
+#include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <sstream>
 
 namespace lumiran::cli {
@@ -34,14 +36,54 @@ std::vector<std::string> splitCommas(const std::string& option, const std::strin
     return parts;
 }
 
+// The program writes Windows bitmaps only, so any other extension would
+// name the file falsely.
+void requireBitmapName(const std::string& option, const std::string& path) {
+    std::string extension = std::filesystem::path(path).extension().string();
+    std::ranges::transform(extension, extension.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    if (extension != ".bmp") {
+        throw UsageError(option + " " + path +
+                         ": lumiran-cli writes only Windows bitmaps; give a name ending in .bmp");
+    }
+}
+
+ListOptions parseListOptions(const std::vector<std::string>& args) {
+    ListOptions options;
+    for (std::size_t i = 1; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        if (arg == "--json") {
+            options.json = true;
+        } else if (arg == "--compact") {
+            options.compact = true;
+        } else if (arg == "--available") {
+            options.availableOnly = true;
+        } else if (arg == "--family") {
+            if (i + 1 >= args.size() || args[i + 1].empty()) {
+                throw UsageError("list --family: a family name is missing");
+            }
+            options.family = args[++i];
+        } else {
+            throw UsageError("list takes --available, --family NAME, --compact and --json, not '" +
+                             arg + "'");
+        }
+    }
+    if (options.json && options.compact) {
+        throw UsageError("list: --compact is a text form; give --compact or --json, not both");
+    }
+    return options;
+}
+
 } // namespace
 
 std::string usageText() {
     return "usage:\n"
-           "  lumiran-cli list [--json]\n"
+           "  lumiran-cli list [--available] [--family NAME] [--compact | --json]\n"
            "  lumiran-cli apply --effect NAME [controls] [run options] INPUT -o OUTPUT.bmp\n"
            "  lumiran-cli apply --effect NAME [controls] [run options] INPUT... --out-dir DIR\n"
            "  lumiran-cli convert INPUT -o OUTPUT.bmp [--bits 24|8|1]\n"
+           "NAME:        an effect's caption or key as list shows it (any width, any case)\n"
            "controls:    --s1 V .. --s8 V  --e ROW  --c ROW  --g ROW  --k 0|1  --rgb R,G,B\n"
            "run options: --calc N  --raster N  --rect L,T,R,B  --kept FILE  --bits 24|8|1\n";
 }
@@ -51,12 +93,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& args) {
     CommandLine cl;
     cl.command = args[0];
     if (cl.command == "list") {
-        for (std::size_t i = 1; i < args.size(); ++i) {
-            if (args[i] != "--json") {
-                throw UsageError("list takes only --json, not '" + args[i] + "'");
-            }
-            cl.json = true;
-        }
+        cl.list = parseListOptions(args);
         return cl;
     }
     if (cl.command != "apply" && cl.command != "convert") {
@@ -117,6 +154,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& args) {
     }
 
     if (cl.inputs.empty()) throw UsageError("no input picture given");
+    if (!cl.output.empty()) requireBitmapName("-o", cl.output);
     if (cl.command == "convert") {
         if (!cl.effect.empty()) throw UsageError("convert takes no --effect");
         if (cl.inputs.size() != 1 || cl.output.empty()) {

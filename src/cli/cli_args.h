@@ -27,6 +27,14 @@ struct ControlOverrides {
     std::optional<Rgb8> processColor;
 };
 
+// What `list` prints and how.
+struct ListOptions {
+    bool json = false;          // a JSON array instead of text
+    bool compact = false;       // one line per effect
+    bool availableOnly = false; // only effects this version can run
+    std::string family;         // only this family (caption or menu); empty: all
+};
+
 struct CommandLine {
     std::string command; // "apply", "convert" or "list"
     std::string effect;
@@ -39,7 +47,7 @@ struct CommandLine {
     std::vector<std::string> inputs;
     std::string output;
     std::string outDir;
-    bool json = false;
+    ListOptions list;
 };
 
 // Throws UsageError with a one-line message.

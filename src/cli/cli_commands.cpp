@@ -124,6 +124,18 @@ ControlValues resolveControls(const EffectEntry& effect, const ControlOverrides&
     return values;
 }
 
+// An unknown name, with the nearest names of the catalogue if any are near.
+std::string unknownEffectMessage(const std::string& name) {
+    std::string message = "unknown effect '" + name + "'";
+    const std::vector<std::string> closest = closestEffectNames(name);
+    for (std::size_t i = 0; i < closest.size(); ++i) {
+        message += i == 0 ? "; did you mean \"" : i + 1 == closest.size() ? "\" or \"" : "\", \"";
+        message += closest[i];
+    }
+    if (!closest.empty()) message += "\"?";
+    return message + " ('lumiran-cli list' shows every effect)";
+}
+
 void printFailures(const std::vector<EffectError>& failures, std::ostream& err) {
     for (const EffectError& f : failures) {
         err << errorTitle(f.number()) << ": " << f.description() << '\n';
@@ -133,15 +145,13 @@ void printFailures(const std::vector<EffectError>& failures, std::ostream& err) 
 int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err,
              PlatformDecoder& decoder) {
     const EffectEntry* effect = findEffect(cl.effect);
-    if (effect == nullptr) throw UsageError("unknown effect '" + cl.effect + "'");
+    if (effect == nullptr) throw UsageError(unknownEffectMessage(cl.effect));
     const ControlValues values = resolveControls(*effect, cl.controls);
     EffectPlan plan = planEffect(effect->dialog, effect->code, values);
-    if (plan.status == EffectPlan::Status::NotAvailable) {
-        throw UsageError(std::string(effect->caption) + " is not available yet (it needs " +
-                         plan.missingOperation + ")");
-    }
     if (plan.status != EffectPlan::Status::Ready) {
-        throw UsageError(std::string(effect->caption) + " is not available yet");
+        throw UsageError("\"" + effectName(*effect) +
+                         "\" is not available in this version ('lumiran-cli list --available' "
+                         "shows the effects that are)");
     }
 
     // Outputs are fixed before any work so that a bad argument costs nothing.
@@ -228,7 +238,7 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         }
         const CommandLine cl = parseCommandLine(args);
         if (cl.command == "list") {
-            printEffectList(out, cl.json);
+            printEffectList(out, cl.list);
             return ExitOk;
         }
         if (cl.command == "convert") return runConvert(cl, out, decoder);

@@ -2,11 +2,14 @@
 
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
+#include "catalogue/name_folding.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lumiran::cli {
 namespace {
@@ -17,7 +20,7 @@ bool isAvailable(const EffectEntry& effect) {
 }
 
 std::string_view availability(bool available) {
-    return available ? "available" : "not available yet";
+    return available ? "available" : "not available in this version";
 }
 
 // The two composition entries without a caption go by their key.
@@ -102,14 +105,68 @@ void printObject(std::ostream& out, const EffectEntry& effect) {
     out << "]}";
 }
 
+// Columns a terminal gives the text: two for wide characters (kanji,
+// full-width kana), one for ASCII and half-width katakana.
+std::size_t columns(std::string_view text) {
+    std::size_t width = 0;
+    for (const char32_t c : decodeUtf8(text))
+        width += c >= 0x1100 && !(c >= 0xFF61 && c <= 0xFF9F) ? 2 : 1;
+    return width;
+}
+
+void pad(std::ostream& out, std::string_view text, std::size_t width) {
+    out << text << std::string(width - std::min(width, columns(text)), ' ') << "  ";
+}
+
+// One line an effect: family, the name to type, key, and a note where it
+// cannot run.
+void printLines(std::ostream& out, const std::vector<const EffectEntry*>& effects) {
+    std::size_t familyWidth = 0, nameWidth = 0;
+    for (const EffectEntry* e : effects) {
+        familyWidth = std::max(familyWidth, columns(e->family));
+        nameWidth = std::max(nameWidth, columns(effectName(*e)));
+    }
+    for (const EffectEntry* e : effects) {
+        pad(out, e->family, familyWidth);
+        pad(out, effectName(*e), nameWidth);
+        out << e->key;
+        if (!isAvailable(*e)) out << "  (" << availability(false) << ')';
+        out << '\n';
+    }
+}
+
+std::string familyNames() {
+    std::string names;
+    for (const EffectFamily& family : effectFamilies())
+        names += (names.empty() ? "" : ", ") + std::string(family.caption);
+    return names;
+}
+
 } // namespace
 
-void printEffectList(std::ostream& out, bool json) {
-    const auto effects = effectCatalogue();
-    if (json) {
+void printEffectList(std::ostream& out, const ListOptions& options) {
+    const EffectFamily* family = nullptr;
+    if (!options.family.empty()) {
+        family = findFamilyNamed(options.family);
+        if (family == nullptr) {
+            throw UsageError("list --family: unknown family '" + options.family +
+                             "' (families: " + familyNames() + ")");
+        }
+    }
+    std::vector<const EffectEntry*> effects;
+    for (const EffectEntry& e : effectCatalogue()) {
+        if (family != nullptr && e.menu != family->menu) continue;
+        if (options.availableOnly && !isAvailable(e)) continue;
+        effects.push_back(&e);
+    }
+    if (options.compact) {
+        printLines(out, effects);
+        return;
+    }
+    if (options.json) {
         out << "[\n";
         for (std::size_t i = 0; i < effects.size(); ++i) {
-            printObject(out, effects[i]);
+            printObject(out, *effects[i]);
             out << (i + 1 < effects.size() ? ",\n" : "\n");
         }
         out << "]\n";
@@ -117,7 +174,7 @@ void printEffectList(std::ostream& out, bool json) {
     }
     for (std::size_t i = 0; i < effects.size(); ++i) {
         if (i > 0) out << '\n';
-        printBlock(out, effects[i]);
+        printBlock(out, *effects[i]);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
+#include "catalogue/name_folding.h"
 #include "cli/cli_commands.h"
 #include "effects/colour/class_color_op.h"
 #include "imagefiles/bitmap_writer.h"
@@ -29,9 +30,7 @@ struct CliTest : ::testing::Test {
     QtPictureDecoder decoder;
 
     void SetUp() override {
-        dir = fs::temp_directory_path() /
-              (std::string("lumiran-cli-") +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        dir = lumiran::testing::testFolder("lumiran-cli-");
         fs::remove_all(dir);
         fs::create_directories(dir);
     }
@@ -145,7 +144,10 @@ TEST_F(CliTest, RefusalsNameWhatIsMissingOrAllowed) {
         }
         EXPECT_EQ(run({"apply", "--effect", std::string(entry.key), input, "-o", path("o.bmp")}),
                   cli::ExitUsage);
-        EXPECT_NE(err.str().find("not available"), std::string::npos) << err.str();
+        EXPECT_NE(err.str().find("\"" + effectName(entry) + "\" is not available in this version"),
+                  std::string::npos)
+            << err.str();
+        EXPECT_EQ(err.str().find("Class_"), std::string::npos) << err.str();
         EXPECT_FALSE(fs::exists(dir / "o.bmp"));
         break;
     }
@@ -232,7 +234,7 @@ TEST_F(CliTest, ListPrintsOneBlockPerEffect) {
 
     if (const EffectEntry* missing = unavailableEffect()) {
         const std::string text = block(missing->caption.empty() ? missing->key : missing->caption);
-        EXPECT_NE(text.find("status:  not available yet\n"), std::string::npos) << text;
+        EXPECT_NE(text.find("status:  not available in this version\n"), std::string::npos) << text;
     }
 }
 
@@ -255,20 +257,159 @@ TEST_F(CliTest, ListAsJsonIsAnArrayOfEveryEffect) {
 
     if (const EffectEntry* missing = unavailableEffect()) {
         const auto at = static_cast<int>(missing - effectCatalogue().data());
-        EXPECT_EQ(effects[at].toObject()["availability"].toString(), "not available yet");
+        EXPECT_EQ(effects[at].toObject()["availability"].toString(),
+                  "not available in this version");
         EXPECT_FALSE(effects[at].toObject()["available"].toBool());
     }
 }
 
-TEST_F(CliTest, ListTakesNothingButJson) {
-    for (const auto& args : std::vector<std::vector<std::string>>{
-             {"list", "in.bmp"}, {"list", "--xml"}, {"list", "--json", "-o", "x"}}) {
+TEST_F(CliTest, ListRefusesWhatItDoesNotTake) {
+    for (const auto& args :
+         std::vector<std::vector<std::string>>{{"list", "in.bmp"},
+                                               {"list", "--xml"},
+                                               {"list", "--json", "-o", "x"},
+                                               {"list", "--family"},
+                                               {"list", "--family", "Nope"},
+                                               {"list", "--compact", "--json"}}) {
         EXPECT_EQ(run(args), cli::ExitUsage) << args[1];
         EXPECT_TRUE(out.str().empty());
         EXPECT_NE(err.str().find("list"), std::string::npos) << err.str();
     }
+    // An unknown family is answered with the families there are.
+    run({"list", "--family", "Nope"});
+    EXPECT_NE(err.str().find("Color Table, Gradation"), std::string::npos) << err.str();
     ASSERT_EQ(run({"--help"}), 0);
-    EXPECT_NE(out.str().find("lumiran-cli list [--json]"), std::string::npos);
+    EXPECT_NE(out.str().find("lumiran-cli list [--available] [--family NAME] [--compact | --json]"),
+              std::string::npos);
+}
+
+std::vector<std::string> splitLines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::size_t availableCount() {
+    return static_cast<std::size_t>(std::ranges::count_if(effectCatalogue(), [](const auto& e) {
+        return planEffect(e.dialog, e.code, defaultControlValues(e)).status ==
+               EffectPlan::Status::Ready;
+    }));
+}
+
+TEST_F(CliTest, ListFiltersByAvailabilityAndFamilyInEveryForm) {
+    struct Case {
+        std::vector<std::string> args;
+        std::size_t lines;        // compact lines, or blocks
+        std::string everyLineHas; // in every compact line; empty: nothing to check
+    };
+    const std::size_t available = availableCount();
+    const Case cases[] = {
+        {{"list", "--compact"}, 262, ""},
+        {{"list", "--compact", "--available"}, available, ""},
+        {{"list", "--available"}, available, "status:  available\n"},
+        {{"list", "--compact", "--family", "Color Table"}, 18, "Color Table  "},
+        {{"list", "--family", "colortableno", "--compact"}, 18, "Color Table  "},
+        {{"list", "--family", "ｃｏｌｏｒ　ｔａｂｌｅ", "--compact"}, 18, "Color Table  "},
+        {{"list", "--family", "Invasion Effect"}, 7, "family:  Invasion Effect"},
+    };
+    for (const Case& c : cases) {
+        ASSERT_EQ(run(c.args), 0) << c.args.back() << err.str();
+        const bool compact = std::ranges::find(c.args, "--compact") != c.args.end();
+        const auto parts = compact ? splitLines(out.str()) : splitBlocks(out.str());
+        EXPECT_EQ(parts.size(), c.lines) << c.args.back();
+        for (const std::string& part : parts) {
+            EXPECT_NE(part.find(c.everyLineHas), std::string::npos) << part;
+            if (c.args.back() == "--available" || c.args[1] == "--available") {
+                EXPECT_EQ(part.find("not available"), std::string::npos) << part;
+            }
+        }
+    }
+    // A compact line: family, the name to type, the key, and a note where
+    // the effect cannot run.
+    ASSERT_EQ(run({"list", "--compact"}), 0);
+    const auto lines = splitLines(out.str());
+    EXPECT_TRUE(lines[0].starts_with("Color ")) << lines[0];
+    EXPECT_NE(lines[0].find(" Monotone "), std::string::npos) << lines[0];
+    EXPECT_TRUE(lines[0].ends_with("  ﾓﾉﾄｰﾝ")) << lines[0];
+    if (const EffectEntry* missing = unavailableEffect()) {
+        const auto at = static_cast<std::size_t>(missing - effectCatalogue().data());
+        EXPECT_TRUE(lines[at].ends_with("  (not available in this version)")) << lines[at];
+    }
+    // Filters reach the JSON form as well.
+    ASSERT_EQ(run({"list", "--json", "--family", "Invasion Effect"}), 0);
+    EXPECT_EQ(QJsonDocument::fromJson(QByteArray::fromStdString(out.str())).array().size(), 7);
+}
+
+TEST_F(CliTest, NamesMatchInEitherWidthAfterNfkc) {
+    const std::pair<const char*, const char*> names[] = {
+        {"ﾓﾉﾄｰﾝ", "Monotone"},                     // the key as the program has it
+        {"モノトーン", "Monotone"},                // full-width katakana
+        {"Ｍｏｎｏｔｏｎｅ", "Monotone"},          // full-width ASCII
+        {"ポスタライズ", "Posterize"},             // voiced and semi-voiced kana
+        {"ホ\u309Aスタライス\u3099", "Posterize"}, // with combining sound marks
+        {"ＨＳＶ　周期", "HSV Cycle"},             // full-width letters and space
+        {"色のバランス調整 ＲＧＢ", "RGB"},
+        {"mean", "Mean(&M)"},
+    };
+    for (const auto& [typed, caption] : names) {
+        const EffectEntry* found = findEffect(typed);
+        ASSERT_NE(found, nullptr) << typed;
+        EXPECT_EQ(found->caption, caption) << typed;
+    }
+    // Folding never leads a key to another effect than the key itself does.
+    for (const EffectEntry& e : effectCatalogue()) {
+        const std::string fullWidth = nfkc(e.key);
+        ASSERT_NE(findEffect(fullWidth), nullptr) << fullWidth;
+        EXPECT_EQ(findEffect(fullWidth)->key, findEffect(e.key)->key) << fullWidth;
+    }
+    // The way a Japanese keyboard types it, end to end.
+    const Surface picture = testing::makeVariedPicture(5, 4);
+    const std::string input = writeInput("in.bmp", picture);
+    ASSERT_EQ(run({"apply", "--effect", "モノトーン", input, "-o", path("out.bmp")}), 0)
+        << err.str();
+    EXPECT_TRUE(read("out.bmp").sameColours(expectedGray(picture, 0)));
+}
+
+TEST_F(CliTest, UnknownNamesGetTheNearestNamesAndAPointerToList) {
+    const std::pair<const char*, const char*> names[] = {
+        {"Monotne", "; did you mean \"Monotone\"?"},
+        {"モノトン", "; did you mean \"ﾓﾉﾄｰﾝ\"?"},
+        {"blurr", "; did you mean \"Blur\"?"},
+        {"mosaik", "; did you mean \"Normal Mosaic\", \"Tile Mosaic\" or \"Gradation Mosaic 1\"?"},
+        {"Mono\xfftone", "; did you mean \"Monotone\"?"}, // malformed UTF-8
+        {"xyzzy", ""},                                    // nothing near
+        {"x", ""},
+    };
+    const std::string input = writeInput("in.bmp", testing::makeVariedPicture(3, 3));
+    for (const auto& [typed, suggestion] : names) {
+        EXPECT_EQ(run({"apply", "--effect", typed, input, "-o", path("o.bmp")}), cli::ExitUsage);
+        const std::string message = err.str();
+        EXPECT_EQ(message, "lumiran-cli: unknown effect '" + std::string(typed) + "'" + suggestion +
+                               " ('lumiran-cli list' shows every effect)\n");
+    }
+}
+
+TEST_F(CliTest, OutputsMustBeBitmapsByName) {
+    const std::string input = writeInput("in.bmp", testing::makeVariedPicture(3, 3));
+    const std::pair<const char*, bool> names[] = {
+        {"a.png", false},     {"a.jpg", false}, {"a", false},
+        {"a.bmp.png", false}, {"a.bmp", true},  {"b.BMP", true},
+    };
+    for (const auto& [name, accepted] : names) {
+        for (const std::string command : {"apply", "convert"}) {
+            std::vector<std::string> args{command, input, "-o", path(name)};
+            if (command == "apply") args.insert(args.begin() + 1, {"--effect", "Monotone"});
+            EXPECT_EQ(run(args), accepted ? cli::ExitOk : cli::ExitUsage) << command << " " << name;
+            EXPECT_EQ(fs::exists(dir / name), accepted) << command << " " << name;
+            if (!accepted) {
+                EXPECT_NE(err.str().find("give a name ending in .bmp"), std::string::npos)
+                    << err.str();
+            }
+            fs::remove(dir / name);
+        }
+    }
 }
 
 } // namespace

@@ -124,9 +124,7 @@ TEST(BitmapWriter1, OnlyExactBlackIsBlackAndPaddingStaysClear) {
 struct BitmapWriterFiles : ::testing::Test {
     fs::path dir;
     void SetUp() override {
-        dir = fs::temp_directory_path() /
-              (std::string("lumiran-writer-") +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        dir = lumiran::testing::testFolder("lumiran-writer-");
         fs::remove_all(dir);
         fs::create_directories(dir);
     }

@@ -31,9 +31,7 @@ std::vector<std::uint8_t> topDown32(const Surface& s) {
 }
 
 struct TempDir : ::testing::Test {
-    fs::path dir = fs::temp_directory_path() /
-                   ("lumiran-bmp-" + std::to_string(std::random_device{}()) + "-" +
-                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::path dir = lumiran::testing::testFolder("lumiran-bmp-");
     void SetUp() override { fs::create_directories(dir); }
     void TearDown() override { fs::remove_all(dir); }
 };

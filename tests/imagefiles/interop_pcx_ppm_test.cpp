@@ -48,9 +48,7 @@ class NetpbmFiles : public ::testing::Test {
     fs::path dir;
 
     void SetUp() override {
-        dir = fs::temp_directory_path() /
-              (std::string("lumiran-netpbm-") +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        dir = lumiran::testing::testFolder("lumiran-netpbm-");
         fs::create_directories(dir);
     }
     void TearDown() override { fs::remove_all(dir); }

@@ -27,9 +27,7 @@ class ImageMagickDir : public ::testing::Test {
     fs::path dir;
 
     void SetUp() override {
-        dir = fs::temp_directory_path() /
-              (std::string("lumiran-interop-") +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        dir = lumiran::testing::testFolder("lumiran-interop-");
         fs::create_directories(dir);
         if (std::system("command -v convert >/dev/null 2>&1") != 0)
             GTEST_SKIP() << "ImageMagick convert is not on PATH";

@@ -1,5 +1,6 @@
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/load_dispatch.h"
+#include "test_support.h"
 
 #include <filesystem>
 #include <fstream>
@@ -38,9 +39,7 @@ class RecordingSink : public ProgressSink {
 
 struct LoadImageFileTest : ::testing::Test {
     // One folder per test: ctest runs the tests of a fixture side by side.
-    fs::path dir = fs::temp_directory_path() /
-                   (std::string("lumiran-load-dispatch-") +
-                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::path dir = lumiran::testing::testFolder("lumiran-load-dispatch-");
     void SetUp() override { fs::create_directories(dir); }
     void TearDown() override { fs::remove_all(dir); }
     fs::path write(const char* name, const std::string& bytes) const {

@@ -83,9 +83,7 @@ struct QtPictureDecoderTest : ::testing::Test {
     QtPictureDecoder decoder;
 
     void SetUp() override {
-        dir = fs::temp_directory_path() /
-              (std::string("lumiran-platform-") +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        dir = lumiran::testing::testFolder("lumiran-platform-");
         fs::remove_all(dir);
         fs::create_directories(dir);
     }

@@ -24,7 +24,8 @@ void Class_ColorTable::applySelector(const ProcessRect& rect, std::int16_t selec
     }
     const ChannelMask mask = selectedChannels(selector);
     const LevelTable same = LevelTable::identity();
-    applyTables(rect, {mask.red ? rule : same, mask.green ? rule : same, mask.blue ? rule : same});
+    applyTables(rect, {(mask & Red) != 0 ? rule : same, (mask & Green) != 0 ? rule : same,
+                       (mask & Blue) != 0 ? rule : same});
 }
 
 void Class_ColorTable::applyTables(const ProcessRect& rect, const ChannelTables& tables,

@@ -9,6 +9,24 @@ constexpr bool isRankKind(int kind) {
     return kind >= 6 && kind <= 8;
 }
 
+constexpr auto EmphasizedMiddleByKey = byOrderKey(MiddleExceptRedGreenAbove);
+
+// Kinds 6 "最大値", 7 "中間値", 8 "最小値" of "Emphasize": every channel of
+// the rank, ties included, but the middle of r = g above b is blue alone.
+ChannelMask emphasizedChannels(int kind, int r, int g, int b) {
+    if (kind == 6) return largestChannels(r, g, b);
+    if (kind == 8) return smallestChannels(r, g, b);
+    return EmphasizedMiddleByKey[static_cast<std::size_t>(orderKey(r, g, b))];
+}
+
+// The same kinds of "Another Color Change" keep every channel of the rank,
+// ties included, with no exception.
+ChannelMask keptChannels(int kind, int r, int g, int b) {
+    if (kind == 6) return largestChannels(r, g, b);
+    if (kind == 8) return smallestChannels(r, g, b);
+    return middleChannels(r, g, b);
+}
+
 LevelTable shiftedBy(int amount) {
     return LevelTable::build([amount](int c) { return c + amount; });
 }
@@ -25,10 +43,11 @@ void Class_ColorTable::ColorEmphasize(std::int16_t amount, std::int16_t kind, st
         const ProcessRect rect{left, top, right, bottom};
         if (isRankKind(kind)) {
             mapPixels<ResultTail::Clamp>(rect, [amount, kind](int r, int g, int b) {
-                const ChannelMask up = rankedChannels(kind, r, g, b);
-                return Rgb16{wrap16(up.red ? r + amount : r - amount),
-                             wrap16(up.green ? g + amount : g - amount),
-                             wrap16(up.blue ? b + amount : b - amount)};
+                const ChannelMask up = emphasizedChannels(kind, r, g, b);
+                auto shifted = [&](ChannelMask channel, int c) {
+                    return wrap16((up & channel) != 0 ? c + amount : c - amount);
+                };
+                return Rgb16{shifted(Red, r), shifted(Green, g), shifted(Blue, b)};
             });
             return;
         }
@@ -41,8 +60,8 @@ void Class_ColorTable::ColorEmphasize(std::int16_t amount, std::int16_t kind, st
         const ChannelMask up = namedChannels(kind);
         const LevelTable raised = shiftedBy(amount);
         const LevelTable lowered = shiftedBy(-amount);
-        applyTables(rect, {up.red ? raised : lowered, up.green ? raised : lowered,
-                           up.blue ? raised : lowered});
+        auto tableOf = [&](ChannelMask channel) { return (up & channel) != 0 ? raised : lowered; };
+        applyTables(rect, {tableOf(Red), tableOf(Green), tableOf(Blue)});
     });
 }
 
@@ -53,10 +72,11 @@ void Class_ColorTable::ColorViewChange(std::int16_t kind, std::int16_t value, st
         if (isRankKind(kind)) {
             const std::int16_t replacement = value;
             mapPixels<ResultTail::Clamp>(rect, [replacement, kind](int r, int g, int b) {
-                const ChannelMask keep = rankedChannels(kind, r, g, b);
-                return Rgb16{keep.red ? static_cast<std::int16_t>(r) : replacement,
-                             keep.green ? static_cast<std::int16_t>(g) : replacement,
-                             keep.blue ? static_cast<std::int16_t>(b) : replacement};
+                const ChannelMask keep = keptChannels(kind, r, g, b);
+                auto channel = [&](ChannelMask which, int c) {
+                    return (keep & which) != 0 ? static_cast<std::int16_t>(c) : replacement;
+                };
+                return Rgb16{channel(Red, r), channel(Green, g), channel(Blue, b)};
             });
             return;
         }
@@ -71,10 +91,8 @@ void Class_ColorTable::ColorViewChange(std::int16_t kind, std::int16_t value, st
         const ChannelMask keep = namedChannels(kind);
         const LevelTable same = LevelTable::identity();
         const LevelTable replaced = constant(value);
-        applyTables(
-            rect,
-            {keep.red ? same : replaced, keep.green ? same : replaced, keep.blue ? same : replaced},
-            Store::Direct);
+        auto tableOf = [&](ChannelMask channel) { return (keep & channel) != 0 ? same : replaced; };
+        applyTables(rect, {tableOf(Red), tableOf(Green), tableOf(Blue)}, Store::Direct);
     });
 }
 

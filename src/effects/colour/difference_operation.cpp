@@ -7,26 +7,7 @@
 namespace lumiran {
 namespace {
 
-// The channels that count as the middle one: the true middle on strict
-// orders, both equal channels on two equal ones except r = g above b,
-// which gives blue alone; all three when all are equal.
-constexpr ByOrder<std::uint32_t> MiddleByOrder{
-    /* r > g > b */ Green,
-    /* r > b > g */ Blue,
-    /* b > r > g */ Red,
-    /* b > g > r */ Green,
-    /* g > b > r */ Blue,
-    /* g > r > b */ Red,
-    /* r = b > g */ Red | Blue,
-    /* r > g = b */ Green | Blue,
-    /* g > r = b */ Red | Blue,
-    /* g = b > r */ Green | Blue,
-    /* r = g > b */ Blue,
-    /* b > r = g */ Red | Green,
-    /* r = g = b */ AllChannels,
-};
-
-constexpr auto MiddleByKey = byOrderKey(MiddleByOrder);
+constexpr auto MiddleByKey = byOrderKey(MiddleExceptRedGreenAbove);
 
 // The signed difference of a pair as weights of r, g, b, max and min, so
 // that the pixel loop has no branch on the pair.
@@ -106,7 +87,7 @@ void Class_ColorOp::DifferenceOperation(std::uint8_t pair, std::uint8_t use, std
             break;
         case 6:
             run([](int r, int g, int b, int d) {
-                return addTo(channelsEqualTo(std::max({r, g, b}), r, g, b), r, g, b, d);
+                return addTo(largestChannels(r, g, b), r, g, b, d);
             });
             break;
         case 7:
@@ -116,7 +97,7 @@ void Class_ColorOp::DifferenceOperation(std::uint8_t pair, std::uint8_t use, std
             break;
         case 8:
             run([](int r, int g, int b, int d) {
-                return addTo(channelsEqualTo(std::min({r, g, b}), r, g, b), r, g, b, d);
+                return addTo(smallestChannels(r, g, b), r, g, b, d);
             });
             break;
         case 9:

@@ -78,17 +78,17 @@ void Class_ColorTable::equaliseChannels(const ProcessRect& rect, std::int16_t se
         for (int x = begin; x < end; ++x) {
             const int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);
             if (brightness) ++light[static_cast<std::size_t>(lightnessOf(r, g, b))];
-            if (mask.red) ++red[static_cast<std::size_t>(r)];
-            if (mask.green) ++green[static_cast<std::size_t>(g)];
-            if (mask.blue) ++blue[static_cast<std::size_t>(b)];
+            if ((mask & Red) != 0) ++red[static_cast<std::size_t>(r)];
+            if ((mask & Green) != 0) ++green[static_cast<std::size_t>(g)];
+            if ((mask & Blue) != 0) ++blue[static_cast<std::size_t>(b)];
         }
     });
     if (!counted) return;
     const std::int32_t perLevel = wantedPerLevel(rect);
     auto lightPlan = planFor(brightness, light, perLevel);
-    auto redPlan = planFor(mask.red, red, perLevel);
-    auto greenPlan = planFor(mask.green, green, perLevel);
-    auto bluePlan = planFor(mask.blue, blue, perLevel);
+    auto redPlan = planFor((mask & Red) != 0, red, perLevel);
+    auto greenPlan = planFor((mask & Green) != 0, green, perLevel);
+    auto bluePlan = planFor((mask & Blue) != 0, blue, perLevel);
     forEachRow(rect, [&](Pixel* row, int begin, int end) {
         for (int x = begin; x < end; ++x) {
             const int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);

@@ -21,6 +21,10 @@ constexpr Replacement only(ChannelMask channel) {
 constexpr Replacement two(ChannelMask replaced, ChannelMask scale) {
     return {replaced, scale};
 }
+// Three equal channels stay: each takes the lightness, which is their value.
+constexpr Replacement allThree() {
+    return {AllChannels, NoChannel};
+}
 
 // Columns: kind 11 (largest), 12 (middle), 13 (smallest).
 constexpr ByOrder<std::array<Replacement, 3>> ReplacedByOrder{{
@@ -36,7 +40,7 @@ constexpr ByOrder<std::array<Replacement, 3>> ReplacedByOrder{{
     /* g = b > r */ {two(Green | Blue, Blue), only(Red), two(Green | Blue, Green)},
     /* r = g > b */ {two(Red | Green, Red), only(Blue), only(Blue)},
     /* b > r = g */ {only(Blue), two(Red | Green, Red), two(Red | Green, Red)},
-    /* r = g = b */ {},
+    /* r = g = b */ {allThree(), allThree(), allThree()},
 }};
 
 // The choices of kinds 11..13 by order key, packed as replaced channels in
@@ -79,9 +83,9 @@ Rgb16 swapRoles(int r, int g, int b) {
 }
 
 // Kinds 8..13: the replaced channels take the lightness, the others are
-// rescaled by the old value of the scale channel. Three equal channels
-// stay as they are, which the rule gives by itself: the lightness is then
-// the channel value and every quotient exactly 1.
+// rescaled by the old value of the scale channel. With kinds 8..10 three
+// equal channels stay by the rule itself: the lightness is then the channel
+// value and the quotient exactly 1.
 Rgb16 replaceByLightness(int r, int g, int b, std::uint32_t replaced, std::uint32_t scale) {
     const MaxMin m = MaxMinOfThree(r, g, b);
     const int l = lightness(m.max, m.min);

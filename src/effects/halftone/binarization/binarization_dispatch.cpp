@@ -1,0 +1,65 @@
+// The cases of the dialogs' ...Processing routines served by
+// Class_Binarization. "Osero" stands in the same menu but is served by
+// Class_Mosaic.
+#include "catalogue/family_registration.h"
+#include "effects/halftone/binarization/class_binarization.h"
+#include "effects/halftone/dispatch_values.h"
+
+namespace lumiran {
+
+void registerBinarizationEffects(EffectDispatch& d) {
+    using halftone::slider;
+    using halftone::value16;
+    using V = const ControlValues&;
+    using R = const ProcessRect&;
+    using E = Class_Binarization;
+    auto add = [&d](DialogKind dialog, int code, auto call) {
+        d.add(dialog, code, halftone::planner<Class_Binarization>(call));
+    };
+    add(DialogKind::Negative, 2, [](E& e, V v, R r) {
+        e.Binarization(slider(v, 1), value16(v.color), r.left, r.top, r.right, r.bottom);
+    });
+    // The call's constant True reaches nothing the effect tells; the type
+    // row is the mode (0 every result, 1 only white), the colour row the
+    // channel.
+    add(DialogKind::Emboss, 46, [](E& e, V v, R r) {
+        e.TransformationBinarize(slider(v, 1), r.left, r.top, r.right, r.bottom, value16(v.eType),
+                                 value16(v.color));
+    });
+    add(DialogKind::Emboss, 69, [](E& e, V v, R r) {
+        e.Dilatation(value16(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
+                     value16(v.color));
+    });
+    add(DialogKind::Emboss, 70, [](E& e, V v, R r) {
+        e.Erosion(value16(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
+                  value16(v.color));
+    });
+    add(DialogKind::Emboss, 45, [](E& e, V v, R r) {
+        e.BorderFollowing_Mono(value16(v.eType), value16(v.color), slider(v, 1), 1, r.left, r.top,
+                               r.right, r.bottom);
+    });
+    // Red, green and blue traced in turn, all drawn over one result.
+    add(DialogKind::Negative, 78, [](E& e, V v, R r) {
+        for (std::int16_t channel = 0; channel <= 2; ++channel) {
+            e.BorderFollowing_Color(channel, value16(v.color), slider(v, 1), 1, r.left, r.top,
+                                    r.right, r.bottom);
+        }
+    });
+    // S1 the radius, S2 the threshold, the colour row the kind, the check
+    // box the polarity.
+    add(DialogKind::Level, 46, [](E& e, V v, R r) {
+        e.FeaturePointExtract_Mono(value16(v.eType), slider(v, 1), slider(v, 2), value16(v.color),
+                                   r.left, r.top, r.right, r.bottom, value16(v.check));
+    });
+    add(DialogKind::Level, 47, [](E& e, V v, R r) {
+        e.FeaturePointExtract_Color(value16(v.eType), slider(v, 1), slider(v, 2), value16(v.color),
+                                    r.left, r.top, r.right, r.bottom, value16(v.check));
+    });
+    // The row passes black as the colour.
+    add(DialogKind::Emboss, 42, [](E& e, V v, R r) {
+        e.DrawingColorBinarization(slider(v, 1), value16(v.eType), value16(v.color), r.left, r.top,
+                                   r.right, r.bottom, 0, 0, 0);
+    });
+}
+
+} // namespace lumiran

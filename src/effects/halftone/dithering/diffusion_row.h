@@ -1,0 +1,284 @@
+#pragma once
+
+#include "effects/halftone/dithering/diffusion_kernel.h"
+#include "effects/halftone/dithering/level_tables.h"
+#include "engine/pixel.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <type_traits>
+#include <utility>
+
+namespace lumiran::diffusion {
+
+// Entry 0's new colour and the error each channel hands on.
+struct Quantised {
+    int grey = 0; // the grey quantised, where entry 0 was quantised by its grey
+    int red = 0;
+    int green = 0;
+    int blue = 0;
+    int errorRed = 0;
+    int errorGreen = 0;
+    int errorBlue = 0;
+};
+
+// The part of the picture a diffusion works in; positions are clamped
+// into it, right and bottom exclusive.
+struct Bounds {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+};
+
+// Adds a shift (-255..255) to each colour byte, each limited to 0..255,
+// and keeps the spare byte. The bytes are spread into 16-bit lanes and
+// biased by 256, so a lane below 256 went under 0 and one from 512 up
+// went over 255.
+[[nodiscard]] inline Pixel shifted(Pixel p, int red, int green, int blue) {
+    constexpr std::uint64_t Lanes = 0x0000'0001'0001'0001ull;
+    std::uint64_t v = (p & 0xFFu) | (static_cast<std::uint64_t>(p & 0xFF00u) << 8) |
+                      (static_cast<std::uint64_t>(p & 0xFF0000u) << 16);
+    v += static_cast<std::uint64_t>(256 + blue) | static_cast<std::uint64_t>(256 + green) << 16 |
+         static_cast<std::uint64_t>(256 + red) << 32;
+    const std::uint64_t over = (v >> 9) & Lanes;
+    const std::uint64_t under = ~((v >> 8) | (v >> 9)) & Lanes;
+    v = ((v & Lanes * 0xFF) | over * 0xFF) & ~(under * 0xFF);
+    return (p & 0xFF000000u) | static_cast<Pixel>(v & 0xFFu) |
+           static_cast<Pixel>((v >> 8) & 0xFF00u) | static_cast<Pixel>((v >> 16) & 0xFF0000u);
+}
+
+// One share laid on a neighbour: each channel round(error * weight +
+// old), limited to 0..255. With OneError the three errors are equal.
+template <bool OneError>
+[[nodiscard, gnu::always_inline]] inline Pixel spreadInto(Pixel old, const DiffusionKernel& kernel,
+                                                          std::size_t tap, const Quantised& q) {
+    constexpr int No = DiffusionKernel::NoShift;
+    if constexpr (OneError) {
+        const int s = kernel.shift(tap, q.errorRed);
+        if (s != No) return shifted(old, s, s, s);
+    } else {
+        const int sr = kernel.shift(tap, q.errorRed);
+        const int sg = kernel.shift(tap, q.errorGreen);
+        const int sb = kernel.shift(tap, q.errorBlue);
+        if (sr != No && sg != No && sb != No) return shifted(old, sr, sg, sb);
+    }
+    return withColour(old, toChannel(kernel.exact(tap, q.errorRed, redOf(old))),
+                      toChannel(kernel.exact(tap, q.errorGreen, greenOf(old))),
+                      toChannel(kernel.exact(tap, q.errorBlue, blueOf(old))));
+}
+
+// Entry 0 as the pixel's new value.
+[[nodiscard]] inline Pixel settled(Pixel old, const Quantised& q) {
+    return withColour(old, toChannel(q.red), toChannel(q.green), toChannel(q.blue));
+}
+
+// What the row loop needs to know of a kernel when it is compiled: the
+// shares on the row itself (one and two to the right, -1 where there is
+// none) and those on lower rows.
+template <int Filter>
+struct KernelShape {
+    static constexpr KernelSpec Spec = DiffusionKernels[Filter];
+
+    static constexpr int tapAt(int dx) {
+        for (std::size_t t = 0; t < Spec.taps.size(); ++t) {
+            if (Spec.taps[t].dy == 0 && Spec.taps[t].dx == dx) return static_cast<int>(t);
+        }
+        return -1;
+    }
+    static constexpr int Next = tapAt(1);
+    static constexpr int SecondNext = tapAt(2);
+
+    static constexpr std::size_t LowerCount = [] {
+        std::size_t n = 0;
+        for (const KernelTap& t : Spec.taps)
+            n += t.dy > 0 ? 1 : 0;
+        return n;
+    }();
+    static constexpr std::array<std::size_t, LowerCount> Lower = [] {
+        std::array<std::size_t, LowerCount> lower{};
+        std::size_t n = 0;
+        for (std::size_t t = 0; t < Spec.taps.size(); ++t) {
+            if (Spec.taps[t].dy > 0) lower[n++] = t;
+        }
+        return lower;
+    }();
+};
+
+// Calls body with the filter as a compile-time constant; filters outside
+// 0..6 call nothing.
+template <typename Body>
+void withFilter(int filter, Body&& body) {
+    auto call = [&]<int... F>(std::integer_sequence<int, F...>) {
+        ((filter == F ? body(std::integral_constant<int, F>{}) : void()), ...);
+    };
+    call(std::make_integer_sequence<int, static_cast<int>(DiffusionKernels.size())>{});
+}
+
+// A row diffused in place, left to right, exactly as one pixel after the
+// other reading every entry, working out the shares from those values and
+// writing the entries from the last back to entry 0.
+//
+// quantise gives entry 0's colour and errors: from the grey with OneError
+// (the three errors equal), from the channels otherwise.
+template <bool OneError, int Filter, typename Quantise>
+class RowDiffusion {
+    using Shape = KernelShape<Filter>;
+
+  public:
+    // byGreyAlone: quantise(grey) depends on nothing but the grey, so the
+    // shares on the row can be looked up by the grey that made them.
+    RowDiffusion(Pixel* picture, int width, const Bounds& bounds, const DiffusionKernel& kernel,
+                 Quantise& quantise, bool byGreyAlone)
+        : picture_(picture), width_(width), bounds_(bounds), kernel_(kernel), quantise_(quantise),
+          byGreyAlone_(OneError && byGreyAlone) {
+        if constexpr (OneError) {
+            if (!byGreyAlone_) return;
+            for (int grey = 0; grey < 256; ++grey) {
+                const int error = quantise_(grey).errorRed;
+                const auto g = static_cast<std::size_t>(grey);
+                if constexpr (Shape::Next >= 0) nextShare_[g] = kernel_.shift(Shape::Next, error);
+                if constexpr (Shape::SecondNext >= 0)
+                    secondShare_[g] = kernel_.shift(Shape::SecondNext, error);
+            }
+        }
+    }
+
+    [[gnu::flatten]] void run(int y) {
+        Pixel* row = picture_ + static_cast<std::ptrdiff_t>(y) * width_;
+        const int fastFrom = bounds_.left + kernel_.reachLeft();
+        const int fastTo = bounds_.right - 1 - kernel_.reachRight();
+        if (y + kernel_.reachDown() > bounds_.bottom - 1 || fastFrom > fastTo) {
+            for (int x = bounds_.left; x < bounds_.right; ++x)
+                clampedStep(row, x, y);
+            return;
+        }
+        for (int x = bounds_.left; x < fastFrom; ++x)
+            clampedStep(row, x, y);
+        inner(row, fastFrom, fastTo);
+        for (int x = fastTo + 1; x < bounds_.right; ++x)
+            clampedStep(row, x, y);
+    }
+
+  private:
+    Quantised quantiseChannels(Pixel p) {
+        if constexpr (OneError) {
+            return quantise_(ditherGrey(redOf(p), greenOf(p), blueOf(p)));
+        } else {
+            return quantise_(redOf(p), greenOf(p), blueOf(p));
+        }
+    }
+
+    // Near the bounds: positions clamped into them, so shares may land on
+    // one pixel. Of two shares on one pixel the earlier in list order
+    // stands, and a share clamped onto the pixel itself vanishes under
+    // entry 0.
+    void clampedStep(Pixel* row, int x, int y) {
+        const auto& taps = kernel_.taps();
+        Pixel* self = row + x;
+        const Quantised q = quantiseChannels(*self);
+        std::array<Pixel*, 16> at{};
+        std::array<Pixel, 16> value{};
+        for (std::size_t t = 0; t < taps.size(); ++t) {
+            const int nx = std::clamp(x + taps[t].dx, bounds_.left, bounds_.right - 1);
+            const int ny = std::clamp(y + taps[t].dy, bounds_.top, bounds_.bottom - 1);
+            at[t] = picture_ + static_cast<std::ptrdiff_t>(ny) * width_ + nx;
+            value[t] = *at[t];
+        }
+        for (std::size_t t = 0; t < taps.size(); ++t)
+            value[t] = spreadInto<OneError>(value[t], kernel_, t, q);
+        for (std::size_t t = taps.size(); t-- > 0;)
+            *at[t] = value[t];
+        *self = settled(*self, q);
+    }
+
+    // Where no position is clamped every share lands on a pixel of its
+    // own, so the order of the writes does not matter. The shares on the
+    // row itself are held back until the pixel they land on is reached:
+    // the row's chain of errors then runs through registers rather than
+    // memory, and they are laid on in the order they were made.
+    void inner(Pixel* row, int from, int to) {
+        constexpr int next = Shape::Next;
+        constexpr int second = Shape::SecondNext;
+        // The errors of the two pixels before, while they lie in this
+        // stretch; shares of earlier pixels are in memory already.
+        Quantised before1{}, before2{};
+        bool hasBefore1 = false, hasBefore2 = false;
+        for (int x = from; x <= to; ++x) {
+            Pixel* self = row + x;
+            const Pixel stored = *self;
+            const bool fromSecond = hasBefore2 && second >= 0;
+            const bool fromNext = hasBefore1 && next >= 0;
+            const Quantised q = quantiseHeld(stored, fromSecond, before2, fromNext, before1);
+            *self = settled(stored, q);
+            [&]<std::size_t... I>(std::index_sequence<I...>) {
+                (spreadBelow(self, Shape::Lower[I], q), ...);
+            }
+            (std::make_index_sequence<Shape::LowerCount>{});
+            before2 = before1;
+            hasBefore2 = hasBefore1;
+            before1 = q;
+            hasBefore1 = true;
+        }
+        // The held shares of the last pixels go on the pixels after the stretch.
+        if constexpr (second >= 0) {
+            if (hasBefore2)
+                row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, second, before2);
+        }
+        if constexpr (next >= 0)
+            row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, next, before1);
+        if constexpr (second >= 0)
+            row[to + 2] = spreadInto<OneError>(row[to + 2], kernel_, second, before1);
+    }
+
+    [[gnu::always_inline]] void spreadBelow(Pixel* self, std::size_t tap, const Quantised& q) {
+        const KernelTap& t = Shape::Spec.taps[tap];
+        Pixel* n = self + static_cast<std::ptrdiff_t>(t.dy) * width_ + t.dx;
+        *n = spreadInto<OneError>(*n, kernel_, tap, q);
+    }
+
+    // Entry 0 quantised after the held shares: the one from two pixels
+    // before first, then the one from the pixel before.
+    Quantised quantiseHeld(Pixel stored, bool fromSecond, const Quantised& before2, bool fromNext,
+                           const Quantised& before1) {
+        if constexpr (OneError) {
+            // While no channel is limited, a shift s moves 30 r + 59 g + 11 b
+            // by 100 s and so the grey by exactly s.
+            // Looked up by grey the share on the next pixel is one load
+            // from the grey before: the row's chain of dependent steps.
+            auto share = [&](int tap, const std::array<int, 256>& byGrey, const Quantised& q) {
+                return byGreyAlone_ ? byGrey[static_cast<std::size_t>(q.grey)]
+                                    : kernel_.shift(static_cast<std::size_t>(tap), q.errorRed);
+            };
+            const int s2 = fromSecond ? share(Shape::SecondNext, secondShare_, before2) : 0;
+            const int s1 = fromNext ? share(Shape::Next, nextShare_, before1) : 0;
+            const int r = redOf(stored), g = greenOf(stored), b = blueOf(stored);
+            const int hundredfold = 30 * r + 59 * g + 11 * b;
+            const int low = std::min({r, g, b}), high = std::max({r, g, b});
+            const int total = s2 + s1;
+            const bool exact = s1 != DiffusionKernel::NoShift && s2 != DiffusionKernel::NoShift &&
+                               hundredfold % 100 != 50 && low + std::min(s2, total) >= 0 &&
+                               high + std::max(s2, total) <= 255;
+            if (exact) return quantise_((hundredfold + 50) / 100 + total);
+        }
+        Pixel p = stored;
+        if (fromSecond)
+            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(Shape::SecondNext),
+                                     before2);
+        if (fromNext)
+            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(Shape::Next), before1);
+        return quantiseChannels(p);
+    }
+
+    Pixel* picture_;
+    int width_;
+    Bounds bounds_;
+    const DiffusionKernel& kernel_;
+    Quantise& quantise_;
+    bool byGreyAlone_;
+    std::array<int, 256> nextShare_{};
+    std::array<int, 256> secondShare_{};
+};
+
+} // namespace lumiran::diffusion

@@ -1,0 +1,137 @@
+#include "effects/halftone/dithering/class_dithering.h"
+#include "effects/halftone/dithering/diffusion_row.h"
+
+namespace lumiran {
+namespace {
+
+using diffusion::Quantised;
+
+// The error handed on keeps only its sign, zero counting as positive.
+int withSign(int error, int magnitude) {
+    return error >= 0 ? magnitude : wrap16(-magnitude);
+}
+
+} // namespace
+
+template <bool OneError, typename Quantise>
+void Class_Dithering::rowsOf(int kernel, const ProcessRect& rect, const diffusion::Bounds& bounds,
+                             const DiffusionKernel& prepared, Quantise& quantise,
+                             bool byGreyAlone) {
+    diffusion::withFilter(kernel, [&](auto filter) {
+        diffusion::RowDiffusion<OneError, decltype(filter)::value, Quantise> rows(
+            TransBits.pixels().data(), TransBits.width(), bounds, prepared, quantise, byGreyAlone);
+        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
+    });
+}
+
+void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, std::int16_t level,
+                              ErrorSize size, std::int16_t fixedError) {
+    BuildLevelTable(level, mono ? 0 : 1);
+    SetProgressRange(rect.top, rect.bottom);
+    if (!arraysReady()) return;
+    const Span span = spanOf(rect);
+    const DiffusionKernel prepared(DiffusionKernels[static_cast<std::size_t>(kernel)],
+                                   TransBits.width());
+    const diffusion::Bounds bounds{span.firstColumn, span.firstRow, span.endColumn, span.endRow};
+    RandomGenerator& random = context().random;
+    const double randomScale = 255.0 / level;
+    auto randomSize = [&] { return roundTo<std::int16_t>(randomScale * random.next() + 1); };
+    auto resize = [&](int error) {
+        switch (size) {
+        case ErrorSize::Random:
+            return withSign(error, randomSize());
+        case ErrorSize::Fixed:
+            return withSign(error, fixedError);
+        case ErrorSize::Exact:
+            break;
+        }
+        return error;
+    };
+
+    // Each row takes the shares of the rows above it, and the random sizes
+    // come from the one generator in scan order.
+    if (mono) {
+        auto quantise = [&](int grey) {
+            const int v = MonoLevelTable[static_cast<std::size_t>(grey)];
+            const int e = resize(grey - v);
+            return Quantised{grey, v, v, v, e, e, e};
+        };
+        rowsOf<true>(kernel, rect, bounds, prepared, quantise, size != ErrorSize::Random);
+    } else {
+        auto quantise = [&](int r, int g, int b) {
+            Quantised q{0, LevelTableR[static_cast<std::size_t>(r)],
+                        LevelTableG[static_cast<std::size_t>(g)],
+                        LevelTableB[static_cast<std::size_t>(b)]};
+            q.errorRed = resize(r - q.red);
+            q.errorGreen = resize(g - q.green);
+            q.errorBlue = resize(b - q.blue);
+            return q;
+        };
+        rowsOf<false>(kernel, rect, bounds, prepared, quantise, false);
+    }
+}
+
+void Class_Dithering::diffuseColorPaint(int kernel, const ProcessRect& rect) {
+    SetProgressRange(rect.top, rect.bottom);
+    if (!arraysReady()) return;
+    const Span span = spanOf(rect);
+    const DiffusionKernel prepared(DiffusionKernels[static_cast<std::size_t>(kernel)],
+                                   TransBits.width());
+    const diffusion::Bounds bounds{span.firstColumn, span.firstRow, span.endColumn, span.endRow};
+    // The grey indexes all three tables; each channel hands on the grey
+    // minus its own table value.
+    auto quantise = [&](int r, int g, int b) {
+        const auto grey = static_cast<std::size_t>(ditherGrey(r, g, b));
+        const int v = static_cast<int>(grey);
+        const int nr = LevelTableR[grey], ng = LevelTableG[grey], nb = LevelTableB[grey];
+        return Quantised{v, nr, ng, nb, v - nr, v - ng, v - nb};
+    };
+    rowsOf<false>(kernel, rect, bounds, prepared, quantise, false);
+}
+
+void Class_Dithering::Dither_ErrorDiffuse(std::int16_t filter, std::int16_t left, std::int16_t top,
+                                          std::int16_t right, std::int16_t bottom,
+                                          std::int16_t colourMode, std::int16_t level) {
+    guarded([&] {
+        if (filter < 0 || filter > 6) return;
+        diffuse(filter, {left, top, right, bottom}, colourMode == 0, level, ErrorSize::Exact, 0);
+    });
+}
+
+void Class_Dithering::Dither_ErrorDiffuseRandom(std::int16_t filter, std::int16_t left,
+                                                std::int16_t top, std::int16_t right,
+                                                std::int16_t bottom, std::int16_t colourMode,
+                                                std::int16_t level) {
+    guarded([&] {
+        const ProcessRect rect{left, top, right, bottom};
+        if (filter == 0) {
+            randomDither(rect, colourMode == 0, level);
+        } else if (filter >= 1 && filter <= 4) {
+            diffuse(filter - 1, rect, colourMode == 0, level, ErrorSize::Random, 0);
+        }
+    });
+}
+
+void Class_Dithering::Dither_ErrorFixed(std::int16_t filter, std::int16_t left, std::int16_t top,
+                                        std::int16_t right, std::int16_t bottom,
+                                        std::int16_t colourMode, std::int16_t level,
+                                        std::int16_t fixedError) {
+    guarded([&] {
+        if (filter < 0 || filter > 3) return;
+        diffuse(filter, {left, top, right, bottom}, colourMode == 0, level, ErrorSize::Fixed,
+                fixedError);
+    });
+}
+
+void Class_Dithering::Dither_ErrorDiffuseColorPaint(std::int16_t filter, std::int16_t left,
+                                                    std::int16_t top, std::int16_t right,
+                                                    std::int16_t bottom, std::int16_t paintType,
+                                                    std::int16_t level) {
+    guarded([&] {
+        if (filter < 0 || filter > 6) return;
+        BuildDrawingColorLevelTable(level, paintType);
+        diffuseColorPaint(filter, {left, top, right, bottom});
+    });
+}
+
+} // namespace lumiran

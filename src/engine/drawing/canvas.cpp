@@ -1,0 +1,248 @@
+#include "engine/drawing/canvas.h"
+
+#include "engine/drawing/bit_ops.h"
+#include "engine/drawing/line_trace.h"
+#include "engine/drawing/row_runs.h"
+#include "engine/drawing/wide_int.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+namespace lumiran {
+namespace {
+
+using drawing::Pen;
+using drawing::RowRuns;
+using drawing::Wide;
+using drawing::Window;
+
+constexpr std::int64_t MaxRadius = std::int64_t{1} << 30;
+
+Window visibleWindow(const Surface& surface, int left, int top, int right, int bottom) {
+    return {std::max(left, 0), std::max(top, 0), std::int64_t{std::min(right, surface.width())} - 1,
+            std::int64_t{std::min(bottom, surface.height())} - 1};
+}
+
+// The rows of a filled box, both corners included.
+RowRuns boxRuns(const Window& window, std::int64_t x0, std::int64_t y0, std::int64_t x1,
+                std::int64_t y1) {
+    RowRuns box(window);
+    for (std::int64_t y = std::max(y0, window.top); y <= std::min(y1, window.bottom); ++y)
+        box.add(y, x0, x1);
+    box.finish();
+    return box;
+}
+
+// The steps k of 0..length-1 for which start + direction k lies in low..high.
+std::pair<std::int64_t, std::int64_t> stepsWithin(std::int64_t start, std::int64_t direction,
+                                                  std::int64_t length, std::int64_t low,
+                                                  std::int64_t high) {
+    const std::int64_t first = direction > 0 ? low - start : start - high;
+    const std::int64_t last = direction > 0 ? high - start : start - low;
+    return {std::max<std::int64_t>(first, 0), std::min(last, length - 1)};
+}
+
+// The outline of a box walked clockwise from its upper left corner, each
+// pixel once; dotted, every second pixel of the walk.
+void addBoxOutline(RowRuns& outline, const Window& reach, std::int64_t x0, std::int64_t y0,
+                   std::int64_t x1, std::int64_t y1, bool dotted) {
+    struct Edge {
+        std::int64_t x, y, dx, dy, length, base;
+    };
+    const std::int64_t w = x1 - x0;
+    const std::int64_t h = y1 - y0;
+    std::vector<Edge> edges{{x0, y0, 1, 0, w + 1, 0}, {x1, y0 + 1, 0, 1, h, w + 1}};
+    if (w > 0 && h > 0) {
+        edges.push_back({x1 - 1, y1, -1, 0, w, w + 1 + h});
+        edges.push_back({x0, y1 - 1, 0, -1, h - 1, 2 * w + 1 + h});
+    }
+    for (const Edge& e : edges) {
+        const bool horizontal = e.dx != 0;
+        const std::int64_t fixed = horizontal ? e.y : e.x;
+        if (fixed < (horizontal ? reach.top : reach.left) ||
+            fixed > (horizontal ? reach.bottom : reach.right))
+            continue;
+        const auto [first, last] = horizontal
+                                       ? stepsWithin(e.x, e.dx, e.length, reach.left, reach.right)
+                                       : stepsWithin(e.y, e.dy, e.length, reach.top, reach.bottom);
+        for (std::int64_t k = first; k <= last; ++k) {
+            if (!dotted || (e.base + k) % 2 == 0) outline.addPixel(e.x + e.dx * k, e.y + e.dy * k);
+        }
+    }
+}
+
+// Half-width of row dy of the filled ellipse (the largest dx with
+// 4 dx^2 (2 ry + 1)^2 + 4 dy^2 (2 rx + 1)^2 < (2 rx + 1)^2 (2 ry + 1)^2), or
+// -1 when the row is empty. Exact in 128 bits for semi-axes up to 2^30.
+std::int64_t ellipseHalfWidth(std::int64_t rx, std::int64_t ry, std::int64_t dy) {
+    if (dy < -ry || dy > ry) return -1;
+    const Wide a = Wide{2 * rx + 1} * (2 * rx + 1);
+    const Wide b = Wide{2 * ry + 1} * (2 * ry + 1);
+    const Wide limit = a * b - Wide{4} * dy * dy * a;
+    const auto inside = [&](std::int64_t dx) { return Wide{4} * dx * dx * b < limit; };
+    auto h = static_cast<std::int64_t>(
+        std::sqrt(static_cast<long double>(limit) / (4.0L * static_cast<long double>(b))));
+    h = std::min(h, rx);
+    while (h > 0 && !inside(h))
+        --h;
+    while (h < rx && inside(h + 1))
+        ++h;
+    return h;
+}
+
+// Where an edge crosses a row: floor + rem / den, 0 <= rem < den.
+struct Crossing {
+    std::int64_t floor;
+    std::int64_t rem;
+    std::int64_t den;
+};
+
+} // namespace
+
+void Canvas::setClip(int left, int top, int right, int bottom) {
+    clipLeft_ = left;
+    clipTop_ = top;
+    clipRight_ = right;
+    clipBottom_ = bottom;
+}
+
+void Canvas::resetClip() {
+    setClip(0, 0, Surface::MaxDimension, Surface::MaxDimension);
+}
+
+void Canvas::Line(int x1, int y1, int x2, int y2, ColourRef colour, LineKind kind) {
+    const Window visible = visibleWindow(surface_, clipLeft_, clipTop_, clipRight_, clipBottom_);
+    if (visible.empty()) return;
+    const auto table = drawing::tableOf(DrawMode);
+    const std::int64_t left = std::min(x1, x2);
+    const std::int64_t right = std::max(x1, x2);
+    const std::int64_t top = std::min(y1, y2);
+    const std::int64_t bottom = std::max(y1, y2);
+    if (kind == LineKind::BF) {
+        drawing::paintRuns(surface_, visible, boxRuns(visible, left, top, right, bottom), Pen(1),
+                           table, colourBitsOf(colour));
+        return;
+    }
+    const Pen pen(DrawWidth);
+    const Window reach = pen.reach(visible);
+    const bool dotted = DrawStyle == PenStyle::Dot && pen.width() == 1;
+    RowRuns thin(reach);
+    if (kind == LineKind::Segment) {
+        drawing::traceLine(x1, y1, x2, y2, reach,
+                           [&](std::int64_t x, std::int64_t y, std::int64_t i) {
+                               if (!dotted || i % 2 == 0) thin.addPixel(x, y);
+                           });
+    } else {
+        if (FillStyle == BrushStyle::Solid) {
+            drawing::paintRuns(surface_, visible, boxRuns(visible, left, top, right, bottom),
+                               Pen(1), table, colourBitsOf(FillColor));
+        }
+        addBoxOutline(thin, reach, left, top, right, bottom, dotted);
+    }
+    thin.finish();
+    drawing::paintRuns(surface_, visible, thin, pen, table, colourBitsOf(colour));
+}
+
+void Canvas::Circle(int x, int y, int radius, ColourRef colour) {
+    Ellipse(x, y, radius, radius, colour);
+}
+
+void Canvas::Ellipse(int x, int y, int radiusX, int radiusY, ColourRef colour) {
+    if (radiusX < 0 || radiusY < 0) return;
+    const Window visible = visibleWindow(surface_, clipLeft_, clipTop_, clipRight_, clipBottom_);
+    if (visible.empty()) return;
+    const auto table = drawing::tableOf(DrawMode);
+    const std::int64_t rx = std::min<std::int64_t>(radiusX, MaxRadius);
+    const std::int64_t ry = std::min<std::int64_t>(radiusY, MaxRadius);
+    const std::int64_t cx = x;
+    const std::int64_t cy = y;
+    const Pen pen(DrawWidth);
+    const Window reach = pen.reach(visible);
+    const std::int64_t dyFirst = std::max(-ry, reach.top - cy);
+    const std::int64_t dyLast = std::min(ry, reach.bottom - cy);
+    if (dyFirst > dyLast) return;
+
+    // Half-widths of the rows, with one row more on each side for the
+    // outline's neighbour test.
+    std::vector<std::int64_t> half;
+    for (std::int64_t dy = dyFirst - 1; dy <= dyLast + 1; ++dy)
+        half.push_back(ellipseHalfWidth(rx, ry, dy));
+    const auto halfAt = [&](std::int64_t dy) {
+        return half[static_cast<std::size_t>(dy - dyFirst + 1)];
+    };
+
+    if (FillStyle == BrushStyle::Solid) {
+        RowRuns inside(visible);
+        for (std::int64_t dy = dyFirst; dy <= dyLast; ++dy)
+            inside.add(cy + dy, cx - halfAt(dy), cx + halfAt(dy));
+        inside.finish();
+        drawing::paintRuns(surface_, visible, inside, Pen(1), table, colourBitsOf(FillColor));
+    }
+    RowRuns outline(reach);
+    for (std::int64_t dy = dyFirst; dy <= dyLast; ++dy) {
+        const std::int64_t h = halfAt(dy);
+        // Pixels beyond the narrower neighbouring row, and the row's ends.
+        const std::int64_t inner = std::min(std::min(halfAt(dy - 1), halfAt(dy + 1)) + 1, h);
+        outline.add(cy + dy, cx - h, cx - inner);
+        outline.add(cy + dy, cx + inner, cx + h);
+    }
+    outline.finish();
+    drawing::paintRuns(surface_, visible, outline, pen, table, colourBitsOf(colour));
+}
+
+void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
+    if (points.size() < 2) return;
+    const Window visible = visibleWindow(surface_, clipLeft_, clipTop_, clipRight_, clipBottom_);
+    if (visible.empty()) return;
+    const auto table = drawing::tableOf(DrawMode);
+    const auto edgeEnd = [&](std::size_t i) { return points[(i + 1) % points.size()]; };
+
+    if (FillStyle == BrushStyle::Solid) {
+        const auto [low, high] = std::ranges::minmax(points, {}, &CanvasPoint::y);
+        RowRuns inside(visible);
+        std::vector<Crossing> crossings;
+        for (std::int64_t y = std::max<std::int64_t>(low.y, visible.top);
+             y <= std::min<std::int64_t>(high.y, visible.bottom); ++y) {
+            crossings.clear();
+            for (std::size_t i = 0; i < points.size(); ++i) {
+                CanvasPoint a = points[i];
+                CanvasPoint b = edgeEnd(i);
+                if (a.y == b.y) continue;
+                if (a.y > b.y) std::swap(a, b);
+                // Rows from the upper end up to but not including the lower.
+                if (y < a.y || y >= b.y) continue;
+                const std::int64_t den = std::int64_t{b.y} - a.y;
+                const Wide num = Wide{y - a.y} * (std::int64_t{b.x} - a.x);
+                const auto q = static_cast<std::int64_t>(drawing::floorDiv(num, den));
+                crossings.push_back({a.x + q, static_cast<std::int64_t>(num - Wide{q} * den), den});
+            }
+            std::ranges::sort(crossings, [](const Crossing& p, const Crossing& q) {
+                return p.floor != q.floor ? p.floor < q.floor
+                                          : Wide{p.rem} * q.den < Wide{q.rem} * p.den;
+            });
+            for (std::size_t k = 0; k + 1 < crossings.size(); k += 2) {
+                const std::int64_t from = crossings[k].floor + (crossings[k].rem > 0 ? 1 : 0);
+                inside.add(y, from, crossings[k + 1].floor);
+            }
+        }
+        inside.finish();
+        drawing::paintRuns(surface_, visible, inside, Pen(1), table, colourBitsOf(FillColor));
+    }
+
+    const Pen pen(DrawWidth);
+    const Window reach = pen.reach(visible);
+    RowRuns outline(reach);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const CanvasPoint a = points[i];
+        const CanvasPoint b = edgeEnd(i);
+        drawing::traceLine(
+            a.x, a.y, b.x, b.y, reach,
+            [&](std::int64_t x, std::int64_t y, std::int64_t) { outline.addPixel(x, y); });
+    }
+    outline.finish();
+    drawing::paintRuns(surface_, visible, outline, pen, table, colourBitsOf(colour));
+}
+
+} // namespace lumiran

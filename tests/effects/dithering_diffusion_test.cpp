@@ -1,0 +1,199 @@
+// The error diffusions against the procedure written out literally: every
+// entry read, the shares rounded from those values, the entries written
+// from the last back to entry 0, one pixel after the other.
+#include "effects/halftone/dithering/dither_kernels.h"
+#include "effects/halftone/dithering/level_tables.h"
+#include "halftone_fixture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <numeric>
+
+namespace lumiran::testing {
+namespace {
+
+// The error handed on, from entry 0's value and its new value.
+using ErrorRule = std::function<int(int old, int fresh)>;
+
+int roundEven(double v) {
+    return static_cast<int>(std::nearbyint(v));
+}
+
+void literalDiffusion(Surface& p, const ProcessRect& r, const KernelSpec& kernel, bool mono,
+                      const LevelTable& table, const ErrorRule& errorOf) {
+    const int right = std::min<int>(r.right, p.width()),
+              bottom = std::min<int>(r.bottom, p.height());
+    for (int y = r.top; y < bottom; ++y) {
+        for (int x = r.left; x < right; ++x) {
+            std::vector<std::pair<int, int>> at{{x, y}};
+            for (const KernelTap& t : kernel.taps)
+                at.emplace_back(std::clamp(x + t.dx, int{r.left}, right - 1),
+                                std::clamp(y + t.dy, int{r.top}, bottom - 1));
+            std::vector<std::array<int, 3>> old;
+            for (const auto& [ax, ay] : at) {
+                const Pixel v = p.at(ax, ay);
+                old.push_back({redOf(v), greenOf(v), blueOf(v)});
+            }
+            std::array<int, 3> fresh{}, error{};
+            if (mono) {
+                const auto& [r0, g0, b0] = old[0];
+                const int grey = roundEven(0.3 * r0 + 0.59 * g0 + 0.11 * b0);
+                const int v = table[static_cast<std::size_t>(grey)];
+                fresh = {v, v, v};
+                const int e = errorOf(grey, v);
+                error = {e, e, e};
+            } else {
+                for (std::size_t c = 0; c < 3; ++c) {
+                    fresh[c] = table[static_cast<std::size_t>(old[0][c])];
+                    error[c] = errorOf(old[0][c], fresh[c]);
+                }
+            }
+            std::vector<std::array<int, 3>> written(at.size());
+            written[0] = fresh;
+            for (std::size_t i = 1; i < at.size(); ++i) {
+                const double weight =
+                    static_cast<double>(kernel.taps[i - 1].weight) / kernel.divisor;
+                for (std::size_t c = 0; c < 3; ++c)
+                    written[i][c] = roundEven(error[c] * weight + old[i][c]);
+            }
+            for (std::size_t i = at.size(); i-- > 0;) {
+                const auto& [ax, ay] = at[i];
+                auto c = [&](std::size_t k) { return std::clamp(written[i][k], 0, 255); };
+                p.at(ax, ay) = withColour(p.at(ax, ay), c(0), c(1), c(2));
+            }
+        }
+    }
+}
+
+int exactError(int old, int fresh) {
+    return old - fresh;
+}
+
+struct Case {
+    int width;
+    int height;
+    ProcessRect area;
+};
+
+// Whole pictures, inner rectangles, and rectangles narrower or lower than
+// any kernel, where most shares are clamped.
+const Case Cases[] = {
+    {23, 17, {0, 0, 23, 17}}, {23, 17, {3, 2, 19, 14}}, {9, 7, {4, 3, 5, 4}},
+    {9, 7, {2, 0, 3, 7}},     {9, 7, {0, 5, 9, 7}},     {30, 12, {1, 1, 29, 4}},
+};
+
+using Diffusion = HalftoneFixture<Class_Dithering>;
+
+TEST_F(Diffusion, EveryKernelMatchesTheProcedureWrittenOut) {
+    for (std::int16_t filter = 0; filter < 7; ++filter) {
+        for (const bool mono : {true, false}) {
+            for (const std::int16_t level : {2, 6}) {
+                for (const Case& c : Cases) {
+                    const Surface picture = noisePicture(c.width, c.height, 7u + filter);
+                    Surface expected = picture;
+                    literalDiffusion(expected, c.area, DiffusionKernels[filter], mono,
+                                     levelTable(level), exactError);
+                    const Surface got =
+                        run(picture, c.area, [&](Class_Dithering& e, ProcessRect r) {
+                            e.Dither_ErrorDiffuse(filter, r.left, r.top, r.right, r.bottom,
+                                                  mono ? 0 : 1, level);
+                        });
+                    ASSERT_EQ(got, expected) << "filter " << filter << " mono " << mono << " level "
+                                             << level << " width " << c.width;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(Diffusion, SmoothPicturesTakeTheHeldSharesWithoutLimitingAlike) {
+    // Mid greys with small steps: the shares on the row are held back and
+    // rarely limited, the path noise pictures seldom take.
+    const Surface picture = makePicture(
+        64, 6, [](int x, int y) { return makePixel(90 + x + y, 100 + x / 2, 80 + (x * y) % 40); });
+    for (std::int16_t filter = 0; filter < 7; ++filter) {
+        Surface expected = picture;
+        literalDiffusion(expected, ProcessRect::wholePicture(64, 6), DiffusionKernels[filter], true,
+                         levelTable(3), exactError);
+        EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorDiffuse>(filter, rect, 0, 3)),
+                  expected)
+            << "filter " << filter;
+    }
+}
+
+TEST_F(Diffusion, FixedAndRandomErrorsKeepOnlyTheSign) {
+    const Surface picture = noisePicture(19, 11, 3);
+    const ProcessRect whole = ProcessRect::wholePicture(19, 11);
+    for (std::int16_t filter = 0; filter < 4; ++filter) {
+        for (const bool mono : {true, false}) {
+            Surface expected = picture;
+            literalDiffusion(expected, whole, DiffusionKernels[filter], mono, levelTable(2),
+                             [](int old, int fresh) { return old - fresh >= 0 ? 42 : -42; });
+            EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorFixed>(filter, rect,
+                                                                           mono ? 0 : 1, 2, 42)),
+                      expected)
+                << "fixed, filter " << filter;
+        }
+
+        // One draw a pixel in mono, of 255 / level * rnd + 1.
+        RandomGenerator draws;
+        Surface expected = picture;
+        literalDiffusion(expected, whole, DiffusionKernels[filter], true, levelTable(4),
+                         [&draws](int old, int fresh) {
+                             const int e = roundEven(255.0 / 4 * draws.next() + 1);
+                             return old - fresh >= 0 ? e : -e;
+                         });
+        random = RandomGenerator();
+        EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorDiffuseRandom>(
+                                   static_cast<std::int16_t>(filter + 1), rect, 0, 4)),
+                  expected)
+            << "random, filter " << filter;
+    }
+}
+
+TEST_F(Diffusion, KernelsShareOutTheirWholeDivisor) {
+    for (const KernelSpec& k : DiffusionKernels) {
+        const int sum = std::accumulate(k.taps.begin(), k.taps.end(), 0,
+                                        [](int s, const KernelTap& t) { return s + t.weight; });
+        EXPECT_EQ(sum, k.divisor);
+    }
+}
+
+TEST_F(Diffusion, OnePixelWideKeepsNoHorizontalShare) {
+    // Every horizontal share of a column falls back on the pixel itself and
+    // vanishes under its new value; the rows below take the first share
+    // clamped onto them.
+    const Surface column(1, 4, makePixel(100, 100, 100));
+    Surface expected = column;
+    literalDiffusion(expected, ProcessRect::wholePicture(1, 4), DiffusionKernels[1], true,
+                     levelTable(2), exactError);
+    EXPECT_EQ(run(column, op<&Class_Dithering::Dither_ErrorDiffuse>(1, rect, 0, 2)), expected);
+}
+
+TEST_F(Diffusion, ColorPaintRunsFromTheDrawingColour) {
+    context.flags.drawingColor = {200, 100, 0};
+    // A dark flat grey at level 2 takes the drawing colour (paint type 0)
+    // or black (type 1) where it stays dark.
+    const Surface dark(6, 3, makePixel(20, 20, 20));
+    const Surface type0 =
+        run(dark, op<&Class_Dithering::Dither_ErrorDiffuseColorPaint>(1, rect, 0, 2));
+    EXPECT_EQ(colourOf(type0.at(0, 0)), (Colour{200, 100, 0}));
+    const Surface type1 =
+        run(dark, op<&Class_Dithering::Dither_ErrorDiffuseColorPaint>(1, rect, 1, 2));
+    EXPECT_EQ(colourOf(type1.at(0, 0)), (Colour{0, 0, 0}));
+}
+
+TEST_F(Diffusion, FiltersOutsideTheirListChangeNothingAndLevelZeroFails) {
+    const Surface picture = noisePicture(5, 4, 1);
+    EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorDiffuse>(7, rect, 0, 2)), picture);
+    EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorFixed>(4, rect, 0, 2, 42)), picture);
+    EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorDiffuseRandom>(5, rect, 0, 2)),
+              picture);
+    EXPECT_EQ(failureNumber(), 0);
+    run(picture, op<&Class_Dithering::Dither_ErrorDiffuse>(1, rect, 0, 0));
+    EXPECT_EQ(failureNumber(), EffectError::OverflowNumber);
+}
+
+} // namespace
+} // namespace lumiran::testing

@@ -90,9 +90,10 @@ def measure(commands, runs, env, work):
     if done.returncode != 0:
         # One failing tool must not cost the rest of the table.
         print(f"<!-- {done.stderr.strip()} -->", file=sys.stderr)
-        return {}
+        return {}, {}
     results = json.loads(report.read_text())["results"]
-    return {r["command"]: statistics.median(r["times"]) * 1000 for r in results}
+    return ({r["command"]: statistics.median(r["times"]) * 1000 for r in results},
+            {r["command"]: (r["user"] + r["system"]) * 1000 for r in results})
 
 
 def make_pictures(work, sizes, im):
@@ -150,6 +151,7 @@ def main():
                 show_rss = not args.no_rss and size == "4096x4096"
                 head = ["row", "lumiran"] + (["before"] if args.before else []) + list(PEERS)
                 head += ["ratio"] + (["ratio before"] if args.before else [])
+                head += ["CPU lumiran", "CPU fastest peer"]
                 if show_rss:
                     head += [f"RSS MiB {t}" for t in ("lumiran",) + PEERS]
                 print(f"## {size}, {mode}\n")
@@ -176,9 +178,11 @@ def main():
                             if not works[(label, name)]:
                                 print(f"<!-- {label}: {name} failed -->", file=sys.stderr)
                     commands = [(n, c) for n, c in commands if works[(label, n)]]
-                    times = measure(commands, runs, env, work)
+                    times, cpu = measure(commands, runs, env, work)
                     peers = [times[p] for p in PEERS if p in times]
                     fastest = min(peers) if peers else None
+                    fastest_peer = min((p for p in PEERS if p in times), key=times.get,
+                                       default=None)
                     ratio = lambda t: "-" if t is None or fastest is None else f"{t / fastest:.2f}"
                     cells = [label, format_ms(times.get("lumiran"))]
                     if args.before:
@@ -187,6 +191,10 @@ def main():
                     cells.append(ratio(times.get("lumiran")))
                     if args.before:
                         cells.append(ratio(times.get("before")))
+                    # Processor time (user and system, mean): what the wall
+                    # times would be on an idle machine, roughly.
+                    cells.append(format_ms(cpu.get("lumiran")))
+                    cells.append(format_ms(cpu.get(fastest_peer)) if fastest_peer else "-")
                     if show_rss:
                         rss = dict((name, max_rss_mib(c, env)) for name, c in commands)
                         cells += [format_ms(rss.get(t)) for t in ("lumiran",) + PEERS]

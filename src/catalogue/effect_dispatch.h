@@ -56,27 +56,28 @@ class EffectDispatch {
 
 // The usual shape of a case: fetch kept picture 0 into a fresh object of
 // the class, make the call(s) on the process rectangle, write the array
-// into kept picture 1.
+// into kept picture 1. The write-back replaces kept picture 1 whole, so the
+// call must not read kept picture 1 through the context.
 template <typename Class, typename Call>
 [[nodiscard]] EffectBody runInPlace(Call call) {
-    return [call](EffectInvocation& run) {
+    return ReplacingBody{[call](EffectInvocation& run) {
         Class effect(run.context);
         effect.ImageGetDiBits(run.keptPicture0);
         call(effect, run.rect);
         effect.ImageSetDiBits(run.keptPicture1);
-    };
+    }};
 }
 
 // The same for effects that write into a separate destination.
 template <typename Class, typename Call>
 [[nodiscard]] EffectBody runWithTrans(Call call) {
-    return [call](EffectInvocation& run) {
+    return ReplacingBody{[call](EffectInvocation& run) {
         Class effect(run.context);
         effect.ImageGetDiBits(run.keptPicture0);
         effect.ImageGetDiBitsTrans(run.keptPicture0);
         call(effect, run.rect);
         effect.ImageSetDiBitsTrans(run.keptPicture1);
-    };
+    }};
 }
 
 } // namespace lumiran

@@ -198,7 +198,9 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err,
             document.ToolsFlag = 3; // an area fixed, as a finished selection leaves it
             document.area = *cl.rect;
         }
-        const RunReport report = runEffect(state, document, plan.body);
+        // The tool keeps no undo level and looks at nothing during the run.
+        const RunReport report = runEffect(state, document, plan.body, nullptr,
+                                           RunOptions{.noUndo = true, .oneShot = true});
         printFailures(report.failures, err);
         if (report.outcome == RunOutcome::Cancelled) {
             exitCode = std::max(exitCode, ExitFailed);

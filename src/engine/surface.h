@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/picture_memory.h"
 #include "engine/pixel.h"
 
 #include <cstddef>
@@ -22,6 +23,10 @@ class Surface {
     // Throws EffectError (out of memory) when the pixels cannot be allocated
     // and std::invalid_argument for negative or oversized dimensions.
     Surface(int width, int height, Pixel fill = 0);
+
+    // A picture whose pixels are about to be overwritten: not cleared first.
+    // Only the spare element is set (to 0).
+    [[nodiscard]] static Surface uninitialised(int width, int height);
 
     Surface(const Surface&) = default;
     Surface& operator=(const Surface&) = default;
@@ -80,7 +85,8 @@ class Surface {
   private:
     int width_ = 0;
     int height_ = 0;
-    std::vector<Pixel> elements_ = std::vector<Pixel>(1, 0);
+    using Elements = std::vector<Pixel, PictureAllocator<Pixel>>;
+    Elements elements_ = Elements(1, 0);
 };
 
 } // namespace lumiran

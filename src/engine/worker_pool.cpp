@@ -34,6 +34,13 @@ WorkerPool::~WorkerPool() {
 
 void WorkerPool::run(int workers, const std::function<void(int)>& task) {
     workers = std::clamp(workers, 1, threads());
+    if (busy_.exchange(true)) {
+        // A loop inside a row of another: its helpers are taken, so the
+        // calling thread does every worker's part itself.
+        for (int worker = 0; worker < workers; ++worker)
+            task(worker);
+        return;
+    }
     if (workers > 1) {
         {
             const std::scoped_lock lock(mutex_);
@@ -50,6 +57,7 @@ void WorkerPool::run(int workers, const std::function<void(int)>& task) {
         done_.wait(lock, [this] { return running_ == 0; });
         task_ = nullptr;
     }
+    busy_.store(false);
 }
 
 void WorkerPool::serve(int worker) {

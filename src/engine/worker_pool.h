@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -27,7 +28,8 @@ class WorkerPool {
 
     // Calls task(worker) for worker 0 .. workers - 1 at once, worker 0 on the
     // calling thread, and returns when every call has returned. The task
-    // must not throw; workers beyond threads() are not started.
+    // must not throw; workers beyond threads() are not started. Called
+    // again from inside a task, it runs every part on the calling thread.
     void run(int workers, const std::function<void(int)>& task);
 
   private:
@@ -41,6 +43,7 @@ class WorkerPool {
     int running_ = 0;
     std::uint64_t generation_ = 0;
     bool stopping_ = false;
+    std::atomic<bool> busy_{false};
     std::vector<std::thread> helpers_;
 };
 

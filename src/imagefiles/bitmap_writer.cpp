@@ -1,9 +1,12 @@
 #include "imagefiles/bitmap_writer.h"
 
+#include "engine/picture_memory.h"
+#include "imagefiles/bitmap_rows.h"
 #include "imagefiles/byte_io.h"
 #include "imagefiles/file_io.h"
 #include "imagefiles/image_file_error.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <unordered_map>
@@ -86,28 +89,50 @@ class PaletteBuilder {
 
 } // namespace
 
-std::vector<std::uint8_t> encodeBmp24(const Surface& picture) {
+namespace {
+
+constexpr std::uint32_t Bmp24HeaderSize = FileHeaderSize + InfoHeaderSize;
+
+std::uint32_t bmp24Stride(const Surface& picture) {
+    return (static_cast<std::uint32_t>(picture.width()) * 3 + 3) / 4 * 4;
+}
+
+std::size_t bmp24FileSize(const Surface& picture) {
     if (picture.empty()) throw ImageFileError("the picture is empty");
-    const std::uint32_t stride = (static_cast<std::uint32_t>(picture.width()) * 3 + 3) / 4 * 4;
+    return Bmp24HeaderSize + static_cast<std::size_t>(bmp24Stride(picture)) *
+                                 static_cast<std::size_t>(picture.height());
+}
+
+// The whole file into out, which holds exactly bmp24FileSize bytes: rows
+// packed straight into place, no byte appended one at a time.
+void encodeBmp24Into(const Surface& picture, std::span<std::uint8_t> out) {
+    const std::uint32_t stride = bmp24Stride(picture);
     const std::uint32_t imageSize = stride * static_cast<std::uint32_t>(picture.height());
-    constexpr std::uint32_t headerSize = FileHeaderSize + InfoHeaderSize;
-    ByteWriter out;
-    out.reserve(headerSize + imageSize);
-    writeHeaders(out, picture, headerSize, imageSize, 24, imageSize);
-    const std::size_t padding = stride - static_cast<std::size_t>(picture.width()) * 3;
-    for (int y = picture.height() - 1; y >= 0; --y) {
-        for (const Pixel p : picture.row(y)) {
-            out.u8(static_cast<std::uint8_t>(blueOf(p)));
-            out.u8(static_cast<std::uint8_t>(greenOf(p)));
-            out.u8(static_cast<std::uint8_t>(redOf(p)));
-        }
-        out.zeros(padding);
+    ByteWriter header;
+    writeHeaders(header, picture, Bmp24HeaderSize, imageSize, 24, imageSize);
+    std::ranges::copy(header.bytes(), out.begin());
+    const std::size_t rowBytes = static_cast<std::size_t>(picture.width()) * 3;
+    std::uint8_t* row = out.data() + Bmp24HeaderSize;
+    for (int y = picture.height() - 1; y >= 0; --y, row += stride) {
+        packRow24(picture.row(y).data(), row, picture.width());
+        std::fill(row + rowBytes, row + stride, std::uint8_t{0});
     }
-    return std::move(out.bytes());
+}
+
+} // namespace
+
+std::vector<std::uint8_t> encodeBmp24(const Surface& picture) {
+    std::vector<std::uint8_t> bytes(bmp24FileSize(picture));
+    encodeBmp24Into(picture, bytes);
+    return bytes;
 }
 
 void saveBmp24(const Surface& picture, const std::filesystem::path& path) {
-    writeFileAtomically(path, encodeBmp24(picture));
+    // One buffer of picture memory, not cleared first, written at once.
+    std::vector<std::uint8_t, PictureAllocator<std::uint8_t>> bytes;
+    bytes.resize(bmp24FileSize(picture));
+    encodeBmp24Into(picture, bytes);
+    writeFileAtomically(path, bytes);
 }
 
 Bmp8Encoding encodeBmp8(const Surface& picture, bool reserveSystemColors) {

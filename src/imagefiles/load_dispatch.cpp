@@ -4,6 +4,7 @@
 #include "imagefiles/image_file_error.h"
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/image_readers.h"
+#include "imagefiles/plain_bitmap.h"
 #include "shell/string_table.h"
 
 #include <algorithm>
@@ -73,6 +74,10 @@ std::optional<Surface> LoadImageFile(const std::filesystem::path& path, Platform
     case LoadRoute::Blank:
         return std::nullopt;
     case LoadRoute::Platform:
+        // Plain bitmaps, by far the most common files here, are read
+        // straight into the picture; the platform's decoder gives the same
+        // pixels, and gets every other file.
+        if (auto plain = readPlainBitmap(path, limits)) return plain;
         if (platform == nullptr) {
             throw ImageLoadError::refused(path.string() + ": no decoder for ." + extension +
                                           " files in this program");

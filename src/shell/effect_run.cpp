@@ -44,15 +44,26 @@ EffectRun::EffectRun(ProgramState& state, Document& document, RunOptions options
     KeepStore& keep = state.keep;
     const int width = document.picture.width();
     const int height = document.picture.height();
-    keep.keptPicture0 = document.picture;
-    keep.keptPicture1 = Surface(width, height, toPixel(state.flags.backColor));
-    context_.kept0 = &keep.keptPicture0;
-    context_.kept1 = &keep.keptPicture1;
-
     const ProcessRectDecision decision =
         fixProcessRectangle(document.ToolsFlag, document.area, width, height);
     applyRectDecision(document, decision, width, height);
     rect_ = decision.rect;
+
+    // A result laid over the whole picture by a plain copy takes nothing
+    // but the spare bytes from the document, and those stay in kept picture
+    // 0: where no one looks at the document meanwhile, it need not be copied.
+    documentLent_ = options.oneShot && context_.flags.rasterOpFlag == 0 &&
+                    rect_ == ProcessRect::wholePicture(width, height);
+    if (documentLent_) {
+        keep.keptPicture0 = std::move(document.picture);
+    } else {
+        keep.keptPicture0 = document.picture;
+    }
+    // Filled with the background colour by execute, unless the body
+    // replaces it whole.
+    keep.keptPicture1 = Surface();
+    context_.kept0 = &keep.keptPicture0;
+    context_.kept1 = &keep.keptPicture1;
 }
 
 EffectRun::~EffectRun() {
@@ -61,9 +72,13 @@ EffectRun::~EffectRun() {
 
 void EffectRun::execute(const EffectBody& body, ProgressSink* progress) {
     context_.progress = progress;
-    EffectInvocation invocation{context_, state_.keep.keptPicture0, state_.keep.keptPicture1,
-                                rect_};
+    Surface& kept0 = state_.keep.keptPicture0;
+    Surface& kept1 = state_.keep.keptPicture1;
+    EffectInvocation invocation{context_, kept0, kept1, rect_};
     try {
+        if (!replacesKeptPicture1(body)) {
+            kept1 = Surface(kept0.width(), kept0.height(), toPixel(context_.flags.backColor));
+        }
         body(invocation);
     } catch (const EffectError& error) {
         // Errors outside an effect's own handler end the run the same way.
@@ -80,12 +95,17 @@ RunOutcome EffectRun::finish(bool keepObjects) {
     if (finished_) return outcome_;
     finished_ = true;
     state_.ProcessingFlag = 0;
+    KeepStore& keep = state_.keep;
     if (state_.cancelFlag == 1) {
+        if (documentLent_) document_.picture = std::move(keep.keptPicture0);
         state_.undo.PopUndo(document_);
         state_.cancelFlag = 0;
         outcome_ = RunOutcome::Cancelled;
+    } else if (documentLent_) {
+        rasterStep(context_.flags.rasterOpFlag, keep.keptPicture1, keep.keptPicture0, rect_);
+        document_.picture = std::move(keep.keptPicture0);
     } else {
-        rasterStep(context_.flags.rasterOpFlag, state_.keep.keptPicture1, document_.picture, rect_);
+        rasterStep(context_.flags.rasterOpFlag, keep.keptPicture1, document_.picture, rect_);
     }
     if (!keepObjects) {
         state_.keep.keptPicture0 = Surface();

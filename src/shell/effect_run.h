@@ -23,8 +23,25 @@ struct EffectInvocation {
 // The class calls of one effect, as OK would make them.
 using EffectBody = std::function<void(EffectInvocation&)>;
 
+// A body whose write-back replaces kept picture 1 whole and that reads
+// nothing of kept picture 1 before it (the usual shape of a case): the run
+// does not fill kept picture 1 with the background colour first, since no
+// one could see that fill.
+struct ReplacingBody {
+    std::function<void(EffectInvocation&)> call;
+    void operator()(EffectInvocation& run) const { call(run); }
+};
+
+[[nodiscard]] inline bool replacesKeptPicture1(const EffectBody& body) {
+    return body.target<ReplacingBody>() != nullptr;
+}
+
 struct RunOptions {
     bool noUndo = false; // no snapshot is taken
+    // The caller looks at neither the document nor the kept pictures until
+    // finish returns (the command line). The document's picture may then be
+    // lent to kept picture 0 instead of copied.
+    bool oneShot = false;
 };
 
 enum class RunOutcome {
@@ -59,6 +76,8 @@ class EffectRun {
     Document& document_;
     RunContext context_;
     ProcessRect rect_;
+    // Kept picture 0 holds the document's own picture until finish.
+    bool documentLent_ = false;
     bool finished_ = false;
     RunOutcome outcome_ = RunOutcome::Applied;
 };

@@ -1,5 +1,6 @@
 #include "engine/colour_models.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 
 namespace lumiran {
@@ -82,6 +83,56 @@ TEST(Hls, GreyAndPrimariesComeBack) {
     const Rgb16 back = hlsToRgb(blue);
     EXPECT_NEAR(back.blue, 200, 1);
     EXPECT_EQ(back.red, 0);
+}
+
+} // namespace
+} // namespace lumiran
+
+namespace lumiran {
+namespace {
+
+bool sameBits(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+TEST(BranchlessModels, GiveTheScalarModelsToTheBitOverTheWholeColourCube) {
+    int differences = 0;
+    for (int r = 0; r < 256; ++r) {
+        for (int g = 0; g < 256; ++g) {
+            for (int b = 0; b < 256; ++b) {
+                const Hsv hsv = rgbToHsv(r, g, b), fast = rgbToHsvBranchless(r, g, b);
+                const Hls hls = rgbToHls(r, g, b), quick = rgbToHlsBranchless(r, g, b);
+                differences += !sameBits(hsv.hue, fast.hue) ||
+                               !sameBits(hsv.saturation, fast.saturation) ||
+                               hsv.value != fast.value || !sameBits(hls.hue, quick.hue) ||
+                               !sameBits(hls.saturation, quick.saturation) ||
+                               !sameBits(hls.luminance, quick.luminance);
+            }
+        }
+    }
+    EXPECT_EQ(differences, 0);
+}
+
+TEST(BranchlessModels, ConvertBackAsTheScalarModelsWithinTheUnitRange) {
+    int differences = 0;
+    int cases = 0;
+    // Hues below 0 (black) and at and beyond 360, sector edges included.
+    for (double hue = -400; hue <= 760; hue += 0.625) {
+        for (int step = 0; step <= 40; ++step) {
+            const double unit = step / 40.0;
+            for (const double other : {0.0, 0.3, 0.5, 0.77, 1.0}) {
+                ++cases;
+                differences += HsvToRgb(hue, unit, other) != hsvToRgbInRange(hue, unit, other);
+                differences += HsvToRgb(hue, other, unit) != hsvToRgbInRange(hue, other, unit);
+                const Hls hls{hue, unit, other};
+                differences += hlsToRgb(hls) != hlsToRgbInRange(hls);
+            }
+        }
+    }
+    EXPECT_GT(cases, 100000);
+    EXPECT_EQ(differences, 0);
+    // The grey of HLS needs hue and saturation both 0.
+    EXPECT_EQ(hlsToRgbInRange({0, 0.5, 0}), hlsToRgb({0, 0.5, 0}));
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "effects/colour/class_color_op.h"
 #include "effects/colour/color_op_support.h"
-#include "engine/colour_memo.h"
 #include "engine/colour_models.h"
 
 #include <algorithm>
@@ -54,24 +53,26 @@ Rgb16 yuv(int r, int g, int blue, int a, int b, int c) {
         .fields();
 }
 
+// The HSV and HLS shifts without a branch, so that their loops run on the
+// vector unit; saturation, value and luminance stay within 0 to 1.
 Rgb16 hsv(int r, int g, int blue, int a, int b, int c) {
-    const Hsv source = rgbToHsv(r, g, blue);
+    const Hsv source = rgbToHsvBranchless(r, g, blue);
     const int value = std::min(std::abs(source.value + c), 255);
-    double hue = a + source.hue;
-    if (hue > 360) hue -= 360;
+    const double turned = a + source.hue;
+    const double hue = turned > 360 ? turned - 360 : turned;
     const double saturation =
         std::clamp(source.saturation + static_cast<float>(b / 255.0), 0.0, 1.0);
-    return absolute(HsvToRgb(hue, saturation, value / 255.0));
+    return absolute(hsvToRgbInRange(hue, saturation, value / 255.0));
 }
 
 Rgb16 hls(int r, int g, int blue, int a, int b, int c) {
-    const Hls source = rgbToHls(r, g, blue);
+    const Hls source = rgbToHlsBranchless(r, g, blue);
     Hls shifted;
     shifted.luminance = std::min(std::abs(b / 255.0 + source.luminance), 1.0);
-    shifted.hue = a + source.hue;
-    if (shifted.hue > 360) shifted.hue -= 360;
+    const double turned = a + source.hue;
+    shifted.hue = turned > 360 ? turned - 360 : turned;
     shifted.saturation = std::clamp(static_cast<float>(c / 255.0) + source.saturation, 0.0, 1.0);
-    return absolute(hlsToRgb(shifted));
+    return absolute(hlsToRgbInRange(shifted));
 }
 
 Rgb16 cmyk(int r, int g, int blue, int a, int b, int c, int k) {
@@ -105,10 +106,10 @@ void Class_ColorOp::ColorBalanceAdjust(std::uint8_t model, std::int16_t a, std::
             run([=](int r, int g, int blue) { return yCbCr(r, g, blue, a, b, c); });
             break;
         case 2:
-            run(ColourMemo([=](int r, int g, int blue) { return hsv(r, g, blue, a, b, c); }));
+            run([=](int r, int g, int blue) { return hsv(r, g, blue, a, b, c); });
             break;
         case 3:
-            run(ColourMemo([=](int r, int g, int blue) { return hls(r, g, blue, a, b, c); }));
+            run([=](int r, int g, int blue) { return hls(r, g, blue, a, b, c); });
             break;
         case 4:
             run([=](int r, int g, int blue) { return cmyk(r, g, blue, a, b, c, k); });

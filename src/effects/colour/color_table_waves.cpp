@@ -64,7 +64,7 @@ void Class_ColorTable::Kani(double sine, double cosine, double red, double green
                 return std::min(roundInRange<std::int32_t>((std::abs(component - wave) + c) / 2.0),
                                 255);
             };
-            forEachRow(rect, [&](Pixel* row, int begin, int end) {
+            forEachRow<RowOrder::AnyOrder>(rect, [&](Pixel* row, int begin, int end) {
                 for (int x = begin; x < end; ++x) {
                     const Pixel p = row[x];
                     const int r = redOf(p), g = greenOf(p), b = blueOf(p);
@@ -75,7 +75,7 @@ void Class_ColorTable::Kani(double sine, double cosine, double red, double green
             });
             return;
         }
-        forEachRow(rect, [&](Pixel* row, int begin, int end) {
+        forEachRow<RowOrder::AnyOrder>(rect, [&](Pixel* row, int begin, int end) {
             for (int x = begin; x < end; ++x) {
                 const int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);
                 const double w = factor[static_cast<std::size_t>(luminanceY(r, g, b))];

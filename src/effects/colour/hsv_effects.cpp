@@ -19,8 +19,9 @@ Rgb16 absolute(Rgb16 v) {
     return Channels{std::abs(v.red), std::abs(v.green), std::abs(v.blue)}.fields();
 }
 
+// As std::clamp, in a form the vectoriser takes.
 double limitToUnit(double value) {
-    return std::clamp(value, 0.0, 1.0);
+    return std::min(std::max(value, 0.0), 1.0);
 }
 
 // A centre given in percent of the rectangle.
@@ -97,21 +98,20 @@ void Class_ColorOp::HSVInvert(std::int16_t left, std::int16_t top, std::int16_t 
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
         const double saturationShift = static_cast<float>(saturation / 255.0);
-        mapPixels<ResultTail::Clamp>(rect, ColourMemo([&](int r, int g, int b) {
-                                         const Hsv hsv = rgbToHsv(r, g, b);
-                                         const int value =
-                                             std::min(std::abs(intensity - hsv.value), 255);
-                                         double h = hue - hsv.hue;
-                                         if (h > 360) h -= 360;
-                                         // A negative hue is left as it is and comes out black.
-                                         const double s =
-                                             limitToUnit(saturationShift - hsv.saturation);
-                                         const Rgb16 v = HsvToRgb(h, s, value / 255.0);
-                                         return absolute(Channels{raiseBelow(v.red, redOperand),
-                                                                  raiseBelow(v.green, greenOperand),
-                                                                  raiseBelow(v.blue, blueOperand)}
-                                                             .fields());
-                                     }));
+        // Without a branch, so that the loop runs on the vector unit.
+        mapPixels<ResultTail::Clamp>(rect, [=](int r, int g, int b) {
+            const Hsv hsv = rgbToHsvBranchless(r, g, b);
+            const int value = std::min(std::abs(intensity - hsv.value), 255);
+            const double turned = hue - hsv.hue;
+            // A negative hue is left as it is and comes out black.
+            const double h = turned > 360 ? turned - 360 : turned;
+            const double s = limitToUnit(saturationShift - hsv.saturation);
+            const Rgb16 v = hsvToRgbInRange(h, s, value / 255.0);
+            return absolute(Channels{raiseBelow(v.red, redOperand),
+                                     raiseBelow(v.green, greenOperand),
+                                     raiseBelow(v.blue, blueOperand)}
+                                .fields());
+        });
     });
 }
 

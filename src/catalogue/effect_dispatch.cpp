@@ -30,6 +30,9 @@ const EffectDispatch& effectDispatch() {
         EffectDispatch d;
         registerColorOpEffects(d);
         registerColorTableEffects(d);
+        registerGeometryEffects(d);
+        registerTransformEffects(d);
+        register3DMappingEffects(d);
         return d;
     }();
     return dispatch;

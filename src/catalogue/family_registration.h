@@ -9,5 +9,8 @@ class EffectDispatch;
 // libraries without a word.
 void registerColorOpEffects(EffectDispatch& dispatch);
 void registerColorTableEffects(EffectDispatch& dispatch);
+void registerGeometryEffects(EffectDispatch& dispatch);
+void registerTransformEffects(EffectDispatch& dispatch);
+void register3DMappingEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

@@ -1,0 +1,164 @@
+// Sway 1 and Sway 2: rows and columns swayed by waves of the coordinates.
+#include "effects/geometry/vector_trig.h"
+#include "effects/geometry/warp_rows.h"
+
+#include <array>
+#include <cmath>
+
+namespace lumiran {
+namespace {
+
+enum class Wave : std::uint8_t { Sin, Cos, Tan, AbsSin, SinPlusCos };
+
+// The eleven kinds of the list: the wave of the horizontal offset and of
+// the vertical one, and whether each is a wave of the other coordinate
+// (rows swayed sideways, columns up and down) or, for the kinds named "2",
+// of its own (pixels pushed together and apart along the axis).
+struct SwayKind {
+    Wave horizontal;
+    Wave vertical;
+    bool ownCoordinate;
+};
+
+constexpr std::array<SwayKind, 11> SwayKinds = {{
+    {Wave::Sin, Wave::Sin, false},               // ｻｲﾝ
+    {Wave::Cos, Wave::Cos, false},               // ｺｻｲﾝ
+    {Wave::Tan, Wave::Tan, false},               // ﾀﾝｼﾞｪﾝﾄ
+    {Wave::Sin, Wave::Cos, false},               // ｻｲﾝ&ｺｻｲﾝ
+    {Wave::AbsSin, Wave::AbsSin, false},         // ｻｲﾝ（絶対値）
+    {Wave::Sin, Wave::Sin, true},                // ｻｲﾝ 2
+    {Wave::Cos, Wave::Cos, true},                // ｺｻｲﾝ 2
+    {Wave::Tan, Wave::Tan, true},                // ﾀﾝｼﾞｪﾝﾄ 2
+    {Wave::Sin, Wave::Cos, true},                // ｻｲﾝ&ｺｻｲﾝ 2
+    {Wave::SinPlusCos, Wave::SinPlusCos, false}, // ｻｲﾝ&ｺｻｲﾝ 3
+    {Wave::AbsSin, Wave::AbsSin, true},          // ｻｲﾝ(絶対値) 2
+}};
+
+// amplitude * wave(angle) for each angle, in place.
+void waveTimes(Wave wave, double amplitude, std::span<double> angles) {
+    switch (wave) {
+    case Wave::Sin:
+        trig::sine(angles, angles);
+        break;
+    case Wave::Cos:
+        trig::cosine(angles, angles);
+        break;
+    case Wave::Tan:
+        trig::tangent(angles, angles);
+        break;
+    case Wave::AbsSin:
+        trig::sine(angles, angles);
+        for (double& v : angles)
+            v = std::abs(v);
+        break;
+    case Wave::SinPlusCos: {
+        std::vector<double> c(angles.size());
+        trig::sinCos(angles, angles, c);
+        for (std::size_t i = 0; i < angles.size(); ++i)
+            angles[i] = angles[i] + c[i];
+        break;
+    }
+    }
+    for (double& v : angles)
+        v = amplitude * v;
+}
+
+// The offset a coordinate gives in Sway 1: the kind's wave and the
+// harmonics, always of sin.
+double swayOffset(Wave wave, double amplitude, double period, int harmonics, double coordinate) {
+    double angle = coordinate * TwoPi / period;
+    waveTimes(wave, amplitude, std::span<double>(&angle, 1));
+    double offset = angle;
+    if (harmonics >= 1) offset += amplitude * std::sin(coordinate * TwoPi / (period / 2));
+    if (harmonics >= 2) offset += amplitude / 2 * std::sin(coordinate * TwoPi / period);
+    if (harmonics >= 3) offset += 2 * amplitude * std::sin(coordinate * TwoPi / (2 * period));
+    return offset;
+}
+
+double limited(double position) {
+    if (position > 32768) position = 32768;
+    if (position < -32768) position = -32768;
+    return position;
+}
+
+} // namespace
+
+void Class_Geometry::Sway1(std::uint8_t axes, std::uint8_t kind, std::int16_t amplitude,
+                           std::int16_t period, std::int16_t left, std::int16_t top,
+                           std::int16_t right, std::int16_t bottom, std::uint8_t harmonics) {
+    guarded([&] {
+        if (kind >= SwayKinds.size()) return;
+        const SwayKind sway = SwayKinds[kind];
+        const ProcessRect rect{left, top, right, bottom};
+        const Span span = spanOf(rect);
+        // Each offset is a wave of one coordinate: a table over the columns
+        // serves every row.
+        const auto columns = static_cast<std::size_t>(std::max(span.endColumn - span.firstColumn, 0));
+        std::vector<double> byColumn(columns);
+        const Wave columnWave = sway.ownCoordinate ? sway.horizontal : sway.vertical;
+        for (std::size_t i = 0; i < columns; ++i)
+            byColumn[i] = swayOffset(columnWave, amplitude, period, harmonics,
+                                     span.firstColumn + static_cast<double>(i));
+        warpRows(rect, axes, [&](int y, int first, std::span<double> xs, std::span<double> ys) {
+            const Wave rowWave = sway.ownCoordinate ? sway.vertical : sway.horizontal;
+            const double byRow = swayOffset(rowWave, amplitude, period, harmonics, y);
+            for (std::size_t i = 0; i < xs.size(); ++i) {
+                const double x = first + static_cast<double>(i);
+                const double column = byColumn[static_cast<std::size_t>(first - span.firstColumn) + i];
+                xs[i] = limited(x + (sway.ownCoordinate ? column : byRow));
+                ys[i] = limited(y + (sway.ownCoordinate ? byRow : column));
+            }
+        });
+    });
+}
+
+void Class_Geometry::Sway2(std::uint8_t axes, std::uint8_t kind, std::int16_t amplitude,
+                           std::int16_t period, std::int16_t left, std::int16_t top,
+                           std::int16_t right, std::int16_t bottom, std::uint8_t iterations) {
+    guarded([&] {
+        if (kind >= SwayKinds.size()) return;
+        const SwayKind sway = SwayKinds[kind];
+        const ProcessRect rect{left, top, right, bottom};
+        warpRows(rect, axes, [&](int y, int first, std::span<double> xs, std::span<double> ys) {
+            const std::size_t n = xs.size();
+            std::vector<double> angles(n);
+            // x1 from a wave of y1 (or of x1 itself for the kinds "2"), then
+            // y1 from a wave of the new x1 (or of y1): first with the pixel's
+            // own position, then iterations + 1 times with the last result.
+            const auto step = [&](std::span<const double> xFrom, std::span<const double> yFrom) {
+                for (std::size_t i = 0; i < n; ++i)
+                    angles[i] = (sway.ownCoordinate ? xFrom[i] : yFrom[i]) * TwoPi / period;
+                waveTimes(sway.horizontal, amplitude, angles);
+                for (std::size_t i = 0; i < n; ++i)
+                    xs[i] = angles[i] + (first + static_cast<double>(i));
+                for (std::size_t i = 0; i < n; ++i)
+                    angles[i] = (sway.ownCoordinate ? yFrom[i] : xs[i]) * TwoPi / period;
+                waveTimes(sway.vertical, amplitude, angles);
+                for (std::size_t i = 0; i < n; ++i)
+                    ys[i] = angles[i] + y;
+            };
+            std::vector<double> x0(n), y0(n, static_cast<double>(y));
+            for (std::size_t i = 0; i < n; ++i)
+                x0[i] = first + static_cast<double>(i);
+            // The first vertical wave takes the pixel's own x, not the new x1.
+            for (std::size_t i = 0; i < n; ++i)
+                angles[i] = (sway.ownCoordinate ? x0[i] : y0[i]) * TwoPi / period;
+            waveTimes(sway.horizontal, amplitude, angles);
+            for (std::size_t i = 0; i < n; ++i)
+                xs[i] = angles[i] + x0[i];
+            for (std::size_t i = 0; i < n; ++i)
+                angles[i] = (sway.ownCoordinate ? y0[i] : x0[i]) * TwoPi / period;
+            waveTimes(sway.vertical, amplitude, angles);
+            for (std::size_t i = 0; i < n; ++i)
+                ys[i] = angles[i] + y;
+            std::vector<double> previousY(n);
+            for (int round = 0; round <= iterations; ++round) {
+                std::vector<double> previousX(xs.begin(), xs.end());
+                std::ranges::copy(ys, previousY.begin());
+                step(previousX, previousY);
+            }
+        });
+    });
+}
+
+} // namespace lumiran

@@ -73,8 +73,8 @@ void Class_Geometry::Wave_Sin(std::int16_t offset, std::int16_t amplitude, std::
     });
 }
 
-void Class_Geometry::Nebura(double radius, std::int16_t shift, std::int16_t left,
-                            std::int16_t top, std::int16_t right, std::int16_t bottom) {
+void Class_Geometry::Nebura(double radius, std::int16_t shift, std::int16_t left, std::int16_t top,
+                            std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const Surface* source = context().kept0;
         Surface* target = context().kept1;

@@ -31,8 +31,8 @@ class Class_Geometry : public PixelFrame {
     // t = r / radius; functions 0..2 scale the offset by sin, cos, tan of
     // t, function 3 crosses them. A radius of 0 does nothing.
     void PowerHole(double radius, std::uint8_t function, std::uint8_t axes, std::int16_t left,
-                   std::int16_t top, std::int16_t right, std::int16_t bottom,
-                   std::int16_t xPercent, std::int16_t yPercent);
+                   std::int16_t top, std::int16_t right, std::int16_t bottom, std::int16_t xPercent,
+                   std::int16_t yPercent);
 
     // Blow up: the offset scaled by a function of r against the half sizes
     // (kind 0), of their ratio the other way (1), or of each axis alone (2).
@@ -44,8 +44,8 @@ class Class_Geometry : public PixelFrame {
     // Suck in: the offset divided by a function of r against a quarter of
     // the sizes. A radius of 0 does nothing.
     void Wave_Suck(double radius, std::uint8_t function, std::uint8_t axes, std::int16_t left,
-                   std::int16_t top, std::int16_t right, std::int16_t bottom,
-                   std::int16_t xPercent, std::int16_t yPercent);
+                   std::int16_t top, std::int16_t right, std::int16_t bottom, std::int16_t xPercent,
+                   std::int16_t yPercent);
 
     // A turn growing with r, shifted right by the strength.
     void Whirlpool(std::int16_t strength, std::uint8_t axes, std::int16_t left, std::int16_t top,
@@ -88,8 +88,7 @@ class Class_Geometry : public PixelFrame {
     // Polar coordinates: the angle about the centre picks the column, the
     // distance the row. Kinds 0..3 take the angle by atan, sin, cos, tan.
     void Sphere(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
-                std::uint8_t kind, std::int16_t xPercent, std::int16_t yPercent,
-                std::int16_t turn);
+                std::uint8_t kind, std::int16_t xPercent, std::int16_t yPercent, std::int16_t turn);
 
     // Displacement by a map of grey rings about the centre, kinds 0..4.
     void Ripploid(double period, std::int16_t left, std::int16_t top, std::int16_t right,
@@ -109,8 +108,8 @@ class Class_Geometry : public PixelFrame {
 
     // Every pixel from a random place within range (direction 0 x, 1 y,
     // 2 both). Draws from the random generator, so rows run in order.
-    void Scatterize(std::uint8_t direction, std::int16_t range, std::int16_t left,
-                    std::int16_t top, std::int16_t right, std::int16_t bottom);
+    void Scatterize(std::uint8_t direction, std::int16_t range, std::int16_t left, std::int16_t top,
+                    std::int16_t right, std::int16_t bottom);
 
     // Cells of glass from tan (kind 0) or the crossed forms with cos (1),
     // tan (2), sin (3).
@@ -141,8 +140,10 @@ class Class_Geometry : public PixelFrame {
     // The rows of a reverse-mapping warp: positions by row, then the sampler.
     template <RowOrder Order = RowOrder::AnyOrder, typename Fill>
     void warpRows(const ProcessRect& rect, std::uint8_t axes, Fill&& fill);
+    // The sampler over a row; index is room for one source index a pixel.
     void sampleRow(std::uint8_t axes, int y, int firstColumn, std::span<const double> xs,
-                   std::span<const double> ys, const SampleBounds& bounds);
+                   std::span<const double> ys, const SampleBounds& bounds,
+                   std::span<std::uint32_t> index);
 
     // Effects of two passes (a grey map, then the warp) count the steps of
     // both against one total, so the bar runs once from 0 to 100.

@@ -70,8 +70,8 @@ void registerDistortion(EffectDispatch& d) {
                              slider(v, 1), slider(v, 2));
           }));
     d.add(DialogKind::Mani, 25, warp([](Class_Geometry& e, V v, R r) {
-              e.Wave_Suck(exact(v, 3), row(v.color), row(v.eType), r.left, r.top, r.right,
-                          r.bottom, slider(v, 1), slider(v, 2));
+              e.Wave_Suck(exact(v, 3), row(v.color), row(v.eType), r.left, r.top, r.right, r.bottom,
+                          slider(v, 1), slider(v, 2));
           }));
     d.add(DialogKind::Level, 14, warp([](Class_Geometry& e, V v, R r) {
               e.Sway1(row(v.eType), row(v.color), slider(v, 1), slider(v, 2), r.left, r.top,
@@ -87,12 +87,12 @@ void registerDistortion(EffectDispatch& d) {
                        slider(v, 3));
           }));
     d.add(DialogKind::Mani, 10, warp([](Class_Geometry& e, V v, R r) {
-              e.PowerHole(exact(v, 3), row(v.eType), row(v.color), r.left, r.top, r.right,
-                          r.bottom, slider(v, 1), slider(v, 2));
+              e.PowerHole(exact(v, 3), row(v.eType), row(v.color), r.left, r.top, r.right, r.bottom,
+                          slider(v, 1), slider(v, 2));
           }));
     d.add(DialogKind::Mani, 11, warp([](Class_Geometry& e, V v, R r) {
-              e.Ripploid(slider(v, 3), r.left, r.top, r.right, r.bottom, row(v.color),
-                         slider(v, 1), slider(v, 2), row(v.eType));
+              e.Ripploid(slider(v, 3), r.left, r.top, r.right, r.bottom, row(v.color), slider(v, 1),
+                         slider(v, 2), row(v.eType));
           }));
     d.add(DialogKind::Mani, 12, warp([](Class_Geometry& e, V v, R r) {
               e.Whirlpool(slider(v, 3), row(v.eType), r.left, r.top, r.right, r.bottom,
@@ -138,8 +138,8 @@ void registerPixelMoves(EffectDispatch& d) {
 
 void registerWarpChange(EffectDispatch& d) {
     // Sine, Cosine, Tangent, Sine & Cosine Warp: the kind is the code's.
-    for (const auto& [code, kind] : {std::pair{10, 0}, std::pair{11, 1}, std::pair{12, 2},
-                                     std::pair{22, 3}}) {
+    for (const auto& [code, kind] :
+         {std::pair{10, 0}, std::pair{11, 1}, std::pair{12, 2}, std::pair{22, 3}}) {
         d.add(DialogKind::Level, code, drawing([kind](Class_Geometry& e, V v, R r) {
                   e.Wave_Sin(0, slider(v, 1), slider(v, 2), row(v.eType),
                              static_cast<std::uint8_t>(kind), r.left, r.top, r.right, r.bottom);

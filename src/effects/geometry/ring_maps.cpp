@@ -58,36 +58,41 @@ void Class_Geometry::Ripploid(double period, std::int16_t left, std::int16_t top
         const std::vector<std::uint8_t> levels =
             greyWalk(ringsToCorners(c, ImageBits.width(), ImageBits.height()), 0, 0, turn, 0, 255);
         const Span span = spanOf(rect);
-        std::vector<double> byColumn(static_cast<std::size_t>(std::max(span.endColumn - span.firstColumn, 0)));
+        std::vector<double> byColumn(
+            static_cast<std::size_t>(std::max(span.endColumn - span.firstColumn, 0)));
         for (std::size_t i = 0; i < byColumn.size(); ++i)
             byColumn[i] = span.firstColumn + static_cast<double>(i);
         ripploidFactor(wave, p1, byColumn);
-        warpRows(rect, axes, [&](int y, int first, std::span<double> xs, std::span<double> ys) {
-            const std::size_t n = xs.size();
-            const RadialRow row(y, c, first, n);
-            const std::vector<double> r = row.radii();
-            double byRow = y;
-            ripploidFactor(wave, p1, std::span<double>(&byRow, 1));
-            const double* column = byColumn.data() + (first - span.firstColumn);
-            std::vector<double> h(n);
-            for (std::size_t i = 0; i < n; ++i) {
-                const std::size_t ring = ringAt(r[row.slot(i)], levels.size());
-                h[i] = levels[ring == 0 ? 0 : ring - 1];
-            }
-            for (std::size_t i = 0; i < n; ++i) {
-                xs[i] = byRow * h[i] + (first + static_cast<double>(i));
-                ys[i] = column[i] * h[i] + y;
-            }
-            if (wave != RipploidWave::SinThenCos) return;
-            // The cos form applied in turn to the first results.
-            std::vector<double> xOf(xs.begin(), xs.end()), yOf(ys.begin(), ys.end());
-            ripploidFactor(RipploidWave::Cos, p1, yOf);
-            ripploidFactor(RipploidWave::Cos, p1, xOf);
-            for (std::size_t i = 0; i < n; ++i) {
-                xs[i] = yOf[i] * h[i] + (first + static_cast<double>(i));
-                ys[i] = xOf[i] * h[i] + y;
-            }
-        });
+        warpRows(
+            rect, axes,
+            [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {
+                const std::size_t n = xs.size();
+                const RadialRow row(y, c, first, n);
+                const std::span<double> r = row.radii(scratch.take(row.distances()));
+                double byRow = y;
+                ripploidFactor(wave, p1, std::span<double>(&byRow, 1));
+                const double* column = byColumn.data() + (first - span.firstColumn);
+                const std::span<double> h = scratch.take(n);
+                for (std::size_t i = 0; i < n; ++i) {
+                    const std::size_t ring = ringAt(r[row.slot(i)], levels.size());
+                    h[i] = levels[ring == 0 ? 0 : ring - 1];
+                }
+                for (std::size_t i = 0; i < n; ++i) {
+                    xs[i] = byRow * h[i] + (first + static_cast<double>(i));
+                    ys[i] = column[i] * h[i] + y;
+                }
+                if (wave != RipploidWave::SinThenCos) return;
+                // The cos form applied in turn to the first results.
+                const std::span<double> xOf = scratch.take(n), yOf = scratch.take(n);
+                std::ranges::copy(xs, xOf.begin());
+                std::ranges::copy(ys, yOf.begin());
+                ripploidFactor(RipploidWave::Cos, p1, yOf);
+                ripploidFactor(RipploidWave::Cos, p1, xOf);
+                for (std::size_t i = 0; i < n; ++i) {
+                    xs[i] = yOf[i] * h[i] + (first + static_cast<double>(i));
+                    ys[i] = xOf[i] * h[i] + y;
+                }
+            });
     });
 }
 
@@ -104,9 +109,8 @@ void Class_Geometry::EddyingCurrent(std::uint8_t kind, double strength, std::int
         // One turn of the spiral advances the map by one period of the walk,
         // so the spiral closes without a seam.
         const double walkPeriod = 2 * std::max(high - std::ceil(low), 1.0);
-        const std::size_t rings =
-            ringsToCorners(c, ImageBits.width(), ImageBits.height()) +
-            static_cast<std::size_t>(walkPeriod);
+        const std::size_t rings = ringsToCorners(c, ImageBits.width(), ImageBits.height()) +
+                                  static_cast<std::size_t>(walkPeriod);
         const std::vector<std::uint8_t> levels = greyWalk(rings, 0, low, high, 0, 255);
         // Each level turns its ring by as many degrees.
         std::vector<double> turnSin(256), turnCos(256);
@@ -115,27 +119,29 @@ void Class_Geometry::EddyingCurrent(std::uint8_t kind, double strength, std::int
         trig::sinCos(turnSin, turnSin, turnCos);
         constexpr double Turn = 2 * std::numbers::pi;
         const double ringsPerRadian = walkPeriod / Turn;
-        warpRows(rect, axes, [&](int y, int first, std::span<double> xs, std::span<double> ys) {
-            const std::size_t n = xs.size();
-            const double dy = y - c.y;
-            std::vector<double> angle(n);
-            for (std::size_t i = 0; i < n; ++i)
-                angle[i] = dy / (first + static_cast<double>(i) - c.x);
-            if (kind != 1) trig::arcTangent(angle, angle);
-            for (std::size_t i = 0; i < n; ++i) {
-                const double dx = first + static_cast<double>(i) - c.x;
-                double distance = std::sqrt(dx * dx + dy * dy);
-                if (kind != 1 && distance > 0) {
-                    // The angle from straight up, 0 .. 2 pi, one way or the other.
-                    const double theta =
-                        angle[i] + (dx < 0 ? std::numbers::pi : 0) + std::numbers::pi / 2;
-                    distance += (kind == 0 ? theta : Turn - theta) * ringsPerRadian;
+        warpRows(
+            rect, axes,
+            [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {
+                const std::size_t n = xs.size();
+                const double dy = y - c.y;
+                const std::span<double> angle = scratch.take(n);
+                for (std::size_t i = 0; i < n; ++i)
+                    angle[i] = dy / (first + static_cast<double>(i) - c.x);
+                if (kind != 1) trig::arcTangent(angle, angle);
+                for (std::size_t i = 0; i < n; ++i) {
+                    const double dx = first + static_cast<double>(i) - c.x;
+                    double distance = std::sqrt(dx * dx + dy * dy);
+                    if (kind != 1 && distance > 0) {
+                        // The angle from straight up, 0 .. 2 pi, one way or the other.
+                        const double theta =
+                            angle[i] + (dx < 0 ? std::numbers::pi : 0) + std::numbers::pi / 2;
+                        distance += (kind == 0 ? theta : Turn - theta) * ringsPerRadian;
+                    }
+                    const std::uint8_t level = levels[ringAt(distance, levels.size())];
+                    xs[i] = c.x + dx * turnCos[level] - dy * turnSin[level];
+                    ys[i] = c.y + dy * turnCos[level] + dx * turnSin[level];
                 }
-                const std::uint8_t level = levels[ringAt(distance, levels.size())];
-                xs[i] = c.x + dx * turnCos[level] - dy * turnSin[level];
-                ys[i] = c.y + dy * turnCos[level] + dx * turnSin[level];
-            }
-        });
+            });
     });
 }
 

@@ -17,17 +17,17 @@ constexpr double HalfTurn = std::numbers::pi;
 // What the map of a kind is made of: rings of the grey walk over a measure
 // of the position, or (Horizontal, Vertical) a smooth field of sin or cos.
 enum class RippleMap : std::uint8_t {
-    Rings,       // 波紋: distance from the centre
-    Horizontal,  // 水平: sin of y, bands across the width
-    Vertical,    // 垂直: cos of x, bands down the height
-    Raindrops,   // 雨だれ: distance from the nearest of eight random drops
-    Splash,      // 跳ねかける: rings drawn out into an eight-pointed crown
-    Amoeba1,     // ｱﾒｰﾊﾞ 1: rings with three lobes
-    Amoeba2,     // ｱﾒｰﾊﾞ 2: rings with lobes of three and five
-    Spiral1,     // 渦巻き 1: one arm
-    Spiral2,     // 渦巻き 2: two arms, turning the other way
-    Rays,        // ...からの線: straight waves fanning out from a corner or an edge
-    Lozenge,     // 菱形: rings in the shape of a diamond
+    Rings,      // 波紋: distance from the centre
+    Horizontal, // 水平: sin of y, bands across the width
+    Vertical,   // 垂直: cos of x, bands down the height
+    Raindrops,  // 雨だれ: distance from the nearest of eight random drops
+    Splash,     // 跳ねかける: rings drawn out into an eight-pointed crown
+    Amoeba1,    // ｱﾒｰﾊﾞ 1: rings with three lobes
+    Amoeba2,    // ｱﾒｰﾊﾞ 2: rings with lobes of three and five
+    Spiral1,    // 渦巻き 1: one arm
+    Spiral2,    // 渦巻き 2: two arms, turning the other way
+    Rays,       // ...からの線: straight waves fanning out from a corner or an edge
+    Lozenge,    // 菱形: rings in the shape of a diamond
 };
 
 // The origin of the fanning rays as a fraction of the rectangle, and the
@@ -130,109 +130,119 @@ void Class_Geometry::Ripple(std::int16_t amplitude, std::int16_t period, std::ui
         const double rayLength = std::sqrt(width * width + height * height);
         const int spiralRise = std::max(highest - 1, 1); // half a period of the walk
 
-        warpRows(rect, axes, [&](int y, int first, std::span<double> xs, std::span<double> ys) {
-            const std::size_t n = xs.size();
-            std::vector<double> dx(n), measure(n), angle(n);
-            const double dy = y - c.y;
-            for (std::size_t i = 0; i < n; ++i)
-                dx[i] = first + static_cast<double>(i) - c.x;
-            switch (ripple.map) {
-            case RippleMap::Rings:
+        warpRows(
+            rect, axes,
+            [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {
+                const std::size_t n = xs.size();
+                const std::span<double> dx = scratch.take(n), measure = scratch.take(n),
+                                        angle = scratch.take(n);
+                const double dy = y - c.y;
                 for (std::size_t i = 0; i < n; ++i)
-                    measure[i] = std::sqrt(dx[i] * dx[i] + dy * dy);
-                break;
-            case RippleMap::Horizontal:
-            case RippleMap::Vertical: {
-                // A field of sin or cos scaled to the levels the walk reaches.
-                const bool across = ripple.map == RippleMap::Horizontal;
-                std::vector<double> field(n);
-                for (std::size_t i = 0; i < n; ++i)
-                    field[i] = (across ? y - top : first + static_cast<double>(i) - left) * Pi /
-                               period;
-                if (across) {
-                    trig::sine(field, field);
-                } else {
-                    trig::cosine(field, field);
+                    dx[i] = first + static_cast<double>(i) - c.x;
+                switch (ripple.map) {
+                case RippleMap::Rings:
+                    for (std::size_t i = 0; i < n; ++i)
+                        measure[i] = std::sqrt(dx[i] * dx[i] + dy * dy);
+                    break;
+                case RippleMap::Horizontal:
+                case RippleMap::Vertical: {
+                    // A field of sin or cos scaled to the levels the walk reaches.
+                    const bool across = ripple.map == RippleMap::Horizontal;
+                    const std::span<double> field = scratch.take(n);
+                    for (std::size_t i = 0; i < n; ++i)
+                        field[i] = (across ? y - top : first + static_cast<double>(i) - left) * Pi /
+                                   period;
+                    if (across) {
+                        trig::sine(field, field);
+                    } else {
+                        trig::cosine(field, field);
+                    }
+                    for (std::size_t i = 0; i < n; ++i) {
+                        const double level = roundHalfEven((field[i] + 1) / 2 * (highest - 1)) + 1;
+                        const std::size_t m = level == level ? static_cast<std::size_t>(level) : 1;
+                        xs[i] = first + static_cast<double>(i) + shakeX[m];
+                        ys[i] = y + shakeY[m];
+                    }
+                    return;
+                }
+                case RippleMap::Raindrops:
+                    for (std::size_t i = 0; i < n; ++i) {
+                        double nearest = std::numeric_limits<double>::infinity();
+                        for (const Point& drop : drops) {
+                            const double ex = first + static_cast<double>(i) - drop.x,
+                                         ey = y - drop.y;
+                            nearest = std::min(nearest, ex * ex + ey * ey);
+                        }
+                        measure[i] = std::sqrt(nearest);
+                    }
+                    break;
+                case RippleMap::Splash:
+                case RippleMap::Amoeba1:
+                case RippleMap::Amoeba2:
+                case RippleMap::Spiral1:
+                case RippleMap::Spiral2: {
+                    anglesOf(dy, dx, angle);
+                    // The lobes of the splash and the amoebas.
+                    const bool lobed = ripple.map == RippleMap::Splash ||
+                                       ripple.map == RippleMap::Amoeba1 ||
+                                       ripple.map == RippleMap::Amoeba2;
+                    const std::span<double> wobble = scratch.take(lobed ? n : 0);
+                    const std::span<double> second =
+                        scratch.take(ripple.map == RippleMap::Amoeba2 ? n : 0);
+                    for (std::size_t i = 0; i < wobble.size(); ++i)
+                        wobble[i] = angle[i] * (ripple.map == RippleMap::Splash ? 8 : 3);
+                    for (std::size_t i = 0; i < second.size(); ++i)
+                        second[i] = angle[i] * 5;
+                    trig::sine(wobble, wobble);
+                    trig::cosine(second, second);
+                    for (std::size_t i = 0; i < n; ++i) {
+                        const double r = std::sqrt(dx[i] * dx[i] + dy * dy);
+                        switch (ripple.map) {
+                        case RippleMap::Splash:
+                            measure[i] = r * (1 + 0.25 * wobble[i]);
+                            break;
+                        case RippleMap::Amoeba1:
+                            measure[i] = r + highest * (1 + wobble[i]);
+                            break;
+                        case RippleMap::Amoeba2:
+                            measure[i] = r + highest * (1 + (wobble[i] + second[i]) / 2);
+                            break;
+                        case RippleMap::Spiral1:
+                            measure[i] = r + angle[i] / HalfTurn * spiralRise;
+                            break;
+                        default:
+                            measure[i] = r + (2 * HalfTurn - angle[i]) / HalfTurn * 2 * spiralRise;
+                            break;
+                        }
+                    }
+                    break;
+                }
+                case RippleMap::Rays: {
+                    const double ox = left + ripple.rays.atX * (width - 1);
+                    const double oy = top + ripple.rays.atY * (height - 1);
+                    const double nx = ripple.rays.inX, ny = ripple.rays.inY;
+                    for (std::size_t i = 0; i < n; ++i) {
+                        const double ux = first + static_cast<double>(i) - ox, uy = y - oy;
+                        const double depth = ux * nx + uy * ny;
+                        const double side = uy * nx - ux * ny;
+                        angle[i] = depth == 0 && side == 0 ? 0 : side / depth;
+                    }
+                    trig::arcTangent(angle, angle);
+                    for (std::size_t i = 0; i < n; ++i)
+                        measure[i] = (angle[i] + HalfTurn / 2) * rayLength;
+                    break;
+                }
+                case RippleMap::Lozenge:
+                    for (std::size_t i = 0; i < n; ++i)
+                        measure[i] = std::abs(dx[i]) + std::abs(dy);
+                    break;
                 }
                 for (std::size_t i = 0; i < n; ++i) {
-                    const double level = roundHalfEven((field[i] + 1) / 2 * (highest - 1)) + 1;
-                    const std::size_t m = level == level ? static_cast<std::size_t>(level) : 1;
+                    const std::uint8_t m = levels[ringAt(measure[i], levels.size())];
                     xs[i] = first + static_cast<double>(i) + shakeX[m];
                     ys[i] = y + shakeY[m];
                 }
-                return;
-            }
-            case RippleMap::Raindrops:
-                for (std::size_t i = 0; i < n; ++i) {
-                    double nearest = std::numeric_limits<double>::infinity();
-                    for (const Point& drop : drops) {
-                        const double ex = first + static_cast<double>(i) - drop.x, ey = y - drop.y;
-                        nearest = std::min(nearest, ex * ex + ey * ey);
-                    }
-                    measure[i] = std::sqrt(nearest);
-                }
-                break;
-            case RippleMap::Splash:
-            case RippleMap::Amoeba1:
-            case RippleMap::Amoeba2:
-            case RippleMap::Spiral1:
-            case RippleMap::Spiral2: {
-                anglesOf(dy, dx, angle);
-                std::vector<double> wobble(n), second(n);
-                for (std::size_t i = 0; i < n; ++i) {
-                    wobble[i] = angle[i] * (ripple.map == RippleMap::Splash ? 8 : 3);
-                    second[i] = angle[i] * 5;
-                }
-                trig::sine(wobble, wobble);
-                trig::cosine(second, second);
-                for (std::size_t i = 0; i < n; ++i) {
-                    const double r = std::sqrt(dx[i] * dx[i] + dy * dy);
-                    switch (ripple.map) {
-                    case RippleMap::Splash:
-                        measure[i] = r * (1 + 0.25 * wobble[i]);
-                        break;
-                    case RippleMap::Amoeba1:
-                        measure[i] = r + highest * (1 + wobble[i]);
-                        break;
-                    case RippleMap::Amoeba2:
-                        measure[i] = r + highest * (1 + (wobble[i] + second[i]) / 2);
-                        break;
-                    case RippleMap::Spiral1:
-                        measure[i] = r + angle[i] / HalfTurn * spiralRise;
-                        break;
-                    default:
-                        measure[i] = r + (2 * HalfTurn - angle[i]) / HalfTurn * 2 * spiralRise;
-                        break;
-                    }
-                }
-                break;
-            }
-            case RippleMap::Rays: {
-                const double ox = left + ripple.rays.atX * (width - 1);
-                const double oy = top + ripple.rays.atY * (height - 1);
-                const double nx = ripple.rays.inX, ny = ripple.rays.inY;
-                for (std::size_t i = 0; i < n; ++i) {
-                    const double ux = first + static_cast<double>(i) - ox, uy = y - oy;
-                    const double depth = ux * nx + uy * ny;
-                    const double side = uy * nx - ux * ny;
-                    angle[i] = depth == 0 && side == 0 ? 0 : side / depth;
-                }
-                trig::arcTangent(angle, angle);
-                for (std::size_t i = 0; i < n; ++i)
-                    measure[i] = (angle[i] + HalfTurn / 2) * rayLength;
-                break;
-            }
-            case RippleMap::Lozenge:
-                for (std::size_t i = 0; i < n; ++i)
-                    measure[i] = std::abs(dx[i]) + std::abs(dy);
-                break;
-            }
-            for (std::size_t i = 0; i < n; ++i) {
-                const std::uint8_t m = levels[ringAt(measure[i], levels.size())];
-                xs[i] = first + static_cast<double>(i) + shakeX[m];
-                ys[i] = y + shakeY[m];
-            }
-        });
+            });
     });
 }
 

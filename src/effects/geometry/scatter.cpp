@@ -19,7 +19,8 @@ void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std:
         // One draw per moved axis and pixel, x before y: the rows must run
         // in order for the draws to land where they always do.
         warpRows<RowOrder::TopToBottom>(
-            rect, direction, [&](int y, int first, std::span<double> xs, std::span<double> ys) {
+            rect, direction,
+            [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch&) {
                 for (std::size_t i = 0; i < xs.size(); ++i) {
                     const double x = first + static_cast<double>(i);
                     xs[i] = direction == 1 ? x : x + offset();
@@ -37,8 +38,8 @@ void Class_Geometry::LatticeGlass(std::int16_t cell, std::int16_t left, std::int
         const double c = cell;
         // The shift of a coordinate v: tan(v + c) for kind 0, otherwise
         // |c f(c^2 / (v + 1)) + c f(v + c)| with f cos, tan, sin.
-        const auto shifts = [&](std::span<double> v) {
-            std::vector<double> near(v.size()), far(v.size());
+        const auto shifts = [&](std::span<double> v, RowScratch& scratch) {
+            const std::span<double> near = scratch.take(v.size()), far = scratch.take(v.size());
             for (std::size_t i = 0; i < v.size(); ++i) {
                 near[i] = v[i] + c;
                 far[i] = c * c / (v[i] + 1);
@@ -54,19 +55,23 @@ void Class_Geometry::LatticeGlass(std::int16_t cell, std::int16_t left, std::int
                 v[i] = std::abs(c * far[i] + c * near[i]);
         };
         const Span span = spanOf(rect);
-        std::vector<double> byColumn(static_cast<std::size_t>(std::max(span.endColumn - span.firstColumn, 0)));
+        std::vector<double> byColumn(
+            static_cast<std::size_t>(std::max(span.endColumn - span.firstColumn, 0)));
         for (std::size_t i = 0; i < byColumn.size(); ++i)
             byColumn[i] = span.firstColumn + static_cast<double>(i);
-        shifts(byColumn);
-        warpRows(rect, 2, [&](int y, int first, std::span<double> xs, std::span<double> ys) {
-            double byRow = y;
-            shifts(std::span<double>(&byRow, 1));
-            const double* column = byColumn.data() + (first - span.firstColumn);
-            for (std::size_t i = 0; i < xs.size(); ++i) {
-                xs[i] = first + static_cast<double>(i) + column[i];
-                ys[i] = y + byRow;
-            }
-        });
+        RowScratch columnScratch;
+        shifts(byColumn, columnScratch);
+        warpRows(
+            rect, 2,
+            [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {
+                double byRow = y;
+                shifts(std::span<double>(&byRow, 1), scratch);
+                const double* column = byColumn.data() + (first - span.firstColumn);
+                for (std::size_t i = 0; i < xs.size(); ++i) {
+                    xs[i] = first + static_cast<double>(i) + column[i];
+                    ys[i] = y + byRow;
+                }
+            });
     });
 }
 

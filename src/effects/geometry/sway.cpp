@@ -35,7 +35,7 @@ constexpr std::array<SwayKind, 11> SwayKinds = {{
 }};
 
 // amplitude * wave(angle) for each angle, in place.
-void waveTimes(Wave wave, double amplitude, std::span<double> angles) {
+void waveTimes(Wave wave, double amplitude, std::span<double> angles, RowScratch& scratch) {
     switch (wave) {
     case Wave::Sin:
         trig::sine(angles, angles);
@@ -52,7 +52,7 @@ void waveTimes(Wave wave, double amplitude, std::span<double> angles) {
             v = std::abs(v);
         break;
     case Wave::SinPlusCos: {
-        std::vector<double> c(angles.size());
+        const std::span<double> c = scratch.take(angles.size());
         trig::sinCos(angles, angles, c);
         for (std::size_t i = 0; i < angles.size(); ++i)
             angles[i] = angles[i] + c[i];
@@ -65,9 +65,10 @@ void waveTimes(Wave wave, double amplitude, std::span<double> angles) {
 
 // The offset a coordinate gives in Sway 1: the kind's wave and the
 // harmonics, always of sin.
-double swayOffset(Wave wave, double amplitude, double period, int harmonics, double coordinate) {
+double swayOffset(Wave wave, double amplitude, double period, int harmonics, double coordinate,
+                  RowScratch& scratch) {
     double angle = coordinate * TwoPi / period;
-    waveTimes(wave, amplitude, std::span<double>(&angle, 1));
+    waveTimes(wave, amplitude, std::span<double>(&angle, 1), scratch);
     double offset = angle;
     if (harmonics >= 1) offset += amplitude * std::sin(coordinate * TwoPi / (period / 2));
     if (harmonics >= 2) offset += amplitude / 2 * std::sin(coordinate * TwoPi / period);
@@ -93,22 +94,28 @@ void Class_Geometry::Sway1(std::uint8_t axes, std::uint8_t kind, std::int16_t am
         const Span span = spanOf(rect);
         // Each offset is a wave of one coordinate: a table over the columns
         // serves every row.
-        const auto columns = static_cast<std::size_t>(std::max(span.endColumn - span.firstColumn, 0));
+        const auto columns =
+            static_cast<std::size_t>(std::max(span.endColumn - span.firstColumn, 0));
         std::vector<double> byColumn(columns);
         const Wave columnWave = sway.ownCoordinate ? sway.horizontal : sway.vertical;
-        for (std::size_t i = 0; i < columns; ++i)
+        RowScratch columnScratch;
+        for (std::size_t i = 0; i < columns; ++i) {
+            columnScratch.release();
             byColumn[i] = swayOffset(columnWave, amplitude, period, harmonics,
-                                     span.firstColumn + static_cast<double>(i));
-        warpRows(rect, axes, [&](int y, int first, std::span<double> xs, std::span<double> ys) {
-            const Wave rowWave = sway.ownCoordinate ? sway.vertical : sway.horizontal;
-            const double byRow = swayOffset(rowWave, amplitude, period, harmonics, y);
-            for (std::size_t i = 0; i < xs.size(); ++i) {
-                const double x = first + static_cast<double>(i);
-                const double column = byColumn[static_cast<std::size_t>(first - span.firstColumn) + i];
-                xs[i] = limited(x + (sway.ownCoordinate ? column : byRow));
-                ys[i] = limited(y + (sway.ownCoordinate ? byRow : column));
-            }
-        });
+                                     span.firstColumn + static_cast<double>(i), columnScratch);
+        }
+        warpRows(
+            rect, axes,
+            [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {
+                const Wave rowWave = sway.ownCoordinate ? sway.vertical : sway.horizontal;
+                const double byRow = swayOffset(rowWave, amplitude, period, harmonics, y, scratch);
+                const double* column = byColumn.data() + (first - span.firstColumn);
+                for (std::size_t i = 0; i < xs.size(); ++i) {
+                    const double x = first + static_cast<double>(i);
+                    xs[i] = limited(x + (sway.ownCoordinate ? column[i] : byRow));
+                    ys[i] = limited(y + (sway.ownCoordinate ? byRow : column[i]));
+                }
+            });
     });
 }
 
@@ -119,45 +126,37 @@ void Class_Geometry::Sway2(std::uint8_t axes, std::uint8_t kind, std::int16_t am
         if (kind >= SwayKinds.size()) return;
         const SwayKind sway = SwayKinds[kind];
         const ProcessRect rect{left, top, right, bottom};
-        warpRows(rect, axes, [&](int y, int first, std::span<double> xs, std::span<double> ys) {
-            const std::size_t n = xs.size();
-            std::vector<double> angles(n);
-            // x1 from a wave of y1 (or of x1 itself for the kinds "2"), then
-            // y1 from a wave of the new x1 (or of y1): first with the pixel's
-            // own position, then iterations + 1 times with the last result.
-            const auto step = [&](std::span<const double> xFrom, std::span<const double> yFrom) {
-                for (std::size_t i = 0; i < n; ++i)
-                    angles[i] = (sway.ownCoordinate ? xFrom[i] : yFrom[i]) * TwoPi / period;
-                waveTimes(sway.horizontal, amplitude, angles);
-                for (std::size_t i = 0; i < n; ++i)
-                    xs[i] = angles[i] + (first + static_cast<double>(i));
-                for (std::size_t i = 0; i < n; ++i)
-                    angles[i] = (sway.ownCoordinate ? yFrom[i] : xs[i]) * TwoPi / period;
-                waveTimes(sway.vertical, amplitude, angles);
-                for (std::size_t i = 0; i < n; ++i)
-                    ys[i] = angles[i] + y;
-            };
-            std::vector<double> x0(n), y0(n, static_cast<double>(y));
-            for (std::size_t i = 0; i < n; ++i)
-                x0[i] = first + static_cast<double>(i);
-            // The first vertical wave takes the pixel's own x, not the new x1.
-            for (std::size_t i = 0; i < n; ++i)
-                angles[i] = (sway.ownCoordinate ? x0[i] : y0[i]) * TwoPi / period;
-            waveTimes(sway.horizontal, amplitude, angles);
-            for (std::size_t i = 0; i < n; ++i)
-                xs[i] = angles[i] + x0[i];
-            for (std::size_t i = 0; i < n; ++i)
-                angles[i] = (sway.ownCoordinate ? y0[i] : x0[i]) * TwoPi / period;
-            waveTimes(sway.vertical, amplitude, angles);
-            for (std::size_t i = 0; i < n; ++i)
-                ys[i] = angles[i] + y;
-            std::vector<double> previousY(n);
-            for (int round = 0; round <= iterations; ++round) {
-                std::vector<double> previousX(xs.begin(), xs.end());
-                std::ranges::copy(ys, previousY.begin());
-                step(previousX, previousY);
-            }
-        });
+        warpRows(
+            rect, axes,
+            [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {
+                const std::size_t n = xs.size();
+                const std::span<double> angles = scratch.take(n);
+                const std::span<double> lastX = scratch.take(n), lastY = scratch.take(n);
+                // x1 from a wave of y1 (of x1 for the kinds "2"), then y1 from a
+                // wave of the new x1 (of y1): first from the pixel's own place,
+                // then iterations + 1 times from the last result.
+                for (std::size_t i = 0; i < n; ++i) {
+                    lastX[i] = first + static_cast<double>(i);
+                    lastY[i] = y;
+                }
+                for (int round = 0; round <= iterations + 1; ++round) {
+                    for (std::size_t i = 0; i < n; ++i)
+                        angles[i] = (sway.ownCoordinate ? lastX[i] : lastY[i]) * TwoPi / period;
+                    waveTimes(sway.horizontal, amplitude, angles, scratch);
+                    for (std::size_t i = 0; i < n; ++i)
+                        xs[i] = angles[i] + (first + static_cast<double>(i));
+                    // The first round's vertical wave still takes the pixel's own
+                    // x; later rounds the x1 just made.
+                    const std::span<const double> xFrom = round == 0 ? lastX : xs;
+                    for (std::size_t i = 0; i < n; ++i)
+                        angles[i] = (sway.ownCoordinate ? lastY[i] : xFrom[i]) * TwoPi / period;
+                    waveTimes(sway.vertical, amplitude, angles, scratch);
+                    for (std::size_t i = 0; i < n; ++i)
+                        ys[i] = angles[i] + y;
+                    std::ranges::copy(xs, lastX.begin());
+                    std::ranges::copy(ys, lastY.begin());
+                }
+            });
     });
 }
 

@@ -12,10 +12,11 @@ namespace {
 // pi/2 needs no more than 53 bits while k stays below 2^20.
 constexpr double ReductionLimit = 1.0e6;
 
-// pi/2 in three parts of 33 bits each (the last one rounded), and 2/pi.
+// pi/2 in three parts of 33 bits each and the rest, and 2/pi.
 constexpr double HalfPi1 = 1.57079632673412561417e+00;
 constexpr double HalfPi2 = 6.07710050630396597660e-11;
 constexpr double HalfPi3 = 2.02226624871116645580e-21;
+constexpr double HalfPi3Tail = 8.47842766036889956997e-32;
 constexpr double TwoOverPi = 6.36619772367581382433e-01;
 constexpr double Shifter = 6755399441055744.0; // 1.5 * 2^52: adding it rounds
 
@@ -42,14 +43,14 @@ struct SinCos {
 // vectorises. Exact only below ReductionLimit; the callers repair the rest.
 inline SinCos kernel(double x) {
     const double k = (x * TwoOverPi + Shifter) - Shifter;
-    const double r = ((x - k * HalfPi1) - k * HalfPi2) - k * HalfPi3;
+    const double r = (((x - k * HalfPi1) - k * HalfPi2) - k * HalfPi3) - k * HalfPi3Tail;
     const double z = r * r;
     const double s = r + r * z * (S1 + z * (S2 + z * (S3 + z * (S4 + z * (S5 + z * S6)))));
     const double c =
         1.0 - 0.5 * z + z * z * (C1 + z * (C2 + z * (C3 + z * (C4 + z * (C5 + z * C6)))));
     // Within the limit k is small, so the conversion is exact.
-    const auto quadrant = static_cast<std::int64_t>(k < ReductionLimit && k > -ReductionLimit ? k
-                                                                                              : 0);
+    const auto quadrant =
+        static_cast<std::int64_t>(k < ReductionLimit && k > -ReductionLimit ? k : 0);
     const bool swap = (quadrant & 1) != 0;
     const double sv = swap ? c : s;
     const double cv = swap ? s : c;
@@ -84,8 +85,13 @@ inline double arcTangentKernel(double x) {
     const double u = upper ? (t - 1.0) / (t + 1.0) : t;
     const double z = u * u;
     const double p =
-        z * (A0 +
-             z * (A1 + z * (A2 + z * (A3 + z * (A4 + z * (A5 + z * (A6 + z * (A7 + z * (A8 + z * (A9 + z * A10))))))))));
+        z *
+        (A0 +
+         z * (A1 +
+              z * (A2 +
+                   z * (A3 +
+                        z * (A4 +
+                             z * (A5 + z * (A6 + z * (A7 + z * (A8 + z * (A9 + z * A10))))))))));
     const double a = (upper ? QuarterPi : 0.0) + (u - u * p);
     return std::copysign(large ? HalfPi - a : a, x);
 }

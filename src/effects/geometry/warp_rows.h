@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <span>
 #include <vector>
 
 namespace lumiran {
@@ -50,9 +51,9 @@ struct RadialRow {
     [[nodiscard]] std::size_t slot(std::size_t i) const {
         return static_cast<std::size_t>(std::abs(dx(i)) - nearest);
     }
-    // sqrt(dx^2 + dy^2) for each distance.
-    [[nodiscard]] std::vector<double> radii() const {
-        std::vector<double> r(static_cast<std::size_t>(count));
+    [[nodiscard]] std::size_t distances() const { return static_cast<std::size_t>(count); }
+    // sqrt(dx^2 + dy^2) for each distance, into a span of distances().
+    std::span<double> radii(std::span<double> r) const {
         for (std::size_t k = 0; k < r.size(); ++k) {
             const double d = nearest + static_cast<double>(k);
             r[k] = std::sqrt(d * d + static_cast<double>(dy) * dy);
@@ -66,7 +67,32 @@ struct RadialRow {
     int count = 0;
 };
 
-// fill(y, firstColumn, xs, ys) writes the mapped positions of the pixels
+// Working rows for the fill of one thread: take(n) hands out n doubles that
+// stay valid until the next row; the buffers are kept from row to row, so a
+// warp allocates nothing per row (allocations of a row's size would go back
+// to the system at each row and cost more than the warp).
+class RowScratch {
+  public:
+    [[nodiscard]] std::span<double> take(std::size_t n) {
+        if (next_ == rows_.size()) rows_.emplace_back();
+        std::vector<double>& row = rows_[next_++];
+        if (row.size() < n) row.resize(n);
+        return {row.data(), n};
+    }
+    // Room for the sampler's source indices of a row.
+    [[nodiscard]] std::span<std::uint32_t> indices(std::size_t n) {
+        if (indices_.size() < n) indices_.resize(n);
+        return {indices_.data(), n};
+    }
+    void release() { next_ = 0; }
+
+  private:
+    std::vector<std::vector<double>> rows_;
+    std::vector<std::uint32_t> indices_;
+    std::size_t next_ = 0;
+};
+
+// fill(y, firstColumn, xs, ys, scratch) writes the mapped positions of the pixels
 // firstColumn, firstColumn + 1, ... of row y. Every row reads ImageBits and
 // writes its own row of TransBits only, so rows run in any order unless
 // the fill draws from the random generator.
@@ -79,11 +105,15 @@ void Class_Geometry::warpRows(const ProcessRect& rect, std::uint8_t axes, Fill&&
         return;
     }
     const SampleBounds bounds = boundsOf(span);
-    forEachRow<Order>(rect, [&](int y, int begin, int end) {
-        std::vector<double> xs(static_cast<std::size_t>(end - begin));
-        std::vector<double> ys(xs.size());
-        fill(y, begin, std::span<double>(xs), std::span<double>(ys));
-        sampleRow(axes, y, begin, xs, ys, bounds);
+    const BandPlan plan = Order == RowOrder::AnyOrder ? bandPlan(rect) : BandPlan{};
+    std::vector<RowScratch> scratch(static_cast<std::size_t>(std::max(plan.workers, 1)));
+    rowsInBands(rect, plan, [&](int worker, int y, int begin, int end) {
+        RowScratch& own = scratch[static_cast<std::size_t>(worker)];
+        own.release();
+        const auto n = static_cast<std::size_t>(end - begin);
+        const std::span<double> xs = own.take(n), ys = own.take(n);
+        fill(y, begin, xs, ys, own);
+        sampleRow(axes, y, begin, xs, ys, bounds, own.indices(n));
     });
 }
 

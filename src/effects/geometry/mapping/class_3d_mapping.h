@@ -19,8 +19,7 @@ class Class_3DMapping : public PixelFrame {
 
     void Mapping(const Surface& source, Surface& target, std::int16_t viewX, std::int16_t viewY,
                  std::uint8_t drawType, std::uint8_t surfaceKind, std::uint8_t red,
-                 std::uint8_t green, std::uint8_t blue, std::int16_t strength,
-                 std::int16_t waves);
+                 std::uint8_t green, std::uint8_t blue, std::int16_t strength, std::int16_t waves);
 };
 
 } // namespace lumiran

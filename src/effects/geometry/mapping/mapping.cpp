@@ -101,8 +101,8 @@ void Class_3DMapping::Mapping(const Surface& source, Surface& target, std::int16
         Cls(target, RGB(clear.red, clear.green, clear.blue));
         if (surfaceKind > 10 || drawType > PictureOnSurface) return;
         const double a = viewX * Degree, b = viewY * Degree;
-        const View view{source.width() / 2.0, source.height() / 2.0, std::sin(a), std::cos(a),
-                        std::sin(b),          std::cos(b)};
+        const View view{source.width() / 2.0, source.height() / 2.0, std::sin(a),
+                        std::cos(a),          std::sin(b),           std::cos(b)};
         const SurfaceParameters surface{surfaceKind, static_cast<double>(strength),
                                         static_cast<double>(waves)};
         RandomGenerator& random = context().random;

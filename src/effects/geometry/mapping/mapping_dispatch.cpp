@@ -36,8 +36,8 @@ void register3DMappingEffects(EffectDispatch& d) {
     d.add(DialogKind::Mani, 63,
           mapping([](Class_3DMapping& e, V v, const Surface& source, Surface& target) {
               const std::uint8_t type = v.eType == 1 ? PictureOnSurface : MeshInColour;
-              e.Mapping(source, target, slider(v, 1), slider(v, 2), type, 0, byte(v, 3),
-                        byte(v, 4), byte(v, 5), slider(v, 6), slider(v, 7));
+              e.Mapping(source, target, slider(v, 1), slider(v, 2), type, 0, byte(v, 3), byte(v, 4),
+                        byte(v, 5), slider(v, 6), slider(v, 7));
           }));
     // Thin Book: mesh type 1 on surface 5, the mesh in the picture's colours.
     d.add(DialogKind::Level, 15,

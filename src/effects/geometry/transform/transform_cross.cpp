@@ -36,11 +36,12 @@ void Class_Transform::Transform_Cross(std::uint8_t kind, std::int16_t left, std:
             if (byColumns) {
                 const int x = left + j;
                 StretchBlt(target, x, top + firstShift, 1, half, source, x, top, 1, half, SRCCOPY);
-                StretchBlt(target, x, top + secondShift, 1, length - half, source, x, top + half,
-                           1, length - half, SRCCOPY);
+                StretchBlt(target, x, top + secondShift, 1, length - half, source, x, top + half, 1,
+                           length - half, SRCCOPY);
             } else {
                 const int y = top + j;
-                StretchBlt(target, left + firstShift, y, half, 1, source, left, y, half, 1, SRCCOPY);
+                StretchBlt(target, left + firstShift, y, half, 1, source, left, y, half, 1,
+                           SRCCOPY);
                 StretchBlt(target, left + secondShift, y, length - half, 1, source, left + half, y,
                            length - half, 1, SRCCOPY);
             }

@@ -37,26 +37,24 @@ void registerTransformEffects(EffectDispatch& d) {
     // background colour, "画像" row 1 the picture); the call handed the two
     // rows on as colour bytes, which the method's colour arguments replace.
     for (const auto& [code, vertical] : {std::pair{52, false}, std::pair{53, true}}) {
-        d.add(DialogKind::Emboss, code, onKeptPictures([vertical](Class_Transform& e, V v, Run run) {
-                  const Rgb8 back = run.context.flags.backColor;
-                  const ProcessRect r = run.rect;
-                  const std::int16_t backgroundKind = second(v.eType) ? 0 : 1;
-                  const auto kind = static_cast<std::uint8_t>(second(v.color) ? 1 : 0);
-                  if (vertical) {
-                      e.Transform_TrapzoidVertical(kind, r.left, r.top, r.right, r.bottom,
-                                                   backgroundKind, back.red, back.green,
-                                                   back.blue);
-                  } else {
-                      e.Transform_TrapzoidHorizontal(kind, r.left, r.top, r.right, r.bottom,
-                                                     backgroundKind, back.red, back.green,
-                                                     back.blue);
-                  }
-              }));
+        d.add(
+            DialogKind::Emboss, code, onKeptPictures([vertical](Class_Transform& e, V v, Run run) {
+                const Rgb8 back = run.context.flags.backColor;
+                const ProcessRect r = run.rect;
+                const std::int16_t backgroundKind = second(v.eType) ? 0 : 1;
+                const auto kind = static_cast<std::uint8_t>(second(v.color) ? 1 : 0);
+                if (vertical) {
+                    e.Transform_TrapzoidVertical(kind, r.left, r.top, r.right, r.bottom,
+                                                 backgroundKind, back.red, back.green, back.blue);
+                } else {
+                    e.Transform_TrapzoidHorizontal(kind, r.left, r.top, r.right, r.bottom,
+                                                   backgroundKind, back.red, back.green, back.blue);
+                }
+            }));
     }
     // Triangles: the entry decides which strips shrink, the list row ("水平"
     // apex first, "垂直" apex last) the triangle's way; the picture first.
-    for (const auto& [code, columns] : {std::pair{54, std::uint8_t{0}},
-                                        std::pair{55, ByColumns}}) {
+    for (const auto& [code, columns] : {std::pair{54, std::uint8_t{0}}, std::pair{55, ByColumns}}) {
         d.add(DialogKind::Emboss, code, onKeptPictures([columns](Class_Transform& e, V v, Run run) {
                   const ProcessRect r = run.rect;
                   const std::uint8_t shape =

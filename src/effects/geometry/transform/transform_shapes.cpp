@@ -68,7 +68,8 @@ void Class_Transform::Transform_Ellipse(std::uint8_t kind, std::int16_t left, st
         }
         const ProcessRect rect{left, top, right, bottom};
         const bool byColumns = (kind & ByColumns) != 0;
-        const double width = std::abs(wrap16(right - left)), height = std::abs(wrap16(bottom - top));
+        const double width = std::abs(wrap16(right - left)),
+                     height = std::abs(wrap16(bottom - top));
         const double along = byColumns ? height : width, across = byColumns ? width : height;
         // The mask of the shape, held as the run of each strip: the corners
         // of the rounded rectangle have a radius of a quarter of the shorter
@@ -89,7 +90,8 @@ void Class_Transform::Transform_Ellipse(std::uint8_t kind, std::int16_t left, st
             }
             const int start = static_cast<int>(roundHalfEven(along / 2 - half));
             const int end = static_cast<int>(roundHalfEven(along / 2 + half));
-            stretchStrip(*context().kept1, *context().kept0, rect, byColumns, j, start, end - start);
+            stretchStrip(*context().kept1, *context().kept0, rect, byColumns, j, start,
+                         end - start);
             if (!finishRow()) return;
         }
     });

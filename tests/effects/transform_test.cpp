@@ -85,7 +85,9 @@ TEST_F(TransformFixture, TrianglesNarrowToTheirApex) {
     });
     for (int y = 0; y < 8; ++y) {
         EXPECT_EQ(runOf(first, y), runOf(last, 7 - y)) << y;
-        if (y > 0) EXPECT_GE(runOf(first, y).second, runOf(first, y - 1).second) << y;
+        if (y > 0) {
+            EXPECT_GE(runOf(first, y).second, runOf(first, y - 1).second) << y;
+        }
     }
     EXPECT_EQ(runOf(first, 0).second, 0);
     EXPECT_EQ(runOf(first, 7).second, 16);

@@ -58,7 +58,7 @@ INSTANTIATE_TEST_SUITE_P(
                                       sinCos(in, out, c);
                                   },
                                   [](double x) { return std::sin(x); }}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& testInfo) { return std::string(testInfo.param.name); });
 
 TEST(VectorTrig, WorksInPlace) {
     std::vector<double> v{0.5, 2e6, -3.0};

@@ -136,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(
               [](G& e, auto r) { e.Scatterize(2, 128, r.left, r.top, r.right, r.bottom); }},
         Harsh{"Lattice",
               [](G& e, auto r) { e.LatticeGlass(128, r.left, r.top, r.right, r.bottom, 0); }}),
-    [](const auto& info) { return std::string(info.param.warp); });
+    [](const auto& testInfo) { return std::string(testInfo.param.warp); });
 
 } // namespace
 } // namespace lumiran::testing

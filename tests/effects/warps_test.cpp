@@ -143,7 +143,7 @@ INSTANTIATE_TEST_SUITE_P(
                }},
         OnAxes{"Scatterize",
                [](G& e, auto r, auto a) { e.Scatterize(a, 6, r.left, r.top, r.right, r.bottom); }}),
-    [](const auto& info) { return std::string(info.param.what); });
+    [](const auto& testInfo) { return std::string(testInfo.param.what); });
 
 TEST_F(GeometryFixture, RotateByNothingCopiesTheRectangleAndBlacksTheRestOfTheArray) {
     const Surface picture =
@@ -255,7 +255,7 @@ INSTANTIATE_TEST_SUITE_P(
                 false},
         Outcome{"RectangleOutsideThePicture",
                 [](G& e, auto) { e.PowerHole(5, 1, 2, 40, 40, 90, 90, 50, 50); }, false}),
-    [](const auto& info) { return std::string(info.param.what); });
+    [](const auto& testInfo) { return std::string(testInfo.param.what); });
 
 } // namespace
 } // namespace lumiran::testing

@@ -144,10 +144,6 @@ class Class_Geometry : public PixelFrame {
     void sampleRow(std::uint8_t axes, int y, int firstColumn, std::span<const double> xs,
                    std::span<const double> ys, const SampleBounds& bounds,
                    std::span<std::uint32_t> index);
-
-    // Effects of two passes (a grey map, then the warp) count the steps of
-    // both against one total, so the bar runs once from 0 to 100.
-    void SetProgressSteps(int steps) { ProgressTotal = steps; }
 };
 
 } // namespace lumiran

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace lumiran {
 
@@ -26,27 +27,27 @@ void Class_Geometry::Rotate(std::int16_t degrees, std::uint8_t axes, std::int16_
             return;
         }
         const SampleBounds bounds = boundsOf(span);
-        const long long width = ImageBits.width();
-        forEachRow<RowOrder::AnyOrder>(rect, [&](int y, int begin, int end) {
-            const Pixel* source = ImageBits.pixels().data();
-            Pixel* out = TransBits.row(y).data();
+        const BandPlan plan = bandPlan(rect);
+        std::vector<RowScratch> scratch(static_cast<std::size_t>(std::max(plan.workers, 1)));
+        rowsInBands(rect, plan, [&](int worker, int y, int begin, int end) {
+            RowScratch& own = scratch[static_cast<std::size_t>(worker)];
+            own.release();
+            const auto n = static_cast<std::size_t>(end - begin);
+            const std::span<double> xs = own.take(n), ys = own.take(n), miss = own.take(n);
             const double dy = y - c.y;
-            for (int x = begin; x < end; ++x) {
-                const double dx = x - c.x;
+            constexpr double Shifter = 6755399441055744.0; // adding it rounds half to even
+            for (std::size_t i = 0; i < n; ++i) {
+                const double dx = begin + static_cast<double>(i) - c.x;
                 // Bounded by the 16-bit rectangle: the rounding cannot fail.
-                const double mx = roundHalfEven(c.x + dx * cosA - dy * sinA);
-                const double my = roundHalfEven(c.y + dy * cosA + dx * sinA);
-                if (mx < 0 || mx > lastColumn || my < 0 || my > lastRow) continue;
-                const auto sx = static_cast<long long>(std::clamp(mx, bounds.left, bounds.right));
-                const auto sy = static_cast<long long>(std::clamp(my, bounds.top, bounds.bottom));
-                if (axes == 0) {
-                    out[x] = source[y * width + sx];
-                } else if (axes == 1) {
-                    out[x] = source[sy * width + x];
-                } else if (axes == 2) {
-                    out[x] = source[sy * width + sx];
-                }
+                xs[i] = (c.x + dx * cosA - dy * sinA + Shifter) - Shifter;
+                ys[i] = (c.y + dy * cosA + dx * sinA + Shifter) - Shifter;
+                miss[i] = static_cast<double>((xs[i] < 0) | (xs[i] > lastColumn) | (ys[i] < 0) |
+                                              (ys[i] > lastRow));
             }
+            sampleRow(axes, y, begin, xs, ys, bounds, own.indices(n));
+            Pixel* out = TransBits.row(y).data() + begin;
+            for (std::size_t i = 0; i < n; ++i)
+                out[i] = miss[i] != 0 ? Pixel{0} : out[i];
         });
     });
 }

@@ -18,8 +18,8 @@ double nonZero(double v) {
 // terms, 4/5 reciprocal, 6/7 absolute (mode / 2 is the form); kinds 0 sin,
 // 1 cos, 2 tan, 3 sin and cos.
 double waveShift(int form, int kind, double offset, double amplitude, double period, double i) {
-    const double full = i * TwoPi / period;
-    const double half = i * Pi / period;
+    const double full = i * GeometryTwoPi / period;
+    const double half = i * GeometryPi / period;
     const auto f = [&](int k, double angle) {
         return k == 0 ? std::sin(angle) : k == 1 ? std::cos(angle) : std::tan(angle);
     };
@@ -91,7 +91,7 @@ void Class_Geometry::Nebura(double radius, std::int16_t shift, std::int16_t left
             t.clear();
             for (int y = top; y < bottom; y += 2) {
                 const double dy = y - cy;
-                t.push_back(std::sqrt(dx * dx + dy * dy) / (radius / 4) / Pi);
+                t.push_back(std::sqrt(dx * dx + dy * dy) / (radius / 4) / GeometryPi);
             }
             s.resize(t.size());
             c.resize(t.size());

@@ -115,7 +115,7 @@ void Class_Geometry::EddyingCurrent(std::uint8_t kind, double strength, std::int
         // Each level turns its ring by as many degrees.
         std::vector<double> turnSin(256), turnCos(256);
         for (std::size_t level = 0; level < 256; ++level)
-            turnSin[level] = static_cast<double>(level) * Pi / 180;
+            turnSin[level] = static_cast<double>(level) * GeometryPi / 180;
         trig::sinCos(turnSin, turnSin, turnCos);
         constexpr double Turn = 2 * std::numbers::pi;
         const double ringsPerRadian = walkPeriod / Turn;

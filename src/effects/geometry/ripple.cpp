@@ -116,7 +116,7 @@ void Class_Geometry::Ripple(std::int16_t amplitude, std::int16_t period, std::ui
         {
             std::vector<double> phase(256), s(256), co(256);
             for (std::size_t m = 0; m < phase.size(); ++m)
-                phase[m] = static_cast<double>(m) * Pi / period;
+                phase[m] = static_cast<double>(m) * GeometryPi / period;
             trig::sinCos(phase, s, co);
             std::vector<double> t(256);
             trig::tangent(phase, t);
@@ -150,8 +150,8 @@ void Class_Geometry::Ripple(std::int16_t amplitude, std::int16_t period, std::ui
                     const bool across = ripple.map == RippleMap::Horizontal;
                     const std::span<double> field = scratch.take(n);
                     for (std::size_t i = 0; i < n; ++i)
-                        field[i] = (across ? y - top : first + static_cast<double>(i) - left) * Pi /
-                                   period;
+                        field[i] = (across ? y - top : first + static_cast<double>(i) - left) *
+                                   GeometryPi / period;
                     if (across) {
                         trig::sine(field, field);
                     } else {

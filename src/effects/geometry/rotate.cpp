@@ -15,7 +15,7 @@ void Class_Geometry::Rotate(std::int16_t degrees, std::uint8_t axes, std::int16_
         std::ranges::fill(TransBits.elements(), Pixel{0});
         const ProcessRect rect{left, top, right, bottom};
         const WarpCentre c = centreOf(rect, xPercent, yPercent);
-        const double angle = degrees * Pi / 180;
+        const double angle = degrees * GeometryPi / 180;
         const double cosA = std::cos(angle), sinA = std::sin(angle);
         // The test of a hit uses 0, not the rectangle's left and top; the
         // sampler then clamps to the rectangle.

@@ -67,12 +67,13 @@ void waveTimes(Wave wave, double amplitude, std::span<double> angles, RowScratch
 // harmonics, always of sin.
 double swayOffset(Wave wave, double amplitude, double period, int harmonics, double coordinate,
                   RowScratch& scratch) {
-    double angle = coordinate * TwoPi / period;
+    double angle = coordinate * GeometryTwoPi / period;
     waveTimes(wave, amplitude, std::span<double>(&angle, 1), scratch);
     double offset = angle;
-    if (harmonics >= 1) offset += amplitude * std::sin(coordinate * TwoPi / (period / 2));
-    if (harmonics >= 2) offset += amplitude / 2 * std::sin(coordinate * TwoPi / period);
-    if (harmonics >= 3) offset += 2 * amplitude * std::sin(coordinate * TwoPi / (2 * period));
+    if (harmonics >= 1) offset += amplitude * std::sin(coordinate * GeometryTwoPi / (period / 2));
+    if (harmonics >= 2) offset += amplitude / 2 * std::sin(coordinate * GeometryTwoPi / period);
+    if (harmonics >= 3)
+        offset += 2 * amplitude * std::sin(coordinate * GeometryTwoPi / (2 * period));
     return offset;
 }
 
@@ -141,7 +142,8 @@ void Class_Geometry::Sway2(std::uint8_t axes, std::uint8_t kind, std::int16_t am
                 }
                 for (int round = 0; round <= iterations + 1; ++round) {
                     for (std::size_t i = 0; i < n; ++i)
-                        angles[i] = (sway.ownCoordinate ? lastX[i] : lastY[i]) * TwoPi / period;
+                        angles[i] =
+                            (sway.ownCoordinate ? lastX[i] : lastY[i]) * GeometryTwoPi / period;
                     waveTimes(sway.horizontal, amplitude, angles, scratch);
                     for (std::size_t i = 0; i < n; ++i)
                         xs[i] = angles[i] + (first + static_cast<double>(i));
@@ -149,7 +151,8 @@ void Class_Geometry::Sway2(std::uint8_t axes, std::uint8_t kind, std::int16_t am
                     // x; later rounds the x1 just made.
                     const std::span<const double> xFrom = round == 0 ? lastX : xs;
                     for (std::size_t i = 0; i < n; ++i)
-                        angles[i] = (sway.ownCoordinate ? lastY[i] : xFrom[i]) * TwoPi / period;
+                        angles[i] =
+                            (sway.ownCoordinate ? lastY[i] : xFrom[i]) * GeometryTwoPi / period;
                     waveTimes(sway.vertical, amplitude, angles, scratch);
                     for (std::size_t i = 0; i < n; ++i)
                         ys[i] = angles[i] + y;

@@ -24,7 +24,7 @@ void Class_Geometry::Whirlpool(std::int16_t strength, std::uint8_t axes, std::in
         const ProcessRect rect{left, top, right, bottom};
         const WarpCentre c = centreOf(rect, xPercent, yPercent);
         const float quarter = static_cast<float>(strength / 4.0);
-        double p = static_cast<double>(quarter) / Pi;
+        double p = static_cast<double>(quarter) / GeometryPi;
         if (p == 0) p = 1;
         warpRows(
             rect, axes,
@@ -59,7 +59,7 @@ void Class_Geometry::Wave_Circle(double radius, std::uint8_t axes, std::uint8_t 
                 const RadialRow row(y, c, first, xs.size());
                 const std::span<double> t = row.radii(scratch.take(row.distances()));
                 for (double& v : t)
-                    v = v / (radius / 4) / Pi;
+                    v = v / (radius / 4) / GeometryPi;
                 // k of kinds 1 and 4, arctan t of kind 6
                 const std::span<double> extra = scratch.take(t.size());
                 if (kind == 6) trig::arcTangent(t, extra);

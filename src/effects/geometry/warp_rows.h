@@ -15,8 +15,8 @@
 namespace lumiran {
 
 // The constants of this family, as they stand in its formulas.
-inline constexpr double Pi = 3.14159;
-inline constexpr double TwoPi = 6.2831;
+inline constexpr double GeometryPi = 3.14159;
+inline constexpr double GeometryTwoPi = 6.2831;
 
 // A centre given in percent of the rectangle: round((high - low) / 100 *
 // percent + low), the difference taken in 16 bits.

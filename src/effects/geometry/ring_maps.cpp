@@ -108,7 +108,7 @@ void Class_Geometry::EddyingCurrent(std::uint8_t kind, double strength, std::int
         const double low = s / 2.0 + 1, high = s + 2.0;
         // One turn of the spiral advances the map by one period of the walk,
         // so the spiral closes without a seam.
-        const double walkPeriod = 2 * std::max(high - std::ceil(low), 1.0);
+        const double walkPeriod = 2 * std::max(high - std::floor(low), 1.0);
         const std::size_t rings = ringsToCorners(c, ImageBits.width(), ImageBits.height()) +
                                   static_cast<std::size_t>(walkPeriod);
         const std::vector<std::uint8_t> levels = greyWalk(rings, 0, low, high, 0, 255);

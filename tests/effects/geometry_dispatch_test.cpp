@@ -1,6 +1,5 @@
-// The cases of Class_Geometry, Class_Transform and Class_3DMapping: every
-// catalogue entry they serve runs, and the lists reach the arguments their
-// captions name.
+// The cases of Class_Geometry: the lists reach the arguments their
+// captions name. (The golden tests run every entry at its defaults.)
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
 #include "geometry_fixture.h"
@@ -26,32 +25,6 @@ struct GeometryDispatch : GeometryFixture {
         return kept1;
     }
 };
-
-TEST_F(GeometryDispatch, EveryEntryOfTheWarpsTransformsAndMappingRuns) {
-    const std::string_view warps[] = {"Sea Wave",        "Blow Up",       "Suck In",
-                                      "Sway 1",          "Sway 2",        "Sphere",
-                                      "Power Hole",      "Ripploid",      "Whirlpool",
-                                      "Eddying Current", "Vortex",        "Nebura",
-                                      "Jiggle",          "Lattice Glass", "Rotate",
-                                      "Vertical Wave",   "Scatterize",    "Sine Warp",
-                                      "Cosine Warp",     "Tangent Warp",  "Sine & Cosine Warp"};
-    for (const std::string_view caption : warps) {
-        const Surface result =
-            runCase(caption, defaultControlValues(*findEffect(caption)), makeVariedPicture(37, 29));
-        EXPECT_EQ(cancel, 0) << caption;
-        EXPECT_NE(result, makeVariedPicture(37, 29)) << caption;
-    }
-    int others = 0;
-    for (const EffectEntry& entry : effectCatalogue()) {
-        if (!entry.call.starts_with("Class_Transform ") &&
-            !entry.call.starts_with("Class_3DMapping "))
-            continue;
-        ++others;
-        runCase(entry.caption, defaultControlValues(entry), makeVariedPicture(37, 29));
-        EXPECT_EQ(cancel, 0) << entry.caption;
-    }
-    EXPECT_EQ(others, 8);
-}
 
 // The direction list ("方向") is the axes wherever it stands: row 0 moves
 // pixels only along their row. The other list is set to a late row to show

@@ -39,6 +39,9 @@ const EffectDispatch& effectDispatch() {
         registerMosaicEffects(d);
         registerNetMosaicEffects(d);
         registerPatternEffects(d);
+        registerGeometryEffects(d);
+        registerTransformEffects(d);
+        register3DMappingEffects(d);
         return d;
     }();
     return dispatch;

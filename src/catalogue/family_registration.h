@@ -18,5 +18,8 @@ void registerFalseColorEffects(EffectDispatch& dispatch);
 void registerMosaicEffects(EffectDispatch& dispatch);
 void registerNetMosaicEffects(EffectDispatch& dispatch);
 void registerPatternEffects(EffectDispatch& dispatch);
+void registerGeometryEffects(EffectDispatch& dispatch);
+void registerTransformEffects(EffectDispatch& dispatch);
+void register3DMappingEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

@@ -61,11 +61,13 @@ inline Surface runWithDefaults(const std::string& name, const ControlValues* val
 struct Golden {
     const char* effect; // key or caption; keys where captions repeat across families
     const char* hash;
-    std::optional<int> colourRow{}; // a list row other than the default
+    std::optional<int> colourRow{}; // a ColorList row other than the default
+    std::optional<int> typeRow{};   // an ETypeList row other than the default
 };
 
 inline void PrintTo(const Golden& golden, std::ostream* out) {
     *out << golden.effect;
+    if (golden.typeRow) *out << " type " << *golden.typeRow;
     if (golden.colourRow) *out << " row " << *golden.colourRow;
 }
 
@@ -78,6 +80,7 @@ inline std::string goldenTestName(const ::testing::TestParamInfo<Golden>& info) 
     for (const char c : std::string(info.param.effect)) {
         if (std::isalnum(static_cast<unsigned char>(c))) name += c;
     }
+    if (info.param.typeRow) name += "Type" + std::to_string(*info.param.typeRow);
     if (info.param.colourRow) name += "Row" + std::to_string(*info.param.colourRow);
     return name + "_" + std::to_string(info.index);
 }

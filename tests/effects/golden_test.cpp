@@ -8,6 +8,7 @@ TEST_P(GoldenDefaults, RunOnTheSampleIsUnchanged) {
     const EffectEntry* entry = findEffect(golden.effect);
     ASSERT_NE(entry, nullptr) << golden.effect;
     ControlValues values = defaultControlValues(*entry);
+    if (golden.typeRow) values.eType = *golden.typeRow;
     if (golden.colourRow) values.color = *golden.colourRow;
     const Surface result = runWithDefaults(golden.effect, &values);
     ASSERT_FALSE(result.empty()) << golden.effect << " did not run";

@@ -209,9 +209,9 @@ struct Outcome {
     bool fails;
 };
 
-class BadInput : public GeometryFixture, public ::testing::WithParamInterface<Outcome> {};
+class WarpBadInput : public GeometryFixture, public ::testing::WithParamInterface<Outcome> {};
 
-TEST_P(BadInput, FailsOnlyWhereTheFormulaReachesAnError) {
+TEST_P(WarpBadInput, FailsOnlyWhereTheFormulaReachesAnError) {
     for (const auto& [w, h] : {std::pair{1, 1}, std::pair{9, 7}}) {
         cancel = 0;
         context.failures.clear();
@@ -222,7 +222,7 @@ TEST_P(BadInput, FailsOnlyWhereTheFormulaReachesAnError) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Warps, BadInput,
+    Warps, WarpBadInput,
     ::testing::Values(
         Outcome{
             "NegativeRadius",

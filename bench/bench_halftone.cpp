@@ -14,22 +14,6 @@ using namespace lumiran;
 
 constexpr std::int16_t Side = bench::Side;
 
-// A picture like a photograph: smooth areas with a little noise.
-const Surface& photoLike() {
-    static const Surface picture = [] {
-        Surface s(Side, Side);
-        RandomGenerator random;
-        for (int y = 0; y < Side; ++y) {
-            for (int x = 0; x < Side; ++x) {
-                const int noise = static_cast<int>(random.next() * 8);
-                s.at(x, y) = makePixel((x >> 4) + noise, (y >> 4) + noise, ((x + y) >> 5) + noise);
-            }
-        }
-        return s;
-    }();
-    return picture;
-}
-
 // One pass of the operation on arrays already fetched. The result array is
 // fetched afresh before each pass, outside the timing: the diffusions work
 // in it in place, and a second pass over their own output would find no
@@ -89,7 +73,7 @@ BENCHMARK(BM_Halftone_ErrorDiffuse)
     ->Unit(benchmark::kMillisecond);
 
 void BM_Halftone_ErrorDiffusePhoto(benchmark::State& state) {
-    runHalftone<Class_Dithering>(state, photoLike(), [](Class_Dithering& e) {
+    runHalftone<Class_Dithering>(state, bench::photoLikePicture(), [](Class_Dithering& e) {
         e.Dither_ErrorDiffuse(1, 0, 0, Side, Side, 0, 2);
     });
 }
@@ -135,14 +119,14 @@ void BM_Halftone_Dilatation(benchmark::State& state) {
 BENCHMARK(BM_Halftone_Dilatation)->Unit(benchmark::kMillisecond);
 
 void BM_Halftone_BorderFollowing(benchmark::State& state) {
-    runHalftone<Class_Binarization>(state, photoLike(), [](Class_Binarization& e) {
+    runHalftone<Class_Binarization>(state, bench::photoLikePicture(), [](Class_Binarization& e) {
         e.BorderFollowing_Mono(0, 0, 40, 1, 0, 0, Side, Side);
     });
 }
 BENCHMARK(BM_Halftone_BorderFollowing)->Unit(benchmark::kMillisecond);
 
 void BM_Halftone_FeaturePoints(benchmark::State& state) {
-    runHalftone<Class_Binarization>(state, photoLike(), [](Class_Binarization& e) {
+    runHalftone<Class_Binarization>(state, bench::photoLikePicture(), [](Class_Binarization& e) {
         e.FeaturePointExtract_Mono(0, 2, 40, 0, 0, 0, Side, Side, 0);
     });
 }

@@ -12,24 +12,9 @@ using namespace lumiran;
 
 using bench::Side;
 
-const Surface& photoLike() {
-    static const Surface picture = [] {
-        Surface s(Side, Side);
-        RandomGenerator random;
-        for (int y = 0; y < Side; ++y) {
-            for (int x = 0; x < Side; ++x) {
-                const int noise = static_cast<int>(random.next() * 4);
-                s.at(x, y) = makePixel((x >> 4) + noise, (y >> 4) + noise, ((x + y) >> 5) + noise);
-            }
-        }
-        return s;
-    }();
-    return picture;
-}
-
 template <typename Call>
 void runOnPhoto(benchmark::State& state, Call call) {
-    bench::runPasses<Class_ColorOp>(state, photoLike(), call);
+    bench::runPasses<Class_ColorOp>(state, bench::photoLikePicture(), call);
 }
 
 void BM_Photo_HSVInvert(benchmark::State& state) {

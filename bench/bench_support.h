@@ -24,6 +24,23 @@ inline const Surface& randomColourPicture() {
     return picture;
 }
 
+// A picture like a photograph: smooth areas with a little noise, so
+// colours repeat as they do in real pictures.
+inline const Surface& photoLikePicture() {
+    static const Surface picture = [] {
+        Surface s(Side, Side);
+        RandomGenerator random;
+        for (int y = 0; y < Side; ++y) {
+            for (int x = 0; x < Side; ++x) {
+                const int noise = static_cast<int>(random.next() * 4);
+                s.at(x, y) = makePixel((x >> 4) + noise, (y >> 4) + noise, ((x + y) >> 5) + noise);
+            }
+        }
+        return s;
+    }();
+    return picture;
+}
+
 // The operation alone, repeated in place on one fetch of the picture.
 template <typename Class, typename Call>
 void runPasses(benchmark::State& state, const Surface& picture, Call call) {

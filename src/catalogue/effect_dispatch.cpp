@@ -32,6 +32,13 @@ const EffectDispatch& effectDispatch() {
         registerColorTableEffects(d);
         registerDitheringEffects(d);
         registerBinarizationEffects(d);
+        registerSoftenEffects(d);
+        registerNeighborhoodEffects(d);
+        registerEdgeEffects(d);
+        registerFalseColorEffects(d);
+        registerMosaicEffects(d);
+        registerNetMosaicEffects(d);
+        registerPatternEffects(d);
         return d;
     }();
     return dispatch;

@@ -11,5 +11,12 @@ void registerColorOpEffects(EffectDispatch& dispatch);
 void registerColorTableEffects(EffectDispatch& dispatch);
 void registerDitheringEffects(EffectDispatch& dispatch);
 void registerBinarizationEffects(EffectDispatch& dispatch);
+void registerSoftenEffects(EffectDispatch& dispatch);
+void registerNeighborhoodEffects(EffectDispatch& dispatch);
+void registerEdgeEffects(EffectDispatch& dispatch);
+void registerFalseColorEffects(EffectDispatch& dispatch);
+void registerMosaicEffects(EffectDispatch& dispatch);
+void registerNetMosaicEffects(EffectDispatch& dispatch);
+void registerPatternEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

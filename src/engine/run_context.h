@@ -19,6 +19,9 @@ class ProgressSink {
   public:
     virtual ~ProgressSink() = default;
     virtual void showPercent(int percent) = 0;
+    // Effects of several passes name the pass by a string-table id
+    // ("しばらくお待ちください。1/2" and so on) for the progress window.
+    virtual void showCaption(int /*stringId*/) {}
 };
 
 // 1 asks the row loop to stop after the current row. Set from the progress

@@ -70,10 +70,35 @@ int allocationLimitMiB(const LoadLimits& limits) {
     return static_cast<int>(std::clamp<std::uint64_t>(mebibytes, 1, INT_MAX));
 }
 
-Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limits) {
+// The file's bytes as Qt's readers take them, telling how far they have read.
+class ProgressBuffer : public QBuffer {
+  public:
+    ProgressBuffer(QByteArray* data, ProgressSink* progress) : QBuffer(data), progress_(progress) {}
+
+  protected:
+    qint64 readData(char* data, qint64 maxSize) override {
+        const qint64 read = QBuffer::readData(data, maxSize);
+        if (progress_ != nullptr && size() > 0) {
+            const int percent =
+                static_cast<int>((pos() + std::max<qint64>(read, 0)) * 100 / size());
+            if (percent != shown_) {
+                shown_ = percent;
+                progress_->showPercent(percent);
+            }
+        }
+        return read;
+    }
+
+  private:
+    ProgressSink* progress_;
+    int shown_ = -1;
+};
+
+Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limits,
+                     ProgressSink* progress) {
     QByteArray data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
                                               static_cast<qsizetype>(bytes.size()));
-    QBuffer buffer(&data);
+    ProgressBuffer buffer(&data, progress);
     buffer.open(QIODevice::ReadOnly);
     // No format is named: the kind is taken from the content, so a run-length
     // bitmap saved as ".rle" reads as the BMP it is.
@@ -120,14 +145,14 @@ Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limi
 }
 
 Surface decode(std::span<const std::uint8_t> bytes, const std::string& extension,
-               const LoadLimits& limits) {
+               const LoadLimits& limits, ProgressSink* progress) {
     if (looksLikeEnhancedMetafile(bytes)) return renderEnhancedMetafile(bytes, limits);
     if (looksLikePlaceableMetafile(bytes)) return renderWindowsMetafile(bytes, limits);
     // A metafile without a placeable header has no signature; by its name it
     // goes to the metafile readers, which can say what is wrong with it.
     if (extension == "wmf") return renderWindowsMetafile(bytes, limits);
     if (extension == "emf") return renderEnhancedMetafile(bytes, limits);
-    return decodeRaster(bytes, limits);
+    return decodeRaster(bytes, limits, progress);
 }
 
 } // namespace
@@ -135,7 +160,7 @@ Surface decode(std::span<const std::uint8_t> bytes, const std::string& extension
 Surface QtPictureDecoder::LoadPicture(const fs::path& path, const std::string& extension) {
     const std::vector<std::uint8_t> bytes = readPictureFile(path, limits_);
     try {
-        return guardedRead("Picture", [&] { return decode(bytes, extension, limits_); });
+        return guardedRead("Picture", [&] { return decode(bytes, extension, limits_, progress_); });
     } catch (const PictureRefusal& e) {
         throw invalidPicture(path, e.what());
     } catch (const ImageLoadError& e) {

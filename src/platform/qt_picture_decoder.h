@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/run_context.h"
 #include "imagefiles/load_dispatch.h"
 #include "imagefiles/load_limits.h"
 
@@ -19,8 +20,14 @@ class QtPictureDecoder : public PlatformDecoder {
     [[nodiscard]] Surface LoadPicture(const std::filesystem::path& path,
                                       const std::string& extension) override;
 
+    // Where raster pictures report how much of the file has been decoded,
+    // in percent; null (the default) for no report. The editor shows it in
+    // the document's progress entry, as its own readers do.
+    void setProgress(ProgressSink* progress) { progress_ = progress; }
+
   private:
     LoadLimits limits_;
+    ProgressSink* progress_ = nullptr;
 };
 
 } // namespace lumiran

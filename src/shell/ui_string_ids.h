@@ -99,4 +99,19 @@ constexpr int OpenDialogTitle = 5129;
 constexpr int NotAvailableYet = 5131;
 constexpr int EffectBrowse = 5133;
 
+// View zoom and the status panels beside the frame's own.
+constexpr int ViewZoomIn = 5135;
+constexpr int ViewZoomOut = 5137;
+constexpr int ViewZoomActual = 5139;
+constexpr int ViewZoomFit = 5141;
+constexpr int StatusZoom = 5143;
+constexpr int StatusSize = 5145;
+constexpr int StatusPointer = 5147;
+constexpr int StatusUndone = 5149;
+
+// Reasons of a failed save, under the message's details.
+constexpr int SaveTooManyColours = 5151;
+constexpr int SaveEmptyPicture = 5153;
+constexpr int SaveCannotWrite = 5155;
+
 } // namespace lumiran::ids

@@ -1,6 +1,5 @@
 // Dilation, erosion, border following and feature points on small drawn
 // pictures: '#' in the input is white foreground, '#' in the output black.
-#include "effects/halftone/binarization/mark_canvas.h"
 #include "halftone_fixture.h"
 
 namespace lumiran::testing {
@@ -115,18 +114,6 @@ TEST_F(Shapes, FeaturePointsByConnectionNumber) {
                                                   0, 0, 128, kind, rect, 0)))[2][2],
                   '.');
     }
-}
-
-TEST(MarkCanvas, CircleOutlineOfRadiusTwo) {
-    Surface s(7, 7, makePixel(255, 255, 255));
-    MarkCanvas canvas(s, 0, 0, 7, 7);
-    canvas.circle(3, 3, 2, {0, 0, 0});
-    EXPECT_EQ(toRows(s),
-              (Rows{".......", "..###..", ".#...#.", ".#...#.", ".#...#.", "..###..", "......."}));
-    // Clipped to its rectangle.
-    MarkCanvas clipped(s, 0, 0, 3, 7);
-    clipped.circle(0, 0, 12, {0, 0, 0});
-    EXPECT_EQ(toRows(s)[0], ".......");
 }
 
 } // namespace

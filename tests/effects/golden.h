@@ -5,8 +5,12 @@
 #include "imagefiles/bmp_reader.h"
 #include "imagefiles/file_io.h"
 
+#include <cctype>
 #include <cstdint>
 #include <cstdio>
+#include <gtest/gtest.h>
+#include <optional>
+#include <ostream>
 #include <string>
 
 namespace lumiran::testing {
@@ -49,6 +53,33 @@ inline Surface runWithDefaults(const std::string& name, const ControlValues* val
     document.picture = bundledSample();
     runEffect(state, document, plan.body);
     return document.picture;
+}
+
+// One effect's picture on the bundled sample at its defaults: a guard
+// against accidental change, not a test of the rules. Each family lists its
+// effects with INSTANTIATE_TEST_SUITE_P(Family, GoldenDefaults, ...).
+struct Golden {
+    const char* effect; // key or caption; keys where captions repeat across families
+    const char* hash;
+    std::optional<int> colourRow{}; // a list row other than the default
+};
+
+inline void PrintTo(const Golden& golden, std::ostream* out) {
+    *out << golden.effect;
+    if (golden.colourRow) *out << " row " << *golden.colourRow;
+}
+
+class GoldenDefaults : public ::testing::TestWithParam<Golden> {};
+
+// The letters and digits of the effect's name, its row, and its place in
+// the list, which keeps names apart where keys are Japanese or repeat.
+inline std::string goldenTestName(const ::testing::TestParamInfo<Golden>& info) {
+    std::string name;
+    for (const char c : std::string(info.param.effect)) {
+        if (std::isalnum(static_cast<unsigned char>(c))) name += c;
+    }
+    if (info.param.colourRow) name += "Row" + std::to_string(*info.param.colourRow);
+    return name + "_" + std::to_string(info.index);
 }
 
 } // namespace lumiran::testing

@@ -2,26 +2,10 @@
 // bundled sample: a guard against accidental change, not a test of the rules.
 #include "golden.h"
 
-#include <gtest/gtest.h>
-
-namespace lumiran {
-namespace {
-
-struct Golden {
-    const char* effect;
-    const char* hash;
-};
-
-class GoldenBinarization : public ::testing::TestWithParam<Golden> {};
-
-TEST_P(GoldenBinarization, DefaultRunOnTheSampleIsUnchanged) {
-    const Surface result = testing::runWithDefaults(GetParam().effect);
-    ASSERT_FALSE(result.empty()) << GetParam().effect << " did not run";
-    EXPECT_EQ(testing::pictureHash(result), GetParam().hash) << GetParam().effect;
-}
+namespace lumiran::testing {
 
 INSTANTIATE_TEST_SUITE_P(
-    Effects, GoldenBinarization,
+    Binarization, GoldenDefaults,
     ::testing::Values(Golden{"Binarization", "d5fb332ac2589df1"},
                       Golden{"Transformation Binarize", "8d6cc67476b628f3"},
                       Golden{"Dilation", "b2aeebe7629c86de"}, Golden{"Erosion", "4dffb3bb4621c071"},
@@ -30,11 +14,6 @@ INSTANTIATE_TEST_SUITE_P(
                       Golden{"Border Featuring Monotone", "80fc96811c49bffb"},
                       Golden{"Border Featuring RGB", "379c3024146cbc9d"},
                       Golden{"Binarization(Drawing Color)", "eeaf9f5775fabb2b"}),
-    [](const auto& info) {
-        std::string name = info.param.effect;
-        std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
-        return name;
-    });
+    goldenTestName);
 
-} // namespace
-} // namespace lumiran
+} // namespace lumiran::testing

@@ -2,26 +2,10 @@
 // bundled sample: a guard against accidental change, not a test of the rules.
 #include "golden.h"
 
-#include <gtest/gtest.h>
-
-namespace lumiran {
-namespace {
-
-struct Golden {
-    const char* effect;
-    const char* hash;
-};
-
-class GoldenDithering : public ::testing::TestWithParam<Golden> {};
-
-TEST_P(GoldenDithering, DefaultRunOnTheSampleIsUnchanged) {
-    const Surface result = testing::runWithDefaults(GetParam().effect);
-    ASSERT_FALSE(result.empty()) << GetParam().effect << " did not run";
-    EXPECT_EQ(testing::pictureHash(result), GetParam().hash) << GetParam().effect;
-}
+namespace lumiran::testing {
 
 INSTANTIATE_TEST_SUITE_P(
-    Effects, GoldenDithering,
+    Dithering, GoldenDefaults,
     ::testing::Values(Golden{"Ordered Dither 4x4", "867b18c49b73df8d"},
                       Golden{"Ordered Dither 8x8", "1118f3afd442f8d2"},
                       Golden{"Error Diffusion", "547640f9aefd2383"},
@@ -33,11 +17,6 @@ INSTANTIATE_TEST_SUITE_P(
                       Golden{"Fixed Error Diffusion", "bcb033e531c2197f"},
                       Golden{"Dinamic Thresholding", "9e62384fdfa4668d"},
                       Golden{"Color Paint Dither", "ea9851f386455fad"}),
-    [](const auto& info) {
-        std::string name = info.param.effect;
-        std::erase_if(name, [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); });
-        return name;
-    });
+    goldenTestName);
 
-} // namespace
-} // namespace lumiran
+} // namespace lumiran::testing

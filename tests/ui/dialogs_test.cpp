@@ -8,6 +8,7 @@
 #include "shell/ui/dialogs/frm_pictureinfo.h"
 #include "shell/ui/dialogs/frm_splash.h"
 #include "shell/ui/dialogs/frm_vasion.h"
+#include "shell/ui/qt_translations.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -15,10 +16,13 @@
 #include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLibraryInfo>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QTimer>
@@ -284,6 +288,25 @@ class DialogsTest : public QObject {
             click(dialog, "OKButton");
         });
         showVersionDialog(Settings{}, nullptr);
+    }
+
+    // Qt's own buttons speak the program's language: the exit question's
+    // yes and no, and the details button of a failed load or save.
+    void qtTextsAreJapanese() {
+        if (!QFile::exists(QLibraryInfo::path(QLibraryInfo::TranslationsPath) + "/qtbase_ja.qm")) {
+            QSKIP("Qt's translations (qt6-translations-l10n) are not installed");
+        }
+        QVERIFY(installQtTranslations(*QCoreApplication::instance()));
+        QMessageBox box(QMessageBox::Question, "t", "?", QMessageBox::Yes | QMessageBox::No);
+        box.setDetailedText("why");
+        box.show();
+        QStringList texts;
+        for (QAbstractButton* button : box.buttons())
+            texts << button->text();
+        QVERIFY(texts.filter(QStringLiteral("はい")).size() == 1);
+        QVERIFY(texts.filter(QStringLiteral("いいえ")).size() == 1);
+        QVERIFY(texts.filter(QStringLiteral("詳細")).size() == 1);
+        QVERIFY(texts.filter(QRegularExpression("[A-Za-z]{2,}")).isEmpty());
     }
 };
 

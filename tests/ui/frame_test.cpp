@@ -5,25 +5,39 @@
 #include "shell/ui/frm_document.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/frm_picture_save.h"
+#include "shell/ui/frm_progress.h"
+#include "shell/ui/picture_view.h"
 #include "shell/ui/qt_settings_store.h"
 #include "shell/ui/run_controller.h"
+#include "shell/ui/surface_image.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QActionEvent>
 #include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QProcess>
+#include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStatusBar>
 #include <QTemporaryDir>
+#include <QTextBrowser>
 #include <QTimer>
+#include <QToolBar>
 #include <QtTest>
 #include <atomic>
+#include <chrono>
 #include <functional>
+#include <thread>
 
 using namespace lumiran;
 
@@ -38,6 +52,7 @@ class MessageBoxAnswerer : public QObject {
             if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
                 titles.append(box->windowTitle());
                 texts.append(box->text());
+                details.append(box->detailedText());
                 QAbstractButton* button = box->button(answer_);
                 if (button == nullptr) button = box->buttons().value(0);
                 if (button != nullptr) button->click();
@@ -47,6 +62,7 @@ class MessageBoxAnswerer : public QObject {
     }
     QStringList titles;
     QStringList texts;
+    QStringList details;
 
   private:
     QMessageBox::StandardButton answer_;
@@ -63,6 +79,75 @@ EffectBody cancellingGray() {
         effect.ImageSetDiBits(run.keptPicture1);
     };
 }
+
+// Grey on the worker thread, as OK runs Monotone.
+EffectBody gray() {
+    return [](EffectInvocation& run) {
+        Class_ColorOp effect(run.context);
+        effect.ImageGetDiBits(run.keptPicture0);
+        effect.Gray_Effect(0, run.rect.left, run.rect.top, run.rect.right, run.rect.bottom);
+        effect.ImageSetDiBits(run.keptPicture1);
+    };
+}
+
+// A body that runs until the run is cancelled, as a long effect does.
+EffectBody untilCancelled() {
+    return [](EffectInvocation& run) {
+        while (!run.context.cancelled())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    };
+}
+
+// A body whose effect fails; its handler records the error and cancels.
+EffectBody failing() {
+    return [](EffectInvocation& run) {
+        run.context.failures.push_back(EffectError::overflow());
+        run.context.requestCancel();
+    };
+}
+
+QList<frm_Progress*> progressWindows(const QWidget& frame) {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QList<frm_Progress*> found = frame.findChildren<frm_Progress*>();
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (auto* p = qobject_cast<frm_Progress*>(w); p != nullptr && !found.contains(p))
+            found.append(p);
+    }
+    return found;
+}
+
+// Windows without an owner that are still up: any of them keeps the program alive.
+QStringList windowsKeepingTheProgram() {
+    QStringList names;
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (w->isVisible() && w->parentWidget() == nullptr)
+            names << w->metaObject()->className() + QString(":") + w->windowTitle();
+    }
+    return names;
+}
+
+// The frame shows the frame's own menus (no document's) in its menu bar.
+bool showsFrameMenus(FrmMain& frame) {
+    const QList<QAction*> bar = frame.menuBar()->actions();
+    return !bar.isEmpty() && bar.front()->menu() != nullptr &&
+           bar.front()->menu()->parent() == &frame;
+}
+
+// Records what the menu bar's entries say while a load runs.
+class MenuBarTexts : public QObject {
+  public:
+    explicit MenuBarTexts(QMenuBar& bar) { bar.installEventFilter(this); }
+    QStringList texts;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ActionChanged || event->type() == QEvent::ActionAdded) {
+            const QString text = static_cast<QActionEvent*>(event)->action()->text();
+            if (!text.isEmpty() && !texts.contains(text)) texts << text;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
 
 Surface gradient(int width, int height) {
     Surface s(width, height);
@@ -204,7 +289,7 @@ class FrameTest : public QObject {
         const Surface before = doc->document().picture;
         const int count = frame.state().undo.UndoCount();
         QVERIFY(frame.runEffect(*doc, cancellingGray()));
-        QVERIFY(frame.state().ProcessingFlag == 1);
+        QVERIFY(frame.runs().running());
         frame.runs().waitForEnd();
         QCOMPARE(frame.state().undo.UndoCount(), count);
         QVERIFY(doc->document().picture == before);
@@ -263,8 +348,8 @@ class FrameTest : public QObject {
 
         const QString eight = dir_.filePath("session8.bmp");
         const QString one = dir_.filePath("session1.bmp");
-        QVERIFY(savePictureFile(grey, eight, SaveDepth::Bits8));
-        QVERIFY(savePictureFile(grey, one, SaveDepth::Bits1));
+        QVERIFY(savePictureFile(grey, eight, SaveDepth::Bits8).saved);
+        QVERIFY(savePictureFile(grey, one, SaveDepth::Bits1).saved);
         FrmDocument* reopened8 = frame.openFile(eight);
         FrmDocument* reopened1 = frame.openFile(one);
         QVERIFY(reopened8 != nullptr && reopened1 != nullptr);
@@ -296,6 +381,287 @@ class FrameTest : public QObject {
         QCOMPARE(doc->document().picture.width(), 40);
         QCOMPARE(area->horizontalScrollBar()->maximum(), 0);
         QCOMPARE(area->verticalScrollBar()->maximum(), 0);
+    }
+
+    // Finished, cancelled by the button, failed: one window during the run,
+    // none after it.
+    void theProgressWindowClosesAtTheEndOfEveryRun() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.show();
+        FrmDocument* doc = frame.openFile(writePicture("p.bmp", gradient(60, 40)));
+        MessageBoxAnswerer ok(QMessageBox::Ok);
+        struct Case {
+            const char* name;
+            EffectBody body;
+            bool pressCancel;
+        };
+        const Case cases[] = {{"finished", gray(), false},
+                              {"cancelled", untilCancelled(), true},
+                              {"failed", failing(), false},
+                              {"finished again", gray(), false}};
+        for (const Case& c : cases) {
+            QVERIFY2(frame.runEffect(*doc, c.body), c.name);
+            QCOMPARE(progressWindows(frame).size(), 1);
+            QVERIFY(progressWindows(frame).front()->isVisible());
+            if (c.pressCancel) {
+                progressWindows(frame).front()->findChild<QAbstractButton*>("Command1")->click();
+            }
+            frame.runs().waitForEnd();
+            QVERIFY2(progressWindows(frame).isEmpty(), c.name);
+        }
+        QCOMPARE(ok.titles.size(), 1); // the failed effect's message
+        QCOMPARE(int(frame.state().undo.UndoCount()), 2);
+    }
+
+    // After runs, and with a run under way: yes ends the program at once.
+    void quitEndsTheProgramAlsoDuringARun() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.show();
+        QSignalSpy exited(&frame, &FrmMain::exited);
+        FrmDocument* doc = frame.openFile(writePicture("q.bmp", gradient(30, 30)));
+        QVERIFY(frame.runEffect(*doc, gray()));
+        frame.runs().waitForEnd();
+        QVERIFY(frame.runEffect(*doc, untilCancelled()));
+        MessageBoxAnswerer yes(QMessageBox::Yes);
+        QVERIFY(frame.close());
+        QCOMPARE(yes.texts, QStringList{res(ids::ExitQuestion)});
+        QVERIFY(!frame.runs().running());
+        QCOMPARE(int(frame.state().undo.UndoCount()), 1); // the cancelled run's level went back
+        QCOMPARE(frame.DocumentCount(), 0);
+        QCOMPARE(exited.count(), 1);
+        QVERIFY(store.get("Settings", "Vasion").has_value());
+        QApplication::processEvents();
+        QCOMPARE(windowsKeepingTheProgram(), QStringList{});
+    }
+
+    // The menu's close, the window's button and the two keys all take the
+    // child window away and bring back the frame's own menu.
+    void everyCloseTakesTheChildWindowAway() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.show();
+        QApplication::setActiveWindow(&frame);
+        QVERIFY(QTest::qWaitForWindowActive(&frame));
+        const QString path = writePicture("w.bmp", gradient(20, 20));
+        const std::function<void(FrmDocument&)> ways[] = {
+            [](FrmDocument& doc) { doc.closeAction()->trigger(); },
+            [](FrmDocument& doc) { doc.subWindow()->close(); },
+            [](FrmDocument& doc) { QTest::keyClick(&doc, Qt::Key_W, Qt::ControlModifier); },
+            [](FrmDocument& doc) { QTest::keyClick(&doc, Qt::Key_F4, Qt::ControlModifier); },
+        };
+        int way = 0;
+        for (const auto& close : ways) {
+            FrmDocument* doc = frame.openFile(path);
+            QVERIFY(doc != nullptr);
+            doc->setFocus();
+            QVERIFY(!showsFrameMenus(frame));
+            close(*doc);
+            QTRY_VERIFY2(frame.workspace().subWindowList().isEmpty(),
+                         qPrintable(QString("way %1").arg(way)));
+            QTRY_VERIFY(showsFrameMenus(frame));
+            QCOMPARE(frame.DocumentCount(), 0);
+            ++way;
+        }
+    }
+
+    void theSaveDialogProposesABitmapName() {
+        const std::pair<QString, QString> names[] = {
+            {"test.jpg", "/d/test.bmp"}, {"name", "/d/name.bmp"}, {"a.b.PCX", "/d/a.b.bmp"},
+            {"x.bmp", "/d/x.bmp"},       {"dot.", "/d/dot.bmp"},
+        };
+        for (const auto& [name, proposed] : names)
+            QCOMPARE(proposedSaveName("/d/", name), proposed);
+
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        const QString jpg = dir_.filePath("test.jpg");
+        QVERIFY(toQImage(gradient(16, 12)).save(jpg));
+        const QByteArray jpgBytes = [&] {
+            QFile f(jpg);
+            f.open(QIODevice::ReadOnly);
+            return f.readAll();
+        }();
+        FrmDocument* doc = frame.openFile(jpg);
+        QVERIFY(doc != nullptr);
+        QString proposed;
+        QTimer::singleShot(0, [&proposed] {
+            auto* dialog = qobject_cast<frm_PictureSave*>(QApplication::activeModalWidget());
+            if (dialog == nullptr) return;
+            proposed = dialog->findChild<QLineEdit*>("Text1")->text();
+            dialog->Command1_Click();
+        });
+        MessageBoxAnswerer ok(QMessageBox::Ok);
+        frame.saveDocument(*doc);
+        QCOMPARE(proposed, dir_.filePath("test.bmp"));
+        QFile bmp(dir_.filePath("test.bmp"));
+        QVERIFY(bmp.open(QIODevice::ReadOnly));
+        QCOMPARE(bmp.read(2), QByteArray("BM"));
+        QFile unchanged(jpg);
+        QVERIFY(unchanged.open(QIODevice::ReadOnly));
+        QCOMPARE(unchanged.readAll(), jpgBytes);
+        QCOMPARE(doc->windowTitle(), dir_.filePath("test.bmp"));
+    }
+
+    void aFailedEightBitSaveTellsWhy() {
+        Surface many(237, 1);
+        for (int x = 0; x < 237; ++x)
+            many.at(x, 0) = makePixel(x, 0, 0);
+        frm_PictureSave dialog(many, dir_.filePath("many.bmp"), 9);
+        dialog.findChild<QRadioButton*>("Option1_1")->setChecked(true);
+        MessageBoxAnswerer ok(QMessageBox::Ok);
+        dialog.Command1_Click();
+        QCOMPARE(ok.texts, QStringList{res(ids::SaveFailed)});
+        QVERIFY(ok.details.front().contains("236"));
+        QVERIFY(ok.details.front().contains("237"));
+        QVERIFY(!QFile::exists(dir_.filePath("many.bmp")));
+    }
+
+    void newWindowsStayInsideAndCascadeShowsThePictures() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.resize(900, 700);
+        frame.show();
+        const QString path = writePicture("many.bmp", gradient(320, 240));
+        const QRect workspace = frame.workspace().viewport()->rect();
+        for (int i = 0; i < 12; ++i) {
+            FrmDocument* doc = frame.openFile(path);
+            QVERIFY(workspace.contains(doc->subWindow()->geometry()));
+        }
+        frame.arrange(1);
+        for (FrmDocument* doc : frame.documents()) {
+            QVERIFY(workspace.contains(doc->subWindow()->geometry()));
+            const QSize shown = doc->basicArea().viewport()->size();
+            QVERIFY2(shown.width() >= 320 && shown.height() >= 240,
+                     qPrintable(QString("%1x%2").arg(shown.width()).arg(shown.height())));
+        }
+    }
+
+    void controlsWithoutAnActionAreOff() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        auto* toolbar = frame.findChild<QToolBar*>("tbToolBar");
+        for (const char* name : {"Tool3486", "Tool3506"}) { // print, browser
+            QAction* button = toolbar->findChild<QAction*>(name);
+            QVERIFY(button != nullptr && !button->isEnabled());
+            QVERIFY(button->toolTip().contains(res(ids::NotAvailableYet)));
+        }
+        auto* finalLoad = frame.findChild<QAction*>("mnueditfinalloadnewopen");
+        QVERIFY(!finalLoad->isEnabled());
+        FrmDocument* doc = frame.openFile(writePicture("u.bmp", gradient(10, 10)));
+        QVERIFY(finalLoad->isEnabled() && doc->finalLoadAction()->isEnabled());
+        QVERIFY(!doc->undoAction()->isEnabled());
+        QVERIFY(frame.runEffect(*doc, gray()));
+        frame.runs().waitForEnd();
+        QVERIFY(doc->undoAction()->isEnabled());
+
+        frame.showHelp();
+        QTextBrowser* help = frame.helpWindow();
+        QVERIFY(help != nullptr && help->isVisible());
+        QVERIFY(help->toPlainText().contains(QStringLiteral("元に戻す")));
+    }
+
+    // The progress window is up before the snapshot and the copies; a large
+    // load shows its percentage in the menu bar.
+    void largePicturesShowProgressFromTheStart() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.show();
+        const QString path = writePicture("large.bmp", gradient(1500, 1000));
+        MenuBarTexts bar(*frame.menuBar());
+        FrmDocument* doc = frame.openFile(path);
+        QVERIFY(doc != nullptr);
+        QStringList percentages = bar.texts.filter(res(ids::PleaseWait));
+        QVERIFY2(percentages.size() >= 5, qPrintable(bar.texts.join(" | ")));
+
+        int levelsWhenShown = -1;
+        bool windowShown = false;
+        connect(&frame.runs(), &RunController::runningChanged, this, [&](bool running) {
+            if (!running) return;
+            levelsWhenShown = frame.state().undo.UndoCount();
+            windowShown = frame.runs().progressWindow() != nullptr &&
+                          frame.runs().progressWindow()->isVisible();
+        });
+        QVERIFY(frame.runEffect(*doc, gray()));
+        frame.runs().waitForEnd();
+        QVERIFY(windowShown);
+        QCOMPARE(levelsWhenShown, 0);
+        QCOMPARE(int(frame.state().undo.UndoCount()), 1);
+    }
+
+    // The global stack may restore another document's picture: the entry
+    // says whose, and the status bar says which came back.
+    void undoNamesTheDocumentItRestores() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* a = frame.openFile(writePicture("a.bmp", gradient(12, 8)));
+        FrmDocument* b = frame.openFile(writePicture("b.bmp", gradient(30, 20)));
+        QVERIFY(frame.runEffect(*a, gray()));
+        frame.runs().waitForEnd();
+        QCOMPARE(b->undoAction()->text(), res(ids::EditUndo) + " (a.bmp)");
+        frame.undo(*b);
+        QCOMPARE(b->document().picture.width(), 12);
+        QCOMPARE(b->windowTitle(), dir_.filePath("a.bmp"));
+        QVERIFY(frame.statusMessage().contains("a.bmp"));
+        QVERIFY(!b->undoAction()->isEnabled());
+        QCOMPARE(b->undoAction()->text(), res(ids::EditUndo));
+    }
+
+    // The view's zoom leaves the picture and its coordinates alone.
+    void zoomChangesOnlyTheView() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.resize(800, 600);
+        frame.show();
+        FrmDocument* doc = frame.openFile(writePicture("z.bmp", gradient(100, 80)));
+        const Surface before = doc->document().picture;
+        PictureView& view = doc->pictureView();
+        QCOMPARE(view.zoom(), 1.0);
+        auto* zoomPanel = frame.findChild<QLabel*>("ZoomPanel");
+        QVERIFY(zoomPanel->text().contains("100%"));
+        doc->zoomBy(1);
+        doc->zoomBy(1);
+        QCOMPARE(view.zoom(), 2.0);
+        QCOMPARE(view.size(), QSize(200, 160));
+        QCOMPARE(view.pictureAt(QPointF(31, 9)), QPoint(15, 4));
+        QVERIFY(zoomPanel->text().contains("200%"));
+        QMouseEvent move(QEvent::MouseMove, QPointF(31, 9), view.mapToGlobal(QPointF(31, 9)),
+                         Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&view, &move);
+        const Pixel p = before.at(15, 4);
+        QCOMPARE(
+            frame.findChild<QLabel*>("PointerPanel")->text(),
+            res(ids::StatusPointer).arg(15).arg(4).arg(redOf(p)).arg(greenOf(p)).arg(blueOf(p)));
+        doc->zoomToFit();
+        QVERIFY(view.width() <= doc->basicArea().maximumViewportSize().width());
+        doc->zoomBy(-1);
+        doc->setZoom(1.0);
+        QCOMPARE(view.size(), QSize(100, 80));
+        QVERIFY(doc->document().picture == before);
+        QCOMPARE(frame.findChild<QLabel*>("SizePanel")->text(),
+                 res(ids::StatusSize).arg(100).arg(80));
+    }
+
+    void menusShowTheStandardShortcuts() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* doc = frame.openFile(writePicture("k.bmp", gradient(4, 4)));
+        const std::pair<int, QString> expected[] = {
+            {ids::FileOpen, "Ctrl+O"},  {ids::FileSave, "Ctrl+S"},       {ids::FileNew, "Ctrl+N"},
+            {ids::EditUndo, "Ctrl+Z"},  {ids::HelpContents, "F1"},       {ids::FileExit, "Ctrl+Q"},
+            {ids::FileClose, "Ctrl+W"}, {ids::ViewZoomActual, "Ctrl+0"},
+        };
+        for (const auto& [caption, keys] : expected) {
+            QAction* found = nullptr;
+            for (QMenu* menu : doc->topMenus()) {
+                for (QAction* action : menu->actions()) {
+                    if (action->text() == res(caption)) found = action;
+                }
+            }
+            QVERIFY2(found != nullptr, qPrintable(res(caption)));
+            QCOMPARE(found->shortcut().toString(), keys);
+        }
     }
 };
 

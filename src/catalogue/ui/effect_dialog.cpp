@@ -19,6 +19,7 @@
 #include <QGroupBox>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
@@ -26,6 +27,7 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QSpinBox>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -100,7 +102,7 @@ QString dialogObjectName(DialogKind kind) {
 }
 
 EffectDialog::EffectDialog(DialogKind kind, FrmMain& frame, FrmDocument& document)
-    : kind_(kind), frame_(frame), document_(document) {
+    : QDialog(&frame), kind_(kind), frame_(frame), document_(document) {
     setObjectName(dialogObjectName(kind));
     setModal(false);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -124,11 +126,25 @@ void EffectDialog::buildControls() {
         // The change event fires at the end of a movement, not while dragging.
         bar->setTracking(false);
         bar->setMinimumWidth(160);
+        // Arrow and page keys step the slider as its arrows and trough do;
+        // right, up and page up raise the value, as on any value slider
+        // (a scroll bar would invert them).
+        bar->setFocusPolicy(Qt::StrongFocus);
+        bar->setInvertedControls(false);
         sliders_[n - 1] = bar;
+        // A typed value moves the slider, whose change event does the rest;
+        // it counts once the typing is done, not at each digit.
+        auto* box = new QSpinBox;
+        box->setObjectName(QString("SliderBox%1").arg(n));
+        box->setKeyboardTracking(false);
+        box->setAccelerated(true);
+        sliderBoxes_[n - 1] = box;
         valueLabels_[n - 1] = new QLabel;
         valueLabels_[n - 1]->setMinimumWidth(36);
         nameLabels_[n - 1] = new QLabel;
         connect(bar, &QScrollBar::valueChanged, this, [this, n] { sliderChanged(n); });
+        connect(box, &QSpinBox::valueChanged, bar, &QScrollBar::setValue);
+        box->installEventFilter(this);
     }
     if (count > 0) {
         sliderFrame_ = new QGroupBox;
@@ -137,13 +153,16 @@ void EffectDialog::buildControls() {
         for (int n = 1; n <= count; ++n) {
             grid->addWidget(nameLabels_[n - 1], n - 1, 0);
             grid->addWidget(sliders_[n - 1], n - 1, 1);
-            grid->addWidget(valueLabels_[n - 1], n - 1, 2);
+            grid->addWidget(sliderBoxes_[n - 1], n - 1, 2);
+            grid->addWidget(valueLabels_[n - 1], n - 1, 3);
         }
         controls->addWidget(sliderFrame_);
     }
     for (int n = count + 1; n <= 8; ++n) {
         sliders_[n - 1]->setParent(this);
         sliders_[n - 1]->hide();
+        sliderBoxes_[n - 1]->setParent(this);
+        sliderBoxes_[n - 1]->hide();
     }
     auto listFrame = [&](const char* frameName, const char* listName) {
         auto* box = new QGroupBox;
@@ -252,16 +271,22 @@ void EffectDialog::configure(const EffectEntry& entry) {
     for (int n = 1; n <= sliderCount(kind_); ++n) {
         const SliderSpec* spec = entry.slider(n);
         QScrollBar* bar = sliders_[n - 1];
+        QSpinBox* box = sliderBoxes_[n - 1];
         bar->setVisible(spec != nullptr);
-        valueLabels_[n - 1]->setVisible(spec != nullptr);
+        box->setVisible(spec != nullptr);
         nameLabels_[n - 1]->setVisible(spec != nullptr);
+        valueLabels_[n - 1]->setVisible(false);
         if (spec == nullptr) continue;
         const QSignalBlocker quiet(bar);
+        const QSignalBlocker quietBox(box);
         bar->setRange(spec->min, spec->max);
         bar->setValue(spec->defaultValue);
         bar->setPageStep(spec->largeChange);
         bar->setSingleStep(spec->smallChange);
-        valueLabels_[n - 1]->setText(QString::number(spec->defaultValue));
+        box->setRange(spec->min, spec->max);
+        box->setSingleStep(std::max(1, spec->smallChange));
+        box->setValue(spec->defaultValue);
+        showSliderValue(n);
         nameLabels_[n - 1]->setText(qs(spec->label));
     }
     if (sliderFrame_ != nullptr) {
@@ -352,14 +377,22 @@ void EffectDialog::setValues(const ControlValues& v) {
     if (ProcessColor != nullptr) ProcessColor->setStyleSheet(colourSwatch(processColor_));
 }
 
-void EffectDialog::sliderChanged(int number) {
+void EffectDialog::showSliderValue(int number) {
     const int value = sliders_[number - 1]->value();
-    QString text = QString::number(value);
-    // frm_Mani shows sliders 3 and 4 in tenths for code 6.
-    if (kind_ == DialogKind::Mani && code_ == 6 && (number == 3 || number == 4)) {
-        text = QString::number(value / 10.0);
+    {
+        const QSignalBlocker quiet(sliderBoxes_[number - 1]);
+        sliderBoxes_[number - 1]->setValue(value);
     }
-    valueLabels_[number - 1]->setText(text);
+    // frm_Mani shows sliders 3 and 4 in tenths for code 6: the label beside
+    // the box gives the value the effect sees.
+    const bool tenths = kind_ == DialogKind::Mani && code_ == 6 && (number == 3 || number == 4);
+    valueLabels_[number - 1]->setVisible(tenths && !sliders_[number - 1]->isHidden());
+    valueLabels_[number - 1]->setText(tenths ? QString::number(value / 10.0)
+                                             : QString::number(value));
+}
+
+void EffectDialog::sliderChanged(int number) {
+    showSliderValue(number);
     controlChanged();
 }
 
@@ -367,7 +400,7 @@ void EffectDialog::colorListClicked() {
     if (kind_ != DialogKind::ColorScale || !rowFourShowsSlider2(code_) || !hasSlider(2)) return;
     const bool rowFour = ColorList->currentRow() == 4;
     sliders_[1]->setVisible(rowFour);
-    valueLabels_[1]->setVisible(rowFour);
+    sliderBoxes_[1]->setVisible(rowFour);
     nameLabels_[1]->setVisible(rowFour);
 }
 
@@ -423,6 +456,21 @@ void EffectDialog::OKButton_Click() {
     FrmDocument& document = document_;
     close();
     if (plan.status == EffectPlan::Status::Ready) frame.runEffect(document, plan.body);
+}
+
+bool EffectDialog::eventFilter(QObject* watched, QEvent* event) {
+    // Enter in a slider's box takes the typed value (and its preview); it
+    // does not press OK as it would elsewhere in the form.
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        auto* box = qobject_cast<QSpinBox*>(watched);
+        if (box != nullptr && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+            box->interpretText();
+            box->selectAll();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 void EffectDialog::closeEvent(QCloseEvent* event) {

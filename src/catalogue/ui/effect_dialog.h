@@ -15,6 +15,7 @@ class QLabel;
 class QListWidget;
 class QPushButton;
 class QScrollBar;
+class QSpinBox;
 
 namespace lumiran {
 
@@ -51,6 +52,8 @@ class EffectDialog : public QDialog {
     void DefaultButton_Click();
 
     [[nodiscard]] QScrollBar* slider(int number) const { return sliders_.at(number - 1); }
+    // The box beside a slider where its value can be typed.
+    [[nodiscard]] QSpinBox* sliderBox(int number) const { return sliderBoxes_.at(number - 1); }
     [[nodiscard]] QListWidget* typeList() const { return ETypeList; }
     [[nodiscard]] QListWidget* colorList() const { return ColorList; }
     [[nodiscard]] QComboBox* distanceCombo() const { return DistanceCombo; }
@@ -58,11 +61,14 @@ class EffectDialog : public QDialog {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void buildControls();
     void controlChanged();
     void sliderChanged(int number);
+    // The slider's value into its box, and into the label where it is shown in tenths.
+    void showSliderValue(int number);
     void colorListClicked();
     void showPicture(const Surface& picture);
     void commonEnd();
@@ -78,6 +84,7 @@ class EffectDialog : public QDialog {
     bool ended_ = false;
     ControlValues defaults_;
     std::array<QScrollBar*, 8> sliders_{};
+    std::array<QSpinBox*, 8> sliderBoxes_{};
     std::array<QLabel*, 8> valueLabels_{};
     std::array<QLabel*, 8> nameLabels_{};
     QGroupBox* sliderFrame_ = nullptr;

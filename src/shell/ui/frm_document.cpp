@@ -13,9 +13,13 @@
 #include <QCursor>
 #include <QFileInfo>
 #include <QKeyEvent>
+#include <QMdiSubWindow>
 #include <QMenu>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
+#include <QWheelEvent>
+#include <algorithm>
 #include <map>
 
 namespace lumiran {
@@ -38,6 +42,7 @@ FrmDocument::FrmDocument(FrmMain& frame)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(BasicArea);
+    BasicArea->viewport()->installEventFilter(this);
     buildMenus();
 }
 
@@ -58,18 +63,23 @@ QMenu* FrmDocument::menu(const char* name) const {
 void FrmDocument::buildMenus() {
     FrmMain& f = frame_;
     QMenu* file = addTopMenu("mnuFile", ids::MenuImage);
-    file->addAction(res(ids::FileOpen), &f, &FrmMain::openWithDialog);
-    file->addAction(res(ids::FileNew), &f, &FrmMain::newImage);
+    file->addAction(res(ids::FileOpen), QKeySequence(Qt::CTRL | Qt::Key_O), &f,
+                    &FrmMain::openWithDialog);
+    file->addAction(res(ids::FileNew), QKeySequence(Qt::CTRL | Qt::Key_N), &f, &FrmMain::newImage);
     file->addSeparator();
-    file->addAction(res(ids::FileSave), this, [this] { frame_.saveDocument(*this); });
-    file->addAction(res(ids::FileClose), this, &QWidget::close);
+    file->addAction(res(ids::FileSave), QKeySequence(Qt::CTRL | Qt::Key_S), this,
+                    [this] { frame_.saveDocument(*this); });
+    closeAction_ = file->addAction(res(ids::FileClose), this, &FrmDocument::closeWindow);
+    closeAction_->setObjectName("FileClose");
+    closeAction_->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::Key_F4)});
     file->addSeparator();
     file->addAction(res(ids::FileOpenNext), this, [this] { frame_.openSibling(*this, 1); });
     file->addAction(res(ids::FileOpenPrev), this, [this] { frame_.openSibling(*this, -1); });
     file->addSeparator();
     file->addAction(res(ids::FileInfo), this, [this] { frame_.showPictureInfo(*this); });
     file->addSeparator();
-    file->addAction(res(ids::FileExit), &f, &QWidget::close);
+    file->addAction(res(ids::FileExit), QKeySequence(Qt::CTRL | Qt::Key_Q), &f, &QWidget::close);
     // Pad to the fixed index of the history rows.
     while (file->actions().size() < HistoryFirstRow - 1)
         file->addSeparator()->setVisible(false);
@@ -84,16 +94,30 @@ void FrmDocument::buildMenus() {
     refreshHistory();
 
     QMenu* edit = addTopMenu("mnuEdit", ids::MenuEdit);
-    edit->addAction(res(ids::EditUndo), this, [this] { frame_.undo(*this); })
-        ->setShortcut(QKeySequence::Undo);
+    undoAction_ = edit->addAction(res(ids::EditUndo), QKeySequence(Qt::CTRL | Qt::Key_Z), this,
+                                  [this] { frame_.undo(*this); });
+    undoAction_->setObjectName("EditUndo");
     edit->addAction(res(ids::EditUndoRelease), &f, &FrmMain::releaseUndo);
     edit->addSeparator();
-    edit->addAction(res(ids::EditFinalLoad), &f, &FrmMain::openFinalLoadImage);
+    finalLoadAction_ = edit->addAction(res(ids::EditFinalLoad), &f, &FrmMain::openFinalLoadImage);
+    finalLoadAction_->setObjectName("mnueditfinalloadnewopen");
     edit->addAction(res(ids::EditHistoryClear), &f, &FrmMain::clearHistory);
 
     QMenu* view = addTopMenu("mnuView", ids::MenuView);
     // One action in every view menu, so its tick is the same everywhere.
     view->addAction(f.autoPreviewAction());
+    view->addSeparator();
+    QAction* zoomIn = view->addAction(res(ids::ViewZoomIn), this, [this] { zoomBy(1); });
+    zoomIn->setObjectName("ZoomIn");
+    zoomIn->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)});
+    view->addAction(res(ids::ViewZoomOut), QKeySequence(Qt::CTRL | Qt::Key_Minus), this,
+                    [this] { zoomBy(-1); })
+        ->setObjectName("ZoomOut");
+    view->addAction(res(ids::ViewZoomActual), QKeySequence(Qt::CTRL | Qt::Key_0), this,
+                    [this] { setZoom(1.0); })
+        ->setObjectName("ZoomActual");
+    view->addAction(res(ids::ViewZoomFit), this, &FrmDocument::zoomToFit)->setObjectName("ZoomFit");
     view->addSeparator();
     view->addAction(res(ids::ViewOptions), &f, &FrmMain::showOptions);
 
@@ -113,7 +137,7 @@ void FrmDocument::buildMenus() {
     window->addAction(res(ids::WindowArrangeIcons), &f, &FrmMain::arrangeIcons);
 
     QMenu* help = addTopMenu("MnuHelp", ids::MenuHelp);
-    help->addAction(res(ids::HelpContents), &f, &FrmMain::showHelp);
+    help->addAction(res(ids::HelpContents), QKeySequence(Qt::Key_F1), &f, &FrmMain::showHelp);
     help->addAction(res(ids::HelpAbout), &f, &FrmMain::showAbout);
 
     MnuProgress = new QAction(this);
@@ -204,6 +228,74 @@ void FrmDocument::refreshPicture() {
     Picture2->setImage(toQImage(document_.picture));
 }
 
+void FrmDocument::showPicture(QImage picture) {
+    Picture2->setImage(std::move(picture));
+}
+
+QMdiSubWindow* FrmDocument::subWindow() const {
+    return qobject_cast<QMdiSubWindow*>(parentWidget());
+}
+
+void FrmDocument::closeWindow() {
+    // The child window goes with its document; closing only this widget
+    // would leave an empty frame behind.
+    if (QMdiSubWindow* sub = subWindow()) {
+        sub->close();
+    } else {
+        close();
+    }
+}
+
+double FrmDocument::zoom() const {
+    return Picture2->zoom();
+}
+
+void FrmDocument::setZoom(double zoom) {
+    const QRect view = BasicArea->viewport()->rect();
+    zoomAround(zoom, view.center());
+}
+
+void FrmDocument::zoomBy(int direction) {
+    setZoom(PictureView::nextZoom(zoom(), direction));
+}
+
+void FrmDocument::zoomToFit() {
+    const QSize picture = Picture2->image().size();
+    if (picture.isEmpty()) return;
+    const QSize room = BasicArea->maximumViewportSize();
+    const double zoom = std::min(static_cast<double>(room.width()) / picture.width(),
+                                 static_cast<double>(room.height()) / picture.height());
+    setZoom(zoom);
+}
+
+void FrmDocument::zoomAround(double zoom, QPoint anchor) {
+    const double before = Picture2->zoom();
+    const QPointF picturePoint = QPointF(anchor - Picture2->pos()) / before;
+    Picture2->setZoom(zoom);
+    if (Picture2->zoom() == before) return;
+    // The scroll area has taken the new size: scroll so the same point stays put.
+    QScrollBar* h = BasicArea->horizontalScrollBar();
+    QScrollBar* v = BasicArea->verticalScrollBar();
+    h->setValue(static_cast<int>(std::lround(picturePoint.x() * Picture2->zoom() - anchor.x())));
+    v->setValue(static_cast<int>(std::lround(picturePoint.y() * Picture2->zoom() - anchor.y())));
+    emit zoomChanged(Picture2->zoom());
+}
+
+bool FrmDocument::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == BasicArea->viewport() && event->type() == QEvent::Wheel) {
+        auto* wheel = static_cast<QWheelEvent*>(event);
+        if (wheel->modifiers() & Qt::ControlModifier) {
+            const int steps = wheel->angleDelta().y();
+            if (steps != 0) {
+                zoomAround(PictureView::nextZoom(zoom(), steps > 0 ? 1 : -1),
+                           wheel->position().toPoint());
+            }
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
 void FrmDocument::setPath(const QString& path) {
     const QFileInfo info(path);
     QString folder = info.path();
@@ -215,7 +307,7 @@ void FrmDocument::setPath(const QString& path) {
 
 void FrmDocument::keyPressEvent(QKeyEvent* event) {
     // Only while all top menus are on, so never during a run.
-    if (!menusEnabled_ || frame_.state().ProcessingFlag == 1) {
+    if (!menusEnabled_ || frame_.busy()) {
         QWidget::keyPressEvent(event);
         return;
     }
@@ -239,7 +331,7 @@ void FrmDocument::keyPressEvent(QKeyEvent* event) {
 
 void FrmDocument::closeEvent(QCloseEvent* event) {
     // A run holds this document until its end.
-    if (frame_.state().ProcessingFlag == 1) {
+    if (frame_.busyWith(*this)) {
         event->ignore();
         return;
     }

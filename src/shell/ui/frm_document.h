@@ -7,6 +7,7 @@
 #include <string_view>
 
 class QAction;
+class QMdiSubWindow;
 class QMenu;
 class QScrollArea;
 
@@ -26,25 +27,46 @@ class FrmDocument : public QWidget {
     [[nodiscard]] Document& document() { return document_; }
     [[nodiscard]] const Document& document() const { return document_; }
 
-    // Shows the model's picture anew (after a run, an undo, a load).
+    // Shows the model's picture anew (after an undo, a load).
     void refreshPicture();
+    // Shows a picture already made from the model (at the end of a run).
+    void showPicture(QImage picture);
     // Path into caption and the two name labels.
     void setPath(const QString& path);
+    // The child window that holds this document; null before it is placed.
+    [[nodiscard]] QMdiSubWindow* subWindow() const;
+    // Closes the child window, as the menu's close, its button and Ctrl+W do.
+    void closeWindow();
 
     // The top menus in menu-bar order, and MnuProgress behind them.
     [[nodiscard]] const QList<QMenu*>& topMenus() const { return topMenus_; }
     [[nodiscard]] QAction* progressItem() const { return MnuProgress; }
     [[nodiscard]] QMenu* menu(const char* name) const;
+    [[nodiscard]] QAction* undoAction() const { return undoAction_; }
+    [[nodiscard]] QAction* finalLoadAction() const { return finalLoadAction_; }
+    [[nodiscard]] QAction* closeAction() const { return closeAction_; }
     // SetMenusEnabled: every top menu on or off.
     void SetMenusEnabled(bool enable);
     // Rebuilds the history rows of the file menu from the frame's history.
     void refreshHistory();
 
     [[nodiscard]] PictureView& pictureView() { return *Picture2; }
+    [[nodiscard]] const PictureView& pictureView() const { return *Picture2; }
+    [[nodiscard]] QScrollArea& basicArea() { return *BasicArea; }
+
+    // Zoom of the view; the picture and all coordinates stay in picture pixels.
+    void zoomBy(int direction);
+    void setZoom(double zoom);
+    void zoomToFit();
+    [[nodiscard]] double zoom() const;
+
+  signals:
+    void zoomChanged(double zoom);
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void buildMenus();
@@ -52,6 +74,8 @@ class FrmDocument : public QWidget {
     void fillEffectMenu(QMenu& menu, std::string_view menuName);
     void addEffectAction(QMenu& menu, const EffectEntry& entry);
     QMenu* addTopMenu(const char* objectName, int captionId);
+    // Zooms keeping the picture point under `anchor` (viewport coordinates) in place.
+    void zoomAround(double zoom, QPoint anchor);
 
     FrmMain& frame_;
     Document document_;
@@ -61,6 +85,9 @@ class FrmDocument : public QWidget {
     QList<QAction*> historyActions_;
     QAction* historySeparator_ = nullptr;
     QAction* MnuProgress = nullptr;
+    QAction* undoAction_ = nullptr;
+    QAction* finalLoadAction_ = nullptr;
+    QAction* closeAction_ = nullptr;
     bool menusEnabled_ = true;
 };
 

@@ -5,12 +5,14 @@
 #include "engine/raster_step.h"
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/load_dispatch.h"
+#include "platform/qt_picture_decoder.h"
 #include "shell/string_table.h"
 #include "shell/ui/dialogs/dialogs.h"
 #include "shell/ui/frm_document.h"
 #include "shell/ui/frm_picture_save.h"
 #include "shell/ui/picture_view.h"
 #include "shell/ui/run_controller.h"
+#include "shell/ui/surface_image.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
 
@@ -18,10 +20,10 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QEventLoop>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -31,14 +33,19 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPainter>
 #include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTextBrowser>
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
+#include <QtMath>
 #include <algorithm>
+#include <exception>
 #include <functional>
+#include <thread>
 
 namespace lumiran {
 namespace {
@@ -71,20 +78,70 @@ QStringList folderPattern() {
             "*.pcx", "*.ppm", "*.tga", "*.jpg", "*.gif", "*.pcd"};
 }
 
-// Shows the load percentage in a document's progress entry while the reader runs.
+// Hands the decoder a progress sink for the length of one load.
+class DecoderProgress {
+  public:
+    DecoderProgress(QtPictureDecoder& decoder, ProgressSink& sink) : decoder_(decoder) {
+        decoder_.setProgress(&sink);
+    }
+    ~DecoderProgress() { decoder_.setProgress(nullptr); }
+    DecoderProgress(const DecoderProgress&) = delete;
+    DecoderProgress& operator=(const DecoderProgress&) = delete;
+
+  private:
+    QtPictureDecoder& decoder_;
+};
+
+// Shows the load percentage in a document's progress entry; the reader runs
+// on a worker thread, the entry lives on the GUI thread.
 class MenuProgressSink : public ProgressSink {
   public:
     explicit MenuProgressSink(QAction* item) : item_(item) {}
     void showPercent(int percent) override {
-        if (item_ == nullptr) return;
-        item_->setText(qs(loadProgressCaption(percent)));
-        // Repaint only: input waits until the load is done.
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        if (percent == shown_) return;
+        shown_ = percent;
+        QMetaObject::invokeMethod(
+            item_, [item = item_, percent] { item->setText(qs(loadProgressCaption(percent))); },
+            Qt::QueuedConnection);
     }
 
   private:
     QAction* item_;
+    int shown_ = -1;
 };
+
+// What a load hands back: the picture, its copy for FinalLoadImage and its
+// image for the screen, all made on the worker.
+struct LoadedPicture {
+    std::optional<Surface> picture;
+    Surface finalLoadCopy;
+    QImage shown;
+    std::exception_ptr failure;
+};
+
+// Reads the file on a worker thread while the GUI thread repaints; input
+// waits until the load is done, as it always has.
+LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, QAction* progressItem) {
+    LoadedPicture loaded;
+    MenuProgressSink sink(progressItem);
+    const DecoderProgress decoderProgress(decoder, sink);
+    QEventLoop wait;
+    std::thread worker([&] {
+        try {
+            loaded.picture = LoadImageFile(path.toStdString(), &decoder, &sink);
+            if (loaded.picture) {
+                loaded.finalLoadCopy = *loaded.picture;
+                loaded.shown = toQImage(*loaded.picture);
+            }
+        } catch (...) {
+            loaded.failure = std::current_exception();
+        }
+        QMetaObject::invokeMethod(&wait, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    wait.exec(QEventLoop::ExcludeUserInputEvents);
+    worker.join();
+    return loaded;
+}
 
 // A status panel that reports clicks.
 class StatusPanel : public QLabel {
@@ -104,7 +161,7 @@ QString colourStyle(Rgb8 c) {
 
 } // namespace
 
-FrmMain::FrmMain(KeyValueStore& store, PlatformDecoder& decoder)
+FrmMain::FrmMain(KeyValueStore& store, QtPictureDecoder& decoder)
     : store_(store), decoder_(decoder), runs_(std::make_unique<RunController>(state_)),
       mdiArea_(new QMdiArea) {
     setObjectName("FrmMain");
@@ -117,10 +174,15 @@ FrmMain::FrmMain(KeyValueStore& store, PlatformDecoder& decoder)
     buildToolBar();
     buildStatusBar();
     connect(mdiArea_, &QMdiArea::subWindowActivated, this, [this] { refreshMenus(); });
-    connect(runs_.get(), &RunController::runningChanged, this,
-            [this](bool running) { setMenusEnabled(!running); });
+    runs_->setOwnerWindow(this);
+    connect(runs_.get(), &RunController::runningChanged, this, [this](bool running) {
+        setMenusEnabled(!running);
+        if (running) messagePanel_->clear();
+    });
     connect(runs_.get(), &RunController::finished, this,
-            [this](Document* document, RunOutcome) { onRunFinished(document); });
+            [this](Document* document, RunOutcome outcome, QImage picture) {
+                onRunFinished(document, outcome, std::move(picture));
+            });
     refreshMenus();
     refreshStatus();
     applyFontSize();
@@ -184,14 +246,17 @@ void FrmMain::reportSettingsProblems(const std::vector<SettingsProblem>& problem
 void FrmMain::buildFrameMenus() {
     auto* file = new QMenu(res(ids::MenuImage), this);
     file->setObjectName("mnuFile");
-    file->addAction(res(ids::FileOpen), this, &FrmMain::openWithDialog);
-    file->addAction(res(ids::FileNew), this, &FrmMain::newImage);
+    file->addAction(res(ids::FileOpen), QKeySequence(Qt::CTRL | Qt::Key_O), this,
+                    &FrmMain::openWithDialog);
+    file->addAction(res(ids::FileNew), QKeySequence(Qt::CTRL | Qt::Key_N), this,
+                    &FrmMain::newImage);
     file->addSeparator();
     file->addAction(res(ids::FileCapture))->setEnabled(false);
     file->addSeparator();
     file->addAction(res(ids::FileViewer))->setEnabled(false);
     file->addSeparator();
-    file->addAction(res(ids::FileExit), this, &QWidget::close);
+    file->addAction(res(ids::FileExit), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close)
+        ->setObjectName("FileExit");
     frameHistorySeparator_ = file->addSeparator();
     for (int i = 0; i < static_cast<int>(LoadHistory::Size); ++i) {
         QAction* row = file->addAction(QString());
@@ -202,8 +267,8 @@ void FrmMain::buildFrameMenus() {
 
     auto* edit = new QMenu(res(ids::MenuEdit), this);
     edit->setObjectName("mnuEdit");
-    edit->addAction(res(ids::EditFinalLoad), this, &FrmMain::openFinalLoadImage)
-        ->setObjectName("mnueditfinalloadnewopen");
+    frameFinalLoad_ = edit->addAction(res(ids::EditFinalLoad), this, &FrmMain::openFinalLoadImage);
+    frameFinalLoad_->setObjectName("mnueditfinalloadnewopen");
     edit->addAction(res(ids::EditPasteClipboard))->setEnabled(false);
     edit->addAction(res(ids::EditClipboardClear))->setEnabled(false);
     edit->addAction(res(ids::EditHistoryClear), this, &FrmMain::clearHistory)
@@ -231,7 +296,7 @@ void FrmMain::buildFrameMenus() {
 
     auto* help = new QMenu(res(ids::MenuHelp), this);
     help->setObjectName("MnuHelp");
-    help->addAction(res(ids::HelpContents), this, &FrmMain::showHelp);
+    help->addAction(res(ids::HelpContents), QKeySequence(Qt::Key_F1), this, &FrmMain::showHelp);
     help->addAction(res(ids::HelpAbout), this, &FrmMain::showAbout);
 
     frameMenus_ = {file, edit, view, help};
@@ -269,6 +334,23 @@ constexpr ToolButton ToolButtons[] = {
     {4136, QStyle::SP_DialogHelpButton},
 };
 
+// A button's icon with a faded image for its disabled state, so that a
+// button without a command reads as off whatever the style draws.
+QIcon fadedWhenDisabled(const QIcon& icon, QSize size) {
+    const QPixmap normal = icon.pixmap(size);
+    QPixmap faded(normal.size());
+    faded.setDevicePixelRatio(normal.devicePixelRatio());
+    faded.fill(Qt::transparent);
+    QPainter painter(&faded);
+    painter.setOpacity(0.3);
+    painter.drawPixmap(0, 0, normal);
+    painter.end();
+    QIcon result;
+    result.addPixmap(normal, QIcon::Normal);
+    result.addPixmap(faded, QIcon::Disabled);
+    return result;
+}
+
 QString toolKey(int base) {
     return QString("LoadResString(%1 + Language)").arg(base);
 }
@@ -281,13 +363,19 @@ void FrmMain::buildToolBar() {
     for (const ToolButton& tool : ToolButtons) {
         // The keys are opaque literals that the click handler compares.
         const QString key = toolKey(tool.base);
-        QAction* button =
-            tbToolBar->addAction(style()->standardIcon(tool.icon), res(tool.base + 1));
-        button->setToolTip(res(tool.base + 1));
+        QAction* button = tbToolBar->addAction(
+            fadedWhenDisabled(style()->standardIcon(tool.icon), tbToolBar->iconSize()),
+            res(tool.base + 1));
+        button->setObjectName(QString("Tool%1").arg(tool.base));
         button->setData(key);
-        // Print, clipboard, area tools, capture, viewer and browser come with their tools.
-        button->setEnabled(routeToolButton(key, false));
+        // Print, clipboard, area tools, capture, viewer and browser come with
+        // their tools; until then they say so, as unavailable effects do.
+        const bool available = routeToolButton(key, false);
+        button->setEnabled(available);
+        button->setToolTip(available ? res(tool.base + 1)
+                                     : res(tool.base + 1) + "\n" + res(ids::NotAvailableYet));
         connect(button, &QAction::triggered, this, [this, key] { routeToolButton(key, true); });
+        if (tool.base == 3488) toolUndo_ = button;
     }
 }
 
@@ -327,10 +415,24 @@ void FrmMain::buildStatusBar() {
     toolPanel_ = makePanel("ToolPanel");
     backColorPanel_ = makePanel("BackColorPanel");
     drawingColorPanel_ = makePanel("DrawingColorPanel");
+    // Beside the panels above: what the last command did, and the picture
+    // under the pointer, its size and its zoom.
+    messagePanel_ = new QLabel;
+    messagePanel_->setObjectName("MessagePanel");
+    statusBar()->addWidget(messagePanel_, 1);
+    auto permanent = [this](const char* name) {
+        auto* panel = new QLabel;
+        panel->setObjectName(name);
+        statusBar()->addPermanentWidget(panel);
+        return panel;
+    };
+    pointerPanel_ = permanent("PointerPanel");
+    sizePanel_ = permanent("SizePanel");
+    zoomPanel_ = permanent("ZoomPanel");
 }
 
 bool FrmMain::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonRelease && state_.ProcessingFlag == 0) {
+    if (event->type() == QEvent::MouseButtonRelease && !busy()) {
         // A click steps a flag, wrapping after 10, or opens the colour dialog.
         if (watched == calculationPanel_) {
             state_.flags.calculationFlag = (state_.flags.calculationFlag + 1) % 11;
@@ -387,6 +489,77 @@ void FrmMain::refreshMenus() {
         menuBar()->addMenu(m);
     menuBar()->addAction(doc != nullptr ? doc->progressItem() : frameProgress_);
     setMenusEnabled(!runs_->running());
+    refreshCommands();
+    refreshPicturePanels();
+}
+
+bool FrmMain::busy() const {
+    return runs_->running();
+}
+
+bool FrmMain::busyWith(const FrmDocument& document) const {
+    return runs_->running() && runs_->document() == &document.document();
+}
+
+void FrmMain::refreshCommands() {
+    // The run's worker owns the undo stack until the end, which calls this again.
+    if (busy()) return;
+    const std::uint8_t count = state_.undo.UndoCount();
+    QString name;
+    if (count > 0 && state_.undo.slot(0)) name = qs(state_.undo.slot(0)->nameLabel);
+    // The stack is global: the caption tells whose picture comes back.
+    const QString caption =
+        name.isEmpty() ? res(ids::EditUndo) : res(ids::EditUndo) + " (" + name + ")";
+    for (FrmDocument* doc : documents()) {
+        doc->undoAction()->setEnabled(count > 0);
+        doc->undoAction()->setText(caption);
+        doc->finalLoadAction()->setEnabled(imageLoaded_);
+    }
+    frameFinalLoad_->setEnabled(imageLoaded_);
+    if (toolUndo_ != nullptr) {
+        toolUndo_->setEnabled(count > 0 && activeDocument() != nullptr);
+        toolUndo_->setToolTip(name.isEmpty() ? res(3489) : res(3489) + " (" + name + ")");
+    }
+}
+
+void FrmMain::refreshPicturePanels() {
+    const FrmDocument* doc = activeDocument();
+    if (doc == nullptr) {
+        sizePanel_->clear();
+        zoomPanel_->clear();
+        pointerPanel_->clear();
+        return;
+    }
+    // The screen's copy of the picture: the model may be in a run's hands.
+    const QSize picture = doc->pictureView().image().size();
+    sizePanel_->setText(res(ids::StatusSize).arg(picture.width()).arg(picture.height()));
+    const double percent = doc->zoom() * 100.0;
+    zoomPanel_->setText(
+        res(ids::StatusZoom).arg(QString::number(percent, 'f', percent < 10 ? 1 : 0)));
+}
+
+void FrmMain::showPointer(const FrmDocument& document, QPoint pixel) {
+    // The screen's copy of the picture: the model may be in a run's hands.
+    const QImage& shown = document.pictureView().image();
+    if (!shown.rect().contains(pixel)) {
+        clearPointer();
+        return;
+    }
+    const QRgb c = shown.pixel(pixel);
+    pointerPanel_->setText(res(ids::StatusPointer)
+                               .arg(pixel.x())
+                               .arg(pixel.y())
+                               .arg(qRed(c))
+                               .arg(qGreen(c))
+                               .arg(qBlue(c)));
+}
+
+void FrmMain::clearPointer() {
+    pointerPanel_->clear();
+}
+
+QString FrmMain::statusMessage() const {
+    return messagePanel_->text();
 }
 
 void FrmMain::setMenusEnabled(bool enable) {
@@ -428,13 +601,38 @@ void FrmMain::ApplyRegulation() {
     arrange(settings_.AutoRegulation);
 }
 
-void FrmMain::arrange(int mode) {
-    if (mode == 1) {
-        mdiArea_->cascadeSubWindows();
-        return;
+namespace {
+
+// The offset from one window of a cascade to the next: its title bar.
+int cascadeStep(const QMdiArea& area) {
+    return std::max(16, area.style()->pixelMetric(QStyle::PM_TitleBarHeight) + 4);
+}
+
+// A document window's size when it shows its whole picture.
+QSize wholePictureSize(QMdiSubWindow& sub) {
+    auto* doc = qobject_cast<FrmDocument*>(sub.widget());
+    if (doc == nullptr) return sub.size();
+    const QSize frame = sub.size() - sub.widget()->size();
+    return doc->pictureView().size() + frame + QSize(4, 4);
+}
+
+} // namespace
+
+QPoint FrmMain::nextWindowPlace(QSize size, const QMdiSubWindow* placed) const {
+    const QSize room = mdiArea_->viewport()->size();
+    const int step = cascadeStep(*mdiArea_);
+    int others = 0;
+    for (QMdiSubWindow* sub : mdiArea_->subWindowList()) {
+        if (sub != placed && sub->isVisible()) ++others;
     }
-    if (mode != 2 && mode != 3) return;
-    // Tiled across: one above the other, full width; tiled down: side by side.
+    // As many places down the diagonal as keep the whole window inside.
+    const int places = 1 + std::max(0, std::min((room.width() - size.width()) / step,
+                                                (room.height() - size.height()) / step));
+    const int place = others % places;
+    return {place * step, place * step};
+}
+
+void FrmMain::arrange(int mode) {
     QList<QMdiSubWindow*> windows;
     for (QMdiSubWindow* sub : mdiArea_->subWindowList()) {
         if (sub->isVisible() && !sub->isMinimized()) windows.append(sub);
@@ -442,6 +640,30 @@ void FrmMain::arrange(int mode) {
     if (windows.isEmpty()) return;
     const QSize room = mdiArea_->viewport()->size();
     const int n = static_cast<int>(windows.size());
+    if (mode == 1) {
+        // Cascade: each window as large as its picture wants, at least half
+        // the workspace where that much is wanted, and whole inside it; the
+        // active window comes last, on top.
+        if (QMdiSubWindow* active = mdiArea_->activeSubWindow(); windows.removeOne(active)) {
+            windows.append(active);
+        }
+        const int step = cascadeStep(*mdiArea_);
+        const QSize least = room / 2;
+        const int places = 1 + std::max(0, std::min((room.width() - least.width()) / step,
+                                                    (room.height() - least.height()) / step));
+        for (int i = 0; i < n; ++i) {
+            QMdiSubWindow* sub = windows[i];
+            sub->showNormal();
+            const QPoint at((i % places) * step, (i % places) * step);
+            const QSize size = wholePictureSize(*sub).boundedTo(
+                QSize(room.width() - at.x(), room.height() - at.y()));
+            sub->setGeometry(QRect(at, size));
+            sub->raise();
+        }
+        return;
+    }
+    if (mode != 2 && mode != 3) return;
+    // Tiled across: one above the other, full width; tiled down: side by side.
     for (int i = 0; i < n; ++i) {
         windows[i]->showNormal();
         if (mode == 2) {
@@ -469,57 +691,77 @@ FrmDocument* FrmMain::makeDocument() {
     auto* doc = new FrmDocument(*this);
     QMdiSubWindow* sub = mdiArea_->addSubWindow(doc);
     sub->setAttribute(Qt::WA_DeleteOnClose);
+    // The document's close entry carries Ctrl+W and Ctrl+F4; the child
+    // window's own menu giving them too would make both keys ambiguous.
+    if (QMenu* system = sub->systemMenu()) {
+        for (QAction* action : system->actions()) {
+            for (const QKeySequence& key : doc->closeAction()->shortcuts()) {
+                if (action->shortcuts().contains(key)) action->setShortcuts({});
+            }
+        }
+    }
+    connect(&doc->pictureView(), &PictureView::pointerMoved, this,
+            [this, doc](QPoint pixel) { showPointer(*doc, pixel); });
+    connect(&doc->pictureView(), &PictureView::pointerLeft, this, &FrmMain::clearPointer);
+    connect(doc, &FrmDocument::zoomChanged, this, &FrmMain::refreshPicturePanels);
     ++documentCount_;
     return doc;
 }
 
-namespace {
-
-// The window follows the picture's size, within the frame's client area.
-void fitNewDocument(QMdiArea& area, FrmDocument& doc) {
-    QMdiSubWindow* sub = qobject_cast<QMdiSubWindow*>(doc.parentWidget());
+void FrmMain::placeNewDocument(FrmDocument& doc) {
+    QMdiSubWindow* sub = doc.subWindow();
     if (sub == nullptr) return;
-    const QSize picture = doc.pictureView().size();
-    const QSize frame = sub->size() - sub->widget()->size();
-    const QSize wanted = picture + frame + QSize(4, 4);
-    const QSize room = area.viewport()->size();
-    sub->resize(std::min(wanted.width(), room.width()), std::min(wanted.height(), room.height()));
+    // The window follows the picture's size, within the frame's client area,
+    // and opens at the next place of a cascade that keeps it whole inside.
+    sub->show();
+    const QSize size = wholePictureSize(*sub).boundedTo(mdiArea_->viewport()->size());
+    sub->setGeometry(QRect(nextWindowPlace(size, sub), size));
 }
 
-} // namespace
-
 FrmDocument* FrmMain::openFile(const QString& path) {
-    if (path.isEmpty() || !CheckWindowLimit()) return nullptr;
+    if (path.isEmpty() || busy() || !CheckWindowLimit()) return nullptr;
     FrmDocument* doc = makeDocument();
     doc->setPath(path);
-    std::optional<Surface> picture;
-    try {
-        MenuProgressSink sink(doc->progressItem());
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-        picture = LoadImageFile(path.toStdString(), &decoder_, &sink);
-        QApplication::restoreOverrideCursor();
-    } catch (const ImageLoadError& error) {
-        QApplication::restoreOverrideCursor();
-        doc->progressItem()->setText(QString());
-        QMessageBox box(QMessageBox::Warning, qs(errorTitle(error.number())),
-                        qs(error.description()), QMessageBox::Ok, this);
-        box.setDetailedText(qs(error.detail()));
+    // The new document's progress entry stands in the menu bar while it loads.
+    menuBar()->addAction(doc->progressItem());
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    LoadedPicture loaded = loadOnWorker(path, decoder_, doc->progressItem());
+    QApplication::restoreOverrideCursor();
+    QCoreApplication::sendPostedEvents(doc->progressItem());
+    doc->progressItem()->setText(QString());
+    if (loaded.failure) {
+        std::optional<ImageLoadError> failure;
+        try {
+            std::rethrow_exception(loaded.failure);
+        } catch (const ImageLoadError& error) {
+            failure = error;
+        } catch (const std::bad_alloc&) {
+            const EffectError memory = EffectError::outOfMemory();
+            failure = ImageLoadError(memory.number(), memory.description(), path.toStdString());
+        }
+        QMessageBox box(QMessageBox::Warning, qs(errorTitle(failure->number())),
+                        qs(failure->description()), QMessageBox::Ok, this);
+        box.setDetailedText(qs(failure->detail()));
         box.exec();
         // The document that was to hold it goes again; the others stay as they were.
-        doc->parentWidget()->close();
+        doc->closeWindow();
+        refreshMenus();
         return nullptr;
     }
-    doc->progressItem()->setText(QString());
-    // An extension the program does not know leaves the blank picture.
-    doc->document().picture =
-        picture ? std::move(*picture) : Surface(320, 240, makePixel(255, 255, 255));
-    state_.keep.FinalLoadImage = doc->document().picture;
+    if (loaded.picture) {
+        doc->document().picture = std::move(*loaded.picture);
+        state_.keep.FinalLoadImage = std::move(loaded.finalLoadCopy);
+        doc->showPicture(std::move(loaded.shown));
+    } else {
+        // An extension the program does not know leaves the blank picture.
+        doc->document().picture = Surface(320, 240, makePixel(255, 255, 255));
+        state_.keep.FinalLoadImage = doc->document().picture;
+        doc->refreshPicture();
+    }
     finalLoadFolder_ = doc->document().folderLabel;
     finalLoadName_ = doc->document().nameLabel;
     imageLoaded_ = true;
-    doc->refreshPicture();
-    doc->parentWidget()->show();
-    fitNewDocument(*mdiArea_, *doc);
+    placeNewDocument(*doc);
     ApplyRegulation();
     settings_.history.add(path.toStdString());
     settings_.OpenFolder = QFileInfo(path).absolutePath().toStdString();
@@ -536,7 +778,7 @@ void FrmMain::openCommandLine(const QString& commandLine) {
 }
 
 void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) {
-    if (state_.ProcessingFlag == 1) return;
+    if (busy()) return;
     Document& model = document.document();
     if (model.ToolsFlag == 4 || model.ToolsFlag == 2) model.ToolsFlag = 3;
     // The forms are loaded afresh for every effect.
@@ -549,6 +791,7 @@ void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) 
 }
 
 void FrmMain::openWithDialog() {
+    if (busy()) return;
     QString start;
     if (settings_.OpenFolder != LoadHistory::Empty) start = qs(settings_.OpenFolder);
     const QString path =
@@ -557,7 +800,7 @@ void FrmMain::openWithDialog() {
 }
 
 void FrmMain::newImage() {
-    if (!CheckWindowLimit()) return;
+    if (busy() || !CheckWindowLimit()) return;
     const std::optional<NewImageRequest> request = showCreateDialog(settings_, this);
     if (!request) return;
     FrmDocument* doc = makeDocument();
@@ -566,20 +809,26 @@ void FrmMain::newImage() {
     doc->document().nameLabel = request->name.toStdString();
     doc->setWindowTitle(request->name);
     doc->refreshPicture();
-    doc->parentWidget()->show();
-    fitNewDocument(*mdiArea_, *doc);
+    placeNewDocument(*doc);
     refreshMenus();
 }
 
 void FrmMain::saveDocument(FrmDocument& doc) {
-    const QString suggested = qs(doc.document().caption());
+    if (busy()) return;
+    QString folder = qs(doc.document().folderLabel);
+    if (folder.isEmpty() && settings_.OpenFolder != LoadHistory::Empty) {
+        folder = qs(settings_.OpenFolder) + "/";
+    }
+    const QString suggested = proposedSaveName(folder, qs(doc.document().nameLabel));
     frm_PictureSave dialog(doc.document().picture, suggested, settings_.FontSize, this);
     dialog.exec();
+    // Some window managers leave the keyboard nowhere after nested dialogs.
+    activateWindow();
     if (!dialog.savedPath().isEmpty()) doc.setPath(dialog.savedPath());
 }
 
 void FrmMain::undo(FrmDocument& doc) {
-    if (state_.undo.UndoCount() == 0) return;
+    if (busy() || state_.undo.UndoCount() == 0) return;
     try {
         state_.undo.PopUndo(doc.document());
     } catch (...) {
@@ -588,23 +837,28 @@ void FrmMain::undo(FrmDocument& doc) {
     }
     doc.setWindowTitle(qs(doc.document().caption()));
     doc.refreshPicture();
+    clearPointer();
+    messagePanel_->setText(res(ids::StatusUndone).arg(qs(doc.document().nameLabel)));
+    refreshCommands();
+    refreshPicturePanels();
 }
 
 void FrmMain::releaseUndo() {
+    if (busy()) return;
     state_.undo.release();
+    refreshCommands();
     QMessageBox::information(this, res(ids::EditUndoRelease), res(ids::Done));
 }
 
 void FrmMain::openFinalLoadImage() {
-    if (!imageLoaded_ || !CheckWindowLimit()) return;
+    if (busy() || !imageLoaded_ || !CheckWindowLimit()) return;
     FrmDocument* doc = makeDocument();
     doc->document().picture = state_.keep.FinalLoadImage;
     doc->document().folderLabel = finalLoadFolder_;
     doc->document().nameLabel = finalLoadName_;
     doc->setWindowTitle(qs(doc->document().caption()));
     doc->refreshPicture();
-    doc->parentWidget()->show();
-    fitNewDocument(*mdiArea_, *doc);
+    placeNewDocument(*doc);
     refreshMenus();
 }
 
@@ -651,6 +905,7 @@ void FrmMain::showOptions() {
     state_.undo.setMaxUndoCount(edited.MaxUndoCount);
     applyFontSize();
     refreshStatus();
+    refreshCommands();
 }
 
 void FrmMain::showColorSet() {
@@ -674,12 +929,28 @@ void FrmMain::showPictureInfo(FrmDocument& doc) {
 }
 
 void FrmMain::showHelp() {
-    const QString help = QCoreApplication::applicationDirPath() + "/help/index.html";
-    if (!QFileInfo::exists(help)) {
+    // A window of the editor's own, so help shows on any desktop.
+    const QUrl help("qrc:/help/index.html");
+    if (!QFileInfo::exists(":/help/index.html")) {
         QMessageBox::warning(this, res(ids::ErrorTitle), res(ids::HelpMissing));
         return;
     }
-    QDesktopServices::openUrl(QUrl::fromLocalFile(help));
+    if (!helpWindow_) {
+        helpWindow_ = new QTextBrowser(this);
+        helpWindow_->setObjectName("HelpWindow");
+        helpWindow_->setWindowFlag(Qt::Window);
+        helpWindow_->setAttribute(Qt::WA_DeleteOnClose);
+        helpWindow_->setOpenExternalLinks(true);
+        helpWindow_->setSource(help);
+        helpWindow_->setWindowTitle(helpWindow_->documentTitle());
+        // Over the frame, where the user is looking.
+        const QSize size = QSize(720, 600).boundedTo(this->size());
+        helpWindow_->setGeometry(
+            QRect(geometry().center() - QPoint(size.width(), size.height()) / 2, size));
+    }
+    helpWindow_->show();
+    helpWindow_->raise();
+    helpWindow_->activateWindow();
 }
 
 void FrmMain::showAbout() {
@@ -699,17 +970,24 @@ bool FrmMain::runEffect(FrmDocument& doc, EffectBody body, RunOptions options) {
                         settings_.ProcessBarType, options);
 }
 
-void FrmMain::onRunFinished(Document* document) {
+void FrmMain::onRunFinished(Document* document, RunOutcome outcome, QImage picture) {
     for (FrmDocument* doc : documents()) {
-        if (&doc->document() == document) {
-            doc->setWindowTitle(qs(document->caption()));
+        if (&doc->document() != document) continue;
+        doc->setWindowTitle(qs(document->caption()));
+        if (!picture.isNull()) {
+            doc->showPicture(std::move(picture));
+        } else if (outcome == RunOutcome::Applied) {
             doc->refreshPicture();
         }
     }
+    clearPointer();
+    refreshCommands();
+    refreshPicturePanels();
 }
 
 void FrmMain::documentClosed(FrmDocument* document) {
     --documentCount_;
+    if (documentCount_ == 0) messagePanel_->clear();
     // A form configured for this document has nothing left to work on.
     if (effectDialog_ && &effectDialog_->document() == document) effectDialog_->close();
     // The closing window still counts among the subwindows until it is gone.
@@ -717,8 +995,8 @@ void FrmMain::documentClosed(FrmDocument* document) {
 }
 
 void FrmMain::closeEvent(QCloseEvent* event) {
-    if (state_.ProcessingFlag == 1) {
-        event->ignore();
+    if (closing_) {
+        event->accept();
         return;
     }
     const auto answer = QMessageBox::question(this, res(ids::ExitTitle), res(ids::ExitQuestion),
@@ -728,9 +1006,19 @@ void FrmMain::closeEvent(QCloseEvent* event) {
         return;
     }
     closing_ = true;
+    // A run in progress is cancelled and ends its current row first, so the
+    // document is as it was before the run when the settings are written.
+    if (runs_->running()) {
+        runs_->cancel();
+        runs_->waitForEnd();
+    }
+    // Windows of their own that would otherwise keep the program alive.
+    if (effectDialog_) effectDialog_->close();
+    if (helpWindow_) helpWindow_->close();
     mdiArea_->closeAllSubWindows();
     writeSettings();
     event->accept();
+    emit exited();
 }
 
 void FrmMain::dragEnterEvent(QDragEnterEvent* event) {
@@ -738,6 +1026,7 @@ void FrmMain::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void FrmMain::dropEvent(QDropEvent* event) {
+    if (busy()) return;
     for (const QUrl& url : event->mimeData()->urls()) {
         if (url.isLocalFile()) openFile(url.toLocalFile());
     }

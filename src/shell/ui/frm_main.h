@@ -4,8 +4,10 @@
 #include "shell/program_state.h"
 #include "shell/settings.h"
 
+#include <QImage>
 #include <QMainWindow>
 #include <QPointer>
+#include <QTextBrowser>
 #include <memory>
 
 class QAction;
@@ -13,13 +15,14 @@ class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
+
 class QToolBar;
 
 namespace lumiran {
 
 class FrmDocument;
 class KeyValueStore;
-class PlatformDecoder;
+class QtPictureDecoder;
 class RunController;
 struct EffectEntry;
 class EffectDialog;
@@ -32,7 +35,7 @@ class FrmMain : public QMainWindow {
   public:
     // The store and decoder outlive the frame; the store is read here and
     // written when the frame closes.
-    FrmMain(KeyValueStore& store, PlatformDecoder& decoder);
+    FrmMain(KeyValueStore& store, QtPictureDecoder& decoder);
     ~FrmMain() override;
 
     [[nodiscard]] ProgramState& state() { return state_; }
@@ -41,6 +44,12 @@ class FrmMain : public QMainWindow {
     [[nodiscard]] int DocumentCount() const { return documentCount_; }
     [[nodiscard]] FrmDocument* activeDocument() const;
     [[nodiscard]] QList<FrmDocument*> documents() const;
+    [[nodiscard]] QMdiArea& workspace() const { return *mdiArea_; }
+    // True from the start of a run until its end: commands that touch a
+    // picture, the undo stack or a document wait until then.
+    [[nodiscard]] bool busy() const;
+    // True while a run holds this document.
+    [[nodiscard]] bool busyWith(const FrmDocument& document) const;
 
     // Problems met while reading the settings, shown once the frame is up.
     [[nodiscard]] const std::vector<SettingsProblem>& settingsProblems() const {
@@ -59,6 +68,10 @@ class FrmMain : public QMainWindow {
     // Window arrangement: 1 cascade, 2 tiled across, 3 tiled down.
     void arrange(int mode);
     void arrangeIcons();
+    // Where a new document window of this size goes: the next place of a
+    // cascade that keeps the whole window inside the workspace. `placed` is
+    // the window being placed, which does not count among the others.
+    [[nodiscard]] QPoint nextWindowPlace(QSize size, const QMdiSubWindow* placed = nullptr) const;
 
     // Runs an effect body on a document through the run frame. Until the
     // effect menus exist this is how a run is started (tests).
@@ -81,6 +94,8 @@ class FrmMain : public QMainWindow {
     void showColorSet();
     void showPictureInfo(FrmDocument& document);
     void showHelp();
+    // The help window of the editor's own; null until help was asked for.
+    [[nodiscard]] QTextBrowser* helpWindow() const { return helpWindow_; }
     void showAbout();
     void easterEgg();
     void setAutoPreview(bool on);
@@ -92,6 +107,19 @@ class FrmMain : public QMainWindow {
     // Menu bar, status panels and history rows anew.
     void refreshMenus();
     void refreshStatus();
+    // Undo entries (enabled, named after the next level's document) and the
+    // entries that need a loaded image.
+    void refreshCommands();
+    // The panels beside the frame's own: the active picture's size and zoom,
+    // the pixel under the pointer, the last message.
+    void refreshPicturePanels();
+    void showPointer(const FrmDocument& document, QPoint pixel);
+    void clearPointer();
+    [[nodiscard]] QString statusMessage() const;
+
+  signals:
+    // The user confirmed the exit; the settings are written.
+    void exited();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -111,11 +139,13 @@ class FrmMain : public QMainWindow {
     // with no command yet.
     bool routeToolButton(const QString& key, bool run);
     FrmDocument* makeDocument();
+    // Shows a new document window inside the workspace, sized to its picture.
+    void placeNewDocument(FrmDocument& document);
     void applyFontSize();
-    void onRunFinished(Document* document);
+    void onRunFinished(Document* document, RunOutcome outcome, QImage picture);
 
     KeyValueStore& store_;
-    PlatformDecoder& decoder_;
+    QtPictureDecoder& decoder_;
     ProgramState state_;
     Settings settings_;
     std::unique_ptr<RunController> runs_;
@@ -138,7 +168,14 @@ class FrmMain : public QMainWindow {
     QLabel* toolPanel_ = nullptr;
     QLabel* backColorPanel_ = nullptr;
     QLabel* drawingColorPanel_ = nullptr;
+    QLabel* messagePanel_ = nullptr;
+    QLabel* pointerPanel_ = nullptr;
+    QLabel* sizePanel_ = nullptr;
+    QLabel* zoomPanel_ = nullptr;
+    QAction* frameFinalLoad_ = nullptr;
+    QAction* toolUndo_ = nullptr;
     QPointer<EffectDialog> effectDialog_;
+    QPointer<QTextBrowser> helpWindow_;
 };
 
 } // namespace lumiran

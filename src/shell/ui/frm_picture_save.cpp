@@ -4,6 +4,7 @@
 #include "imagefiles/image_file_error.h"
 #include "imagefiles/load_dispatch.h"
 #include "shell/ui/dialogs/dialogs.h"
+#include "shell/ui/dialogs/frm_pictureinfo.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
 
@@ -13,27 +14,51 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 
 namespace lumiran {
 
-bool savePictureFile(const Surface& picture, const QString& path, SaveDepth depth) {
+SaveResult savePictureFile(const Surface& picture, const QString& path, SaveDepth depth) {
     const std::filesystem::path target = path.toStdString();
     try {
+        int code = Save256Success;
         switch (depth) {
         case SaveDepth::Bits24:
             saveBmp24(picture, target);
-            return true;
+            break;
         case SaveDepth::Bits8:
-            return Save256(picture, target, true) == Save256Success;
+            code = Save256(picture, target, true);
+            break;
         case SaveDepth::Bits1:
-            return SaveMonoImage(target, picture) == 1;
+            if (SaveMonoImage(target, picture) != 1) code = Save256EmptyPicture;
+            break;
         }
-    } catch (const ImageFileError&) {
+        if (code == Save256Success) return {true, {}};
+        if (code == Save256TooManyColours) {
+            return {
+                false,
+                res(ids::SaveTooManyColours)
+                    .arg(QLocale(QLocale::Japanese)
+                             .toString(static_cast<qulonglong>(countDistinctColours(picture))))};
+        }
+        return {false, res(ids::SaveEmptyPicture)};
+    } catch (const ImageFileError& error) {
+        if (picture.empty()) return {false, res(ids::SaveEmptyPicture)};
+        return {false, res(ids::SaveCannotWrite) + "\n" + path + "\n" + qs(error.what())};
     }
-    return false;
+}
+
+QString proposedSaveName(const QString& folder, const QString& name) {
+    QString base = name;
+    const std::string extension = FileExtension(name.toStdString());
+    if (!extension.empty() || base.endsWith('.')) {
+        base.chop(static_cast<qsizetype>(QString::fromStdString(extension).size()) + 1);
+    }
+    if (base.isEmpty()) return folder + name;
+    return folder + base + ".bmp";
 }
 
 frm_PictureSave::frm_PictureSave(const Surface& picture, const QString& suggestedPath, int fontSize,
@@ -42,6 +67,7 @@ frm_PictureSave::frm_PictureSave(const Surface& picture, const QString& suggeste
     setObjectName("frm_PictureSave");
     setWindowTitle(res(ids::SaveTitle));
     Text1->setObjectName("Text1");
+    Text1->setMinimumWidth(360); // room for a whole path
     auto* browse = new QPushButton(res(ids::SaveBrowse));
     auto* save = new QPushButton(res(ids::SaveCommand));
     save->setObjectName("Command1");
@@ -91,15 +117,20 @@ void frm_PictureSave::Command1_Click() {
     if (Option1[1]->isChecked()) depth = SaveDepth::Bits8;
     if (Option1[2]->isChecked()) depth = SaveDepth::Bits1;
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool saved = savePictureFile(picture_, path, depth);
+    const SaveResult result = savePictureFile(picture_, path, depth);
     QApplication::restoreOverrideCursor();
-    if (saved) {
+    if (result) {
         savedPath_ = path;
         QMessageBox::information(this, res(ids::SaveTitle), res(ids::SaveDone));
         accept();
-    } else {
-        QMessageBox::warning(this, res(ids::SaveTitle), res(ids::SaveFailed));
+        return;
     }
+    // The program's message, and why under the details, as a failed load has it.
+    QMessageBox box(QMessageBox::Warning, res(ids::SaveTitle), res(ids::SaveFailed),
+                    QMessageBox::Ok, this);
+    box.setObjectName("SaveFailedBox");
+    box.setDetailedText(result.reason);
+    box.exec();
 }
 
 } // namespace lumiran

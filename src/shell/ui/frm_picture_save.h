@@ -11,9 +11,20 @@ namespace lumiran {
 
 enum class SaveDepth { Bits24, Bits8, Bits1 };
 
-// Writes the picture at the depth; false when the writer refused or the
-// file could not be written (an existing file then stays as it was).
-bool savePictureFile(const Surface& picture, const QString& path, SaveDepth depth);
+// What became of a save: written, or refused with a reason for the user.
+struct SaveResult {
+    bool saved = false;
+    QString reason; // empty when saved
+    explicit operator bool() const { return saved; }
+};
+
+// Writes the picture at the depth. When the writer refuses or the file
+// cannot be written, an existing file stays as it was and the result tells why.
+SaveResult savePictureFile(const Surface& picture, const QString& path, SaveDepth depth);
+
+// The name the save dialog proposes: the folder and the document's name
+// with ".bmp" for its extension, since the program writes only bitmaps.
+[[nodiscard]] QString proposedSaveName(const QString& folder, const QString& name);
 
 // The save dialog: a path, three depths and the save button Command1.
 class frm_PictureSave : public QDialog {

@@ -3,6 +3,7 @@
 #include "shell/ui/dialogs/dialogs.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/qt_settings_store.h"
+#include "shell/ui/qt_translations.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -12,10 +13,14 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName("Lumiran");
     QApplication::setOrganizationName("Lumiran");
+    lumiran::installQtTranslations(application);
 
     lumiran::QtSettingsStore store;
     lumiran::QtPictureDecoder decoder;
     lumiran::FrmMain frame(store, decoder);
+    // The confirmed exit ends the program, whatever other window is still up.
+    QObject::connect(&frame, &lumiran::FrmMain::exited, &application, &QApplication::quit,
+                     Qt::QueuedConnection);
     // The splash closes and deletes itself after a moment.
     const QPointer<QWidget> splash = lumiran::showSplash(frame.settings());
     frame.show();

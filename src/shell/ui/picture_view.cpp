@@ -1,24 +1,111 @@
 #include "shell/ui/picture_view.h"
 
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <algorithm>
+#include <array>
+#include <cmath>
 
 namespace lumiran {
+namespace {
+
+constexpr std::array ZoomSteps{1.0 / 16, 1.0 / 8, 1.0 / 4, 1.0 / 3, 1.0 / 2, 2.0 / 3, 1.0,
+                               1.5,      2.0,     3.0,     4.0,     6.0,     8.0,     16.0};
+
+} // namespace
 
 PictureView::PictureView(QWidget* parent) : QWidget(parent) {
     setObjectName("Picture2");
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+}
+
+std::span<const double> PictureView::zoomSteps() {
+    return ZoomSteps;
+}
+
+double PictureView::nextZoom(double zoom, int direction) {
+    // A zoom between two steps (after fitting) goes to the neighbouring step.
+    constexpr double tolerance = 1e-6;
+    if (direction > 0) {
+        const auto it =
+            std::ranges::find_if(ZoomSteps, [&](double z) { return z > zoom + tolerance; });
+        return it != ZoomSteps.end() ? *it : ZoomSteps.back();
+    }
+    const auto it = std::ranges::find_if(ZoomSteps.rbegin(), ZoomSteps.rend(),
+                                         [&](double z) { return z < zoom - tolerance; });
+    return it != ZoomSteps.rend() ? *it : ZoomSteps.front();
 }
 
 void PictureView::setImage(QImage image) {
     image_ = std::move(image);
-    setFixedSize(image_.size());
+    reduced_ = QImage();
+    resizeToZoom();
     update();
+}
+
+void PictureView::setZoom(double zoom) {
+    zoom = std::clamp(zoom, ZoomSteps.front(), ZoomSteps.back());
+    if (zoom == zoom_) return;
+    zoom_ = zoom;
+    reduced_ = QImage();
+    resizeToZoom();
+    update();
+}
+
+void PictureView::resizeToZoom() {
+    const auto scaled = [this](int length) {
+        return std::max(1, static_cast<int>(std::lround(length * zoom_)));
+    };
+    if (image_.isNull()) {
+        setFixedSize(0, 0);
+        return;
+    }
+    setFixedSize(scaled(image_.width()), scaled(image_.height()));
+}
+
+QPoint PictureView::pictureAt(QPointF widgetPoint) const {
+    return {static_cast<int>(std::floor(widgetPoint.x() / zoom_)),
+            static_cast<int>(std::floor(widgetPoint.y() / zoom_))};
 }
 
 void PictureView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    painter.drawImage(event->rect(), image_, event->rect());
+    const QRect exposed = event->rect();
+    if (zoom_ == 1.0) {
+        painter.drawImage(exposed, image_, exposed);
+        return;
+    }
+    if (zoom_ < 1.0) {
+        // Reduced once, smoothly, so that a large picture scrolls without rescaling.
+        if (reduced_.isNull() && !image_.isNull()) {
+            reduced_ = image_.scaled(size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        }
+        painter.drawImage(exposed, reduced_, exposed);
+        return;
+    }
+    // Enlarged: each picture pixel a square, only the exposed part drawn.
+    const QRect source = QRect(pictureAt(exposed.topLeft()), pictureAt(exposed.bottomRight()))
+                             .adjusted(0, 0, 1, 1)
+                             .intersected(image_.rect());
+    painter.scale(zoom_, zoom_);
+    painter.drawImage(source.topLeft(), image_, source);
+}
+
+void PictureView::mouseMoveEvent(QMouseEvent* event) {
+    const QPoint pixel = pictureAt(event->position());
+    if (image_.rect().contains(pixel)) {
+        emit pointerMoved(pixel);
+    } else {
+        emit pointerLeft();
+    }
+    QWidget::mouseMoveEvent(event);
+}
+
+void PictureView::leaveEvent(QEvent* event) {
+    emit pointerLeft();
+    QWidget::leaveEvent(event);
 }
 
 } // namespace lumiran

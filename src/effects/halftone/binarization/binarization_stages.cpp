@@ -1,4 +1,5 @@
 #include "effects/halftone/binarization/class_binarization.h"
+#include "engine/drawing/drawing.h"
 
 namespace lumiran {
 
@@ -13,6 +14,19 @@ bool Class_Binarization::reachStage(int percent) {
         if (run.progress != nullptr) run.progress->showPercent(percent);
     }
     return !run.cancelled();
+}
+
+ColourRef Class_Binarization::markColour(bool overPicture) {
+    if (!overPicture) return RGB(0, 0, 0);
+    const Rgb8 ink = context().flags.drawingColor;
+    return RGB(ink.red, ink.green, ink.blue);
+}
+
+void Class_Binarization::clearMarks(const Span& span) {
+    if (span.empty()) return;
+    Canvas canvas(TransBits);
+    canvas.Line(span.firstColumn, span.firstRow, span.endColumn - 1, span.endRow - 1,
+                RGB(255, 255, 255), LineKind::BF);
 }
 
 } // namespace lumiran

@@ -1,6 +1,6 @@
 #include "effects/halftone/binarization/bilevel_map.h"
 #include "effects/halftone/binarization/class_binarization.h"
-#include "effects/halftone/binarization/mark_canvas.h"
+#include "engine/drawing/drawing.h"
 
 #include <algorithm>
 #include <array>
@@ -88,13 +88,11 @@ void Class_Binarization::followBorders(int measure, std::int16_t polarity, std::
     // A cancel from here on still draws the marks made so far.
     reachStage(66);
 
-    // TO BE REPLACED: drawn through the local canvas until the shared one lands.
-    MarkCanvas canvas(TransBits, s.firstColumn, s.firstRow, s.endColumn, s.endRow);
-    const Rgb8 ink = overPicture ? context().flags.drawingColor : Rgb8{0, 0, 0};
-    if (!overPicture) canvas.fill({255, 255, 255});
+    const ColourRef ink = markColour(overPicture);
+    if (!overPicture) clearMarks(s);
     for (int y = s.firstRow; y < s.endRow; ++y) {
         for (int x = s.firstColumn; x < s.endColumn; ++x) {
-            if (marks.at(x, y) == 1) canvas.pixel(x, y, ink);
+            if (marks.at(x, y) == 1) SetPixelV(TransBits, x, y, ink);
         }
     }
     reachStage(100);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/drawing/colour_ref.h"
 #include "engine/pixel_frame.h"
 
 #include <cstdint>
@@ -78,6 +79,11 @@ class Class_Binarization : public PixelFrame {
 
     // The progress bar set to a stage's percentage; false once cancelled.
     bool reachStage(int percent);
+
+    // Marks go in the drawing colour over the picture, otherwise in black
+    // on the rectangle cleared to white.
+    [[nodiscard]] ColourRef markColour(bool overPicture);
+    void clearMarks(const Span& span);
 };
 
 } // namespace lumiran

@@ -1,6 +1,6 @@
 #include "effects/halftone/binarization/bilevel_map.h"
 #include "effects/halftone/binarization/class_binarization.h"
-#include "effects/halftone/binarization/mark_canvas.h"
+#include "engine/drawing/drawing.h"
 
 #include <array>
 #include <utility>
@@ -48,12 +48,12 @@ void Class_Binarization::extractFeatures(int measure, std::int16_t radius, std::
     }
     reachStage(66);
 
-    // TO BE REPLACED: drawn through the local canvas until the shared one lands.
-    MarkCanvas canvas(TransBits, s.firstColumn, s.firstRow, s.endColumn, s.endRow);
-    const Rgb8 ink = overPicture ? context().flags.drawingColor : Rgb8{0, 0, 0};
-    if (!overPicture) canvas.fill({255, 255, 255});
+    const ColourRef ink = markColour(overPicture);
+    if (!overPicture) clearMarks(s);
+    Canvas canvas(TransBits);
+    canvas.setClip(s.firstColumn, s.firstRow, s.endColumn, s.endRow);
     for (const auto& [x, y] : points)
-        canvas.circle(x, y, radius, ink);
+        canvas.Circle(x, y, radius, ink);
     reachStage(100);
 }
 

@@ -1,0 +1,113 @@
+// Representative mosaics and patterns on 4096x4096, each one pass over an
+// array already fetched; bench_main prints them as multiples of the plain
+// copy. The 8-pixel mosaic has a target of its own: at most 20 ms.
+#include "bench_support.h"
+#include "effects/texture/mosaic/class_mosaic.h"
+#include "effects/texture/pattern/class_pattern.h"
+
+#include <benchmark/benchmark.h>
+#include <functional>
+
+namespace {
+
+using namespace lumiran;
+
+using bench::Side;
+
+void mosaicPass(benchmark::State& state, const std::function<void(Class_Mosaic&)>& call) {
+    bench::runPasses<Class_Mosaic>(state, bench::randomColourPicture(), call);
+}
+
+void patternPass(benchmark::State& state, const std::function<void(Class_Pattern&)>& call) {
+    bench::runPasses<Class_Pattern>(state, bench::randomColourPicture(), call);
+}
+
+void BM_Mosaic_Normal(benchmark::State& state) {
+    const auto size = static_cast<std::uint8_t>(state.range(0));
+    mosaicPass(state,
+               [size](Class_Mosaic& e) { e.Mosaic_Normal(size, size, 0, 0, Side, Side, 0); });
+}
+BENCHMARK(BM_Mosaic_Normal)->Arg(8)->Arg(32)->Unit(benchmark::kMillisecond);
+
+void BM_Mosaic_Tile(benchmark::State& state) {
+    mosaicPass(state, [](Class_Mosaic& e) { e.Mosaic_Tile(8, 8, 0, 0, Side, Side, true, 2); });
+}
+BENCHMARK(BM_Mosaic_Tile)->Unit(benchmark::kMillisecond);
+
+void BM_Mosaic_Circle(benchmark::State& state) {
+    mosaicPass(state, [](Class_Mosaic& e) { e.Mosaic_Circle(12, 0, 0, Side, Side, 0); });
+}
+BENCHMARK(BM_Mosaic_Circle)->Unit(benchmark::kMillisecond);
+
+void BM_Mosaic_Gradation2(benchmark::State& state) {
+    mosaicPass(state, [](Class_Mosaic& e) { e.Mosaic_Gradation2(16, 16, 0, 0, Side, Side, 0, 1); });
+}
+BENCHMARK(BM_Mosaic_Gradation2)->Unit(benchmark::kMillisecond);
+
+void BM_Mosaic_GradShading(benchmark::State& state) {
+    mosaicPass(state, [](Class_Mosaic& e) {
+        e.Mosaic_GradShading(12, 0, 0, Side, Side, 0, 10, 10, 10, 128, 32);
+    });
+}
+BENCHMARK(BM_Mosaic_GradShading)->Unit(benchmark::kMillisecond);
+
+void BM_Mosaic_Random(benchmark::State& state) {
+    mosaicPass(state, [](Class_Mosaic& e) { e.Mosaic_Random(8, 8, 0, 0, Side, Side, 0); });
+}
+BENCHMARK(BM_Mosaic_Random)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_ColorSpread(benchmark::State& state) {
+    patternPass(state,
+                [](Class_Pattern& e) { e.ColorSpread(0, 0, 0, Side, Side, 128, 128, 255, 2); });
+}
+BENCHMARK(BM_Pattern_ColorSpread)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_Wamai(benchmark::State& state) {
+    patternPass(state,
+                [](Class_Pattern& e) { e.Wamai(0, 0, 0, Side, Side, 128, 128, 255, 5, 12); });
+}
+BENCHMARK(BM_Pattern_Wamai)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_FF4(benchmark::State& state) {
+    patternPass(state, [](Class_Pattern& e) { e.FF4(0, 0, Side, Side, 128, 128, 255, 5, 32); });
+}
+BENCHMARK(BM_Pattern_FF4)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_ColorTile1(benchmark::State& state) {
+    patternPass(state,
+                [](Class_Pattern& e) { e.ColorTile1(3, 0, 0, Side, Side, 128, 128, 255, 5, 64); });
+}
+BENCHMARK(BM_Pattern_ColorTile1)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_ColorSway1(benchmark::State& state) {
+    patternPass(state, [](Class_Pattern& e) {
+        e.Color_Sway1(0, 0, 0, 0, Side, Side, 138, 170, 128, 170, 118, 170);
+    });
+}
+BENCHMARK(BM_Pattern_ColorSway1)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_SinLight(benchmark::State& state) {
+    patternPass(state, [](Class_Pattern& e) {
+        e.Smoke(0, 0, 0, 0, Side, Side, 12, 42, 118, 128, 138, 2, false);
+    });
+}
+BENCHMARK(BM_Pattern_SinLight)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_TileWallNormal(benchmark::State& state) {
+    patternPass(state,
+                [](Class_Pattern& e) { e.LineInput_Normal(8, 8, 0, 0, Side, Side, true, 0); });
+}
+BENCHMARK(BM_Pattern_TileWallNormal)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_TileWallShippou(benchmark::State& state) {
+    patternPass(state, [](Class_Pattern& e) { e.LineInput_Circle(24, 0, 0, Side, Side, 0, 0); });
+}
+BENCHMARK(BM_Pattern_TileWallShippou)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_ShadePattern(benchmark::State& state) {
+    patternPass(state,
+                [](Class_Pattern& e) { e.ShadePatternMethod(1, 0, 0, Side, Side, 128, 128, 255); });
+}
+BENCHMARK(BM_Pattern_ShadePattern)->Unit(benchmark::kMillisecond);
+
+} // namespace

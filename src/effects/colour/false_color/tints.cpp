@@ -1,0 +1,143 @@
+#include "effects/colour/color_op_support.h"
+#include "effects/colour/false_color/class_false_color.h"
+#include "engine/colour_models.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace lumiran {
+namespace {
+
+// The three tint levels of one key, stretched, and whether the stretch
+// overflowed its 16-bit product for that key.
+struct TintLevels {
+    std::int16_t first = 0;
+    std::int16_t second = 0;
+    std::int16_t third = 0;
+    bool overflow = false;
+};
+
+// Type 0 is keyed by s = 510 - b - g, and the stretch multiplies in 16 bits.
+TintLevels typeZeroLevels(int s, int adjust) {
+    const double third = s / 3.0;
+    const int p1 = roundInRange<int>(255 - (third * (55.0 / 255.0) + 200));
+    const int p2 = roundInRange<int>(255 - (third * (155.0 / 255.0) + 100));
+    const int p3 = roundInRange<int>(255 - third) - adjust;
+    TintLevels levels;
+    auto stretch = [&levels](int p) {
+        const int product = p * 128;
+        if (product > 32767 || product < -32768) levels.overflow = true;
+        return static_cast<std::int16_t>(roundInRange<int>((product - 6323) / 74.0));
+    };
+    levels.first = stretch(p1);
+    levels.second = stretch(p2);
+    levels.third = stretch(p3);
+    return levels;
+}
+
+// Types 1..3 are keyed by Y of the complements.
+TintLevels complementLevels(std::uint8_t type, int y, int adjust) {
+    const bool photo = type == 2;
+    const double a1 = photo ? 123 : 55, c1 = photo ? 132 : 200;
+    const double a2 = photo ? 189 : 155, c2 = photo ? 66 : 100;
+    const int p1 = 255 - roundInRange<int>(a1 / 255.0 * y + c1);
+    const int p2 = 255 - roundInRange<int>(a2 / 255.0 * y + c2);
+    const int p3 = 255 - y;
+    auto stretch = [adjust](int p) {
+        return wrap16(roundInRange<int>(((p + adjust + 50) * 255 - 12676) / 74.0));
+    };
+    return {stretch(p1), stretch(p2), stretch(p3), false};
+}
+
+// Which result channel takes which level. Types 0..2 put the strongest
+// level (the third) in the tint's own channel; type 3 makes the purples:
+// the strong level in blue with red second for the yellow call (reddish
+// purple), in red with blue second for the blue call (purplish red).
+Rgb16 assign(bool blue, std::uint8_t type, const TintLevels& l) {
+    if (type == 3) {
+        return blue ? Rgb16{l.third, l.first, l.second} : Rgb16{l.second, l.first, l.third};
+    }
+    return blue ? Rgb16{l.first, l.second, l.third} : Rgb16{l.third, l.second, l.first};
+}
+
+} // namespace
+
+void Class_FalseColor::BlueSepia(std::uint8_t type, std::int16_t adjust, std::uint8_t choice,
+                                 std::int16_t left, std::int16_t top, std::int16_t right,
+                                 std::int16_t bottom) {
+    guarded([&] { tint(true, type, adjust, choice, {left, top, right, bottom}); });
+}
+
+void Class_FalseColor::YellowOperation(std::uint8_t type, std::int16_t adjust, std::uint8_t choice,
+                                       std::int16_t left, std::int16_t top, std::int16_t right,
+                                       std::int16_t bottom) {
+    guarded([&] { tint(false, type, adjust, choice, {left, top, right, bottom}); });
+}
+
+void Class_FalseColor::tint(bool blue, std::uint8_t type, std::int16_t adjust, std::uint8_t choice,
+                            const ProcessRect& rect) {
+    if (type > 3) type = 0;
+    // The levels depend on one key only: worked out once for every key.
+    std::vector<TintLevels> table(type == 0 ? 511 : 256);
+    for (std::size_t key = 0; key < table.size(); ++key) {
+        table[key] = type == 0 ? typeZeroLevels(static_cast<int>(key), adjust)
+                               : complementLevels(type, static_cast<int>(key), adjust);
+    }
+    // The usual case, the plain choice with no level overflowing: one
+    // table per result channel, so the loop vectorises as gathers.
+    const bool overflows = std::ranges::any_of(table, &TintLevels::overflow);
+    if (choice == 0 && !overflows) {
+        std::array<std::vector<int>, 3> channels;
+        for (auto& c : channels)
+            c.reserve(table.size());
+        for (const TintLevels& levels : table) {
+            const Rgb16 v = assign(blue, type, levels);
+            channels[0].push_back(v.red);
+            channels[1].push_back(v.green);
+            channels[2].push_back(v.blue);
+        }
+        const int* reds = channels[0].data();
+        const int* greens = channels[1].data();
+        const int* blues = channels[2].data();
+        mapPixels<ResultTail::Clamp>(rect, [=](int r, int g, int b) {
+            const auto key = static_cast<std::size_t>(
+                type == 0 ? 510 - b - g : luminanceY(255 - r, 255 - g, 255 - b));
+            return Channels{reds[key], greens[key], blues[key]}.fields();
+        });
+        return;
+    }
+    mapPixels<ResultTail::Clamp>(
+        rect, [&table, blue, type, choice](int, int, int& r, int& g, int& b) {
+            const int key = type == 0 ? 510 - b - g : luminanceY(255 - r, 255 - g, 255 - b);
+            const TintLevels& levels = table[static_cast<std::size_t>(key)];
+            if (levels.overflow) throw EffectError::overflow();
+            Rgb16 v = assign(blue, type, levels);
+            switch (choice) {
+            case 1: {
+                // The source's hue at the tint's lightness; a black source is
+                // taken as 1, 1, 1, which the blend then sees too.
+                int l0 = lightness(std::max({r, g, b}), std::min({r, g, b}));
+                if (l0 == 0) r = g = b = l0 = 1;
+                const MaxMin m = MaxMinOfThree(v.red, v.green, v.blue);
+                const int t = lightness(m.max, m.min);
+                v = {scaledChannel(r, l0, t), scaledChannel(g, l0, t), scaledChannel(b, l0, t)};
+                break;
+            }
+            case 2:
+                v = {v.red, static_cast<std::int16_t>(g), static_cast<std::int16_t>(b)};
+                break;
+            case 3:
+                v = {static_cast<std::int16_t>(r), v.green, static_cast<std::int16_t>(b)};
+                break;
+            case 4:
+                v = {static_cast<std::int16_t>(r), static_cast<std::int16_t>(g), v.blue};
+                break;
+            default:
+                break;
+            }
+            return v;
+        });
+}
+
+} // namespace lumiran

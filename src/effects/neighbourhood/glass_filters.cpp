@@ -1,0 +1,201 @@
+// Glass_Painting, Glass_EdgeExtract and Glass_Impression.
+#include "effects/neighbourhood/class_neighborhood_op.h"
+#include "effects/neighbourhood/rank_rows.h"
+#include "engine/colour_models.h"
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+
+namespace lumiran {
+namespace {
+
+using neighbourhood::Area;
+using neighbourhood::ChunkColumns;
+using neighbourhood::Offset;
+
+struct Rgb {
+    int r = 0;
+    int g = 0;
+    int b = 0;
+};
+
+Rgb channelsOf(Pixel p) {
+    return {redOf(p), greenOf(p), blueOf(p)};
+}
+
+// Glass_Painting: the truncated mean of the window per channel, and the
+// squared differences from it at the corners of each ring of the window.
+Rgb localContrast(const Surface& picture, int x, int y, int reach, std::uint8_t kind) {
+    Rgb sum;
+    for (int dy = -reach; dy <= reach; ++dy) {
+        const Pixel* row = picture.row(y + dy).data();
+        for (int dx = -reach; dx <= reach; ++dx) {
+            const Rgb c = channelsOf(row[x + dx]);
+            sum.r += c.r;
+            sum.g += c.g;
+            sum.b += c.b;
+        }
+    }
+    const int count = neighbourhood::windowLength(reach);
+    const Rgb mean{sum.r / count, sum.g / count, sum.b / count};
+    Rgb squares;
+    for (int ring = 1; ring <= reach; ++ring) {
+        for (const Offset corner :
+             {Offset{-ring, -ring}, Offset{ring, -ring}, Offset{-ring, ring}, Offset{ring, ring}}) {
+            const Rgb c = channelsOf(picture.at(x + corner.dx, y + corner.dy));
+            squares.r += (mean.r - c.r) * (mean.r - c.r);
+            squares.g += (mean.g - c.g) * (mean.g - c.g);
+            squares.b += (mean.b - c.b) * (mean.b - c.b);
+        }
+    }
+    const double divisor = kind == 0 ? 1.0 : 2.0;
+    return {roundTo<std::int16_t>(std::sqrt(squares.r) / divisor),
+            roundTo<std::int16_t>(std::sqrt(squares.g) / divisor),
+            roundTo<std::int16_t>(std::sqrt(squares.b) / divisor)};
+}
+
+// Glass_EdgeExtract: differences across the pixel at the given distance,
+// horizontally, vertically and along both diagonals, per channel; the
+// root of their squares halved.
+Pixel gradient(const Surface& picture, int x, int y, int distance) {
+    auto at = [&](int dx, int dy) {
+        return channelsOf(picture.at(x + dx * distance, y + dy * distance));
+    };
+    const std::array<std::array<Rgb, 2>, 4> pairs{{
+        {at(1, 0), at(-1, 0)},
+        {at(0, 1), at(0, -1)},
+        {at(1, 1), at(-1, -1)},
+        {at(-1, 1), at(1, -1)},
+    }};
+    Rgb squares;
+    for (const auto& [first, second] : pairs) {
+        squares.r += (first.r - second.r) * (first.r - second.r);
+        squares.g += (first.g - second.g) * (first.g - second.g);
+        squares.b += (first.b - second.b) * (first.b - second.b);
+    }
+    auto channel = [](int s) { return std::min(roundInRange<int>(std::sqrt(s) / 2), 255); };
+    return makePixel(channel(squares.r), channel(squares.g), channel(squares.b));
+}
+
+// Glass_Impression, kind 1: (sin(x pi / 128) + 1) / 2 * (cos(x pi / 128) + 1) / 2 * x.
+double sineShaped(int x) {
+    return (std::sin(x * 3.14159 / 128) + 1) / 2 * (std::cos(x * 3.14159 / 128) + 1) / 2 * x;
+}
+
+} // namespace
+
+void Class_NeighborhoodOp::Glass_Painting(std::uint8_t window, std::uint8_t kind, std::int16_t left,
+                                          std::int16_t top, std::int16_t right,
+                                          std::int16_t bottom) {
+    guarded([&] {
+        if (window > 2 || kind > 1) return;
+        const ProcessRect rect{left, top, right, bottom};
+        const int reach = window + 1;
+        const Area inner = areaOf(rect).inner(reach);
+        SetProgressRange(top, bottom);
+        forEachRow(rect, [&](int y, int, int) {
+            if (!inner.containsRow(y)) return;
+            const Pixel* source = ImageBits.row(y).data();
+            for (int x = inner.firstColumn; x < inner.endColumn; ++x) {
+                const Rgb c = localContrast(ImageBits, x, y, reach, kind);
+                storeTrans(x, y, source[x], {wrap16(c.r), wrap16(c.g), wrap16(c.b)});
+            }
+        });
+    });
+}
+
+void Class_NeighborhoodOp::Glass_EdgeExtract(std::uint8_t kind, std::int16_t left, std::int16_t top,
+                                             std::int16_t right, std::int16_t bottom) {
+    guarded([&] {
+        if (kind > 1) return;
+        const ProcessRect rect{left, top, right, bottom};
+        const Area area = areaOf(rect);
+        const int rows = bottom - top;
+        // Kind 1: the first pass goes to a copy, and the second, at distance
+        // 2, reads it. Progress counts both passes.
+        Surface first;
+        if (kind == 1) {
+            first = ImageBits;
+            const Area inner = area.inner(1);
+            SetProgressRange(0, 2 * rows);
+            const bool done = forEachRow(rect, [&](int y, int, int) {
+                if (!inner.containsRow(y)) return;
+                for (int x = inner.firstColumn; x < inner.endColumn; ++x) {
+                    const Pixel g = gradient(ImageBits, x, y, 1);
+                    first.at(x, y) = withColour(first.at(x, y), redOf(g), greenOf(g), blueOf(g));
+                }
+            });
+            if (!done) return;
+        } else {
+            SetProgressRange(top, bottom);
+        }
+        const Surface& input = kind == 1 ? first : ImageBits;
+        const int distance = kind + 1;
+        const Area inner = area.inner(distance);
+        forEachRow(rect, [&](int y, int, int) {
+            if (!inner.containsRow(y)) return;
+            const Pixel* source = ImageBits.row(y).data();
+            for (int x = inner.firstColumn; x < inner.endColumn; ++x) {
+                const Pixel g = gradient(input, x, y, distance);
+                storeTrans(x, y, source[x],
+                           {wrap16(redOf(g)), wrap16(greenOf(g)), wrap16(blueOf(g))});
+            }
+        });
+    });
+}
+
+void Class_NeighborhoodOp::Glass_Impression(std::uint8_t kind, std::uint8_t filter,
+                                            std::int16_t rank, std::int16_t left, std::int16_t top,
+                                            std::int16_t right, std::int16_t bottom) {
+    guarded([&] {
+        if (kind > 2 || filter > 8) return;
+        const ProcessRect rect{left, top, right, bottom};
+        constexpr int reach = 1;
+        const int element = std::clamp<int>(rank, 0, neighbourhood::windowLength(reach) - 1);
+        const Offset compared = neighbourhood::ringOrder<reach>[filter];
+        const Area inner = areaOf(rect).inner(reach);
+        SetProgressRange(top, bottom);
+        forEachRow(rect, [&](int y, int, int) {
+            if (!inner.containsRow(y)) return;
+            const Pixel* source = ImageBits.row(y).data();
+            const Pixel* comparedRow = ImageBits.row(y + compared.dy).data();
+            neighbourhood::forEachChunk(
+                inner.firstColumn, inner.endColumn, [&](int first, int count) {
+                    std::array<Pixel, ChunkColumns> negative;
+                    neighbourhood::rankColours(ImageBits, neighbourhood::RankSort::NegativePacked,
+                                               reach, element, y, first, count, negative.data());
+                    for (int i = 0; i < count; ++i) {
+                        const int x = first + i;
+                        // All of it on the negative: the rank element
+                        // against the negative of the compared sample.
+                        const Rgb n = channelsOf(negative[static_cast<std::size_t>(i)]);
+                        const Pixel sample = comparedRow[x + compared.dx];
+                        const Rgb s{255 - redOf(sample), 255 - greenOf(sample),
+                                    255 - blueOf(sample)};
+                        Rgb16 result;
+                        if (kind == 1) {
+                            auto shaped = [](int value, int against) {
+                                return roundTo<std::int16_t>(std::abs(sineShaped(value) - against));
+                            };
+                            result = {shaped(n.r, s.r), shaped(n.g, s.g), shaped(n.b, s.b)};
+                        } else {
+                            const int l = luminanceY(std::abs(n.r - s.r), std::abs(n.g - s.g),
+                                                     std::abs(n.b - s.b));
+                            if (kind == 0) {
+                                result = {roundTo<std::int16_t>(255 - 255 / 255.0 * l),
+                                          roundTo<std::int16_t>(255 - (189 / 255.0 * l + 66)),
+                                          roundTo<std::int16_t>(255 - (123 / 255.0 * l + 132))};
+                            } else {
+                                const auto grey = static_cast<std::int16_t>(255 - l);
+                                result = {grey, grey, grey};
+                            }
+                        }
+                        storeTrans(x, y, source[x], result);
+                    }
+                });
+        });
+    });
+}
+
+} // namespace lumiran

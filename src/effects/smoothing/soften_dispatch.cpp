@@ -1,0 +1,93 @@
+// The cases of the dialogs' ...Processing routines served by Class_Soften.
+#include "catalogue/effect_dispatch.h"
+#include "catalogue/family_registration.h"
+#include "effects/smoothing/class_soften.h"
+#include "engine/numeric.h"
+
+#include <array>
+
+namespace lumiran {
+namespace {
+
+using V = const ControlValues&;
+using R = ProcessRect;
+
+// A slider value handed to a 16-bit parameter: rounded half to even, with
+// the overflow error inside the run when it does not fit.
+std::int16_t slider(V v, int number) {
+    return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
+}
+
+// A list row handed to a byte parameter.
+std::uint8_t row(int index) {
+    if (index < 0 || index > 255) throw EffectError::overflow();
+    return static_cast<std::uint8_t>(index);
+}
+
+// Every Class_Soften case reads ImageBits and writes TransBits.
+template <typename Call>
+EffectPlanner planner(Call call) {
+    return [call](V v) {
+        return EffectPlan::ready(
+            runWithTrans<Class_Soften>([call, v](Class_Soften& e, R r) { call(e, v, r); }));
+    };
+}
+
+// "Moving Average": rows 3x3, 5x5, 7x7 are the Smoothing means, rows
+// 9x9, 11x11, 13x13 MovingAverage's first three sizes.
+constexpr std::array<std::uint8_t, 3> MeanKinds{3, 7, 12};
+
+} // namespace
+
+void registerSoftenEffects(EffectDispatch& d) {
+    d.add(DialogKind::Monotone, 23, planner([](Class_Soften& e, V v, R r) {
+              e.Smoothing(row(v.color), r.left, r.top, r.right, r.bottom);
+          }));
+    d.add(DialogKind::Monotone, 24, planner([](Class_Soften& e, V v, R r) {
+              const std::uint8_t c = row(v.color);
+              if (c < MeanKinds.size()) {
+                  e.Smoothing(MeanKinds[c], r.left, r.top, r.right, r.bottom);
+              } else if (c <= 5) {
+                  e.MovingAverage(static_cast<std::uint8_t>(c - 3), 0, r.left, r.top, r.right,
+                                  r.bottom);
+              }
+          }));
+    // Sharpen, Highpass Filter 3x3 and 5x5: filter kinds 0, 1, 2.
+    for (const auto& [code, kind] : {std::pair{20, 0}, std::pair{21, 1}, std::pair{22, 2}}) {
+        d.add(DialogKind::Emboss, code, planner([kind](Class_Soften& e, V v, R r) {
+                  e.HighpassFilter(slider(v, 1), static_cast<std::uint8_t>(kind), row(v.color),
+                                   r.left, r.top, r.right, r.bottom, row(v.eType));
+              }));
+    }
+    d.add(DialogKind::Monotone, 21, planner([](Class_Soften& e, V v, R r) {
+              e.Sharpen(row(v.color), r.left, r.top, r.right, r.bottom);
+          }));
+    d.add(DialogKind::Monotone, 26, planner([](Class_Soften& e, V, R r) {
+              e.Smoothing(13, r.left, r.top, r.right, r.bottom);
+          }));
+    d.add(DialogKind::Negative, 21, planner([](Class_Soften& e, V v, R r) {
+              e.Soften_Circle(0, slider(v, 1), r.left, r.top, r.right, r.bottom, row(v.color));
+          }));
+    d.add(DialogKind::Emboss, 51, planner([](Class_Soften& e, V v, R r) {
+              e.Edge_SavingSmooth(row(v.eType), row(v.color), r.left, r.top, r.right, r.bottom);
+          }));
+    d.add(DialogKind::Monotone, 61, planner([](Class_Soften& e, V v, R r) {
+              e.Edge_PreservingSmoothing(row(v.color), r.left, r.top, r.right, r.bottom);
+          }));
+    // The afterimages hand the list captioned "方向" on as the smooth type
+    // and the one captioned "平滑･ﾀｲﾌﾟ" as the direction, as the calls stand.
+    d.add(DialogKind::Mani, 83, planner([](Class_Soften& e, V v, R r) {
+              e.AfterImage_Ripple(slider(v, 5), row(v.color), row(v.eType), r.left, r.top, r.right,
+                                  r.bottom, slider(v, 1), slider(v, 2), slider(v, 3), slider(v, 4));
+          }));
+    d.add(DialogKind::Mani, 84, planner([](Class_Soften& e, V v, R r) {
+              e.AfterImage_Wave(slider(v, 5), row(v.color), row(v.eType), r.left, r.top, r.right,
+                                r.bottom, slider(v, 1), slider(v, 2), slider(v, 3), slider(v, 4));
+          }));
+    d.add(DialogKind::Mani, 85, planner([](Class_Soften& e, V v, R r) {
+              e.AfterImage_Vortex(slider(v, 2), row(v.color), row(v.eType), r.left, r.top, r.right,
+                                  r.bottom, slider(v, 1), slider(v, 3), slider(v, 4));
+          }));
+}
+
+} // namespace lumiran

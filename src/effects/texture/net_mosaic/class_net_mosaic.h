@@ -1,0 +1,37 @@
+#pragma once
+
+#include "engine/pixel_frame.h"
+
+#include <cstdint>
+
+namespace lumiran {
+
+// A net of irregular cells over the rectangle, drawn through the drawing
+// calls: as a mosaic of the cells' mean colours ("Fractal Mosaic") or as
+// joints over the picture ("Tile Wall Net"). It holds no pixel array; it
+// reads the source picture with GetPixel and writes the target with
+// SetPixelV and the canvas, so no calculation type applies.
+//
+// The net's vertices lie on a grid of blockSize; type 0 ("ﾗﾝﾀﾞﾑ") moves each
+// at random by up to noise / 2 and bends every side into a midpoint-
+// displaced line; type 1 ("境界") moves each to the strongest change of
+// colour within the same reach and keeps the sides straight. Vertices stay
+// within their half cell, so cells never cross.
+class Class_NetMosaic : public PixelFrame {
+  public:
+    using PixelFrame::PixelFrame;
+
+    // Every pixel of the rectangle takes the mean colour of its cell.
+    void Mosaic_Net(const Surface& source, Surface& target, std::int16_t left, std::int16_t top,
+                    std::int16_t right, std::int16_t bottom, std::int16_t blockSize,
+                    std::int16_t noise, std::uint8_t type);
+
+    // The rectangle of the source with the net's sides drawn over it in the
+    // given colour.
+    void Net_Line(const Surface& source, Surface& target, std::int16_t left, std::int16_t top,
+                  std::int16_t right, std::int16_t bottom, std::int16_t blockSize,
+                  std::int16_t noise, std::uint8_t type, std::int16_t red, std::int16_t green,
+                  std::int16_t blue);
+};
+
+} // namespace lumiran

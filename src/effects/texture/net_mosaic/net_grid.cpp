@@ -1,0 +1,154 @@
+#include "effects/texture/net_mosaic/net_grid.h"
+
+#include "engine/drawing/pixel_calls.h"
+#include "engine/numeric.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace lumiran::net {
+namespace {
+
+// The sum of the channels, for comparing changes of colour.
+int brightness(const Surface& source, int x, int y) {
+    const ColourRef c = GetPixel(source, x, y);
+    return (c & 0xFF) + ((c >> 8) & 0xFF) + ((c >> 16) & 0xFF);
+}
+
+// The midpoints of a side moved across it by up to amplitude, then the
+// halves with half the amplitude, down to pieces of a few pixels.
+void displace(CanvasPoint from, CanvasPoint to, double amplitude, RandomGenerator& random,
+              Polyline& out) {
+    const int dx = to.x - from.x;
+    const int dy = to.y - from.y;
+    if (std::max(std::abs(dx), std::abs(dy)) < 4 || amplitude < 0.5) {
+        out.push_back(to);
+        return;
+    }
+    const double length = std::sqrt(static_cast<double>(dx) * dx + static_cast<double>(dy) * dy);
+    const double shift = (random.next() * 2 - 1) * amplitude;
+    const CanvasPoint middle{roundTo<int>((from.x + to.x) / 2.0 - dy / length * shift),
+                             roundTo<int>((from.y + to.y) / 2.0 + dx / length * shift)};
+    displace(from, middle, amplitude / 2, random, out);
+    displace(middle, to, amplitude / 2, random, out);
+}
+
+} // namespace
+
+Net::Net(const Area& area, int size) : area_(area), size_(size) {
+    const int cellsAcross = std::max(1, (area.right - area.left - 1 + size - 1) / size);
+    const int cellsDown = std::max(1, (area.bottom - area.top - 1 + size - 1) / size);
+    columns_ = cellsAcross + 1;
+    rows_ = cellsDown + 1;
+    vertices_.resize(static_cast<std::size_t>(columns_) * rows_);
+    for (int b = 0; b < rows_; ++b) {
+        for (int a = 0; a < columns_; ++a)
+            vertex(a, b) = {std::min(area.left + a * size, area.right - 1),
+                            std::min(area.top + b * size, area.bottom - 1)};
+    }
+    straightSides();
+}
+
+int Net::reach(int noise) const {
+    return std::clamp(std::min(noise / 2, (size_ - 1) / 2), 0, size_);
+}
+
+void Net::straightSides() {
+    across_.clear();
+    down_.clear();
+    for (int b = 0; b < rows_; ++b) {
+        for (int a = 0; a < columns_; ++a) {
+            if (a + 1 < columns_) across_.push_back({vertex(a, b), vertex(a + 1, b)});
+            if (b + 1 < rows_) down_.push_back({vertex(a, b), vertex(a, b + 1)});
+        }
+    }
+}
+
+void Net::scatter(int noise, RandomGenerator& random) {
+    const int limit = reach(noise);
+    for (int b = 0; b < rows_; ++b) {
+        for (int a = 0; a < columns_; ++a) {
+            const int dx = std::clamp(roundTo<int>((random.next() - 0.5) * noise), -limit, limit);
+            const int dy = std::clamp(roundTo<int>((random.next() - 0.5) * noise), -limit, limit);
+            CanvasPoint& v = vertex(a, b);
+            if (!onBorderColumn(a)) v.x += dx;
+            if (!onBorderRow(b)) v.y += dy;
+        }
+    }
+    // Sides on the area's border stay straight, so the cells cover it.
+    const double amplitude = std::min(noise, size_) / 4.0;
+    across_.clear();
+    down_.clear();
+    for (int b = 0; b < rows_; ++b) {
+        for (int a = 0; a < columns_; ++a) {
+            if (a + 1 < columns_) {
+                Polyline side{vertex(a, b)};
+                displace(vertex(a, b), vertex(a + 1, b), onBorderRow(b) ? 0 : amplitude, random,
+                         side);
+                across_.push_back(std::move(side));
+            }
+            if (b + 1 < rows_) {
+                Polyline side{vertex(a, b)};
+                displace(vertex(a, b), vertex(a, b + 1), onBorderColumn(a) ? 0 : amplitude, random,
+                         side);
+                down_.push_back(std::move(side));
+            }
+        }
+    }
+}
+
+void Net::snapToEdges(const Surface& source, int noise) {
+    const int limit = reach(noise);
+    auto strength = [&](int x, int y) {
+        const int x0 = std::max(x - 1, area_.left), x1 = std::min(x + 1, area_.right - 1);
+        const int y0 = std::max(y - 1, area_.top), y1 = std::min(y + 1, area_.bottom - 1);
+        return std::abs(brightness(source, x1, y) - brightness(source, x0, y)) +
+               std::abs(brightness(source, x, y1) - brightness(source, x, y0));
+    };
+    for (int b = 0; b < rows_; ++b) {
+        for (int a = 0; a < columns_; ++a) {
+            CanvasPoint& v = vertex(a, b);
+            const int reachX = onBorderColumn(a) ? 0 : limit;
+            const int reachY = onBorderRow(b) ? 0 : limit;
+            CanvasPoint best = v;
+            int strongest = strength(v.x, v.y);
+            for (int dy = -reachY; dy <= reachY; ++dy) {
+                for (int dx = -reachX; dx <= reachX; ++dx) {
+                    const int s = strength(v.x + dx, v.y + dy);
+                    if (s > strongest) {
+                        strongest = s;
+                        best = {v.x + dx, v.y + dy};
+                    }
+                }
+            }
+            v = best;
+        }
+    }
+    straightSides();
+}
+
+Polyline Net::cellOutline(int a, int b) const {
+    const Polyline& top = across_[static_cast<std::size_t>(b) * (columns_ - 1) + a];
+    const Polyline& bottom = across_[static_cast<std::size_t>(b + 1) * (columns_ - 1) + a];
+    const Polyline& leftSide = down_[static_cast<std::size_t>(b) * columns_ + a];
+    const Polyline& rightSide = down_[static_cast<std::size_t>(b) * columns_ + a + 1];
+    Polyline outline(top.begin(), top.end());
+    outline.insert(outline.end(), rightSide.begin() + 1, rightSide.end());
+    outline.insert(outline.end(), bottom.rbegin() + 1, bottom.rend());
+    outline.insert(outline.end(), leftSide.rbegin() + 1, leftSide.rend() - 1);
+    return outline;
+}
+
+std::vector<const Polyline*> Net::sidesOfRow(int b) const {
+    std::vector<const Polyline*> sides;
+    for (int a = 0; a + 1 < columns_; ++a)
+        sides.push_back(&across_[static_cast<std::size_t>(b) * (columns_ - 1) + a]);
+    if (b + 1 < rows_) {
+        for (int a = 0; a < columns_; ++a)
+            sides.push_back(&down_[static_cast<std::size_t>(b) * columns_ + a]);
+    }
+    return sides;
+}
+
+} // namespace lumiran::net

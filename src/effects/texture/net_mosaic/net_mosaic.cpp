@@ -1,0 +1,161 @@
+#include "effects/texture/net_mosaic/class_net_mosaic.h"
+#include "effects/texture/net_mosaic/net_grid.h"
+#include "engine/drawing/drawing.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+namespace lumiran {
+namespace {
+
+// The rectangle cut to both pictures.
+net::Area areaOf(const ProcessRect& rect, const Surface& source, const Surface& target) {
+    return {std::max<int>(rect.left, 0), std::max<int>(rect.top, 0),
+            std::min({static_cast<int>(rect.right), source.width(), target.width()}),
+            std::min({static_cast<int>(rect.bottom), source.height(), target.height()})};
+}
+
+bool empty(const net::Area& area) {
+    return area.left >= area.right || area.top >= area.bottom;
+}
+
+// Cells are told apart on the work picture by colour: cell n is drawn in
+// the colour whose 24 bits are n + 1, 0 being no cell. Beyond 2^24 - 1
+// cells (pictures near the 16-bit limit with the smallest blocks) numbers
+// repeat and two far cells share their mean.
+ColourRef cellColour(std::uint32_t number) {
+    const std::uint32_t n = (number + 1) & 0xFFFFFFu;
+    return RGB(static_cast<int>(n & 0xFF), static_cast<int>((n >> 8) & 0xFF),
+               static_cast<int>(n >> 16));
+}
+
+std::uint32_t cellNumber(ColourRef colour) {
+    return static_cast<std::uint32_t>(colour) & 0xFFFFFFu;
+}
+
+struct Sums {
+    std::uint64_t red = 0;
+    std::uint64_t green = 0;
+    std::uint64_t blue = 0;
+    std::uint64_t count = 0;
+};
+
+int meanOf(std::uint64_t sum, std::uint64_t count) {
+    return roundTo<int>(static_cast<double>(sum) / static_cast<double>(count));
+}
+
+void checkSize(std::int16_t blockSize) {
+    // Vertices 0 pixels apart would never reach the far side.
+    if (blockSize < 1) throw EffectError::overflow();
+}
+
+} // namespace
+
+void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::int16_t left,
+                                 std::int16_t top, std::int16_t right, std::int16_t bottom,
+                                 std::int16_t blockSize, std::int16_t noise, std::uint8_t type) {
+    guarded([&] {
+        checkSize(blockSize);
+        const net::Area area = areaOf({left, top, right, bottom}, source, target);
+        if (empty(area)) return;
+        net::Net net(area, blockSize);
+        if (type == 0) {
+            net.scatter(noise, context().random);
+        } else {
+            net.snapToEdges(source, noise);
+        }
+        SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
+
+        // Every cell filled on the work picture in its own colour.
+        Surface cells(source.width(), source.height());
+        Canvas canvas(cells);
+        canvas.setClip(area.left, area.top, area.right, area.bottom);
+        canvas.FillStyle = BrushStyle::Solid;
+        for (int b = 0; b < net.cellRows(); ++b) {
+            for (int a = 0; a < net.cellColumns(); ++a) {
+                const ColourRef colour =
+                    cellColour(static_cast<std::uint32_t>(b * net.cellColumns() + a));
+                canvas.FillColor = colour;
+                canvas.Polygon(net.cellOutline(a, b), colour);
+            }
+            if (!finishRow()) return;
+        }
+
+        // A pixel that no cell reached (where bent sides nearly touch) joins
+        // the cell on its left, or above it in the first column.
+        const int width = area.right - area.left;
+        std::vector<std::uint32_t> numbers(static_cast<std::size_t>(width) *
+                                           (area.bottom - area.top));
+        std::vector<Sums> sums;
+        for (int y = area.top; y < area.bottom; ++y) {
+            for (int x = area.left; x < area.right; ++x) {
+                const std::size_t at =
+                    static_cast<std::size_t>(y - area.top) * width + (x - area.left);
+                std::uint32_t n = cellNumber(GetPixel(cells, x, y));
+                if (n == 0 && x > area.left) n = numbers[at - 1];
+                if (n == 0 && y > area.top) n = numbers[at - width];
+                numbers[at] = n;
+                if (n >= sums.size()) sums.resize(n + 1);
+                const ColourRef c = GetPixel(source, x, y);
+                Sums& s = sums[n];
+                s.red += static_cast<std::uint64_t>(c & 0xFF);
+                s.green += static_cast<std::uint64_t>((c >> 8) & 0xFF);
+                s.blue += static_cast<std::uint64_t>((c >> 16) & 0xFF);
+                ++s.count;
+            }
+        }
+        std::vector<ColourRef> means(sums.size());
+        for (std::size_t n = 0; n < sums.size(); ++n) {
+            const Sums& s = sums[n];
+            if (s.count != 0)
+                means[n] =
+                    RGB(meanOf(s.red, s.count), meanOf(s.green, s.count), meanOf(s.blue, s.count));
+        }
+        for (int y = area.top; y < area.bottom; ++y) {
+            for (int x = area.left; x < area.right; ++x) {
+                const std::size_t at =
+                    static_cast<std::size_t>(y - area.top) * width + (x - area.left);
+                SetPixelV(target, x, y, means[numbers[at]]);
+            }
+            if (!finishRow()) return;
+        }
+    });
+}
+
+void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int16_t left,
+                               std::int16_t top, std::int16_t right, std::int16_t bottom,
+                               std::int16_t blockSize, std::int16_t noise, std::uint8_t type,
+                               std::int16_t red, std::int16_t green, std::int16_t blue) {
+    guarded([&] {
+        checkSize(blockSize);
+        const net::Area area = areaOf({left, top, right, bottom}, source, target);
+        if (empty(area)) return;
+        net::Net net(area, blockSize);
+        if (type == 0) {
+            net.scatter(noise, context().random);
+        } else {
+            net.snapToEdges(source, noise);
+        }
+        BitBlt(target, area.left, area.top, area.right - area.left, area.bottom - area.top, source,
+               area.left, area.top, SRCCOPY);
+        const ColourRef colour = RGB(red, green, blue);
+        Canvas canvas(target);
+        canvas.setClip(area.left, area.top, area.right, area.bottom);
+        SetProgressRange(0, net.cellRows() + 1);
+        for (int b = 0; b <= net.cellRows(); ++b) {
+            for (const net::Polyline* side : net.sidesOfRow(b)) {
+                for (std::size_t k = 0; k + 1 < side->size(); ++k)
+                    canvas.Line((*side)[k].x, (*side)[k].y, (*side)[k + 1].x, (*side)[k + 1].y,
+                                colour);
+                // A line leaves out its end point; the side's last one is
+                // drawn here so the net's far corners are closed too.
+                canvas.Line(side->back().x, side->back().y, side->back().x, side->back().y, colour,
+                            LineKind::BF);
+            }
+            if (!finishRow()) return;
+        }
+    });
+}
+
+} // namespace lumiran

@@ -1,0 +1,198 @@
+// ColorSpread, ShadePatternMethod and CheckedPattern.
+#include "effects/texture/pattern/pattern_frame.h"
+#include "engine/drawing/blit.h"
+
+#include <algorithm>
+
+namespace lumiran {
+namespace {
+
+int floorHalf(int v) {
+    return v >= 0 ? v / 2 : -((1 - v) / 2);
+}
+
+// The spread's ramps a (across) and b (down), 255 / (right - left) x and
+// 255 / (bottom - top) y with a 0 raised to 1, for the rectangle's columns
+// and rows in the picture.
+std::vector<double> ramp(double slope, int first, int end) {
+    std::vector<double> values(static_cast<std::size_t>(std::max(end - first, 0)));
+    for (int v = first; v < end; ++v) {
+        const double value = slope * v;
+        values[v - first] = value == 0 ? 1 : value;
+    }
+    return values;
+}
+
+// (round(c + a) \ 2) mod 255 and round(a) mod 255, the channels that follow
+// one ramp, with the conversion's range check.
+int halfOfSum(int colour, double ramp) {
+    return roundTo<std::int32_t>(colour + ramp) / 2 % 255;
+}
+int rampOf(double ramp) {
+    return roundTo<std::int32_t>(ramp) % 255;
+}
+
+double largestOf(const std::vector<double>& values) {
+    return values.empty() ? 0 : std::max(std::abs(values.front()), std::abs(values.back()));
+}
+
+} // namespace
+
+void Class_Pattern::ColorSpread(std::uint8_t type, std::int16_t left, std::int16_t top,
+                                std::int16_t right, std::int16_t bottom, std::uint8_t red,
+                                std::uint8_t green, std::uint8_t blue, std::int16_t weight) {
+    guarded([&] {
+        const ProcessRect rect{left, top, right, bottom};
+        const Span s = spanOf(rect);
+        const std::vector<double> a =
+            ramp(255.0 / wrap16(right - left), s.firstColumn, s.endColumn);
+        const std::vector<double> b = ramp(255.0 / wrap16(bottom - top), s.firstRow, s.endRow);
+        // Each channel is a part of the column plus a part of the row: the
+        // ramp's channel on one side, 0 or the colour's channel on the other.
+        std::vector<int> across[3];
+        std::vector<int> down[3];
+        for (auto& channel : across)
+            channel.assign(a.size(), 0);
+        for (auto& channel : down)
+            channel.assign(b.size(), 0);
+        const auto fill = [](std::vector<int>& out, const std::vector<double>& in, auto f) {
+            for (std::size_t k = 0; k < in.size(); ++k)
+                out[k] = f(in[k]);
+        };
+        const auto halfWith = [](int colour) {
+            return [colour](double v) { return halfOfSum(colour, v); };
+        };
+        switch (type) {
+        case 0: {
+            fill(across[0], a, halfWith(red));
+            fill(down[2], b, halfWith(blue));
+            // Green, (round(a + b) \ 2) mod 255, at every pixel; the ramps
+            // are largest at one end, which bounds the sum's range.
+            pattern::checkMeasure(largestOf(a) + largestOf(b));
+            blendPattern(rect, weight, [&](int x, int y) {
+                const int i = x - s.firstColumn;
+                const int j = y - s.firstRow;
+                const int g =
+                    static_cast<std::int32_t>(pattern::roundedWhole(a[i] + b[j])) / 2 % 255;
+                return Rgb16{static_cast<std::int16_t>(across[0][i]), static_cast<std::int16_t>(g),
+                             static_cast<std::int16_t>(down[2][j])};
+            });
+            return;
+        }
+        case 1:
+            fill(across[0], a, rampOf);
+            std::fill(down[1].begin(), down[1].end(), green);
+            fill(down[2], b, halfWith(blue));
+            break;
+        case 2:
+            fill(across[0], a, halfWith(red));
+            fill(down[1], b, rampOf);
+            std::fill(down[2].begin(), down[2].end(), blue);
+            break;
+        case 3:
+            std::fill(down[0].begin(), down[0].end(), red);
+            fill(across[1], a, rampOf);
+            fill(down[2], b, rampOf);
+            break;
+        default:
+            std::fill(down[0].begin(), down[0].end(), red);
+            std::fill(down[1].begin(), down[1].end(), green);
+            std::fill(down[2].begin(), down[2].end(), blue);
+            break;
+        }
+        blendPattern(rect, weight, [&](int x, int y) {
+            const int i = x - s.firstColumn;
+            const int j = y - s.firstRow;
+            return Rgb16{static_cast<std::int16_t>(across[0][i] + down[0][j]),
+                         static_cast<std::int16_t>(across[1][i] + down[1][j]),
+                         static_cast<std::int16_t>(across[2][i] + down[2][j])};
+        });
+    });
+}
+
+void Class_Pattern::ShadePatternMethod(std::uint8_t type, std::int16_t left, std::int16_t top,
+                                       std::int16_t right, std::int16_t bottom, std::uint8_t red,
+                                       std::uint8_t green, std::uint8_t blue) {
+    guarded([&] {
+        // Pairs of rows from the top while a pair fits, pairs of columns
+        // likewise; a last odd row or column stays. Only the pairs that
+        // reach the picture are walked, one loop row each.
+        const int lastColumn = right - 2;
+        const int allPairs = bottom - 2 < top ? 0 : (bottom - 2 - top) / 2 + 1;
+        // Pair k covers rows top + 2 k and the one below.
+        const int firstPair = std::max(0, floorHalf(-1 - top + 1));
+        const int endPair = std::min(allPairs, floorHalf(ImageBits.height() - 1 - top) + 1);
+        const int pairs = std::max(0, endPair - firstPair);
+        SetProgressRange(0, pairs);
+        if (pairs == 0 || ImageBits.empty()) return;
+        const Pixel colour = makePixel(red, green, blue);
+        auto paint = [&](int x, int y) {
+            if (x < 0 || x >= ImageBits.width() || y < 0 || y >= ImageBits.height()) return;
+            Pixel& p = ImageBits.at(x, y);
+            p = (p & 0xFF000000u) | colour;
+        };
+        const ProcessRect pairRows{0, 0, 1, static_cast<std::int16_t>(pairs)};
+        forEachRow(pairRows, [&](int pair, int, int) {
+            const int y = top + 2 * (firstPair + pair);
+            for (int x = left; x <= lastColumn; x += 2) {
+                if (type == 0) {
+                    paint(x, y + 1);
+                } else if (type == 1) {
+                    paint(x, y);
+                    paint(x, y + 1);
+                } else if (type == 2) {
+                    paint(x, y);
+                    paint(x, y + 1);
+                    paint(x + 1, y + 1);
+                }
+            }
+        });
+    });
+}
+
+void Class_Pattern::CheckedPattern(bool, std::int16_t width, std::int16_t height, std::int16_t left,
+                                   std::int16_t top, std::int16_t right, std::int16_t bottom,
+                                   std::uint8_t operation) {
+    guarded([&] {
+        // Blocks of no pixels would never leave the first column.
+        if (width < 1 || height < 1) throw EffectError::overflow();
+        const int across = wrap16(right - left);
+        const int down = wrap16(bottom - top);
+        const int columns = across <= 0 ? 0 : (across + width - 1) / width;
+        SetProgressRange(0, columns);
+        // The chequer's two truth values: the column's flips from column to
+        // column, the block's starts True in every column and flips from
+        // block to block; a block is changed where they agree.
+        bool columnFlag = true;
+        for (int x0 = left; x0 < right; x0 += width, columnFlag = !columnFlag) {
+            const int w = std::min<int>(width, right - x0);
+            bool blockFlag = true;
+            for (int y0 = top; y0 < bottom; y0 += height, blockFlag = !blockFlag) {
+                if (blockFlag != columnFlag) continue;
+                const int h = std::min<int>(height, bottom - y0);
+                switch (operation) {
+                case 0:
+                    BitBlt(ImageBits, x0, y0, w, h, ImageBits, x0, y0, DSTINVERT);
+                    break;
+                case 1:
+                    BitBlt(ImageBits, x0, y0, w, h, ImageBits, x0, y0, BLACKNESS);
+                    break;
+                case 2:
+                    BitBlt(ImageBits, x0, y0, w, h, ImageBits, x0, y0, WHITENESS);
+                    break;
+                case 8: {
+                    const int xs = roundTo<std::int32_t>(across * context().random.next() + left);
+                    const int ys = roundTo<std::int32_t>(down * context().random.next() + top);
+                    BitBlt(ImageBits, x0, y0, w, h, ImageBits, xs, ys, SRCCOPY);
+                    break;
+                }
+                default:
+                    break;
+                }
+            }
+            if (!finishRow()) return;
+        }
+    });
+}
+
+} // namespace lumiran

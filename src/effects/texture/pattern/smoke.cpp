@@ -1,0 +1,71 @@
+// Smoke: sine and cosine of x / p1 and y / p2, without pi.
+#include "effects/texture/pattern/pattern_frame.h"
+
+#include <array>
+
+namespace lumiran {
+namespace {
+
+// Which wave goes with which axis: types 0..3 pair the first period with x,
+// 4..7 with y.
+struct SmokeWaves {
+    bool firstSine;
+    bool secondSine;
+    bool firstAcross;
+};
+constexpr std::array<SmokeWaves, 8> SmokeTypes{{
+    {true, true, true},
+    {false, false, true},
+    {true, false, true},
+    {false, true, true},
+    {true, true, false},
+    {false, false, false},
+    {true, false, false},
+    {false, true, false},
+}};
+
+// Form 1 ("点") lights only where the product of the waves is above this.
+constexpr double DotLevel = 0.5;
+
+struct SmokeColour {
+    SmokeWaves waves;
+    std::uint8_t form;
+    std::int16_t red, green, blue;
+
+    [[nodiscard]] Rgb16 at(int x, int y, double p1, double p2) const {
+        const double first = (waves.firstAcross ? x : y) / p1;
+        const double second = (waves.firstAcross ? y : x) / p2;
+        const double a = waves.firstSine ? std::sin(first) : std::cos(first);
+        const double b = waves.secondSine ? std::sin(second) : std::cos(second);
+        const double product = a * b;
+        const double t = form == 0 ? (product + 1) / 2 : product > DotLevel ? 1.0 : 0.0;
+        return {roundTo<std::int16_t>(t * red), roundTo<std::int16_t>(t * green),
+                roundTo<std::int16_t>(t * blue)};
+    }
+};
+
+} // namespace
+
+void Class_Pattern::Smoke(std::uint8_t type, std::uint8_t form, std::int16_t left, std::int16_t top,
+                          std::int16_t right, std::int16_t bottom, std::int16_t horizontal,
+                          std::int16_t vertical, std::int16_t red, std::int16_t green,
+                          std::int16_t blue, std::int16_t weight, bool random) {
+    guarded([&] {
+        const SmokeColour colour{SmokeTypes[type % SmokeTypes.size()], form, red, green, blue};
+        const ProcessRect rect{left, top, right, bottom};
+        if (!random) {
+            blendPattern(rect, weight,
+                         [&](int x, int y) { return colour.at(x, y, horizontal, vertical); });
+            return;
+        }
+        // Two periods drawn for every pixel, in the order of the pixels.
+        RandomGenerator& rnd = context().random;
+        blendPattern<RowOrder::TopToBottom>(rect, weight, [&](int x, int y) {
+            const double p1 = roundTo<std::int32_t>(horizontal * rnd.next() + 1);
+            const double p2 = roundTo<std::int32_t>(vertical * rnd.next() + 1);
+            return colour.at(x, y, p1, p2);
+        });
+    });
+}
+
+} // namespace lumiran

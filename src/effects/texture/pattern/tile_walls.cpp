@@ -1,0 +1,242 @@
+// The tile walls: joints of a grid walked as the mosaics walk their blocks,
+// and walls of drawn tiles.
+#include "effects/texture/pattern/tile_joints.h"
+
+#include <algorithm>
+
+namespace lumiran {
+namespace pattern {
+
+int JointRule::deepest() const {
+    switch (type_) {
+    case 0:
+    case 1:
+        return 1;
+    case 2:
+        return 2;
+    case 3:
+        return 0;
+    default:
+        return -1;
+    }
+}
+
+Rgb16 JointRule::at(int level, int r, int g, int b) const {
+    const auto grey = [](int v) {
+        return Rgb16{static_cast<std::int16_t>(v), static_cast<std::int16_t>(v),
+                     static_cast<std::int16_t>(v)};
+    };
+    switch (type_) {
+    case 0: {
+        const int d = level == 0 ? -18 : 18;
+        return {static_cast<std::int16_t>(r + d), static_cast<std::int16_t>(g + d),
+                static_cast<std::int16_t>(b + d)};
+    }
+    case 1:
+        return grey(level == 0 ? 0 : 255);
+    case 2:
+        return grey(level == 0 ? 0 : level == 1 ? 128 : 255);
+    default:
+        return grey(0);
+    }
+}
+
+std::uint8_t TileLayout::variant(int tileRow, int tileColumn) const {
+    switch (kind) {
+    case Kind::Same:
+        return first;
+    case Kind::Chequer:
+        return (tileRow + tileColumn) % 2 == 0 ? first : second;
+    case Kind::Rows:
+        return tileRow % 2 == 0 ? first : second;
+    case Kind::Columns:
+        return tileColumn % 2 == 0 ? first : second;
+    case Kind::Table: {
+        const int r = tileRow - firstRow;
+        const int c = tileColumn - firstColumn;
+        if (r < 0 || c < 0 || c >= columns) return first;
+        const auto at = static_cast<std::size_t>(r) * columns + c;
+        return at < table.size() ? table[at] : first;
+    }
+    }
+    return first;
+}
+
+TileLines::TileLines(int size, std::vector<CellMask> variants, TileLayout layout,
+                     const ProcessRect& rect)
+    : variants_(std::move(variants)), layout_(std::move(layout)), rect_(rect) {
+    const auto placesOf = [size](int count) {
+        std::vector<Place> places(static_cast<std::size_t>(std::max(count, 0)));
+        for (int k = 0; k < count; ++k)
+            places[k] = {k / size, k % size};
+        return places;
+    };
+    columns_ = placesOf(rect.right - rect.left);
+    rows_ = placesOf(rect.bottom - rect.top);
+    if (layout_.kind == TileLayout::Kind::Same) single_ = &variants_[layout_.first];
+}
+
+} // namespace pattern
+
+void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std::int16_t height,
+                               int shift, bool columns, std::uint8_t type) {
+    // Tiles share their joints: each starts on the last column and row of
+    // the one before.
+    mosaic::BlockGrid grid{width, height, width - 1, height - 1};
+    if (shift != 0) {
+        if (columns) {
+            grid.columnShift[1] = (height - 1) / 2;
+        } else {
+            grid.rowShift[1] = (width - 1) / 2;
+        }
+    }
+    const Span span = spanOf(rect);
+    const mosaic::Extent extent{span.firstColumn, span.endColumn, span.firstRow, span.endRow};
+    const int blockRows = mosaic::blockRowCount(extent, grid);
+    SetProgressRange(0, blockRows + wrap16(rect.bottom - rect.top));
+    if (blockRows == 0) return;
+    const pattern::JointRule rule(type);
+
+    // The level each tile's cell (i, j) leaves, min(i, j), walked in order so
+    // that the last tile to reach a pixel decides it, folded cells included;
+    // cells beyond the type's deepest level leave the pixel to earlier tiles.
+    const int across = extent.endColumn - extent.firstColumn;
+    std::vector<std::int8_t> levels(
+        static_cast<std::size_t>(across) * (extent.endRow - extent.firstRow), 3);
+    std::vector<int> rows(static_cast<std::size_t>(height));
+    std::vector<int> cells(static_cast<std::size_t>(width));
+    for (int k = 0; k < blockRows; ++k) {
+        mosaic::forEachBlockInRow(extent, grid, k, rows, cells, [&](int) {
+            for (int i = 0; i < height; ++i) {
+                if (rows[i] == mosaic::SkippedCell) continue;
+                const std::size_t row =
+                    static_cast<std::size_t>(rows[i] - extent.firstRow) * across;
+                for (int j = 0; j < width; ++j) {
+                    const int level = std::min(i, j);
+                    if (cells[j] != mosaic::SkippedCell && level <= rule.deepest())
+                        levels[row + (cells[j] - extent.firstColumn)] =
+                            static_cast<std::int8_t>(level);
+                }
+            }
+        });
+        if (!finishRow()) return;
+    }
+    paintJoints(rect, type, [&](int x, int y) {
+        return levels[static_cast<std::size_t>(y - extent.firstRow) * across +
+                      (x - extent.firstColumn)];
+    });
+}
+
+void Class_Pattern::LineInput_Normal(std::int16_t width, std::int16_t height, std::int16_t left,
+                                     std::int16_t top, std::int16_t right, std::int16_t bottom,
+                                     bool, std::uint8_t type) {
+    guarded([&] { gridJoints({left, top, right, bottom}, width, height, 0, false, type); });
+}
+
+void Class_Pattern::LineInput_Gap(std::int16_t width, std::int16_t height, std::int16_t left,
+                                  std::int16_t top, std::int16_t right, std::int16_t bottom,
+                                  bool columns, std::uint8_t type) {
+    guarded([&] { gridJoints({left, top, right, bottom}, width, height, 1, columns, type); });
+}
+
+void Class_Pattern::drawnJoints(const ProcessRect& rect, int size,
+                                std::vector<mosaic::CellMask> variants, pattern::TileLayout layout,
+                                std::uint8_t type) {
+    SetProgressRange(rect.top, rect.bottom);
+    const pattern::TileLines lines(size, std::move(variants), std::move(layout), rect);
+    paintJoints(rect, type, [&](int x, int y) { return lines.level(x, y); });
+}
+
+namespace {
+
+// Turn 0 and turn 1 alternating in the given way.
+pattern::TileLayout alternating(pattern::TileLayout::Kind kind) {
+    pattern::TileLayout layout;
+    layout.kind = kind;
+    layout.second = 1;
+    return layout;
+}
+
+// A tile of no pixels has no place for its lines.
+void checkTile(std::int16_t size) {
+    if (size < 1) throw EffectError::overflow();
+}
+
+} // namespace
+
+void Class_Pattern::Draw_ArcCrest(std::int16_t size, std::int16_t left, std::int16_t top,
+                                  std::int16_t right, std::int16_t bottom, std::uint8_t type,
+                                  std::uint8_t colour, std::uint8_t) {
+    guarded([&] {
+        checkTile(size);
+        using pattern::ArcTile;
+        using Kind = pattern::TileLayout::Kind;
+        std::vector<mosaic::CellMask> variants;
+        for (const ArcTile tile :
+             {ArcTile::Turn0, ArcTile::Turn1, ArcTile::Ring, ArcTile::BothTurns})
+            variants.push_back(pattern::arcTile(size, tile));
+        pattern::TileLayout layout;
+        switch (type) {
+        case 0:
+            break;
+        case 1:
+            layout.first = 1;
+            break;
+        case 2:
+            layout = alternating(Kind::Chequer);
+            break;
+        case 3:
+            layout = alternating(Kind::Rows);
+            break;
+        case 4:
+            layout = alternating(Kind::Columns);
+            break;
+        case 5:
+            layout.first = 2;
+            break;
+        case 6:
+            layout.first = 3;
+            break;
+        default: {
+            // "ﾗﾝﾀﾞﾑ": each tile over the picture turns one way or the other,
+            // drawn row by row before any pixel is painted.
+            const Span span = spanOf({left, top, right, bottom});
+            if (span.empty()) break;
+            layout.kind = Kind::Table;
+            layout.firstRow = (span.firstRow - top) / size;
+            layout.firstColumn = (span.firstColumn - left) / size;
+            const int lastRow = (span.endRow - 1 - top) / size;
+            layout.columns = (span.endColumn - 1 - left) / size - layout.firstColumn + 1;
+            for (int r = layout.firstRow; r <= lastRow; ++r) {
+                for (int c = 0; c < layout.columns; ++c)
+                    layout.table.push_back(context().random.next() < 0.5 ? 0 : 1);
+            }
+            break;
+        }
+        }
+        drawnJoints({left, top, right, bottom}, size, std::move(variants), std::move(layout),
+                    colour);
+    });
+}
+
+void Class_Pattern::LineInput_Lozenge(std::int16_t size, std::int16_t left, std::int16_t top,
+                                      std::int16_t right, std::int16_t bottom, std::uint8_t type,
+                                      std::uint8_t colour) {
+    guarded([&] {
+        checkTile(size);
+        drawnJoints({left, top, right, bottom}, size, {pattern::lozengeTile(size, type)}, {},
+                    colour);
+    });
+}
+
+void Class_Pattern::LineInput_Circle(std::int16_t size, std::int16_t left, std::int16_t top,
+                                     std::int16_t right, std::int16_t bottom, std::uint8_t type,
+                                     std::uint8_t colour) {
+    guarded([&] {
+        checkTile(size);
+        drawnJoints({left, top, right, bottom}, size, {pattern::shippouTile(size, type)}, {},
+                    colour);
+    });
+}
+
+} // namespace lumiran

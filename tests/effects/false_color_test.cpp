@@ -1,0 +1,205 @@
+// Class_FalseColor: the tint levels, the bands of the pseudo colours, the
+// rules left open (type 3 purples, band orders, stamps) and the noise's
+// draws from the one generator.
+#include "effect_fixture.h"
+#include "effects/colour/false_color/class_false_color.h"
+#include "effects/colour/false_color/noise_stamps.h"
+#include "effects/colour/false_color/pseudo_colour_bands.h"
+
+#include <array>
+#include <functional>
+#include <vector>
+
+namespace lumiran::testing {
+namespace {
+
+using Colour = std::array<int, 3>;
+using C = Class_FalseColor;
+using Op = std::function<void(C&, std::int16_t, std::int16_t, std::int16_t, std::int16_t)>;
+
+struct FalseColorTest : EffectFixture<C> {
+    Colour runOn(Colour in, const Op& op) {
+        const Surface out =
+            run(Surface(1, 1, withColour(0, in[0], in[1], in[2])),
+                [&](C& e, const ProcessRect& r) { op(e, r.left, r.top, r.right, r.bottom); });
+        const Pixel p = out.at(0, 0);
+        return {redOf(p), greenOf(p), blueOf(p)};
+    }
+};
+
+struct PixelCase {
+    const char* what;
+    Colour in;
+    Op op;
+    Colour expected;
+};
+
+TEST_F(FalseColorTest, PixelRules) {
+    using I = std::int16_t;
+    const PixelCase cases[] = {
+        // White: s = 0, levels 55, 155, 255 stretched to 10, 183, 356.
+        {"night-fall on white",
+         {255, 255, 255},
+         [](C& e, I l, I t, I r, I b) { e.BlueSepia(0, 0, 0, l, t, r, b); },
+         {10, 183, 255}},
+        {"sunset on white",
+         {255, 255, 255},
+         [](C& e, I l, I t, I r, I b) { e.YellowOperation(0, 0, 0, l, t, r, b); },
+         {255, 183, 10}},
+        // Black through "光度": the source becomes 1, 1, 1 and takes the
+        // tint's lightness round((62 - 54) / 2).
+        {"night-fall by lightness on black",
+         {0, 0, 0},
+         [](C& e, I l, I t, I r, I b) { e.BlueSepia(0, 0, 1, l, t, r, b); },
+         {4, 4, 4}},
+        {"sunset keeping red only",
+         {0, 90, 200},
+         [](C& e, I l, I t, I r, I b) { e.YellowOperation(0, 0, 2, l, t, r, b); },
+         {229, 90, 200}},
+        // Type 3 at Y' = 200 of the complements: levels 42, 115, 191.
+        {"reddish purple is blue above red",
+         {55, 55, 55},
+         [](C& e, I l, I t, I r, I b) { e.YellowOperation(3, 0, 0, l, t, r, b); },
+         {115, 42, 191}},
+        {"purplish red is red above blue",
+         {55, 55, 55},
+         [](C& e, I l, I t, I r, I b) { e.BlueSepia(3, 0, 0, l, t, r, b); },
+         {191, 42, 115}},
+        // The band edge 29 | 30 jumps by the band's offset.
+        {"pseudo below 30",
+         {29, 29, 29},
+         [](C& e, I l, I t, I r, I b) { e.FalseColor(l, t, r, b, 0); },
+         {29, 29, 29}},
+        {"pseudo at 30",
+         {30, 30, 30},
+         [](C& e, I l, I t, I r, I b) { e.FalseColor(l, t, r, b, 0); },
+         {98, 30, 30}},
+        {"pseudo type 1 hands red's offset to blue",
+         {40, 40, 40},
+         [](C& e, I l, I t, I r, I b) { e.FalseColor(l, t, r, b, 1); },
+         {40, 40, 108}},
+        {"pseudo type 6 runs the bands backwards",
+         {40, 40, 40},
+         [](C& e, I l, I t, I r, I b) { e.FalseColor(l, t, r, b, 6); },
+         {55, 40, 40}},
+        {"fluorescent on white",
+         {255, 255, 255},
+         [](C& e, I l, I t, I r, I b) { e.FluorescenceRevision(0, 42, l, t, r, b); },
+         {255, 255, 112}},
+        // Y' = 127: red 138.5, green 105.5, blue 72.5, ties to even.
+        {"retrospection",
+         {128, 128, 128},
+         [](C& e, I l, I t, I r, I b) { e.Retrospection(0, 10.5, 0, l, t, r, b); },
+         {138, 106, 72}},
+        {"retrospection on red only",
+         {128, 128, 128},
+         [](C& e, I l, I t, I r, I b) { e.Retrospection(0, 10.5, 1, l, t, r, b); },
+         {138, 128, 128}},
+        {"colour adjust normal",
+         {0, 0, 0},
+         [](C& e, I l, I t, I r, I b) { e.Color_Adjusten(0, 0, 255, 0, 0, l, t, r, b); },
+         {255, 0, 0}},
+        {"colour adjust absolute times 2",
+         {50, 50, 50},
+         [](C& e, I l, I t, I r, I b) { e.Color_Adjusten(0, 2, 100, 0, 0, l, t, r, b); },
+         {100, 100, 100}},
+    };
+    for (const PixelCase& c : cases) {
+        EXPECT_EQ(runOn(c.in, c.op), c.expected) << c.what;
+        EXPECT_TRUE(context.failures.empty()) << c.what;
+    }
+}
+
+// The stretch of type 0 multiplies in 16 bits: a level of 256 overflows.
+TEST_F(FalseColorTest, TypeZeroStretchOverflowsAboveLevel255) {
+    runOn({255, 255, 255},
+          [](C& e, auto l, auto t, auto r, auto b) { e.BlueSepia(0, -1, 0, l, t, r, b); });
+    ASSERT_EQ(context.failures.size(), 1u);
+    EXPECT_EQ(context.failures[0].number(), 6);
+}
+
+TEST(PseudoColourBands, EveryTypeKeepsTheDarkestAndBrightestBandsGrey) {
+    for (std::uint8_t type = 0; type < 8; ++type) {
+        for (int grey : {0, 29, 240, 255}) {
+            EXPECT_EQ(pseudoColourOffsets(type, grey), (BandOffsets{0, 0, 0}))
+                << int(type) << " " << grey;
+        }
+        EXPECT_NE(pseudoColourOffsets(type, 100), (BandOffsets{0, 0, 0})) << int(type);
+    }
+}
+
+TEST(NoiseStamps, MarksHaveTheirShapes) {
+    auto marked = [](const Surface& s, int x, int y) { return (s.at(x, y) & 0xFFFFFF) == 0; };
+    EXPECT_EQ(noiseStamp(0).width(), 1);
+    const Surface circle = noiseStamp(1), plus = noiseStamp(4), cross = noiseStamp(3);
+    EXPECT_TRUE(marked(circle, 0, 4) && marked(circle, 7, 4) && !marked(circle, 4, 4));
+    EXPECT_TRUE(marked(plus, 3, 0) && marked(plus, 0, 3) && !marked(plus, 0, 0));
+    EXPECT_TRUE(marked(cross, 0, 0) && marked(cross, 7, 7) && !marked(cross, 3, 0));
+}
+
+TEST_F(FalseColorTest, NoiseStaysInTheRectangleAndDrawsOnFromTheGenerator) {
+    const Surface grey(40, 30, withColour(0, 128, 128, 128));
+    auto noise = [](C& e, const ProcessRect&) { e.RandamNoise_Mono(255, 1, 1, 10, 5, 30, 25); };
+    const Surface first = run(grey, noise);
+    const Surface second = run(grey, noise);
+    int changed = 0;
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 0; x < 40; ++x) {
+            const bool inside = x >= 10 && x < 30 && y >= 5 && y < 25;
+            if (first.at(x, y) != grey.at(x, y)) {
+                EXPECT_TRUE(inside) << x << "," << y;
+                EXPECT_EQ(redOf(first.at(x, y)), 255);
+                ++changed;
+            }
+        }
+    }
+    EXPECT_GT(changed, 40);
+    // The generator runs on: a second run in the same program differs.
+    EXPECT_FALSE(std::equal(first.pixels().begin(), first.pixels().end(), second.pixels().begin()));
+}
+
+struct CaptionLog : ProgressSink {
+    std::vector<int> captions;
+    int percents = 0;
+    void showPercent(int) override { ++percents; }
+    void showCaption(int id) override { captions.push_back(id); }
+};
+
+// Noise Corrdinate names both passes and takes every pixel from within the
+// amplitude, never from outside the rectangle.
+TEST_F(FalseColorTest, NoiseCoordinateMovesPixelsWithinTheAmplitude) {
+    Surface source(40, 30);
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 0; x < 40; ++x)
+            source.at(x, y) = withColour(0, x, y, 0);
+    }
+    CaptionLog log;
+    context.progress = &log;
+    C effect(context);
+    effect.ImageGetDiBits(source);
+    effect.ImageGetDiBitsTrans(source);
+    effect.NoiserizeWater(8, 3, 3, 5, 5, 35, 25);
+    Surface out;
+    effect.ImageSetDiBitsTrans(out);
+    EXPECT_EQ(log.captions, (std::vector<int>{3435, 3437}));
+    EXPECT_GT(log.percents, 20);
+    int moved = 0;
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 0; x < 40; ++x) {
+            const Pixel p = out.at(x, y);
+            const bool inside = x >= 5 && x < 35 && y >= 5 && y < 25;
+            if (!inside) {
+                EXPECT_EQ(p, source.at(x, y));
+                continue;
+            }
+            EXPECT_LE(std::abs(redOf(p) - x), 3);
+            EXPECT_LE(std::abs(greenOf(p) - y), 3);
+            EXPECT_TRUE(redOf(p) >= 5 && redOf(p) < 35 && greenOf(p) >= 5 && greenOf(p) < 25);
+            moved += redOf(p) != x || greenOf(p) != y;
+        }
+    }
+    EXPECT_GT(moved, 300);
+}
+
+} // namespace
+} // namespace lumiran::testing

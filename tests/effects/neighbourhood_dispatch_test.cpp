@@ -1,0 +1,119 @@
+// The cases that call Class_NeighborhoodOp or Class_Edge first: which
+// entries they serve and which values reach which argument.
+#include "catalogue/effect_dispatch.h"
+#include "catalogue/effect_table.h"
+#include "neighbourhood_fixture.h"
+
+#include <gtest/gtest.h>
+#include <string_view>
+
+namespace lumiran::testing {
+namespace {
+
+using V = ControlValues;
+
+struct NeighbourhoodDispatch : ::testing::Test {
+    CancelFlag cancel{0};
+    RandomGenerator random;
+    RunContext context{cancel, random};
+
+    Surface caseOn(std::string_view effect, const V& values, const Surface& picture) {
+        const EffectEntry* entry = findEffect(effect);
+        EXPECT_NE(entry, nullptr) << effect;
+        const EffectPlan plan = planEffect(entry->dialog, entry->code, values);
+        EXPECT_EQ(plan.status, EffectPlan::Status::Ready) << effect;
+        if (plan.status != EffectPlan::Status::Ready) return {};
+        Surface kept0 = picture;
+        Surface kept1 = picture;
+        EffectInvocation run{context, kept0, kept1,
+                             ProcessRect::wholePicture(picture.width(), picture.height())};
+        plan.body(run);
+        EXPECT_TRUE(context.failures.empty()) << effect;
+        return kept1;
+    }
+
+    static Surface impulse() {
+        Surface s(5, 5, makePixel(0, 0, 0));
+        s.at(2, 2) = makePixel(20, 20, 20);
+        return s;
+    }
+};
+
+TEST_F(NeighbourhoodDispatch, EveryEntryThatCallsEitherClassFirstIsServed) {
+    int served = 0;
+    for (const EffectEntry& entry : effectCatalogue()) {
+        if (!entry.call.starts_with("Class_NeighborhoodOp ") &&
+            !entry.call.starts_with("Class_Edge "))
+            continue;
+        const EffectPlan plan = planEffect(entry.dialog, entry.code, defaultControlValues(entry));
+        if (entry.call.find("Class_Soften") != std::string_view::npos) {
+            // Shade Revision waits for the smoothing class.
+            EXPECT_EQ(plan.status, EffectPlan::Status::NotAvailable) << entry.caption;
+            continue;
+        }
+        EXPECT_EQ(plan.status, EffectPlan::Status::Ready) << entry.caption;
+        ++served;
+    }
+    EXPECT_EQ(served, 33);
+    for (const EffectEntry& entry : effectCatalogue()) {
+        if (entry.family != "Edge Detection") continue;
+        EXPECT_TRUE(effectDispatch().contains(entry.dialog, entry.code)) << entry.caption;
+    }
+}
+
+TEST_F(NeighbourhoodDispatch, LaplacianRowsAreFourAndEightNeighbours) {
+    // The neighbour weights are 1 or the row; the centre -4 or -8 darkens.
+    const Surface four = caseOn("Laplacian Filter", V{.color = 0}, impulse());
+    EXPECT_EQ(colourAt(four, 2, 1)[0], 20);
+    EXPECT_EQ(colourAt(four, 1, 1)[0], 0);
+    EXPECT_EQ(colourAt(four, 2, 2)[0], 0);
+    const Surface eight = caseOn("Laplacian Filter", V{.color = 1}, impulse());
+    EXPECT_EQ(colourAt(eight, 1, 1)[0], 20);
+}
+
+TEST_F(NeighbourhoodDispatch, PrewittRowsAreCompassKernelsAroundMinusTwo) {
+    // "上": the row above weighs +1, the row below -1.
+    const Surface up = caseOn("Prewitt Filter", V{.color = 0}, impulse());
+    EXPECT_EQ(colourAt(up, 2, 3)[0], 20); // the bright pixel above it
+    EXPECT_EQ(colourAt(up, 2, 1)[0], 0);  // below it
+    // "右": the right column weighs +1.
+    const Surface right = caseOn("Prewitt Filter", V{.color = 3}, impulse());
+    EXPECT_EQ(colourAt(right, 1, 2)[0], 20);
+    EXPECT_EQ(colourAt(right, 3, 2)[0], 0);
+}
+
+TEST_F(NeighbourhoodDispatch, EdgeExtraction2x2WeighsTheNamedSideBySliderOne) {
+    // "上" with weight 3: the pixel whose lower neighbours are dark and the
+    // block's upper row holds the bright one.
+    const Surface result = caseOn("Edge Extraction 2x2", V{.sliders = {3}, .color = 0}, impulse());
+    EXPECT_EQ(colourAt(result, 2, 2)[0], 60);
+    EXPECT_EQ(colourAt(result, 1, 1)[0], 0);
+}
+
+TEST_F(NeighbourhoodDispatch, FuguTakesSliderTwoAsTheUpperAndOneAsTheLowerThreshold) {
+    const Surface grey(1, 1, makePixel(100, 100, 100));
+    EXPECT_EQ(colourAt(caseOn("Fugu", V{.sliders = {0, 255}}, grey), 0, 0)[0], 155);
+    EXPECT_EQ(colourAt(caseOn("Fugu", V{.sliders = {150, 255}}, grey), 0, 0)[0], 100);
+    EXPECT_EQ(colourAt(caseOn("Fugu", V{.sliders = {0, 50}}, grey), 0, 0)[0], 100);
+}
+
+TEST_F(NeighbourhoodDispatch, NormalEmbossTakesTheTypeRowAsItsDirection) {
+    // Row 2 is direction 2: A above, B below; the pixel above the bright
+    // one has it as B.
+    const V values{.sliders = {1, 128, 128, 128, 1}, .eType = 2};
+    const Surface result = caseOn("Normal Emboss", values, impulse());
+    EXPECT_EQ(colourAt(result, 2, 1)[0], 108);
+    EXPECT_EQ(colourAt(result, 2, 3)[0], 148);
+}
+
+TEST_F(NeighbourhoodDispatch, TwoCallsInARowReadEachOthersResult) {
+    // Bleeding Filter folds before it marks steps; on a flat picture the
+    // fold alone shows: grey 100 becomes 155 inside the 7x7 margin.
+    const Surface flat(9, 9, makePixel(100, 100, 100));
+    const Surface result = caseOn("Bleeding Filter", V{.sliders = {42}}, flat);
+    EXPECT_EQ(colourAt(result, 4, 4)[0], 155);
+    EXPECT_EQ(colourAt(result, 0, 0)[0], 100);
+}
+
+} // namespace
+} // namespace lumiran::testing

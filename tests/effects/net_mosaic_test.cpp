@@ -1,0 +1,90 @@
+// Class_NetMosaic: the irregular net, as a mosaic of its cells and as
+// joints drawn over the picture.
+#include "effects/texture/net_mosaic/class_net_mosaic.h"
+#include "texture_fixture.h"
+
+#include <set>
+
+namespace lumiran::testing {
+namespace {
+
+struct NetMosaic : TextureFixture {
+    Surface mosaic(const Surface& source, int size, int noise, std::uint8_t type,
+                   ProcessRect rect = {}) {
+        if (rect == ProcessRect{})
+            rect = ProcessRect::wholePicture(source.width(), source.height());
+        Surface target(source.width(), source.height());
+        Class_NetMosaic(context).Mosaic_Net(source, target, rect.left, rect.top, rect.right,
+                                            rect.bottom, static_cast<std::int16_t>(size),
+                                            static_cast<std::int16_t>(noise), type);
+        return target;
+    }
+    Surface lines(const Surface& source, int size, int noise, std::uint8_t type) {
+        Surface target(source.width(), source.height());
+        Class_NetMosaic(context).Net_Line(
+            source, target, 0, 0, static_cast<std::int16_t>(source.width()),
+            static_cast<std::int16_t>(source.height()), static_cast<std::int16_t>(size),
+            static_cast<std::int16_t>(noise), type, 0, 0, 0);
+        return target;
+    }
+};
+
+std::set<Pixel> coloursOf(const Surface& s) {
+    return {s.pixels().begin(), s.pixels().end()};
+}
+
+TEST_F(NetMosaic, EveryPixelTakesTheMeanOfItsCell) {
+    // A uniform picture stays uniform; a varied one has at most a colour a
+    // cell (6 x 5 cells of 8 on 48 x 40).
+    EXPECT_EQ(mosaic(uniformPicture(48, 40, 10, 20, 30), 8, 8, 0),
+              uniformPicture(48, 40, 10, 20, 30));
+    const Surface varied = makeVariedPicture(48, 40);
+    for (const std::uint8_t type : {0, 1}) {
+        const Surface out = mosaic(varied, 8, 8, type);
+        EXPECT_LE(coloursOf(out).size(), 30u) << int(type);
+        EXPECT_GE(coloursOf(out).size(), 20u) << int(type);
+    }
+}
+
+TEST_F(NetMosaic, TheRandomNetBendsItsCellsAndTheBoundaryNetDrawsNothingAtRandom) {
+    const Surface varied = makeVariedPicture(48, 40);
+    const Surface straight = mosaic(varied, 8, 0, 0);
+    const Surface bent = mosaic(varied, 8, 8, 0);
+    EXPECT_NE(straight, bent);
+    const std::uint32_t before = random.state();
+    const Surface snapped = mosaic(varied, 8, 8, 1);
+    EXPECT_EQ(random.state(), before);
+    EXPECT_EQ(snapped, mosaic(varied, 8, 8, 1));
+}
+
+TEST_F(NetMosaic, OnlyTheRectangleIsPainted) {
+    const Surface varied = makeVariedPicture(40, 40);
+    Surface target = varied;
+    Class_NetMosaic(context).Mosaic_Net(varied, target, 10, 12, 30, 28, 8, 8, 0);
+    EXPECT_EQ(target.at(9, 20), varied.at(9, 20));
+    EXPECT_EQ(target.at(20, 28), varied.at(20, 28));
+    EXPECT_NE(target, varied);
+}
+
+TEST_F(NetMosaic, TheWallNetDrawsBlackJointsOverThePicture) {
+    const Surface white = uniformPicture(33, 25, 255, 255, 255);
+    for (const std::uint8_t type : {0, 1}) {
+        const Surface out = lines(white, 8, 8, type);
+        // The frame of the rectangle is a joint, corners included.
+        for (const auto& [x, y] : {std::pair{0, 0}, {32, 0}, {0, 24}, {32, 24}, {16, 0}, {0, 12}})
+            EXPECT_EQ(colourAt(out, x, y), (Colour{0, 0, 0})) << x << "," << y;
+        EXPECT_EQ(coloursOf(out).size(), 2u);
+        int black = 0;
+        for (const Pixel p : out.pixels())
+            black += (p & 0xFFFFFF) == 0;
+        EXPECT_LT(black, 33 * 25 / 2) << "joints, not fills";
+    }
+}
+
+TEST_F(NetMosaic, ABlockSizeOfZeroIsTheOverflowError) {
+    mosaic(makeVariedPicture(8, 8), 0, 8, 0);
+    EXPECT_EQ(failureNumbers(), std::vector<int>{6});
+}
+
+} // namespace
+} // namespace lumiran::testing

@@ -1,0 +1,174 @@
+// The tile walls of Class_Pattern: grid joints against the walk written
+// out literally, and walls of drawn tiles.
+#include "effects/texture/pattern/class_pattern.h"
+#include "texture_fixture.h"
+
+#include <algorithm>
+#include <set>
+
+namespace lumiran::testing {
+namespace {
+
+using P = Class_Pattern;
+
+struct Grid {
+    int width, height;
+    ProcessRect rect;
+    int shifted; // 0 none, 1 rows of tiles, 2 columns of tiles
+};
+
+// The walk as the mosaics walk, step size - 1, each cell (i, j) writing the
+// level min(i, j) when the type colours it; the last write wins, cells past
+// the rectangle fold onto its last row or column, cells before it are not
+// there, and a tile starting past the last row is not laid.
+std::vector<int> literalLevels(const Surface& picture, const Grid& g, int deepest) {
+    std::vector<int> level(picture.pixelCount(), 3);
+    const ProcessRect& r = g.rect;
+    const int riseX = g.shifted == 1 ? (g.width - 1) / 2 : 0;
+    const int riseY = g.shifted == 2 ? (g.height - 1) / 2 : 0;
+    for (int k = 0; r.top + k * (g.height - 1) - riseY <= r.bottom - 1; ++k) {
+        const int rowOrigin = r.top + k * (g.height - 1);
+        int m = 0;
+        for (int x0 = r.left - (k % 2 == 1 ? riseX : 0); x0 <= r.right - 1;
+             x0 += g.width - 1, ++m) {
+            const int y0 = rowOrigin - (m % 2 == 1 ? riseY : 0);
+            if (y0 > r.bottom - 1) continue;
+            for (int i = 0; i < g.height; ++i) {
+                for (int j = 0; j < g.width; ++j) {
+                    if (y0 + i < r.top || x0 + j < r.left || std::min(i, j) > deepest) continue;
+                    const int y = std::min(y0 + i, r.bottom - 1);
+                    const int x = std::min(x0 + j, r.right - 1);
+                    level[static_cast<std::size_t>(y) * picture.width() + x] = std::min(i, j);
+                }
+            }
+        }
+    }
+    return level;
+}
+
+Colour jointColour(int type, int level, const Colour& source) {
+    switch (type) {
+    case 0:
+        if (level == 0) return {source[0] - 18, source[1] - 18, source[2] - 18};
+        return {source[0] + 18, source[1] + 18, source[2] + 18};
+    case 1:
+        return level == 0 ? Colour{0, 0, 0} : Colour{255, 255, 255};
+    case 2:
+        return level == 0   ? Colour{0, 0, 0}
+               : level == 1 ? Colour{128, 128, 128}
+                            : Colour{255, 255, 255};
+    default:
+        return {0, 0, 0};
+    }
+}
+
+class GridJoints : public TextureFixture, public ::testing::WithParamInterface<Grid> {};
+
+TEST_P(GridJoints, AreTheLiteralWalksLastWritesOnTheSource) {
+    const Grid g = GetParam();
+    const Surface picture =
+        makePicture(19, 13, [](int x, int y) { return makePixel(40 + x * 5, 60 + y * 7, 100); });
+    const int deepest[4] = {1, 1, 2, 0};
+    for (std::uint8_t type = 0; type < 4; ++type) {
+        const Surface out = run<P>(
+            picture,
+            [&](P& e, const ProcessRect& r) {
+                if (g.shifted == 0) {
+                    e.LineInput_Normal(g.width, g.height, r.left, r.top, r.right, r.bottom, true,
+                                       type);
+                } else {
+                    e.LineInput_Gap(g.width, g.height, r.left, r.top, r.right, r.bottom,
+                                    g.shifted == 2, type);
+                }
+            },
+            false, g.rect);
+        const std::vector<int> levels = literalLevels(picture, g, deepest[type]);
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                const int level = levels[static_cast<std::size_t>(y) * picture.width() + x];
+                const Colour expected = level > deepest[type]
+                                            ? colourAt(picture, x, y)
+                                            : jointColour(type, level, colourAt(picture, x, y));
+                EXPECT_EQ(colourAt(out, x, y), expected)
+                    << "type " << int(type) << " at " << x << "," << y;
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    TileWall, GridJoints,
+    ::testing::Values(Grid{4, 4, {0, 0, 19, 13}, 0}, Grid{5, 3, {0, 0, 19, 13}, 0},
+                      Grid{8, 8, {0, 0, 19, 13}, 0}, Grid{6, 4, {2, 3, 17, 11}, 0},
+                      Grid{20, 20, {0, 0, 19, 13}, 0}, Grid{6, 5, {0, 0, 19, 13}, 1},
+                      Grid{6, 5, {1, 2, 18, 12}, 2}, Grid{4, 4, {0, 0, 19, 13}, 2}));
+
+struct DrawnTiles : TextureFixture {
+    const Surface grey = uniformPicture(32, 32, 100, 100, 100);
+};
+
+TEST_F(DrawnTiles, TheLozengeWallJoinsTheMiddlesOfTheTilesSides) {
+    const auto wall = [&](std::uint8_t colour) {
+        return run<P>(grey, [colour](P& e, const ProcessRect& r) {
+            e.LineInput_Lozenge(16, r.left, r.top, r.right, r.bottom, 0, colour);
+        });
+    };
+    const Surface black = wall(3);
+    for (const auto& [x, y] : {std::pair{8, 0}, {9, 1}, {15, 7}, {7, 1}, {24, 16}, {8, 16}})
+        EXPECT_EQ(colourAt(black, x, y), (Colour{0, 0, 0})) << x << "," << y;
+    EXPECT_EQ(colourAt(black, 0, 0), (Colour{100, 100, 100}));
+    EXPECT_EQ(colourAt(black, 8, 8), (Colour{100, 100, 100}));
+    // Right of a line pixel, type 1 paints white.
+    EXPECT_EQ(colourAt(wall(1), 10, 1), (Colour{255, 255, 255}));
+}
+
+TEST_F(DrawnTiles, EveryDrawingIsItsOwnAndRandomArcsRepeatFromAFreshGenerator) {
+    std::set<std::vector<Pixel>> seen;
+    int drawings = 0;
+    const auto add = [&](const Surface& s) {
+        seen.insert({s.pixels().begin(), s.pixels().end()});
+        ++drawings;
+    };
+    for (std::uint8_t type = 0; type < 8; ++type) {
+        random = RandomGenerator();
+        add(run<P>(grey, [type](P& e, const ProcessRect& r) {
+            e.Draw_ArcCrest(12, r.left, r.top, r.right, r.bottom, type, 3, 0);
+        }));
+    }
+    for (std::uint8_t type = 0; type < 6; ++type) {
+        add(run<P>(grey, [type](P& e, const ProcessRect& r) {
+            e.LineInput_Lozenge(16, r.left, r.top, r.right, r.bottom, type, 3);
+        }));
+    }
+    for (std::uint8_t type = 0; type < 4; ++type) {
+        add(run<P>(grey, [type](P& e, const ProcessRect& r) {
+            e.LineInput_Circle(16, r.left, r.top, r.right, r.bottom, type, 3);
+        }));
+    }
+    EXPECT_EQ(seen.size(), static_cast<std::size_t>(drawings));
+    // "ﾗﾝﾀﾞﾑ" turns each of the 3 x 3 tiles over the picture with one draw.
+    random = RandomGenerator();
+    const auto arcs = [](P& e, const ProcessRect& r) {
+        e.Draw_ArcCrest(12, r.left, r.top, r.right, r.bottom, 7, 3, 0);
+    };
+    const Surface first = run<P>(grey, arcs);
+    RandomGenerator expected;
+    for (int draw = 0; draw < 9; ++draw)
+        (void)expected.next();
+    EXPECT_EQ(random.state(), expected.state());
+    random = RandomGenerator();
+    EXPECT_EQ(run<P>(grey, arcs), first);
+}
+
+TEST_F(DrawnTiles, ATileOfNoPixelsIsTheOverflowError) {
+    run<P>(grey, [](P& e, const ProcessRect& r) {
+        e.LineInput_Circle(0, r.left, r.top, r.right, r.bottom, 0, 0);
+    });
+    run<P>(grey, [](P& e, const ProcessRect& r) {
+        e.LineInput_Normal(1, 4, r.left, r.top, r.right, r.bottom, true, 0);
+    });
+    EXPECT_EQ(failureNumbers(), (std::vector<int>{6, 6}));
+}
+
+} // namespace
+} // namespace lumiran::testing

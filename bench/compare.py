@@ -172,9 +172,12 @@ def main():
                     for name, command in commands:
                         if (label, name) not in works:
                             trial = command.replace(str(pictures[size]), str(smallest))
-                            works[(label, name)] = subprocess.run(
-                                shlex.split(trial), env=env, stdout=subprocess.DEVNULL,
-                                stderr=subprocess.DEVNULL).returncode == 0
+                            try:
+                                works[(label, name)] = subprocess.run(
+                                    shlex.split(trial), env=env, stdout=subprocess.DEVNULL,
+                                    stderr=subprocess.DEVNULL).returncode == 0
+                            except OSError:
+                                works[(label, name)] = False
                             if not works[(label, name)]:
                                 print(f"<!-- {label}: {name} failed -->", file=sys.stderr)
                     commands = [(n, c) for n, c in commands if works[(label, n)]]

@@ -77,7 +77,7 @@ std::optional<Surface> LoadImageFile(const std::filesystem::path& path, Platform
         // Plain bitmaps, by far the most common files here, are read
         // straight into the picture; the platform's decoder gives the same
         // pixels, and gets every other file.
-        if (auto plain = readPlainBitmap(path, limits)) return plain;
+        if (auto plain = readPlainBitmap(path, limits, progress)) return plain;
         if (platform == nullptr) {
             throw ImageLoadError::refused(path.string() + ": no decoder for ." + extension +
                                           " files in this program");

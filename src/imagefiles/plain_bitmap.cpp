@@ -20,7 +20,8 @@ constexpr std::uint32_t FileHeaderSize = 14;
 constexpr std::uint32_t LargestInfoHeader = 124; // BITMAPV5HEADER
 // The decoded picture and the program's copy of it, as the platform decoder counts.
 constexpr std::uint64_t BytesPerPixel = 8;
-constexpr std::size_t ChunkBytes = std::size_t{1} << 20;
+// Small enough that a large file reports its progress often.
+constexpr std::size_t ChunkBytes = std::size_t{1} << 18;
 
 class OpenFile {
   public:
@@ -95,8 +96,8 @@ std::optional<Layout> plainLayout(std::span<const std::uint8_t> header, std::uin
 
 } // namespace
 
-std::optional<Surface> readPlainBitmap(const std::filesystem::path& path,
-                                       const LoadLimits& limits) {
+std::optional<Surface> readPlainBitmap(const std::filesystem::path& path, const LoadLimits& limits,
+                                       ProgressSink* progress) {
     const OpenFile file(path);
     if (!file.isOpen()) return std::nullopt;
     struct stat status {};
@@ -133,6 +134,10 @@ std::optional<Surface> readPlainBitmap(const std::filesystem::path& path,
                 } else {
                     expandRow32(in, out, layout->width);
                 }
+            }
+            if (progress != nullptr) {
+                progress->showPercent(static_cast<int>(static_cast<std::int64_t>(first + rows) *
+                                                       100 / layout->height));
             }
         }
         return picture;

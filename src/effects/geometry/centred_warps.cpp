@@ -27,6 +27,25 @@ FunctionValues valuesOf(std::uint8_t function, std::span<double> angles, RowScra
     return v;
 }
 
+// Each pixel's offset from the centre scaled by the values of its
+// distance: fx along x and fy along y, crossed with the cosines for
+// function 3.
+void placeScaled(const RadialRow& row, const WarpCentre& c, const FunctionValues& fx,
+                 const FunctionValues& fy, bool crossed, std::span<double> xs,
+                 std::span<double> ys) {
+    for (std::size_t i = 0; i < xs.size(); ++i) {
+        const double dx = row.dx(i), dy = row.dy;
+        const std::size_t k = row.slot(i);
+        if (crossed) {
+            xs[i] = dx * fx.first[k] + c.x + dy * fx.second[k];
+            ys[i] = dx * fy.second[k] + c.y + dy * fy.first[k];
+        } else {
+            xs[i] = dx * fx.first[k] + c.x;
+            ys[i] = dy * fy.first[k] + c.y;
+        }
+    }
+}
+
 } // namespace
 
 void Class_Geometry::PowerHole(double radius, std::uint8_t function, std::uint8_t axes,
@@ -44,17 +63,7 @@ void Class_Geometry::PowerHole(double radius, std::uint8_t function, std::uint8_
                 for (double& v : t)
                     v = v / radius;
                 const FunctionValues f = valuesOf(function, t, scratch);
-                for (std::size_t i = 0; i < xs.size(); ++i) {
-                    const double dx = row.dx(i), dy = row.dy;
-                    const std::size_t k = row.slot(i);
-                    if (function == 3) {
-                        xs[i] = dx * f.first[k] + c.x + dy * f.second[k];
-                        ys[i] = dx * f.second[k] + c.y + dy * f.first[k];
-                    } else {
-                        xs[i] = dx * f.first[k] + c.x;
-                        ys[i] = dy * f.first[k] + c.y;
-                    }
-                }
+                placeScaled(row, c, f, f, function == 3, xs, ys);
             });
     });
 }
@@ -94,17 +103,7 @@ void Class_Geometry::Wave_FishEye(double radius, std::uint8_t function, std::uin
                 }
                 const FunctionValues fa = valuesOf(function, a, scratch);
                 const FunctionValues fb = valuesOf(function, b, scratch);
-                for (std::size_t i = 0; i < xs.size(); ++i) {
-                    const double dx = row.dx(i), dy = row.dy;
-                    const std::size_t k = row.slot(i);
-                    if (function == 3) {
-                        xs[i] = dx * fa.first[k] + c.x + dy * fa.second[k];
-                        ys[i] = dx * fb.second[k] + c.y + dy * fb.first[k];
-                    } else {
-                        xs[i] = dx * fa.first[k] + c.x;
-                        ys[i] = dy * fb.first[k] + c.y;
-                    }
-                }
+                placeScaled(row, c, fa, fb, function == 3, xs, ys);
             });
     });
 }

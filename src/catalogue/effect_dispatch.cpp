@@ -36,6 +36,7 @@ const EffectDispatch& effectDispatch() {
         registerNeighborhoodEffects(d);
         registerEdgeEffects(d);
         registerFalseColorEffects(d);
+        registerGradationEffects(d);
         registerMosaicEffects(d);
         registerNetMosaicEffects(d);
         registerPatternEffects(d);

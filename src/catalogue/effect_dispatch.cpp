@@ -37,6 +37,7 @@ const EffectDispatch& effectDispatch() {
         registerEdgeEffects(d);
         registerFalseColorEffects(d);
         registerGradationEffects(d);
+        registerHideEffectEffects(d);
         registerMosaicEffects(d);
         registerNetMosaicEffects(d);
         registerPatternEffects(d);

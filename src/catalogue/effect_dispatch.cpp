@@ -38,6 +38,7 @@ const EffectDispatch& effectDispatch() {
         registerFalseColorEffects(d);
         registerGradationEffects(d);
         registerHideEffectEffects(d);
+        registerDLAEffects(d);
         registerMosaicEffects(d);
         registerNetMosaicEffects(d);
         registerPatternEffects(d);

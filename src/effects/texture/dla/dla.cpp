@@ -46,7 +46,7 @@ void Class_DLA::Draw_DLA(Surface& picture, std::int16_t left, std::int16_t top, 
         // The lattice's square, centred in the rectangle; its rows count up
         // from the bottom.
         const int cxp = roundTo<std::int32_t>((right - s - left) / 2.0 + left);
-        const int cyp = roundTo<std::int32_t>((bottom - s - top) / 2.0 + top) + s;
+        const int cyp = roundTo<std::int32_t>((bottom - s - top) / 2.0 + top) + s - 1;
         auto px = [&](int x) { return roundTo<std::int32_t>(cxp + x * k); };
         auto py = [&](int y) { return roundTo<std::int32_t>(cyp - y * k); };
 

@@ -18,6 +18,9 @@ Vector3 lightVector(double x, double y, double z) {
 Shade shadeNormal(const Vector3& light, const Vector3& normal) {
     Shade shade;
     shade.inside = true;
+    // Without a light there is neither diffuse nor highlight: the half
+    // vector would otherwise be the view and light the sphere's top.
+    if (light.x == 0 && light.y == 0 && light.z == 0) return shade;
     shade.diffuse = std::max(0.0, light.x * normal.x + light.y * normal.y + light.z * normal.z);
     // The half vector between the light and the view (0, 0, 1).
     Vector3 h{light.x / 2, light.y / 2, (light.z + 1) / 2};

@@ -39,6 +39,7 @@ const EffectDispatch& effectDispatch() {
         registerGradationEffects(d);
         registerHideEffectEffects(d);
         registerDLAEffects(d);
+        registerNoiseFilterEffects(d);
         registerMosaicEffects(d);
         registerNetMosaicEffects(d);
         registerPatternEffects(d);

@@ -70,10 +70,12 @@ void Class_Gradation::Gradation_Blend(std::uint8_t mode, std::int16_t left, std:
         const Surface& drawing = keptPicture0(context());
         mapPixels<ResultTail::Clamp>(
             {left, top, right, bottom}, [&drawing, mode](int x, int y, int& r, int& g, int& b) {
-                const ColourRef k = GetPixel(drawing, x, y);
-                const int kr = k & 0xFF;
-                const int kg = (k & 0xFF00) / 256;
-                const int kb = (k & 0xFF0000) / 65536;
+                // GetPixel's bytes, read straight from the surface: the loop
+                // stays inside the picture.
+                const Pixel k = drawing.at(x, y);
+                const int kr = redOf(k);
+                const int kg = greenOf(k);
+                const int kb = blueOf(k);
                 auto blend = [mode](int kc, int c) -> std::int16_t {
                     switch (mode) {
                     case 0:

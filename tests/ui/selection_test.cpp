@@ -1,4 +1,5 @@
 // The area tools and the clipboard in the editor, on the offscreen platform.
+#include "catalogue/effect_table.h"
 #include "effects/colour/class_color_op.h"
 #include "imagefiles/bitmap_writer.h"
 #include "platform/qt_picture_decoder.h"
@@ -147,6 +148,12 @@ class SelectionTest : public QObject {
         dragOn(&doc->pictureView(), {40, 20}, {10, 5});
         QTest::qWait(400); // a few ticks of the outline
         QVERIFY(doc->document().picture == before);
+        // Opening an effect's form fixes the area, as the status shows.
+        frame.openEffectDialog(*doc, effectCatalogue().front());
+        QCOMPARE(doc->document().ToolsFlag, tools::AreaFixed);
+        QCOMPARE(toolPanel(frame), QString("ﾂｰﾙ:領域確定(40,20)  -  (10,5)"));
+        doc->ToolsNo_Click(tools_menu::Select);
+        dragOn(&doc->pictureView(), {40, 20}, {10, 5});
         QVERIFY(frame.runEffect(*doc, gray()));
         QVERIFY(!doc->outlineTimer().isActive());
         frame.runs().waitForEnd();

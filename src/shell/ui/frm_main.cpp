@@ -819,8 +819,9 @@ void FrmMain::openCommandLine(const QString& commandLine) {
 
 void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) {
     if (busy()) return;
-    Document& model = document.document();
-    if (model.ToolsFlag == 4 || model.ToolsFlag == 2) model.ToolsFlag = 3;
+    const std::uint8_t tool = document.document().ToolsFlag;
+    if (tool == tools::ReadyToMove || tool == tools::AreaDrawn)
+        document.ToolsNo_Click(tools_menu::FixArea);
     // The forms are loaded afresh for every effect.
     if (effectDialog_) effectDialog_->close();
     auto* dialog = new EffectDialog(entry.dialog, *this, document);

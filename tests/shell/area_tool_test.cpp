@@ -47,32 +47,6 @@ TEST_F(AreaToolTest, ADragEndingOutsideThePictureEndsAtItsBorder) {
     }
 }
 
-TEST_F(AreaToolTest, StatusTextsFollowTheStates) {
-    const auto status = [](const ToolStep& step) { return step.status.value_or("<none>"); };
-    EXPECT_EQ(status(ToolsNo_Click(state, document, tools_menu::Select)), "ﾂｰﾙ:領域選択中");
-    drag(30, 20, 10, 5);
-    EXPECT_EQ(status(ToolsNo_Click(state, document, tools_menu::FixArea)),
-              "ﾂｰﾙ:領域確定(30,20)  -  (10,5)");
-    EXPECT_EQ(status(ToolsNo_Click(state, document, tools_menu::MoveArea)), "ﾂｰﾙ:領域移動中");
-    EXPECT_EQ(status(ToolsNo_Click(state, document, tools_menu::FillArea)),
-              "ﾂｰﾙ:指定範囲塗りつぶし");
-    EXPECT_EQ(status(ToolsNo_Click(state, document, tools_menu::EndTool)), "ﾂｰﾙ:");
-    EXPECT_EQ(document.ToolsFlag, tools::None);
-}
-
-TEST_F(AreaToolTest, TheRightButtonGivesTheAreaUpAndTheLeftStartsANewOne) {
-    drawArea(2, 2, 10, 10);
-    toolMouseDown(state, document, PointerButton::Right, 5, 5);
-    EXPECT_EQ(document.ToolsFlag, tools::Selecting);
-    EXPECT_FALSE(document.DragFlag);
-    drag(3, 4, 8, 9);
-    toolMouseDown(state, document, PointerButton::Left, 20, 20);
-    EXPECT_EQ(document.ToolsFlag, tools::Selecting);
-    EXPECT_TRUE(document.DragFlag);
-    toolMouseUp(state, document, 25, 26);
-    EXPECT_EQ(document.area, (AreaRect{20, 20, 25, 26}));
-}
-
 TEST_F(AreaToolTest, AnEffectRunsOnTheNormalisedAreaAndFixesIt) {
     drawArea(30, 20, 10, 5); // right to left, bottom to top
     EXPECT_EQ(document.area, (AreaRect{30, 20, 10, 5}));

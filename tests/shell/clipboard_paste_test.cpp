@@ -37,17 +37,6 @@ struct PasteTest : ::testing::Test {
     void SetUp() override { document.picture = makeVariedPicture(20, 16); }
 };
 
-TEST_F(PasteTest, XorOfThePictureWithItselfIsBlackAndUndoable) {
-    const Surface before = document.picture;
-    const auto failure = PasteWithRaster(state, document, before, 7, pastePlace(document, 20, 16));
-    EXPECT_FALSE(failure.has_value());
-    for (const Pixel p : document.picture.pixels())
-        ASSERT_EQ(p & 0xFFFFFF, 0u);
-    EXPECT_EQ(state.undo.UndoCount(), 1);
-    state.undo.PopUndo(document);
-    EXPECT_EQ(document.picture, before);
-}
-
 TEST_F(PasteTest, APasteIsCutToItsBlockAndGoesToTheArea) {
     const Surface before = document.picture;
     const Surface red(30, 30, makePixel(255, 0, 0));
@@ -63,13 +52,6 @@ TEST_F(PasteTest, APasteIsCutToItsBlockAndGoesToTheArea) {
                       inside ? makePixel(255, 0, 0) : before.at(x, y) & 0xFFFFFF);
         }
     }
-}
-
-TEST_F(PasteTest, ASmallPictureInALargeBlockLeavesTheBackgroundColour) {
-    state.flags.backColor = {0, 0, 255};
-    PasteWithRaster(state, document, Surface(2, 2, makePixel(9, 9, 9)), 0, {0, 0, 4, 4});
-    EXPECT_EQ(document.picture.at(1, 1) & 0xFFFFFF, makePixel(9, 9, 9));
-    EXPECT_EQ(document.picture.at(3, 3) & 0xFFFFFF, makePixel(0, 0, 255));
 }
 
 TEST_F(PasteTest, PlacesOutsideOrOfNoSizeNeverReachOutsideThePicture) {

@@ -67,8 +67,10 @@ FrmDocument::FrmDocument(FrmMain& frame)
     connect(Timer1, &QTimer::timeout, Picture2, &PictureView::stepOutline);
     connect(Picture2, &PictureView::pressed, this, &FrmDocument::onPressed);
     connect(Picture2, &PictureView::dragged, this, &FrmDocument::onDragged);
-    connect(Picture2, &PictureView::released, this,
-            [this](QPoint pixel, Qt::MouseButton) { onReleased(pixel); });
+    connect(Picture2, &PictureView::released, this, [this](QPoint pixel, Qt::MouseButton button) {
+        // Only the button that draws and drags ends a drag.
+        if (button == Qt::LeftButton) onReleased(pixel);
+    });
     connect(Picture2, &PictureView::pointerMoved, this, &FrmDocument::onPointer);
     toolStatus_ = res(ids::StatusTool);
     buildMenus();

@@ -1024,11 +1024,17 @@ void FrmMain::cutToClipboard(FrmDocument& doc) {
     copyToClipboard(doc);
     const AreaRect r = clipboardPart(doc);
     Document& d = doc.document();
+    // A snapshot that cannot be taken is reported; the cut goes on without it.
+    std::optional<EffectError> failure;
     try {
         state_.undo.PushUndo(d);
+    } catch (const EffectError& error) {
+        failure = error;
     } catch (const std::bad_alloc&) {
-        const EffectError memory = EffectError::outOfMemory();
-        QMessageBox::warning(this, qs(errorTitle(memory.number())), qs(memory.description()));
+        failure = EffectError::outOfMemory();
+    }
+    if (failure) {
+        QMessageBox::warning(this, qs(errorTitle(failure->number())), qs(failure->description()));
     }
     const Pixel back = toPixel(state_.flags.backColor);
     for (int y = r.top; y < r.bottom; ++y) {

@@ -1,5 +1,6 @@
 // The sample blurs and diffusion of Class_Geometry: the mean and its
 // rounding, the fallback of samples outside the rectangle, the passes.
+#include "effects/geometry/blur_passes.h"
 #include "geometry_fixture.h"
 
 #include <array>
@@ -14,6 +15,17 @@ using Blurs = GeometryFixture;
 Surface valuePicture(int width, int height) {
     return makePicture(width, height,
                        [](int x, int y) { return makePixel(10 * x + 3 * y, 50, 9); });
+}
+
+// The means by multiplication against the plain quotients, over every sum
+// of up to five channels.
+TEST(BlurMean, MatchesTheQuotients) {
+    for (std::uint32_t sum = 0; sum <= 5 * 255; ++sum) {
+        const std::uint32_t half = sum / 2 + ((sum % 2 == 1 && (sum / 2) % 2 == 1) ? 1 : 0);
+        ASSERT_EQ(blur::mean(sum, 2), half) << sum;
+        ASSERT_EQ(blur::mean(sum, 3), sum / 3) << sum;
+        ASSERT_EQ(blur::mean(sum, 5), sum / 5) << sum;
+    }
 }
 
 // A blur distance beyond the rectangle makes every sample the pixel itself.
@@ -133,6 +145,57 @@ TEST_F(Blurs, DiffuseOutlineMovesOnlyAtEdges) {
     EXPECT_EQ(result.at(3, 2), step.at(0, 2));
     EXPECT_EQ(result.at(2, 2), step.at(2, 2));
     EXPECT_EQ(result.at(5, 2), step.at(5, 2));
+}
+
+// 1x1 pictures and rectangles beyond the picture: every sample stays in the
+// array, and a single pixel has only itself to mix with.
+TEST_F(Blurs, BadRectangles) {
+    using Call = GeometryFixture::Call;
+    const std::function<Call(ProcessRect)> calls[] = {
+        [](ProcessRect q) {
+            return [q](Class_Geometry& e, const ProcessRect&) {
+                e.Blur_Normal(3, 4, q.left, q.top, q.right, q.bottom);
+            };
+        },
+        [](ProcessRect q) {
+            return [q](Class_Geometry& e, const ProcessRect&) {
+                e.Blur_Gaussian(8, 3, q.left, q.top, q.right, q.bottom);
+            };
+        },
+        [](ProcessRect q) {
+            return [q](Class_Geometry& e, const ProcessRect&) {
+                e.Blur_Circle(2, 40, q.left, q.top, q.right, q.bottom, 11);
+            };
+        },
+        [](ProcessRect q) {
+            return [q](Class_Geometry& e, const ProcessRect&) {
+                e.Blur_CircleSoften(10, 5, q.left, q.top, q.right, q.bottom, 2);
+            };
+        },
+        [](ProcessRect q) {
+            return [q](Class_Geometry& e, const ProcessRect&) {
+                e.DiffuseOutline1(2, q.left, q.top, q.right, q.bottom);
+            };
+        },
+        [](ProcessRect q) {
+            return [q](Class_Geometry& e, const ProcessRect&) {
+                e.DiffuseOutline2(1, q.left, q.top, q.right, q.bottom);
+            };
+        },
+        [](ProcessRect q) {
+            return [q](Class_Geometry& e, const ProcessRect&) {
+                e.Diffuse_Color(100, q.left, q.top, q.right, q.bottom, 3, -3, 40, 0, 0, 9);
+            };
+        },
+    };
+    const Surface one = valuePicture(1, 1);
+    const Surface picture = valuePicture(6, 4);
+    for (std::size_t i = 0; i < std::size(calls); ++i) {
+        EXPECT_EQ(warp(one, calls[i]({0, 0, 1, 1})), one) << i;
+        warp(picture, calls[i]({-5, -5, 50, 50}));
+        EXPECT_EQ(warp(picture, calls[i]({10, 10, 20, 20})), picture) << i;
+        EXPECT_TRUE(context.failures.empty()) << i;
+    }
 }
 
 } // namespace

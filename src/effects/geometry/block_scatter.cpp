@@ -21,6 +21,28 @@ Class_Geometry::Pictures Class_Geometry::blitPictures(std::int16_t backgroundKin
 
 namespace {
 
+// BitBlt's source copy between two pictures, for the many small blocks of
+// these effects: the same clipping to both pictures, without the raster
+// code's table per call.
+void copyBlock(Surface& target, int x, int y, int width, int height, const Surface& source,
+               int xSrc, int ySrc) {
+    if (&target == &source) {
+        BitBlt(target, x, y, width, height, source, xSrc, ySrc, SRCCOPY);
+        return;
+    }
+    const int dx = xSrc - x, dy = ySrc - y;
+    const int left = std::max({x, 0, -dx}), top = std::max({y, 0, -dy});
+    const int right = static_cast<int>(std::min<std::int64_t>(
+        {std::int64_t{x} + width, target.width(), std::int64_t{source.width()} - dx}));
+    const int bottom = static_cast<int>(std::min<std::int64_t>(
+        {std::int64_t{y} + height, target.height(), std::int64_t{source.height()} - dy}));
+    if (left >= right || top >= bottom) return;
+    for (int row = top; row < bottom; ++row) {
+        const Pixel* from = source.row(row + dy).data() + (left + dx);
+        std::copy(from, from + (right - left), &target.at(left, row));
+    }
+}
+
 // The largest dx of row dy inside the circle of radius r, the circle of
 // Canvas::Ellipse (dx^2 + dy^2 < (r + 1/2)^2); -1 when the row misses it.
 int halfRun(int radius, int dy) {
@@ -42,13 +64,13 @@ void stampCircle(Surface& target, const Surface& source, int x, int y, int fromX
         if (outer < 0) continue;
         const int hole = inner >= 0 ? halfRun(inner, dy) : -1;
         if (hole < 0) {
-            BitBlt(target, x - outer, y + dy, 2 * outer + 1, 1, source, fromX - outer, fromY + dy,
-                   SRCCOPY);
+            copyBlock(target, x - outer, y + dy, 2 * outer + 1, 1, source, fromX - outer,
+                      fromY + dy);
         } else {
-            BitBlt(target, x - outer, y + dy, outer - hole, 1, source, fromX - outer, fromY + dy,
-                   SRCCOPY);
-            BitBlt(target, x + hole + 1, y + dy, outer - hole, 1, source, fromX + hole + 1,
-                   fromY + dy, SRCCOPY);
+            copyBlock(target, x - outer, y + dy, outer - hole, 1, source, fromX - outer,
+                      fromY + dy);
+            copyBlock(target, x + hole + 1, y + dy, outer - hole, 1, source, fromX + hole + 1,
+                      fromY + dy);
         }
     }
 }
@@ -71,7 +93,7 @@ void Class_Geometry::CuttingPicture(std::int16_t width, std::int16_t height, std
                 // The place across, then down; the patch keeps its own place.
                 const int px = roundTo<std::int32_t>(left + context().random.next() * spanX);
                 const int py = roundTo<std::int32_t>(top + context().random.next() * spanY);
-                BitBlt(*p.target, px, py, width, height, *p.source, px, py, SRCCOPY);
+                copyBlock(*p.target, px, py, width, height, *p.source, px, py);
             }
             if (!finishRow()) return;
         }
@@ -133,9 +155,8 @@ void Class_Geometry::BlockScatter_Type1(std::int16_t size, std::int16_t passes, 
                         dy = uy / half * o.y * 2;
                         break;
                     }
-                    BitBlt(*p.target, bx + roundTo<std::int32_t>(dx * share),
-                           by + roundTo<std::int32_t>(dy * share), bw, bh, *p.source, bx, by,
-                           SRCCOPY);
+                    copyBlock(*p.target, bx + roundTo<std::int32_t>(dx * share),
+                              by + roundTo<std::int32_t>(dy * share), bw, bh, *p.source, bx, by);
                 }
             }
             if (!finishRow()) return;
@@ -166,7 +187,7 @@ void Class_Geometry::BlockScatter_Type2(std::uint8_t direction, std::int16_t spr
                 const bool targetY = kind == 0 || kind == 2 || kind == 3;
                 const int sx = sourceX && alongX ? d[0] : 0, sy = sourceY && alongY ? d[1] : 0;
                 const int tx = targetX && alongX ? d[2] : 0, ty = targetY && alongY ? d[3] : 0;
-                BitBlt(*p.target, bx + tx, by + ty, bw, bh, *p.source, bx + sx, by + sy, SRCCOPY);
+                copyBlock(*p.target, bx + tx, by + ty, bw, bh, *p.source, bx + sx, by + sy);
             }
             if (!finishRow()) return;
         }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace lumiran {
 namespace {
@@ -22,12 +23,22 @@ struct Axis {
     void stretch(Surface& target, int to, int toSize, const Surface& source, int from,
                  int size) const {
         if (toSize <= 0 || size <= 0) return;
+        const int w = rect.right - rect.left, h = rect.bottom - rect.top;
+        if (toSize == size) {
+            // The same size: the stretch is a copy, and a copy is cheaper.
+            if (alongX) {
+                BitBlt(target, origin() + to, rect.top, size, h, source, origin() + from, rect.top,
+                       SRCCOPY);
+            } else {
+                BitBlt(target, rect.left, origin() + to, w, size, source, rect.left,
+                       origin() + from, SRCCOPY);
+            }
+            return;
+        }
         if (alongX) {
-            const int h = rect.bottom - rect.top;
             StretchBlt(target, origin() + to, rect.top, toSize, h, source, origin() + from,
                        rect.top, size, h, SRCCOPY);
         } else {
-            const int w = rect.right - rect.left;
             StretchBlt(target, rect.left, origin() + to, w, toSize, source, rect.left,
                        origin() + from, w, size, SRCCOPY);
         }
@@ -90,7 +101,19 @@ void Class_Geometry::Transform_Scroll(std::uint8_t kind, std::int16_t percent, s
         };
         SetProgressRange(0, kind == 2 ? 2 : 1);
         const Axis across{rect, true}, down{rect, false};
-        if (kind == 2) {
+        if (kind == 2 && wrapKind == 0) {
+            // Around on both axes: four quadrants straight from the source.
+            const int w = across.extent(), h = down.extent();
+            const int dx = by(w), dy = by(h);
+            for (const auto& [to, from, width] :
+                 {std::tuple{dx, 0, w - dx}, std::tuple{0, w - dx, dx}}) {
+                for (const auto& [toY, fromY, height] :
+                     {std::tuple{dy, 0, h - dy}, std::tuple{0, h - dy, dy}}) {
+                    BitBlt(*p.target, left + to, top + toY, width, height, *p.source, left + from,
+                           top + fromY, SRCCOPY);
+                }
+            }
+        } else if (kind == 2) {
             Surface work = *p.target;
             scrollAxis(across, work, *p.source, by(across.extent()), wrapKind);
             if (!finishRow()) return;

@@ -26,6 +26,15 @@ struct Strips {
     // Source strip (from, size) stretched onto target strip (to, toSize).
     void stretch(Surface& target, int to, int toSize, const Surface& source, int from,
                  int size) const {
+        if (toSize == size) {
+            // The same size: the stretch is a copy, and a copy is cheaper.
+            if (alongX) {
+                BitBlt(target, to, rect.top, size, across(), source, from, rect.top, SRCCOPY);
+            } else {
+                BitBlt(target, rect.left, to, across(), size, source, rect.left, from, SRCCOPY);
+            }
+            return;
+        }
         if (alongX) {
             StretchBlt(target, to, rect.top, toSize, across(), source, from, rect.top, size,
                        across(), SRCCOPY);
@@ -77,6 +86,7 @@ void Class_Geometry::BlockReplace(std::uint8_t kind, std::int16_t left, std::int
             const Strips strips{rect, alongX};
             const int extent = strips.extent(), origin = strips.origin();
             const int count = (extent + size - 1) / size;
+            ProgressCount = 0; // each way counts afresh
             SetProgressRange(0, (count + members - 1) / members);
             for (int first = 0; first < count; first += members) {
                 const int inGroup = std::min(members, count - first);
@@ -135,13 +145,16 @@ void Class_Geometry::Notches(std::int16_t left, std::int16_t top, std::int16_t r
 
 namespace {
 
-// The shear of Slope: bands of rows (alongX false: bands of columns) whose
-// shift grows by a quarter of the factor per row from one edge.
+// The shear of Slope: bands of rows (rows false: bands of columns) whose
+// shift grows by a quarter of the factor per row from one edge; setRange
+// gets the number of bands.
 void shear(Surface& target, const Surface& source, const ProcessRect& rect, bool rows, int factor,
-           bool fromFarEdge, const std::function<bool()>& finishBand) {
+           bool fromFarEdge, const std::function<void(int)>& setRange,
+           const std::function<bool()>& finishBand) {
     const int width = rect.right - rect.left, height = rect.bottom - rect.top;
     const int extent = rows ? height : width, across = rows ? width : height;
     const int band = extent / std::max(across, 1) + 1;
+    setRange((extent + band - 1) / band);
     for (int t = 0; t < extent; t += band) {
         const int size = std::min(band, extent - t);
         const int distance = fromFarEdge ? extent - t - size : t;
@@ -165,9 +178,9 @@ void Class_Geometry::Slope_Horizontal(std::int16_t factor, std::int16_t left, st
     guarded([&] {
         const Pictures p = blitPictures(backgroundKind);
         if (!p || !validRect(left, top, right, bottom)) return;
-        SetProgressRange(top, bottom);
-        shear(*p.target, *p.source, {left, top, right, bottom}, true, factor, slope != 0,
-              [this] { return finishRow(); });
+        shear(
+            *p.target, *p.source, {left, top, right, bottom}, true, factor, slope != 0,
+            [this](int bands) { SetProgressRange(0, bands); }, [this] { return finishRow(); });
     });
 }
 
@@ -177,9 +190,9 @@ void Class_Geometry::Slope_Vertical(std::int16_t factor, std::int16_t left, std:
     guarded([&] {
         const Pictures p = blitPictures(backgroundKind);
         if (!p || !validRect(left, top, right, bottom)) return;
-        SetProgressRange(left, right);
-        shear(*p.target, *p.source, {left, top, right, bottom}, false, factor, slope != 0,
-              [this] { return finishRow(); });
+        shear(
+            *p.target, *p.source, {left, top, right, bottom}, false, factor, slope != 0,
+            [this](int bands) { SetProgressRange(0, bands); }, [this] { return finishRow(); });
     });
 }
 
@@ -260,6 +273,7 @@ void Class_Geometry::Transform_Crank(std::uint8_t kind, std::int16_t step, std::
         const auto crank = [&](bool rows, const Surface& source, Surface& target) {
             // Rows move across by the walk of their index, columns down.
             const Strips strips{rect, !rows};
+            ProgressCount = 0;
             SetProgressRange(0, strips.extent());
             for (int t = 0; t < strips.extent(); ++t) {
                 strips.shifted(target, strips.origin() + t, 1, source, triangle(t, s));

@@ -87,6 +87,36 @@ void Class_Geometry::BlockReplace(std::uint8_t kind, std::int16_t left, std::int
             const int extent = strips.extent(), origin = strips.origin();
             const int count = (extent + size - 1) / size;
             ProgressCount = 0; // each way counts afresh
+            if (alongX && extent % size == 0) {
+                // Columns of equal strips: copied row by row, which walks
+                // memory in order where a strip at a time strides.
+                const int pictureWidth = std::min(source.width(), target.width());
+                SetProgressRange(top, bottom);
+                for (int y = top; y < bottom; ++y) {
+                    if (y >= 0 && y < target.height() && y < source.height()) {
+                        const Pixel* from = source.row(y).data();
+                        Pixel* to = target.row(y).data();
+                        for (int first = 0; first < count; first += members) {
+                            const int inGroup = std::min(members, count - first);
+                            for (int k = 0; k < inGroup; ++k) {
+                                const int toStart = origin + (first + k) * size;
+                                const int fromStart = origin + (first + (k + 1) % inGroup) * size;
+                                // Only what lies in the picture on both sides.
+                                const int lo = std::max({0, -toStart, -fromStart});
+                                const int hi =
+                                    std::min({static_cast<int>(size), pictureWidth - toStart,
+                                              pictureWidth - fromStart});
+                                if (lo < hi) {
+                                    std::copy(from + fromStart + lo, from + fromStart + hi,
+                                              to + toStart + lo);
+                                }
+                            }
+                        }
+                    }
+                    if (!finishRow()) return false;
+                }
+                return true;
+            }
             SetProgressRange(0, (count + members - 1) / members);
             for (int first = 0; first < count; first += members) {
                 const int inGroup = std::min(members, count - first);

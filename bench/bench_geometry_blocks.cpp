@@ -73,12 +73,21 @@ void BM_Blur_Normal(benchmark::State& state) {
 }
 BENCHMARK(BM_Blur_Normal)->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond);
 
-// One pass (radius 1) and the dialog's default of six.
+// Kind ("上", the default, in column tiles; "左" along the rows; "左上"
+// pass by pass) and radius: one pass and the dialog's default of six.
 void BM_Blur_Gaussian(benchmark::State& state) {
-    const auto radius = static_cast<std::int16_t>(state.range(0));
-    geometry(state, [radius](Class_Geometry& e) { e.Blur_Gaussian(0, radius, 0, 0, S, S); });
+    const auto kind = static_cast<std::uint8_t>(state.range(0));
+    const auto radius = static_cast<std::int16_t>(state.range(1));
+    geometry(state,
+             [kind, radius](Class_Geometry& e) { e.Blur_Gaussian(kind, radius, 0, 0, S, S); });
 }
-BENCHMARK(BM_Blur_Gaussian)->Arg(1)->Arg(6)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Blur_Gaussian)
+    ->Args({0, 1})
+    ->Args({0, 6})
+    ->Args({2, 6})
+    ->Args({4, 1})
+    ->Args({4, 6})
+    ->Unit(benchmark::kMillisecond);
 
 void BM_Blur_Circle(benchmark::State& state) {
     geometry(state, [](Class_Geometry& e) { e.Blur_Circle(0, 12, 0, 0, S, S, 0); });

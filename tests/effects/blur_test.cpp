@@ -4,6 +4,8 @@
 #include "geometry_fixture.h"
 
 #include <array>
+#include <utility>
+#include <vector>
 
 namespace lumiran::testing {
 namespace {
@@ -99,6 +101,48 @@ TEST_F(Blurs, GaussianRoundsAndShrinks) {
     // The vertical kinds on a single row sample the pixel itself.
     EXPECT_EQ(gaussian(0, 3), row);
     EXPECT_EQ(gaussian(9, 3), row);
+}
+
+// The passes as written, pixel by pixel, against the row loops with their
+// fast middle and fallback edges.
+TEST_F(Blurs, GaussianMatchesThePasses) {
+    const Surface picture = makePicture(40, 300, [](int x, int y) {
+        return makePixel((x * 37 + y * 11) % 256, (x * y) % 251, (x + 3 * y) % 7 * 30);
+    });
+    struct Kind {
+        std::uint8_t kind;
+        std::vector<std::pair<int, int>> steps; // unit offsets of the samples
+    };
+    const Kind kinds[] = {{1, {{0, 1}}}, {3, {{-1, 0}}}, {9, {{0, 1}, {0, -1}}}};
+    for (const Kind& k : kinds) {
+        Surface expected = picture;
+        for (int d = 3; d >= 1; --d) {
+            const Surface in = expected;
+            for (int y = 0; y < in.height(); ++y) {
+                for (int x = 0; x < in.width(); ++x) {
+                    int sums[3] = {redOf(in.at(x, y)), greenOf(in.at(x, y)), blueOf(in.at(x, y))};
+                    for (const auto& [ux, uy] : k.steps) {
+                        int sx = x + ux * d, sy = y + uy * d;
+                        if (sx < 0 || sx >= in.width()) sx = x;
+                        if (sy < 0 || sy >= in.height()) sy = y;
+                        const Pixel v = in.at(sx, sy);
+                        sums[0] += redOf(v);
+                        sums[1] += greenOf(v);
+                        sums[2] += blueOf(v);
+                    }
+                    const auto mean = [&](int s) {
+                        return static_cast<int>(blur::mean(static_cast<std::uint32_t>(s),
+                                                           static_cast<int>(k.steps.size()) + 1));
+                    };
+                    expected.at(x, y) = makePixel(mean(sums[0]), mean(sums[1]), mean(sums[2]));
+                }
+            }
+        }
+        const Surface result = warp(picture, [&](Class_Geometry& e, const ProcessRect& r) {
+            e.Blur_Gaussian(k.kind, 3, r.left, r.top, r.right, r.bottom);
+        });
+        EXPECT_EQ(result, expected) << +k.kind;
+    }
 }
 
 // The map blurs follow their map: the rows nearest the top edge of the

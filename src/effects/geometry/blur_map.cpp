@@ -58,23 +58,27 @@ double mapShare(int kind, double dx, double dy, double w2, double h2, double siz
 
 void Class_Geometry::Draw_BlurMap(std::uint8_t kind, std::int16_t size, std::int16_t left,
                                   std::int16_t top, std::int16_t right, std::int16_t bottom,
-                                  Surface& map) {
+                                  std::vector<std::uint8_t>& map) {
     if (context().progress != nullptr) context().progress->showCaption(FirstPassCaption);
-    map = Surface(ImageBits.width(), ImageBits.height());
+    map.assign(ImageBits.pixelCount(), 0);
     const Span span = spanOf(ProcessRect{left, top, right, bottom});
     if (span.empty() || size < 1) return;
     const double w2 = std::max(wrap16(right - left) / 2.0, 0.5);
     const double h2 = std::max(wrap16(bottom - top) / 2.0, 0.5);
     const double cx = left + w2, cy = top + h2;
     const double longest = std::min<int>(size, 255);
-    for (int y = span.firstRow; y < span.endRow; ++y) {
-        for (int x = span.firstColumn; x < span.endColumn; ++x) {
+    // The map is the first of the two passes and counts its rows.
+    SetProgressRange(top, bottom);
+    forEachRow(ProcessRect{left, top, right, bottom}, [&](int y, int first, int end) {
+        std::uint8_t* row = map.data() + static_cast<std::size_t>(y) * ImageBits.width();
+        for (int x = first; x < end; ++x) {
             const double share =
                 std::clamp(mapShare(kind, x + 0.5 - cx, y + 0.5 - cy, w2, h2, size), 0.0, 1.0);
             const int level = roundTo<std::int32_t>(share * longest);
-            map.at(x, y) = makePixel(level, level, level);
+            row[x] = static_cast<std::uint8_t>(level);
         }
-    }
+    });
+    ProgressCount = 0;
 }
 
 void Class_Geometry::Blur_Circle(std::uint8_t direction, std::int16_t size, std::int16_t left,
@@ -83,7 +87,7 @@ void Class_Geometry::Blur_Circle(std::uint8_t direction, std::int16_t size, std:
     guarded([&] {
         if (direction > 3 || mapKind > 11) return;
         const ProcessRect rect{left, top, right, bottom};
-        Surface map;
+        std::vector<std::uint8_t> map;
         Draw_BlurMap(mapKind, size, left, top, right, bottom, map);
         if (context().progress != nullptr) context().progress->showCaption(SecondPassCaption);
         SetProgressRange(top, bottom);
@@ -96,7 +100,7 @@ void Class_Geometry::Blur_Circle(std::uint8_t direction, std::int16_t size, std:
         }};
         const auto& step = steps[direction];
         sampleMeanPass(rect, 3, [&](int x, int y, blur::Taps& taps) {
-            const int m = redOf(map.at(x, y));
+            const int m = map[static_cast<std::size_t>(y) * ImageBits.width() + x];
             taps[0] = {step[0].dx * m, step[0].dy * m};
             taps[1] = {step[1].dx * m, step[1].dy * m};
         });
@@ -109,7 +113,7 @@ void Class_Geometry::Blur_CircleSoften(std::uint8_t kind, std::int16_t size, std
     guarded([&] {
         if (kind > 11 || mapKind > 11) return;
         const ProcessRect rect{left, top, right, bottom};
-        Surface map;
+        std::vector<std::uint8_t> map;
         Draw_BlurMap(mapKind, size, left, top, right, bottom, map);
         if (context().progress != nullptr) context().progress->showCaption(SecondPassCaption);
         // Blur_Gaussian's offsets as unit steps; kind 8 along the row at d
@@ -136,7 +140,8 @@ void Class_Geometry::Blur_CircleSoften(std::uint8_t kind, std::int16_t size, std
             SetProgressRange(top, bottom);
             sampleMeanPass(rect, count, [&](int x, int y, blur::Taps& taps) {
                 // The pass's offset in the share the map gives this pixel.
-                const int reach = d * redOf(map.at(x, y)) / longest;
+                const int reach =
+                    d * map[static_cast<std::size_t>(y) * ImageBits.width() + x] / longest;
                 for (int k = 0; k < count - 1; ++k) {
                     const blur::Tap s = steps[kind][static_cast<std::size_t>(k)];
                     // Kind 8's steps are in halves of the reach.

@@ -44,27 +44,36 @@ namespace lumiran {
 template <typename TapsOf>
 void Class_Geometry::sampleMeanPass(const ProcessRect& rect, int count, TapsOf&& tapsOf) {
     const Span span = spanOf(rect);
+    const bool blend = calculationFlag() > 0;
+    const int stride = ImageBits.width();
+    const Pixel* pixels = ImageBits.pixels().data();
     forEachRow(rect, [&](int y, int first, int end) {
-        const Pixel* own = ImageBits.row(y).data();
+        const Pixel* own = pixels + static_cast<std::ptrdiff_t>(y) * stride;
         Pixel* out = TransBits.row(y).data();
         blur::Taps taps{};
         for (int x = first; x < end; ++x) {
             const Pixel p = own[x];
-            std::uint32_t r = redOf(p), g = greenOf(p), b = blueOf(p);
+            std::uint32_t r = p & 0xFF, g = (p >> 8) & 0xFF, b = (p >> 16) & 0xFF;
             tapsOf(x, y, taps);
             for (int k = 0; k < count - 1; ++k) {
-                const int sx = blur::within(x, x + taps[k].dx, first, end);
-                const int sy = blur::within(y, y + taps[k].dy, span.firstRow, span.endRow);
-                const Pixel s = ImageBits.at(sx, sy);
-                r += redOf(s);
-                g += greenOf(s);
-                b += blueOf(s);
+                const auto i = static_cast<std::size_t>(k);
+                const int sx = blur::within(x, x + taps[i].dx, first, end);
+                const int sy = blur::within(y, y + taps[i].dy, span.firstRow, span.endRow);
+                const Pixel s = pixels[static_cast<std::ptrdiff_t>(sy) * stride + sx];
+                r += s & 0xFF;
+                g += (s >> 8) & 0xFF;
+                b += (s >> 16) & 0xFF;
             }
-            const Rgb16 v =
-                finishPixel<ResultTail::Clamp>(redOf(p), greenOf(p), blueOf(p),
-                                               {static_cast<std::int16_t>(blur::mean(r, count)),
-                                                static_cast<std::int16_t>(blur::mean(g, count)),
-                                                static_cast<std::int16_t>(blur::mean(b, count))});
+            const auto mr = blur::mean(r, count), mg = blur::mean(g, count),
+                       mb = blur::mean(b, count);
+            if (!blend) {
+                out[x] = (out[x] & 0xFF000000u) | mr | (mg << 8) | (mb << 16);
+                continue;
+            }
+            const Rgb16 v = finishPixel<ResultTail::Clamp>(redOf(p), greenOf(p), blueOf(p),
+                                                           {static_cast<std::int16_t>(mr),
+                                                            static_cast<std::int16_t>(mg),
+                                                            static_cast<std::int16_t>(mb)});
             out[x] = withColour(out[x], v.red, v.green, v.blue);
         }
     });

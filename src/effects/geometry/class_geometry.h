@@ -210,10 +210,10 @@ class Class_Geometry : public PixelFrame {
     // d and d / 2, 9..11 two mirrored samples (mean of three).
     void Blur_Gaussian(std::uint8_t kind, std::int16_t radius, std::int16_t left, std::int16_t top,
                        std::int16_t right, std::int16_t bottom);
-    // A grey map of the picture's size whose red level (0..min(size, 255))
-    // is the blur length at each pixel; kinds 0..11.
+    // A grey map of the picture's size, one level a pixel (row by row), the
+    // blur length at each pixel (0..min(size, 255)); kinds 0..11.
     void Draw_BlurMap(std::uint8_t kind, std::int16_t size, std::int16_t left, std::int16_t top,
-                      std::int16_t right, std::int16_t bottom, Surface& map);
+                      std::int16_t right, std::int16_t bottom, std::vector<std::uint8_t>& map);
     // Blur_Normal with the distance read from the map of mapKind.
     void Blur_Circle(std::uint8_t direction, std::int16_t size, std::int16_t left, std::int16_t top,
                      std::int16_t right, std::int16_t bottom, std::uint8_t mapKind);

@@ -10,6 +10,11 @@ namespace {
 // The neighbour of kind 0 right, 1 below, 2 below right.
 constexpr std::array<blur::Tap, 3> Neighbours{{{1, 0}, {0, 1}, {1, 1}}};
 
+// round((r + g + b) / 3): a third is never a half, so no tie arises.
+int roundedMean(Pixel p) {
+    return (redOf(p) + greenOf(p) + blueOf(p) + 1) / 3;
+}
+
 } // namespace
 
 void Class_Geometry::DiffuseOutline1(std::uint8_t kind, std::int16_t left, std::int16_t top,
@@ -25,7 +30,7 @@ void Class_Geometry::DiffuseOutline1(std::uint8_t kind, std::int16_t left, std::
                 const Pixel n =
                     ImageBits.at(blur::within(x, x + step.dx, span.firstColumn, span.endColumn),
                                  blur::within(y, y + step.dy, span.firstRow, span.endRow));
-                const int m2 = roundTo<std::int32_t>((redOf(n) + greenOf(n) + blueOf(n)) / 3.0);
+                const int m2 = roundedMean(n);
                 // The step in brightness towards the neighbour moves the
                 // sample along the neighbour's way: flat areas stay.
                 const int d = m - m2;
@@ -50,7 +55,7 @@ void Class_Geometry::DiffuseOutline2(std::uint8_t kind, std::int16_t left, std::
                 const Pixel n =
                     ImageBits.at(blur::within(x, x + step.dx, span.firstColumn, span.endColumn),
                                  blur::within(y, y + step.dy, span.firstRow, span.endRow));
-                const int m2 = roundTo<std::int32_t>((redOf(n) + greenOf(n) + blueOf(n)) / 3.0);
+                const int m2 = roundedMean(n);
                 // Vertical always: the pixel's blue against the neighbour's
                 // mean bends the rows along the brightness edges.
                 const Pixel s =

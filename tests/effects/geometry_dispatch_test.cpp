@@ -60,5 +60,34 @@ TEST_F(GeometryDispatch, TheDirectionListIsTheAxes) {
     }
 }
 
+TEST_F(GeometryDispatch, NoEntryOfTheGeometryMenusWaits) {
+    int served = 0;
+    for (const EffectEntry& entry : effectCatalogue()) {
+        const std::string_view f = entry.family;
+        if (f != "Distortion" && f != "Pixel Move" && f != "Warp Change" && f != "Bring" &&
+            f != "Transform" && f != "Outline") {
+            continue;
+        }
+        EXPECT_EQ(planEffect(entry.dialog, entry.code, defaultControlValues(entry)).status,
+                  EffectPlan::Status::Ready)
+            << entry.caption;
+        ++served;
+    }
+    EXPECT_GT(served, 50);
+}
+
+// "背景の種類": row 0 "画像" shows the picture where a band slid away, row 1
+// "背景色" leaves the target (here black) as it was.
+TEST_F(GeometryDispatch, SlideBackgroundRows) {
+    const Surface picture = positionPicture(20, 10);
+    for (const int row : {0, 1}) {
+        const Surface result =
+            runCase("Slide", {.sliders = {2, 3}, .eType = 0, .color = row}, picture);
+        EXPECT_EQ(placeOf(result.at(5, 2)), (SourcePlace{2, 2}));
+        const Pixel uncovered = result.at(0, 2);
+        EXPECT_EQ(uncovered, row == 0 ? picture.at(0, 2) : Pixel{0}) << row;
+    }
+}
+
 } // namespace
 } // namespace lumiran::testing

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace lumiran {
 
@@ -128,7 +129,128 @@ class Class_Geometry : public PixelFrame {
     void Nebura(double radius, std::int16_t shift, std::int16_t left, std::int16_t top,
                 std::int16_t right, std::int16_t bottom);
 
+    // --- Blocks and strips, drawn from kept picture 0 onto kept picture 1.
+    // A background kind of 0 ("画像") first lays the picture on the target,
+    // so uncovered places show it; 1 ("背景色") leaves the target as it is.
+
+    // Patches of width x height keep their own place at random spots: one
+    // for every column of every height-th row.
+    void CuttingPicture(std::int16_t width, std::int16_t height, std::int16_t left,
+                        std::int16_t top, std::int16_t right, std::int16_t bottom);
+    // Blocks fly from their place in passes + 1 steps: kind 0 outward from
+    // the centre, 1 inward, 2 any way, 3 outward by their distance.
+    void BlockScatter_Type1(std::int16_t size, std::int16_t passes, std::uint8_t kind,
+                            std::int16_t left, std::int16_t top, std::int16_t right,
+                            std::int16_t bottom);
+    // Each block moved by chance: kind 0 its target corner, 1 its source
+    // corner, 2 both, 3 source across and target down; direction 0 moves
+    // along x only, 1 along y only, 2 both.
+    void BlockScatter_Type2(std::uint8_t direction, std::int16_t spread, std::int16_t size,
+                            std::int16_t backgroundKind, std::uint8_t kind, std::int16_t left,
+                            std::int16_t top, std::int16_t right, std::int16_t bottom);
+    // Strips of `size` exchanged in pairs (group 0) or turned in threes
+    // (group 1): kind 0 columns, 1 rows, 2 both.
+    void BlockReplace(std::uint8_t kind, std::int16_t left, std::int16_t top, std::int16_t right,
+                      std::int16_t bottom, std::int16_t size, std::uint8_t group);
+    // The halves pushed apart in saw teeth from the middle line: notches.
+    void Notches(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
+                 std::int16_t step);
+    // Shears: rows (columns) shifted by their distance from the top (left)
+    // edge, or from the bottom (right) edge with slope -1.
+    void Slope_Horizontal(std::int16_t factor, std::int16_t left, std::int16_t top,
+                          std::int16_t right, std::int16_t bottom, std::int16_t slope,
+                          std::int16_t backgroundKind);
+    void Slope_Vertical(std::int16_t factor, std::int16_t left, std::int16_t top,
+                        std::int16_t right, std::int16_t bottom, std::int16_t slope,
+                        std::int16_t backgroundKind);
+    // Zig-zag by a triangle walk 0..step..0: kinds 0 rows, 1 columns, 2 both
+    // moved; kinds 3, 4, 5 pixel by pixel from ImageBits into TransBits.
+    void Transform_Crank(std::uint8_t kind, std::int16_t step, std::int16_t left, std::int16_t top,
+                         std::int16_t right, std::int16_t bottom, std::int16_t backgroundKind);
+    // Scroll by percent of the size: kind 0 across, 1 down, 2 both; wrap
+    // kind 0 around, 1 leaves the uncovered part, 2 stretch, 3 edge fill.
+    void Transform_Scroll(std::uint8_t kind, std::int16_t percent, std::int16_t left,
+                          std::int16_t top, std::int16_t right, std::int16_t bottom,
+                          std::uint8_t wrapKind);
+    // Bands of `interval` slid by `slide` more each: direction 0 rows
+    // across, 1 columns down.
+    void Warp_Slide(std::int16_t interval, std::int16_t slide, std::uint8_t direction,
+                    std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
+                    std::int16_t backgroundKind);
+    // Bands of columns, then of rows, stretched to widths 1, 2, ... level + 1.
+    void GraduallyEnlarge(std::int16_t left, std::int16_t top, std::int16_t right,
+                          std::int16_t bottom, std::int16_t level);
+    // Rows (direction 0) or columns narrowed to `level` waists.
+    void Squeeze(std::int16_t backgroundKind, std::int16_t level, std::int16_t left,
+                 std::int16_t top, std::int16_t right, std::int16_t bottom, std::uint8_t direction);
+    // Circles of the picture at random places, one per block: kind % 5 the
+    // radius form, kind / 5 where the picture inside comes from.
+    void Random_Circle(std::int16_t size, std::int16_t left, std::int16_t top, std::int16_t right,
+                       std::int16_t bottom, std::uint8_t kind);
+    // Pulls: kinds 0 across, 1 down (reverse: the other way); 2 and 3 sink
+    // the middle of the columns (rows).
+    void Transform_Bling(std::int16_t amount, std::int16_t parts, std::uint8_t kind,
+                         std::int16_t left, std::int16_t top, std::int16_t right,
+                         std::int16_t bottom, std::int16_t reverse);
+    // Bands of value / (step + 1) shifted alternately: direction 0 rows,
+    // -1 columns.
+    void Transform_Jagged(std::int16_t value, std::int16_t step, std::int16_t direction,
+                          std::int16_t left, std::int16_t top, std::int16_t right,
+                          std::int16_t bottom, std::int16_t backgroundKind);
+
+    // --- Blurs and diffusion, ImageBits into TransBits with the shared tail.
+
+    // Mean of the pixel and two samples at +-distance: direction 0 along
+    // the row, 1 the column, 2 and 3 the diagonals. A sample outside the
+    // rectangle takes the pixel's own coordinate.
+    void Blur_Normal(std::uint8_t direction, std::int16_t distance, std::int16_t left,
+                     std::int16_t top, std::int16_t right, std::int16_t bottom);
+    // Passes from radius down to 1, each over the result of the last:
+    // kinds 0..7 one sample (round of the mean of two), 8 along the row at
+    // d and d / 2, 9..11 two mirrored samples (mean of three).
+    void Blur_Gaussian(std::uint8_t kind, std::int16_t radius, std::int16_t left, std::int16_t top,
+                       std::int16_t right, std::int16_t bottom);
+    // A grey map of the picture's size, one level a pixel (row by row), the
+    // blur length at each pixel (0..min(size, 255)); kinds 0..11.
+    void Draw_BlurMap(std::uint8_t kind, std::int16_t size, std::int16_t left, std::int16_t top,
+                      std::int16_t right, std::int16_t bottom, std::vector<std::uint8_t>& map);
+    // Blur_Normal with the distance read from the map of mapKind.
+    void Blur_Circle(std::uint8_t direction, std::int16_t size, std::int16_t left, std::int16_t top,
+                     std::int16_t right, std::int16_t bottom, std::uint8_t mapKind);
+    // Blur_Gaussian whose offsets the map scales pixel by pixel.
+    void Blur_CircleSoften(std::uint8_t kind, std::int16_t size, std::int16_t left,
+                           std::int16_t top, std::int16_t right, std::int16_t bottom,
+                           std::uint8_t mapKind);
+    // The pixel taken from where the brightness step to its neighbour (kind
+    // 0 right, 1 below, 2 below right) points.
+    void DiffuseOutline1(std::uint8_t kind, std::int16_t left, std::int16_t top, std::int16_t right,
+                         std::int16_t bottom);
+    // The pixel taken from up or down by its blue against the neighbour's mean.
+    void DiffuseOutline2(std::uint8_t kind, std::int16_t left, std::int16_t top, std::int16_t right,
+                         std::int16_t bottom);
+    // Red, green and blue each from their own offset, mixed in by ratio (%).
+    void Diffuse_Color(std::int16_t ratio, std::int16_t left, std::int16_t top, std::int16_t right,
+                       std::int16_t bottom, std::int16_t redX, std::int16_t redY,
+                       std::int16_t greenX, std::int16_t greenY, std::int16_t blueX,
+                       std::int16_t blueY);
+
   private:
+    // Source and target of the block effects; the target gets the picture
+    // first for background kind 0. Null when the run has no kept pictures.
+    struct Pictures {
+        const Surface* source = nullptr;
+        Surface* target = nullptr;
+        explicit operator bool() const { return source != nullptr && target != nullptr; }
+    };
+    Pictures blitPictures(std::int16_t backgroundKind);
+    // One pass of the sample blurs: taps(x, y, taps) fills the sample
+    // positions of a pixel, count is the pixel and its samples.
+    template <typename Taps>
+    void sampleMeanPass(const ProcessRect& rect, int count, Taps&& taps);
+    // A blur pass with fixed offsets (the fast path of the sample blurs).
+    void fixedMeanPass(const ProcessRect& rect, std::span<const int> dxs, std::span<const int> dys);
+    // ImageBits takes TransBits, for the next of several passes.
+    void nextPass();
     // The clamp limits of the sampler: the rectangle cut to the picture.
     struct SampleBounds {
         double left = 0;

@@ -9,53 +9,12 @@
 // arguments are left out.
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/family_registration.h"
-#include "effects/geometry/class_geometry.h"
-#include "engine/numeric.h"
+#include "effects/geometry/dispatch_support.h"
 
 namespace lumiran {
 namespace {
 
-using V = const ControlValues&;
-using R = ProcessRect;
-
-// A slider value handed to a 16-bit parameter, rounded inside the run.
-std::int16_t slider(V v, int number) {
-    return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
-}
-
-// A slider of frm_Mani handed on as the double it holds: D(S3) and the like.
-double exact(V v, int number) {
-    return v.sliders[static_cast<std::size_t>(number - 1)];
-}
-
-// A list row handed to a byte parameter.
-std::uint8_t row(int index) {
-    if (index < 0 || index > 255) throw EffectError::overflow();
-    return static_cast<std::uint8_t>(index);
-}
-
-// The warps that sample: kept picture 0 into ImageBits and TransBits, the
-// call, TransBits into kept picture 1.
-template <typename Call>
-EffectPlanner warp(Call call) {
-    return [call](V values) {
-        return EffectPlan::ready(runWithTrans<Class_Geometry>(
-            [call, values](Class_Geometry& e, R r) { call(e, values, r); }));
-    };
-}
-
-// The warps that draw from kept picture 0 onto kept picture 1 themselves.
-template <typename Call>
-EffectPlanner drawing(Call call) {
-    return [call](V values) {
-        return EffectPlan::ready([call, values](EffectInvocation& run) {
-            run.context.kept0 = &run.keptPicture0;
-            run.context.kept1 = &run.keptPicture1;
-            Class_Geometry effect(run.context);
-            call(effect, values, run.rect);
-        });
-    };
-}
+using namespace geometry_dispatch;
 
 void registerDistortion(EffectDispatch& d) {
     // Sea Wave: the call's second argument, 0, is the axes the direction
@@ -153,6 +112,7 @@ void registerGeometryEffects(EffectDispatch& d) {
     registerDistortion(d);
     registerPixelMoves(d);
     registerWarpChange(d);
+    registerBlockAndBlurEffects(d);
 }
 
 } // namespace lumiran

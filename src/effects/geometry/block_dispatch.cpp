@@ -1,0 +1,166 @@
+// The cases of the block and cut effects, the directional blurs and the
+// diffuse outline. Where a call's "other list rows" name the calls for the
+// first row of one list only, the other rows of that list take their row in
+// the place the listed call passes 0: Blur with a map and Diffuse Outline
+// type 2 keep the direction the user picked.
+#include "catalogue/family_registration.h"
+#include "effects/geometry/dispatch_support.h"
+
+#include <algorithm>
+
+namespace lumiran {
+namespace {
+
+using namespace geometry_dispatch;
+
+// A list row that picks one of two: rows past the list count as its last.
+bool second(int row) {
+    return row >= 1;
+}
+
+// -1 (True) for the second row of a two-row list, as the calls' f(C) hand it.
+std::int16_t flag(int row) {
+    return second(row) ? -1 : 0;
+}
+
+void registerPixelMoveBlocks(EffectDispatch& d) {
+    d.add(DialogKind::Emboss, 65, drawing([](Class_Geometry& e, V v, R r) {
+              e.Transform_Scroll(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
+                                 row(v.color));
+          }));
+    d.add(DialogKind::Sepia, 22, drawing([](Class_Geometry& e, V v, R r) {
+              e.GraduallyEnlarge(r.left, r.top, r.right, r.bottom, slider(v, 1));
+          }));
+    d.add(DialogKind::Sepia, 23, drawing([](Class_Geometry& e, V v, R r) {
+              e.Notches(r.left, r.top, r.right, r.bottom, slider(v, 1));
+          }));
+    // Slope: the type list picks the shear's axis; the vertical's normal
+    // row is the -1 its call passes, its reverse row 0.
+    d.add(DialogKind::Emboss, 34, drawing([](Class_Geometry& e, V v, R r) {
+              if (second(v.eType)) {
+                  e.Slope_Vertical(slider(v, 1), r.left, r.top, r.right, r.bottom,
+                                   second(v.color) ? 0 : -1, 0);
+              } else {
+                  e.Slope_Horizontal(slider(v, 1), r.left, r.top, r.right, r.bottom, flag(v.color),
+                                     0);
+              }
+          }));
+    d.add(DialogKind::Negative, 14, drawing([](Class_Geometry& e, V v, R r) {
+              e.Random_Circle(slider(v, 1), r.left, r.top, r.right, r.bottom, row(v.color));
+          }));
+    d.add(DialogKind::Emboss, 40, drawing([](Class_Geometry& e, V v, R r) {
+              e.BlockReplace(row(v.eType), r.left, r.top, r.right, r.bottom, slider(v, 1),
+                             row(v.color));
+          }));
+    // Replace Processing: both ways in threes, then the list's way in pairs,
+    // twice, each over the result of the last.
+    const auto both = [](Class_Geometry& e, V v, R r) {
+        e.BlockReplace(2, r.left, r.top, r.right, r.bottom, slider(v, 1), 1);
+    };
+    const auto chosen = [](Class_Geometry& e, V v, R r) {
+        e.BlockReplace(row(v.color), r.left, r.top, r.right, r.bottom, slider(v, 1), 0);
+    };
+    d.add(DialogKind::Negative, 42, drawingSteps(both, chosen, both, chosen));
+    // Jagged: rows 0 and 1 are one call; "両辺1" rows then columns, "両辺2"
+    // columns then rows.
+    const auto jagged = [](std::int16_t direction) {
+        return [direction](Class_Geometry& e, V v, R r) {
+            e.Transform_Jagged(slider(v, 1), 1, direction, r.left, r.top, r.right, r.bottom, 0);
+        };
+    };
+    d.add(DialogKind::Negative, 53, [jagged](V v) {
+        if (v.color == 2) return drawingSteps(jagged(-1), jagged(0))(v);
+        if (v.color == 3) return drawingSteps(jagged(0), jagged(-1))(v);
+        return drawing([](Class_Geometry& e, V w, R r) {
+            e.Transform_Jagged(slider(w, 1), 1, flag(w.color), r.left, r.top, r.right, r.bottom, 0);
+        })(v);
+    });
+    d.add(DialogKind::Level, 17, drawing([](Class_Geometry& e, V v, R r) {
+              e.CuttingPicture(slider(v, 1), slider(v, 2), r.left, r.top, r.right, r.bottom);
+          }));
+    d.add(DialogKind::Level, 19, drawing([](Class_Geometry& e, V v, R r) {
+              e.BlockScatter_Type1(slider(v, 1), slider(v, 2), row(v.eType), r.left, r.top, r.right,
+                                   r.bottom);
+          }));
+    d.add(DialogKind::Level, 20, drawing([](Class_Geometry& e, V v, R r) {
+              e.BlockScatter_Type2(row(v.eType), slider(v, 2), slider(v, 1), 0, row(v.color),
+                                   r.left, r.top, r.right, r.bottom);
+          }));
+    // Squeeze: the call's 1 is the background kind "背景色", its last 0 rows.
+    d.add(DialogKind::Sepia, 20, drawing([](Class_Geometry& e, V v, R r) {
+              e.Squeeze(1, slider(v, 1), r.left, r.top, r.right, r.bottom, 0);
+          }));
+    // Pelican blends each pixel with its crank sample (kinds 3, 4); Crank
+    // moves rows or columns (kinds 0, 1), twice.
+    d.add(DialogKind::Negative, 58, warp([](Class_Geometry& e, V v, R r) {
+              e.Transform_Crank(static_cast<std::uint8_t>(second(v.color) ? 4 : 3), slider(v, 1),
+                                r.left, r.top, r.right, r.bottom, 0);
+          }));
+    const auto crank = [](Class_Geometry& e, V v, R r) {
+        e.Transform_Crank(static_cast<std::uint8_t>(second(v.color) ? 1 : 0), slider(v, 1), r.left,
+                          r.top, r.right, r.bottom, 0);
+    };
+    d.add(DialogKind::Negative, 59, drawingSteps(crank, crank));
+}
+
+void registerBlurs(EffectDispatch& d) {
+    // Blur: row 0 of the scroll type is the plain blur, rows 1.. the blur
+    // maps 0.. in the direction picked.
+    d.add(DialogKind::Emboss, 17, warp([](Class_Geometry& e, V v, R r) {
+              if (v.color <= 0) {
+                  e.Blur_Normal(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom);
+              } else {
+                  e.Blur_Circle(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
+                                row(v.color - 1));
+              }
+          }));
+    d.add(DialogKind::Emboss, 33, warp([](Class_Geometry& e, V v, R r) {
+              if (v.color <= 0) {
+                  e.Blur_Gaussian(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom);
+              } else {
+                  e.Blur_CircleSoften(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
+                                      row(v.color - 1));
+              }
+          }));
+    // Diffuse Outline: the direction list is the neighbour's kind.
+    d.add(DialogKind::Emboss, 41, warp([](Class_Geometry& e, V v, R r) {
+              if (second(v.color)) {
+                  e.DiffuseOutline2(row(v.eType), r.left, r.top, r.right, r.bottom);
+              } else {
+                  e.DiffuseOutline1(row(v.eType), r.left, r.top, r.right, r.bottom);
+              }
+          }));
+}
+
+void registerWarpChangeAndBring(EffectDispatch& d) {
+    // Slide: the direction and background rows are the call's f(E), f(C).
+    d.add(DialogKind::Level, 16, drawing([](Class_Geometry& e, V v, R r) {
+              e.Warp_Slide(slider(v, 1), slider(v, 2), row(std::clamp(v.eType, 0, 1)), r.left,
+                           r.top, r.right, r.bottom, second(v.color) ? 1 : 0);
+          }));
+    // Bring: the list is the axis; Left & Top pulls the other way, and
+    // Depression sinks the middle of the columns (kind 2) or rows (3).
+    d.add(DialogKind::Negative, 54, drawing([](Class_Geometry& e, V v, R r) {
+              e.Transform_Bling(slider(v, 1), 2, row(std::clamp(v.color, 0, 1)), r.left, r.top,
+                                r.right, r.bottom, 0);
+          }));
+    d.add(DialogKind::Negative, 55, drawing([](Class_Geometry& e, V v, R r) {
+              e.Transform_Bling(slider(v, 1), 2, row(std::clamp(v.color, 0, 1)), r.left, r.top,
+                                r.right, r.bottom, -1);
+          }));
+    d.add(DialogKind::Negative, 56, drawing([](Class_Geometry& e, V v, R r) {
+              e.Transform_Bling(roundTo<std::int16_t>(v.sliders[0] / 2), 2,
+                                static_cast<std::uint8_t>(second(v.color) ? 3 : 2), r.left, r.top,
+                                r.right, r.bottom, 0);
+          }));
+}
+
+} // namespace
+
+void registerBlockAndBlurEffects(EffectDispatch& d) {
+    registerPixelMoveBlocks(d);
+    registerBlurs(d);
+    registerWarpChangeAndBring(d);
+}
+
+} // namespace lumiran

@@ -1,0 +1,266 @@
+// Cutting Picture, the block scatters and Random Circle: blocks and circles
+// of kept picture 0 blitted onto kept picture 1 at places drawn from the
+// one random generator, in a fixed order of draws.
+#include "effects/geometry/warp_rows.h"
+#include "engine/drawing/drawing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace lumiran {
+
+Class_Geometry::Pictures Class_Geometry::blitPictures(std::int16_t backgroundKind) {
+    const Pictures pictures{context().kept0, context().kept1};
+    if (pictures && backgroundKind == 0 && pictures.source != pictures.target) {
+        BitBlt(*pictures.target, 0, 0, pictures.target->width(), pictures.target->height(),
+               *pictures.source, 0, 0, SRCCOPY);
+    }
+    return pictures;
+}
+
+namespace {
+
+// BitBlt's source copy between two pictures, for the many small blocks of
+// these effects: the same clipping to both pictures, without the raster
+// code's table per call.
+void copyBlock(Surface& target, int x, int y, int width, int height, const Surface& source,
+               int xSrc, int ySrc) {
+    if (&target == &source) {
+        BitBlt(target, x, y, width, height, source, xSrc, ySrc, SRCCOPY);
+        return;
+    }
+    const int dx = xSrc - x, dy = ySrc - y;
+    const int left = std::max({x, 0, -dx}), top = std::max({y, 0, -dy});
+    const int right = static_cast<int>(std::min<std::int64_t>(
+        {std::int64_t{x} + width, target.width(), std::int64_t{source.width()} - dx}));
+    const int bottom = static_cast<int>(std::min<std::int64_t>(
+        {std::int64_t{y} + height, target.height(), std::int64_t{source.height()} - dy}));
+    if (left >= right || top >= bottom) return;
+    for (int row = top; row < bottom; ++row) {
+        const Pixel* from = source.row(row + dy).data() + (left + dx);
+        std::copy(from, from + (right - left), &target.at(left, row));
+    }
+}
+
+// The largest dx of row dy inside the circle of radius r, the circle of
+// Canvas::Ellipse (dx^2 + dy^2 < (r + 1/2)^2); -1 when the row misses it.
+int halfRun(int radius, int dy) {
+    const double q = (radius + 0.5) * (radius + 0.5) - static_cast<double>(dy) * dy;
+    if (q <= 0) return -1;
+    int half = static_cast<int>(std::floor(std::sqrt(q)));
+    while (static_cast<double>(half) * half >= q)
+        --half;
+    return half;
+}
+
+// A disc (or ring of the given width) of the source around (fromX, fromY)
+// laid onto the target around (x, y), row by row.
+void stampCircle(Surface& target, const Surface& source, int x, int y, int fromX, int fromY,
+                 int radius, int ringWidth) {
+    const int inner = ringWidth > 0 ? radius - ringWidth : -1;
+    for (int dy = -radius; dy <= radius; ++dy) {
+        const int outer = halfRun(radius, dy);
+        if (outer < 0) continue;
+        const int hole = inner >= 0 ? halfRun(inner, dy) : -1;
+        if (hole < 0) {
+            copyBlock(target, x - outer, y + dy, 2 * outer + 1, 1, source, fromX - outer,
+                      fromY + dy);
+        } else {
+            copyBlock(target, x - outer, y + dy, outer - hole, 1, source, fromX - outer,
+                      fromY + dy);
+            copyBlock(target, x + hole + 1, y + dy, outer - hole, 1, source, fromX + hole + 1,
+                      fromY + dy);
+        }
+    }
+}
+
+int sign(int v) {
+    return v < 0 ? -1 : 1;
+}
+
+} // namespace
+
+void Class_Geometry::CuttingPicture(std::int16_t width, std::int16_t height, std::int16_t left,
+                                    std::int16_t top, std::int16_t right, std::int16_t bottom) {
+    guarded([&] {
+        const Pictures p = blitPictures(1);
+        if (!p || width < 1 || height < 1 || right <= left || bottom <= top) return;
+        const int spanX = right - left + 1, spanY = bottom - top + 1;
+        SetProgressRange(0, (bottom - top + height - 1) / height);
+        struct Place {
+            int x = 0;
+            int y = 0;
+        };
+        std::vector<Place> places(static_cast<std::size_t>(right - left));
+        for (int y = top; y < bottom; y += height) {
+            // The places across, then down. A patch keeps its own place, so
+            // patches that overlap write the same pixels and their order
+            // does not matter: the rows of the patches further on are
+            // fetched while the nearer ones are copied.
+            for (Place& place : places) {
+                place.x = roundTo<std::int32_t>(left + context().random.next() * spanX);
+                place.y = roundTo<std::int32_t>(top + context().random.next() * spanY);
+            }
+            constexpr std::size_t Ahead = 8;
+            for (std::size_t k = 0; k < places.size(); ++k) {
+                if (k + Ahead < places.size()) {
+                    const Place next = places[k + Ahead];
+                    if (next.x >= 0 && next.x < p.source->width()) {
+                        const int last =
+                            std::min({next.y + height, p.source->height(), next.y + 8});
+                        for (int row = std::max(next.y, 0); row < last; ++row) {
+                            __builtin_prefetch(p.source->row(row).data() + next.x);
+                            __builtin_prefetch(p.target->row(row).data() + next.x, 1);
+                        }
+                    }
+                }
+                copyBlock(*p.target, places[k].x, places[k].y, width, height, *p.source,
+                          places[k].x, places[k].y);
+            }
+            if (!finishRow()) return;
+        }
+    });
+}
+
+void Class_Geometry::BlockScatter_Type1(std::int16_t size, std::int16_t passes, std::uint8_t kind,
+                                        std::int16_t left, std::int16_t top, std::int16_t right,
+                                        std::int16_t bottom) {
+    guarded([&] {
+        const Pictures p = blitPictures(1);
+        if (!p || size < 1 || kind > 3 || right <= left || bottom <= top) return;
+        const int width = right - left, height = bottom - top;
+        const int nx = roundTo<std::int32_t>(static_cast<double>(width) / size);
+        const int ny = roundTo<std::int32_t>(static_cast<double>(height) / size);
+        // The spread of the offsets is two blocks; the drawn offsets are
+        // turned by the kind and scaled by the pass.
+        const int spread = 2 * size;
+        struct Offset {
+            int x = 0;
+            int y = 0;
+        };
+        std::vector<Offset> offsets(static_cast<std::size_t>(nx + 1) * (ny + 1));
+        for (Offset& o : offsets) {
+            o.x = roundTo<std::int32_t>(context().random.next() * spread);
+            o.y = roundTo<std::int32_t>(context().random.next() * spread);
+        }
+        const double cx = left + width / 2.0, cy = top + height / 2.0;
+        const double half = std::max(width, height) / 2.0;
+        const int lastPass = std::max<int>(passes, 0);
+        SetProgressRange(0, lastPass + 1);
+        for (int n = 0; n <= lastPass; ++n) {
+            const double share = lastPass == 0 ? 0.0 : static_cast<double>(n) / lastPass;
+            for (int j = 0; j <= ny; ++j) {
+                const int by = top + j * size;
+                const int bh = std::min<int>(size, bottom - by);
+                for (int i = 0; i <= nx; ++i) {
+                    const int bx = left + i * size;
+                    const int bw = std::min<int>(size, right - bx);
+                    if (bw <= 0 || bh <= 0) continue;
+                    const Offset o = offsets[static_cast<std::size_t>(j) * (nx + 1) + i];
+                    const double ux = bx + bw / 2.0 - cx, uy = by + bh / 2.0 - cy;
+                    double dx = 0, dy = 0;
+                    switch (kind) {
+                    case 0:
+                        dx = sign(static_cast<int>(std::floor(ux))) * o.x;
+                        dy = sign(static_cast<int>(std::floor(uy))) * o.y;
+                        break;
+                    case 1:
+                        dx = -sign(static_cast<int>(std::floor(ux))) * o.x;
+                        dy = -sign(static_cast<int>(std::floor(uy))) * o.y;
+                        break;
+                    case 2:
+                        dx = o.x - spread / 2.0;
+                        dy = o.y - spread / 2.0;
+                        break;
+                    default:
+                        dx = ux / half * o.x * 2;
+                        dy = uy / half * o.y * 2;
+                        break;
+                    }
+                    copyBlock(*p.target, bx + roundTo<std::int32_t>(dx * share),
+                              by + roundTo<std::int32_t>(dy * share), bw, bh, *p.source, bx, by);
+                }
+            }
+            if (!finishRow()) return;
+        }
+    });
+}
+
+void Class_Geometry::BlockScatter_Type2(std::uint8_t direction, std::int16_t spread,
+                                        std::int16_t size, std::int16_t backgroundKind,
+                                        std::uint8_t kind, std::int16_t left, std::int16_t top,
+                                        std::int16_t right, std::int16_t bottom) {
+    guarded([&] {
+        const Pictures p = blitPictures(backgroundKind);
+        if (!p || size < 1 || direction > 2 || kind > 3 || right <= left || bottom <= top) return;
+        const bool alongX = direction != 1, alongY = direction != 0;
+        SetProgressRange(0, (bottom - top + size - 1) / size);
+        for (int by = top; by < bottom; by += size) {
+            const int bh = std::min<int>(size, bottom - by);
+            for (int bx = left; bx < right; bx += size) {
+                const int bw = std::min<int>(size, right - bx);
+                int d[4];
+                for (int& v : d)
+                    v = roundTo<std::int32_t>(spread * context().random.next() - spread / 2.0);
+                // Source corner (d0, d1), target corner (d2, d3).
+                const bool sourceX = kind == 1 || kind == 2 || kind == 3;
+                const bool sourceY = kind == 1 || kind == 2;
+                const bool targetX = kind == 0 || kind == 2;
+                const bool targetY = kind == 0 || kind == 2 || kind == 3;
+                const int sx = sourceX && alongX ? d[0] : 0, sy = sourceY && alongY ? d[1] : 0;
+                const int tx = targetX && alongX ? d[2] : 0, ty = targetY && alongY ? d[3] : 0;
+                copyBlock(*p.target, bx + tx, by + ty, bw, bh, *p.source, bx + sx, by + sy);
+            }
+            if (!finishRow()) return;
+        }
+    });
+}
+
+void Class_Geometry::Random_Circle(std::int16_t size, std::int16_t left, std::int16_t top,
+                                   std::int16_t right, std::int16_t bottom, std::uint8_t kind) {
+    guarded([&] {
+        const Pictures p = blitPictures(1);
+        if (!p || size < 1 || kind > 14 || right <= left || bottom <= top) return;
+        const int width = right - left, height = bottom - top;
+        const int form = kind % 5, from = kind / 5;
+        SetProgressRange(0, (height + size - 1) / size);
+        for (int by = top; by < bottom; by += size) {
+            for (int bx = left; bx < right; bx += size) {
+                // The centre across then down, then the radius where it is
+                // drawn, then the place the picture comes from where drawn.
+                const int x = roundTo<std::int32_t>(left + context().random.next() * width);
+                const int y = roundTo<std::int32_t>(top + context().random.next() * height);
+                int radius = size / 2, ring = 0;
+                switch (form) {
+                case 1:
+                    radius = roundTo<std::int32_t>(context().random.next() * size / 2.0);
+                    break;
+                case 2:
+                    radius = roundTo<std::int32_t>((y - top + 1) * (size / 2.0) / height);
+                    break;
+                case 3:
+                    radius = size;
+                    break;
+                case 4:
+                    ring = std::max(1, size / 6);
+                    break;
+                default:
+                    break;
+                }
+                int fromX = x, fromY = y;
+                if (from == 1) {
+                    fromX = bx + size / 2;
+                    fromY = by + size / 2;
+                } else if (from == 2) {
+                    fromX = roundTo<std::int32_t>(left + context().random.next() * width);
+                    fromY = roundTo<std::int32_t>(top + context().random.next() * height);
+                }
+                stampCircle(*p.target, *p.source, x, y, fromX, fromY, radius, ring);
+            }
+            if (!finishRow()) return;
+        }
+    });
+}
+
+} // namespace lumiran

@@ -149,8 +149,10 @@ LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, const
     });
     QTimer::singleShot(longLoadMilliseconds, &wait, [&wait] { wait.exit(1); });
     if (wait.exec(QEventLoop::ExcludeUserInputEvents) == 1 && !finished.load()) {
-        QProgressDialog window(qs(loadProgressCaption(sink.latestPercent())), QString(), 0, 100,
-                               owner);
+        // Made with Qt's own, translated, cancel button.
+        QProgressDialog window(owner);
+        window.setRange(0, 100);
+        window.setLabelText(qs(loadProgressCaption(sink.latestPercent())));
         window.setObjectName("LoadProgress");
         window.setWindowModality(Qt::ApplicationModal);
         window.setMinimumDuration(0);

@@ -87,7 +87,7 @@ class MenuProgressSink : public ProgressSink {
   public:
     explicit MenuProgressSink(QAction* item) : item_(item) {}
     void showPercent(int percent) override {
-        if (stop_.load()) throw LoadCancelled();
+        throwIfStopped();
         if (percent == shown_) return;
         shown_ = percent;
         latest_.store(percent);
@@ -98,6 +98,9 @@ class MenuProgressSink : public ProgressSink {
     void showNote(const std::string& note) override { note_ = note; }
 
     void requestStop() { stop_.store(true); }
+    void throwIfStopped() const {
+        if (stop_.load()) throw LoadCancelled();
+    }
     [[nodiscard]] int latestPercent() const { return latest_.load(); }
     // Read once the worker has ended.
     [[nodiscard]] const std::string& note() const { return note_; }
@@ -136,10 +139,14 @@ LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, const
     std::thread worker([&] {
         try {
             loaded.picture = LoadImageFile(path.toStdString(), &decoder, &sink, limits);
+            // Steps after the last percentage (making the picture, drawing a
+            // metafile) have no cancel point: a cancel during them still counts.
+            sink.throwIfStopped();
             if (loaded.picture) {
                 loaded.finalLoadCopy = *loaded.picture;
                 loaded.shown = toQImage(*loaded.picture);
             }
+            sink.throwIfStopped();
         } catch (...) {
             loaded.failure = std::current_exception();
         }

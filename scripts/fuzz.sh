@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Builds the reader fuzz targets with clang, AddressSanitizer and
+# Builds the reader fuzz targets, and those of the platform's decoder and of
+# the metafile path, with clang, AddressSanitizer and
 # UndefinedBehaviorSanitizer, and runs each for SECONDS seconds on a fresh
-# copy of its seed corpus. Exits non-zero when any target reports a finding
+# copy of its seed corpus and of the hostile files of the test data. Exits non-zero when any target reports a finding
 # (crash, sanitizer report, uncaught exception, leak, timeout, memory limit).
 #
 # usage: scripts/fuzz.sh [SECONDS]     (default 20)
 #   FUZZ_BUILD_DIR  build folder (default build-fuzz)
-#   FUZZ_TARGETS    formats to run (default "bmp pcx ppm tga pcd")
+#   FUZZ_TARGETS    targets to run (default "bmp pcx ppm tga pcd platform metafile")
 set -euo pipefail
 
 seconds=${1:-20}
@@ -18,7 +19,24 @@ fi
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=${FUZZ_BUILD_DIR:-$root/build-fuzz}
 runs=$root/fuzz/corpus-run
-targets=${FUZZ_TARGETS:-bmp pcx ppm tga pcd}
+targets=${FUZZ_TARGETS:-bmp pcx ppm tga pcd platform metafile}
+hostile=$root/tests/data/hostile
+
+# The generated seeds a target starts from, and which hostile files join them.
+seed_folder() {
+    case $1 in
+    platform) echo "$root/fuzz/corpus/bmp" ;;
+    metafile) echo "$hostile" ;;
+    *) echo "$root/fuzz/corpus/$1" ;;
+    esac
+}
+hostile_seeds() {
+    case $1 in
+    platform) ls "$hostile"/* ;;
+    metafile) ls "$hostile"/*.wmf "$hostile"/*.emf ;;
+    *) ls "$hostile"/*."$1" 2>/dev/null || true ;;
+    esac
+}
 
 if command -v clang++-14 >/dev/null && command -v clang-14 >/dev/null; then
     export CC=clang-14 CXX=clang++-14
@@ -37,7 +55,7 @@ export ASAN_OPTIONS=${ASAN_OPTIONS:-abort_on_error=0:detect_leaks=1}
 
 failed=()
 for format in $targets; do
-    seeds=$root/fuzz/corpus/$format
+    seeds=$(seed_folder "$format")
     work=$runs/$format
     if [ ! -d "$seeds" ]; then
         echo "fuzz.sh: no seed corpus for $format in $seeds" >&2
@@ -47,11 +65,12 @@ for format in $targets; do
     rm -rf "$work"
     mkdir -p "$work/corpus" "$work/findings"
     cp -R "$seeds/." "$work/corpus/"
+    for seed in $(hostile_seeds "$format"); do cp "$seed" "$work/corpus/"; done
     log=$work/fuzz.log
     echo "== $format: fuzzing for $seconds s"
     status=0
     "$build/${format}_fuzzer" "$work/corpus" \
-        -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=30 \
+        -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=10 \
         -artifact_prefix="$work/findings/" -print_final_stats=1 >"$log" 2>&1 || status=$?
     runs_done=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
     coverage=$(grep -o 'cov: [0-9]*' "$log" | tail -n 1 || true)

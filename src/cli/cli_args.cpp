@@ -82,10 +82,11 @@ std::string usageText() {
            "  lumiran-cli list [--available] [--family NAME] [--compact | --json]\n"
            "  lumiran-cli apply --effect NAME [controls] [run options] INPUT -o OUTPUT.bmp\n"
            "  lumiran-cli apply --effect NAME [controls] [run options] INPUT... --out-dir DIR\n"
-           "  lumiran-cli convert INPUT -o OUTPUT.bmp [--bits 24|8|1]\n"
+           "  lumiran-cli convert INPUT -o OUTPUT.bmp [--bits 24|8|1] [--max-pixels WxH]\n"
            "NAME:        an effect's caption or key as list shows it (any width, any case)\n"
            "controls:    --s1 V .. --s8 V  --e ROW  --c ROW  --g ROW  --k 0|1  --rgb R,G,B\n"
-           "run options: --calc N  --raster N  --rect L,T,R,B  --kept FILE  --bits 24|8|1\n";
+           "run options: --calc N  --raster N  --rect L,T,R,B  --kept FILE  --bits 24|8|1\n"
+           "             --max-pixels WxH|N  (largest picture read; default 16384x16384)\n";
 }
 
 CommandLine parseCommandLine(const std::vector<std::string>& args) {
@@ -141,6 +142,13 @@ CommandLine parseCommandLine(const std::vector<std::string>& args) {
             cl.bits = static_cast<int>(parseInteger(arg, value(), 1, 24));
             if (cl.bits != 24 && cl.bits != 8 && cl.bits != 1) {
                 throw UsageError("--bits: must be 24, 8 or 1");
+            }
+        } else if (arg == "--max-pixels") {
+            const std::string& limit = value();
+            cl.maxPixels = parsePixelLimit(limit);
+            if (cl.maxPixels == 0) {
+                throw UsageError("--max-pixels: '" + limit +
+                                 "' is neither WIDTHxHEIGHT nor a number of pixels");
             }
         } else if (arg == "-o" || arg == "--output") {
             cl.output = value();

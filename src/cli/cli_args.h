@@ -2,6 +2,7 @@
 
 #include "catalogue/control_values.h"
 #include "engine/process_rect.h"
+#include "imagefiles/load_limits.h"
 
 #include <optional>
 #include <stdexcept>
@@ -47,6 +48,8 @@ struct CommandLine {
     std::vector<std::string> inputs;
     std::string output;
     std::string outDir;
+    // The most pixels a picture read may have (--max-pixels).
+    std::int64_t maxPixels = LoadLimits::DefaultMaxPixels;
     ListOptions list;
 };
 

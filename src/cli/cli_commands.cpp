@@ -35,13 +35,54 @@ std::string describeLoadError(const ImageLoadError& error) {
     return text + ": " + error.detail();
 }
 
-Surface loadPicture(const std::string& path, PlatformDecoder& decoder) {
+// Ctrl+C: the run stops without writing anything more.
+class Interrupted : public std::runtime_error {
+  public:
+    Interrupted() : std::runtime_error("interrupted") {}
+};
+
+// What a load needs besides the file: the limits, the Ctrl+C flag and
+// where its notes go.
+struct LoadSetting {
+    LoadLimits limits;
+    const std::atomic<int>* interrupted = nullptr;
+    std::ostream* err = nullptr;
+
+    [[nodiscard]] bool stopRequested() const {
+        return interrupted != nullptr && interrupted->load() != 0;
+    }
+};
+
+// The tool shows no percentage; it stops a load on Ctrl+C and passes notes on.
+class CliLoadProgress : public ProgressSink {
+  public:
+    CliLoadProgress(const LoadSetting& setting, std::string path)
+        : setting_(setting), path_(std::move(path)) {}
+    void showPercent(int /*percent*/) override {
+        if (setting_.stopRequested()) throw LoadCancelled();
+    }
+    void showNote(const std::string& note) override {
+        if (setting_.err != nullptr)
+            *setting_.err << "lumiran-cli: note: " << path_ << ": " << note << '\n';
+    }
+
+  private:
+    const LoadSetting& setting_;
+    std::string path_;
+};
+
+Surface loadPicture(const std::string& path, PlatformDecoder& decoder, const LoadSetting& setting) {
     std::optional<Surface> picture;
+    CliLoadProgress progress(setting, path);
     try {
-        picture = LoadImageFile(path, &decoder, nullptr);
+        picture = LoadImageFile(path, &decoder, &progress, setting.limits);
+    } catch (const LoadCancelled&) {
+        throw Interrupted();
     } catch (const ImageLoadError& error) {
         throw UsageError(describeLoadError(error));
     }
+    // Steps that report nothing (drawing a metafile) end before the stop.
+    if (setting.stopRequested()) throw Interrupted();
     if (!picture) {
         // The editor opens such a file as a blank picture; there is nothing to process.
         throw UsageError(path + ": not a picture format the program reads (by its extension)");
@@ -142,8 +183,8 @@ void printFailures(const std::vector<EffectError>& failures, std::ostream& err) 
     }
 }
 
-int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err,
-             PlatformDecoder& decoder) {
+int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err, PlatformDecoder& decoder,
+             const LoadSetting& setting) {
     const EffectEntry* effect = findEffect(cl.effect);
     if (effect == nullptr) throw UsageError(unknownEffectMessage(cl.effect));
     const ControlValues values = resolveControls(*effect, cl.controls);
@@ -177,14 +218,15 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err,
     ProgramState state;
     state.flags.calculationFlag = static_cast<std::uint8_t>(cl.calculationFlag);
     state.flags.rasterOpFlag = static_cast<std::uint8_t>(cl.rasterOpFlag);
-    if (!cl.keptFile.empty()) state.keep.ComposeImage = loadPicture(cl.keptFile, decoder);
+    if (!cl.keptFile.empty()) state.keep.ComposeImage = loadPicture(cl.keptFile, decoder, setting);
 
     int exitCode = ExitOk;
     for (std::size_t i = 0; i < cl.inputs.size(); ++i) {
+        if (setting.stopRequested()) throw Interrupted();
         const fs::path input(cl.inputs[i]);
         Document document;
         try {
-            document.picture = loadPicture(cl.inputs[i], decoder);
+            document.picture = loadPicture(cl.inputs[i], decoder, setting);
         } catch (const UsageError& error) {
             // In a batch the other pictures still get their turn.
             if (cl.inputs.size() == 1) throw;
@@ -219,9 +261,10 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err,
     return exitCode;
 }
 
-int runConvert(const CommandLine& cl, std::ostream& out, PlatformDecoder& decoder) {
+int runConvert(const CommandLine& cl, std::ostream& out, PlatformDecoder& decoder,
+               const LoadSetting& setting) {
     checkOutputFolder(cl.output);
-    const Surface picture = loadPicture(cl.inputs.front(), decoder);
+    const Surface picture = loadPicture(cl.inputs.front(), decoder, setting);
     savePicture(picture, cl.output, cl.bits);
     out << cl.output << '\n';
     return ExitOk;
@@ -230,7 +273,7 @@ int runConvert(const CommandLine& cl, std::ostream& out, PlatformDecoder& decode
 } // namespace
 
 int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
-           PlatformDecoder& decoder) {
+           PlatformDecoder& decoder, const std::atomic<int>* interrupted) {
     try {
         if (!args.empty() && (args[0] == "--help" || args[0] == "-h" || args[0] == "help")) {
             out << usageText();
@@ -241,8 +284,13 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             printEffectList(out, cl.list);
             return ExitOk;
         }
-        if (cl.command == "convert") return runConvert(cl, out, decoder);
-        return runApply(cl, out, err, decoder);
+        LoadSetting setting{.interrupted = interrupted, .err = &err};
+        setting.limits.maxPixels = cl.maxPixels;
+        if (cl.command == "convert") return runConvert(cl, out, decoder, setting);
+        return runApply(cl, out, err, decoder, setting);
+    } catch (const Interrupted& error) {
+        err << "lumiran-cli: " << error.what() << '\n';
+        return ExitInterrupted;
     } catch (const UsageError& error) {
         err << "lumiran-cli: " << error.what() << '\n';
         return ExitUsage;

@@ -2,6 +2,8 @@
 #include "cli/decoder_module/decoder_module.h"
 #include "imagefiles/image_load_error.h"
 
+#include <atomic>
+#include <csignal>
 #include <dlfcn.h>
 #include <filesystem>
 #include <iostream>
@@ -20,9 +22,11 @@ class DecoderOnDemand : public lumiran::PlatformDecoder {
     explicit DecoderOnDemand(char* program) : program_(program) {}
 
     [[nodiscard]] lumiran::Surface LoadPicture(const std::filesystem::path& path,
-                                               const std::string& extension) override {
+                                               const std::string& extension,
+                                               lumiran::ProgressSink* progress,
+                                               const lumiran::LoadLimits& limits) override {
         if (!decoder_) decoder_ = load(path);
-        return decoder_->LoadPicture(path, extension);
+        return decoder_->LoadPicture(path, extension, progress, limits);
     }
 
   private:
@@ -48,10 +52,26 @@ class DecoderOnDemand : public lumiran::PlatformDecoder {
     std::unique_ptr<lumiran::PlatformDecoder> decoder_;
 };
 
+// Set by Ctrl+C. A signal handler can reach nothing else; a lock-free
+// atomic is safe to store to from one.
+std::atomic<int> interruptRequested{0};
+static_assert(std::atomic<int>::is_always_lock_free);
+
+// The first Ctrl+C asks the run to stop at the load's next step, so that no
+// half-written picture is left; a second one ends the process at once.
+void installInterruptHandler() {
+    struct sigaction action {};
+    action.sa_handler = [](int) { interruptRequested.store(1); };
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESETHAND;
+    sigaction(SIGINT, &action, nullptr);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    installInterruptHandler();
     DecoderOnDemand decoder(argv[0]);
     const std::vector<std::string> args(argv + 1, argv + argc);
-    return lumiran::cli::runCli(args, std::cout, std::cerr, decoder);
+    return lumiran::cli::runCli(args, std::cout, std::cerr, decoder, &interruptRequested);
 }

@@ -9,12 +9,15 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace lumiran {
 
 // Receives the percentage after each row. A front end forwards it to its
 // progress bar; this call is also where the original let other events in.
+// During a load, showPercent may throw LoadCancelled to stop it; loaders
+// that pass through C libraries catch it there and rethrow it after.
 class ProgressSink {
   public:
     virtual ~ProgressSink() = default;
@@ -22,6 +25,9 @@ class ProgressSink {
     // Effects of several passes name the pass by a string-table id
     // ("しばらくお待ちください。1/2" and so on) for the progress window.
     virtual void showCaption(int /*stringId*/) {}
+    // A remark on how a picture was loaded (a metafile drawn smaller than
+    // its frame), for the front end to pass on.
+    virtual void showNote(const std::string& /*note*/) {}
 };
 
 // 1 asks the row loop to stop after the current row. Set from the progress

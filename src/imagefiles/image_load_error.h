@@ -26,4 +26,11 @@ class ImageLoadError : public std::runtime_error {
     std::string description_;
 };
 
+// A load stopped at the user's request (the editor's cancel, Ctrl+C on the
+// command line): not a fault of the file, and shown as no error.
+class LoadCancelled : public ImageLoadError {
+  public:
+    LoadCancelled() : ImageLoadError(0, "", "the load was cancelled") {}
+};
+
 } // namespace lumiran

@@ -82,7 +82,7 @@ std::optional<Surface> LoadImageFile(const std::filesystem::path& path, Platform
             throw ImageLoadError::refused(path.string() + ": no decoder for ." + extension +
                                           " files in this program");
         }
-        return platform->LoadPicture(path, extension);
+        return platform->LoadPicture(path, extension, progress, limits);
     default:
         break;
     }

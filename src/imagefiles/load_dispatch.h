@@ -21,9 +21,12 @@ namespace lumiran {
 class PlatformDecoder {
   public:
     virtual ~PlatformDecoder() = default;
-    // The file's pixels at the file's size; throws ImageLoadError.
+    // The file's pixels at the file's size (a metafile's within the limits);
+    // throws ImageLoadError. Percentages and notes go to progress (may be
+    // null), which may stop the load by throwing LoadCancelled.
     [[nodiscard]] virtual Surface LoadPicture(const std::filesystem::path& path,
-                                              const std::string& extension) = 0;
+                                              const std::string& extension, ProgressSink* progress,
+                                              const LoadLimits& limits) = 0;
 };
 
 // How the load path treats an extension.

@@ -85,7 +85,10 @@ std::optional<Layout> plainLayout(std::span<const std::uint8_t> header, std::uin
     if (width <= 0 || rawHeight == 0 || rawHeight == INT_MIN) return std::nullopt;
     const std::int64_t height = std::llabs(static_cast<std::int64_t>(rawHeight));
     if (width > LoadLimits::MaxDimension || height > LoadLimits::MaxDimension) return std::nullopt;
-    if (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) * BytesPerPixel >
+    if (std::int64_t{width} * height > limits.maxPixels) return std::nullopt;
+    const std::uint64_t runBytesPerPixel =
+        BytesPerPixel + 4u * static_cast<std::uint64_t>(limits.keptCopies);
+    if (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) * runBytesPerPixel >
         limits.maxBytes) {
         return std::nullopt;
     }

@@ -1,6 +1,7 @@
 #include "platform/metafile_rendering.h"
 
 #include "imagefiles/byte_io.h"
+#include "platform/metafile_budget.h"
 #include "platform/picture_refusal.h"
 #include "platform/qimage_surface.h"
 #include "platform/wmf_conversion.h"
@@ -49,6 +50,10 @@ std::size_t checkedRecordsLength(ByteReader& reader, std::uint32_t declaredBytes
         }
         offset += size;
         if (type == EMR_EOF) return offset;
+        if (index >= metafileMaxRecords) {
+            throw PictureRefusal("EMF: more than " + std::to_string(metafileMaxRecords) +
+                                 " records, more than this program draws");
+        }
     }
     throw PictureRefusal("EMF: the records end without an EMR_EOF record");
 }
@@ -61,7 +66,8 @@ bool looksLikeEnhancedMetafile(std::span<const std::uint8_t> bytes) {
     return header && !reader.wasShort();
 }
 
-Surface renderEnhancedMetafile(std::span<const std::uint8_t> bytes, const LoadLimits& limits) {
+Surface renderEnhancedMetafile(std::span<const std::uint8_t> bytes, const LoadLimits& limits,
+                               ProgressSink* progress) {
     requireGraphicsApplication();
     if (!looksLikeEnhancedMetafile(bytes)) {
         throw PictureRefusal("EMF: the file does not start with an EMR_HEADER record");
@@ -85,8 +91,10 @@ Surface renderEnhancedMetafile(std::span<const std::uint8_t> bytes, const LoadLi
                              std::to_string(bounds.top) + ")-(" + std::to_string(bounds.right) +
                              "," + std::to_string(bounds.bottom) + ") are empty");
     }
-    checkPictureSize(limits, width, height);
+    const FittedSize page = metafilePage(limits, width, height);
     const std::size_t length = checkedRecordsLength(reader, declaredBytes);
+    if (page.scaledDown && progress != nullptr)
+        progress->showNote("EMF: " + scaledDownNote(width, height, page, limits));
 
     // The converter scales the bounds' span (right - left) to imgWidth keeping
     // the aspect; equal values keep one device unit to one SVG unit, and the
@@ -115,13 +123,18 @@ Surface renderEnhancedMetafile(std::span<const std::uint8_t> bytes, const LoadLi
     checkDrawable(drawing);
     const QRectF box = drawing.viewBoxF();
     const double drawnHeight = box.width() > 0 ? box.height() * spanX / box.width() : spanY;
-    return rasterizeOnWhite(drawing, QSize(static_cast<int>(width), static_cast<int>(height)),
-                            QRectF(0, 0, spanX, drawnHeight));
+    // A page scaled down to the limits scales the drawing with it.
+    const double scale = static_cast<double>(page.width) / static_cast<double>(width);
+    return rasterizeOnWhite(drawing,
+                            QSize(static_cast<int>(page.width), static_cast<int>(page.height)),
+                            QRectF(0, 0, spanX * scale, drawnHeight * scale));
 }
 
-Surface renderWindowsMetafile(std::span<const std::uint8_t> bytes, const LoadLimits& limits) {
+Surface renderWindowsMetafile(std::span<const std::uint8_t> bytes, const LoadLimits& limits,
+                              ProgressSink* progress) {
     requireGraphicsApplication();
-    const WmfDrawing converted = convertWindowsMetafile(bytes, limits);
+    const WmfDrawing converted = convertWindowsMetafile(bytes, limits, progress);
+    if (!converted.note.empty() && progress != nullptr) progress->showNote(converted.note);
     QSvgRenderer drawing{QByteArray::fromStdString(converted.svg)};
     checkDrawable(drawing);
     const QSize size(converted.width, converted.height);

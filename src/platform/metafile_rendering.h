@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/run_context.h"
 #include "engine/surface.h"
 #include "imagefiles/load_limits.h"
 
@@ -15,9 +16,13 @@ namespace lumiran {
 // An enhanced metafile: an EMR_HEADER record carrying the " EMF" signature.
 [[nodiscard]] bool looksLikeEnhancedMetafile(std::span<const std::uint8_t> bytes);
 
+// A frame larger than the limits allow is drawn scaled down to them, with a
+// note to progress (may be null) saying so.
 [[nodiscard]] Surface renderWindowsMetafile(std::span<const std::uint8_t> bytes,
-                                            const LoadLimits& limits);
+                                            const LoadLimits& limits,
+                                            ProgressSink* progress = nullptr);
 [[nodiscard]] Surface renderEnhancedMetafile(std::span<const std::uint8_t> bytes,
-                                             const LoadLimits& limits);
+                                             const LoadLimits& limits,
+                                             ProgressSink* progress = nullptr);
 
 } // namespace lumiran

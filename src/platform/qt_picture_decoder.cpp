@@ -19,6 +19,7 @@
 #include <array>
 #include <climits>
 #include <cstdlib>
+#include <exception>
 #include <new>
 #include <string_view>
 #include <system_error>
@@ -66,24 +67,38 @@ bool acceptedRaster(const QByteArray& format) {
 // Qt's own allocation guard, set to the share of the limits that the
 // decoded image takes (4 of the 8 bytes a pixel).
 int allocationLimitMiB(const LoadLimits& limits) {
-    const std::uint64_t mebibytes = limits.maxBytes / 2 / (1u << 20);
+    const std::uint64_t imageBytes =
+        std::min(limits.maxBytes / 2, static_cast<std::uint64_t>(limits.maxPixels) * 4);
+    const std::uint64_t mebibytes = imageBytes / (1u << 20);
     return static_cast<int>(std::clamp<std::uint64_t>(mebibytes, 1, INT_MAX));
 }
 
 // The file's bytes as Qt's readers take them, telling how far they have read.
+// A sink that stops the load makes the rest of the file unreadable: nothing
+// may be thrown through the decoders' C code.
 class ProgressBuffer : public QBuffer {
   public:
     ProgressBuffer(QByteArray* data, ProgressSink* progress) : QBuffer(data), progress_(progress) {}
 
+    void rethrow() const {
+        if (failure_) std::rethrow_exception(failure_);
+    }
+
   protected:
     qint64 readData(char* data, qint64 maxSize) override {
+        if (failure_) return -1;
         const qint64 read = QBuffer::readData(data, maxSize);
         if (progress_ != nullptr && size() > 0) {
             const int percent =
                 static_cast<int>((pos() + std::max<qint64>(read, 0)) * 100 / size());
             if (percent != shown_) {
                 shown_ = percent;
-                progress_->showPercent(percent);
+                try {
+                    progress_->showPercent(percent);
+                } catch (...) {
+                    failure_ = std::current_exception();
+                    return -1;
+                }
             }
         }
         return read;
@@ -92,6 +107,7 @@ class ProgressBuffer : public QBuffer {
   private:
     ProgressSink* progress_;
     int shown_ = -1;
+    std::exception_ptr failure_;
 };
 
 Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limits,
@@ -137,32 +153,38 @@ Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limi
             image.fill(0);
         }
     }
-    if (!reader.read(&image)) {
+    const bool read = reader.read(&image);
+    buffer.rethrow();
+    if (!read) {
         throw PictureRefusal(kind + ": " + reader.errorString().toStdString());
     }
     checkPictureSize(limits, image.width(), image.height());
     return surfaceFromImage(image);
 }
 
-Surface decode(std::span<const std::uint8_t> bytes, const std::string& extension,
-               const LoadLimits& limits, ProgressSink* progress) {
-    if (looksLikeEnhancedMetafile(bytes)) return renderEnhancedMetafile(bytes, limits);
-    if (looksLikePlaceableMetafile(bytes)) return renderWindowsMetafile(bytes, limits);
+} // namespace
+
+Surface decodePicture(std::span<const std::uint8_t> bytes, const std::string& extension,
+                      const LoadLimits& limits, ProgressSink* progress) {
+    if (looksLikeEnhancedMetafile(bytes)) return renderEnhancedMetafile(bytes, limits, progress);
+    if (looksLikePlaceableMetafile(bytes)) return renderWindowsMetafile(bytes, limits, progress);
     // A metafile without a placeable header has no signature; by its name it
     // goes to the metafile readers, which can say what is wrong with it.
-    if (extension == "wmf") return renderWindowsMetafile(bytes, limits);
-    if (extension == "emf") return renderEnhancedMetafile(bytes, limits);
+    if (extension == "wmf") return renderWindowsMetafile(bytes, limits, progress);
+    if (extension == "emf") return renderEnhancedMetafile(bytes, limits, progress);
     return decodeRaster(bytes, limits, progress);
 }
 
-} // namespace
-
-Surface QtPictureDecoder::LoadPicture(const fs::path& path, const std::string& extension) {
-    const std::vector<std::uint8_t> bytes = readPictureFile(path, limits_);
+Surface QtPictureDecoder::LoadPicture(const fs::path& path, const std::string& extension,
+                                      ProgressSink* progress, const LoadLimits& limits) {
+    const std::vector<std::uint8_t> bytes = readPictureFile(path, limits);
     try {
-        return guardedRead("Picture", [&] { return decode(bytes, extension, limits_, progress_); });
+        return guardedRead("Picture",
+                           [&] { return decodePicture(bytes, extension, limits, progress); });
     } catch (const PictureRefusal& e) {
         throw invalidPicture(path, e.what());
+    } catch (const LoadCancelled&) {
+        throw;
     } catch (const ImageLoadError& e) {
         throw ImageLoadError(e.number(), e.description(), path.string() + ": " + e.detail());
     }

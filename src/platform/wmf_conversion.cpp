@@ -3,9 +3,14 @@
 // libwmf's headers define short macros that clash with Qt's; this unit
 // keeps them away from every Qt header.
 #include "imagefiles/byte_io.h"
+#include "platform/embedded_dib.h"
+#include "platform/metafile_budget.h"
 #include "platform/picture_refusal.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <libwmf/api.h>
 #include <libwmf/svg.h>
@@ -29,7 +34,69 @@ constexpr double pixelsPerInch = 96.0;
 // What the records walk found.
 struct RecordSummary {
     bool setsWindowOrigin = false;
+    std::uint32_t largestRecordWords = 0;
+    std::size_t endOffset = 0; // just past META_EOF
 };
+
+std::string hex4(std::uint16_t value) {
+    std::array<char, 8> text{};
+    std::snprintf(text.data(), text.size(), "%04X", value);
+    return text.data();
+}
+
+// Where a record carries a device-independent bitmap, and how its colours
+// are given.
+struct DibRecord {
+    std::uint16_t function;
+    // The smallest record, in words, that has a bitmap: the blits come in
+    // a shorter form without one.
+    std::uint32_t minimumWords;
+    std::size_t dibOffset; // from the first parameter
+    int colourUsageOffset; // -1: always RGB colours
+};
+
+constexpr std::array dibRecords{
+    DibRecord{0x0142, 3 + 2, 4, 2},    // META_DIBCREATEPATTERNBRUSH
+    DibRecord{0x0940, 3 + 10, 16, -1}, // META_DIBBITBLT
+    DibRecord{0x0B41, 3 + 12, 20, -1}, // META_DIBSTRETCHBLT
+    DibRecord{0x0F43, 3 + 11, 22, 4},  // META_STRETCHDIB
+    DibRecord{0x0D33, 3 + 9, 18, 0},   // META_SETDIBTODEV
+};
+
+constexpr std::uint16_t META_POLYGON = 0x0324;
+constexpr std::uint16_t META_POLYLINE = 0x0325;
+constexpr std::uint16_t META_POLYPOLYGON = 0x0538;
+
+// Why the record's contents do not fit the record, or empty.
+std::string recordProblem(std::uint16_t function, std::span<const std::uint8_t> parameters,
+                          DibBudget& budget) {
+    ByteReader in(parameters);
+    const auto dib = std::ranges::find(dibRecords, function, &DibRecord::function);
+    if (dib != dibRecords.end()) {
+        if (parameters.size() + 6 < std::size_t{dib->minimumWords} * 2) return {};
+        const DibColours colours =
+            dib->colourUsageOffset >= 0 &&
+                    in.u16(static_cast<std::size_t>(dib->colourUsageOffset)) == 1
+                ? DibColours::PaletteIndices
+                : DibColours::Rgb;
+        if (parameters.size() < dib->dibOffset) return "its bitmap is missing";
+        return embeddedDibProblem(parameters.subspan(dib->dibOffset), colours, budget);
+    }
+    if (function == META_POLYGON || function == META_POLYLINE) {
+        const std::uint64_t points = in.u16(0);
+        if (in.wasShort() || 2 + points * 4 > parameters.size())
+            return "its points run past its end";
+    }
+    if (function == META_POLYPOLYGON) {
+        const std::uint64_t polygons = in.u16(0);
+        std::uint64_t points = 0;
+        for (std::uint64_t i = 0; i < polygons && !in.wasShort(); ++i)
+            points += in.u16(2 + i * 2);
+        if (in.wasShort() || 2 + polygons * 2 + points * 4 > parameters.size())
+            return "its polygons run past its end";
+    }
+    return {};
+}
 
 // The frame of an Aldus placeable header, in metafile units.
 struct PlaceableFrame {
@@ -58,14 +125,17 @@ PlaceableFrame readPlaceableFrame(ByteReader& reader) {
 }
 
 // Walks the records so that the library is only handed a metafile whose
-// records stay inside the file and end with META_EOF.
-RecordSummary checkRecords(ByteReader& reader, std::size_t headerOffset) {
+// records stay inside the file, end with META_EOF, are not too many, and
+// whose points and bitmaps fit inside their records.
+RecordSummary checkRecords(ByteReader& reader, std::span<const std::uint8_t> bytes,
+                           std::size_t headerOffset, const LoadLimits& limits) {
     const std::uint16_t type = reader.u16(headerOffset);
     const std::uint16_t headerWords = reader.u16(headerOffset + 2);
     if (reader.wasShort() || (type != 1 && type != 2) || headerWords != metaHeaderSize / 2) {
         throw PictureRefusal("WMF: no metafile header");
     }
     RecordSummary summary;
+    DibBudget budget(metafileBitmapPixels(limits, bytes.size()));
     const std::size_t size = reader.size();
     std::size_t offset = headerOffset + metaHeaderSize;
     for (std::size_t index = 0; offset + 2 * minimumRecordWords <= size; ++index) {
@@ -76,11 +146,39 @@ RecordSummary checkRecords(ByteReader& reader, std::size_t headerOffset) {
                                  std::to_string(offset) + " has an impossible size of " +
                                  std::to_string(words) + " words");
         }
-        if (function == META_EOF) return summary;
+        summary.largestRecordWords = std::max(summary.largestRecordWords, words);
+        if (function == META_EOF) {
+            summary.endOffset = offset + std::size_t{words} * 2;
+            return summary;
+        }
+        if (index >= metafileMaxRecords) {
+            throw PictureRefusal("WMF: more than " + std::to_string(metafileMaxRecords) +
+                                 " records, more than this program draws");
+        }
         if (function == META_SETWINDOWORG) summary.setsWindowOrigin = true;
+        const std::string problem =
+            recordProblem(function, bytes.subspan(offset + 6, std::size_t{words} * 2 - 6), budget);
+        if (!problem.empty()) {
+            throw PictureRefusal("WMF: record " + std::to_string(index) + " at offset " +
+                                 std::to_string(offset) + " (function 0x" + hex4(function) +
+                                 "): " + problem);
+        }
         offset += std::size_t{words} * 2;
     }
     throw PictureRefusal("WMF: the records end without a META_EOF record");
+}
+
+// libwmf sizes its record buffer by the header's largest record and trusts
+// its length: a header claiming a record of gigabytes costs gigabytes of
+// memory before anything is read. The copy it gets says what the walk found.
+void restateHeader(std::vector<unsigned char>& contents, std::size_t headerOffset,
+                   const RecordSummary& records) {
+    auto put32 = [&](std::size_t at, std::uint32_t value) {
+        for (int i = 0; i < 4; ++i)
+            contents[at + static_cast<std::size_t>(i)] = static_cast<unsigned char>(value >> (8 * i));
+    };
+    put32(headerOffset + 6, static_cast<std::uint32_t>((records.endOffset - headerOffset) / 2));
+    put32(headerOffset + 12, records.largestRecordWords);
 }
 
 // libwmf would stretch what was drawn to the whole picture; the page is the
@@ -198,6 +296,41 @@ struct ApiDestroyer {
 };
 using LibwmfApi = std::unique_ptr<wmfAPI, ApiDestroyer>;
 
+// The library's call after every record: the load's percentage, and the
+// way a cancelled load stops it. Nothing may be thrown through the library.
+class PlayProgress {
+  public:
+    explicit PlayProgress(ProgressSink* progress) : progress_(progress) {}
+
+    static int report(void* context, float fraction) {
+        return static_cast<PlayProgress*>(context)->step(fraction);
+    }
+
+    void rethrow() const {
+        if (failure_) std::rethrow_exception(failure_);
+    }
+
+  private:
+    int step(float fraction) {
+        if (progress_ == nullptr || failure_) return failure_ ? 1 : 0;
+        try {
+            const int percent = static_cast<int>(std::clamp(fraction, 0.0F, 1.0F) * 100.0F);
+            if (percent != shown_) {
+                shown_ = percent;
+                progress_->showPercent(percent);
+            }
+        } catch (...) {
+            failure_ = std::current_exception();
+            return 1;
+        }
+        return 0;
+    }
+
+    ProgressSink* progress_;
+    int shown_ = -1;
+    std::exception_ptr failure_;
+};
+
 LibwmfApi createApi(LibwmfOptions& options) {
     wmfAPI* raw = nullptr;
     const wmf_error_t error = wmf_api_create(&raw, options.flags(), options.get());
@@ -214,15 +347,18 @@ bool looksLikePlaceableMetafile(std::span<const std::uint8_t> bytes) {
     return reader.u32(0) == placeableKey && !reader.wasShort();
 }
 
-WmfDrawing convertWindowsMetafile(std::span<const std::uint8_t> bytes, const LoadLimits& limits) {
+WmfDrawing convertWindowsMetafile(std::span<const std::uint8_t> bytes, const LoadLimits& limits,
+                                  ProgressSink* progress) {
     ByteReader reader(bytes);
     const bool placeable = looksLikePlaceableMetafile(bytes);
     const PlaceableFrame frame = placeable ? readPlaceableFrame(reader) : PlaceableFrame{};
-    const RecordSummary records = checkRecords(reader, placeable ? placeableHeaderSize : 0);
+    const RecordSummary records =
+        checkRecords(reader, bytes, placeable ? placeableHeaderSize : 0, limits);
 
     // The library reads through a pointer it does not write to, but takes
     // it unqualified.
     std::vector<unsigned char> contents(bytes.begin(), bytes.end());
+    restateHeader(contents, placeable ? placeableHeaderSize : 0, records);
     LibwmfOptions options;
     const LibwmfApi api = createApi(options);
     check(wmf_mem_open(api.get(), contents.data(), static_cast<long>(contents.size())), "opening");
@@ -231,25 +367,34 @@ WmfDrawing convertWindowsMetafile(std::span<const std::uint8_t> bytes, const Loa
     unsigned int width = 0;
     unsigned int height = 0;
     check(wmf_display_size(api.get(), &width, &height, pixelsPerInch, pixelsPerInch), "sizing");
-    checkPictureSize(limits, width, height);
+    const FittedSize pageSize = metafilePage(limits, width, height);
 
     wmfD_Rect page = placeable ? pageOf(frame, records) : drawn;
     wmf_svg_t* device = WMF_SVG_GetData(api.get());
     device->out = wmf_stream_create(api.get(), nullptr);
     if (device->out == nullptr) throw PictureRefusal("WMF: no memory for the drawing");
     device->bbox = page;
-    device->width = width;
-    device->height = height;
+    device->width = static_cast<unsigned int>(pageSize.width);
+    device->height = static_cast<unsigned int>(pageSize.height);
     device->flags |= WMF_SVG_INLINE_IMAGES;
+    PlayProgress status(progress);
+    wmf_status_function(api.get(), &status, &PlayProgress::report);
     const wmf_error_t played = wmf_play(api.get(), 0, &page);
     char* output = nullptr;
     unsigned long outputLength = 0;
     wmf_stream_destroy(api.get(), device->out, &output, &outputLength);
     device->out = nullptr;
+    status.rethrow();
     check(played, "playing");
     if (output == nullptr || outputLength == 0) throw PictureRefusal("WMF: nothing was drawn");
     // Copied out before the API, which owns the buffer, is destroyed.
-    return {std::string(output, outputLength), static_cast<int>(width), static_cast<int>(height)};
+    WmfDrawing drawing{std::string(output, outputLength),
+                       static_cast<int>(pageSize.width),
+                       static_cast<int>(pageSize.height),
+                       {}};
+    if (pageSize.scaledDown)
+        drawing.note = "WMF: " + scaledDownNote(width, height, pageSize, limits);
+    return drawing;
 }
 
 } // namespace lumiran

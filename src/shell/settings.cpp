@@ -13,6 +13,8 @@ namespace {
 
 const std::string SettingsSection = "Settings";
 const std::string HistorySection = "History";
+// Keys of this program's own, kept apart from the ones it has always had.
+const std::string LimitsSection = "Limits";
 
 // A value that does not convert; turned into a SettingsProblem by the reader.
 struct ConversionFailure {};
@@ -65,6 +67,13 @@ class Reader {
             if (t == "True" || t == "true" || t == "TRUE") return true;
             if (t == "False" || t == "false" || t == "FALSE") return false;
             return parseNumber(t) != 0;
+        });
+    }
+    std::int64_t pixelLimit(const std::string& key, std::int64_t fallback) {
+        return read(LimitsSection, key, fallback, [](const std::string& t) {
+            const std::int64_t pixels = parsePixelLimit(t);
+            if (pixels == 0) throw ConversionFailure{};
+            return pixels;
         });
     }
     std::string text(const std::string& section, const std::string& key) {
@@ -125,6 +134,7 @@ SettingsReadResult readSettings(const KeyValueStore& store, ScreenSize screen) {
     s.CalculationFlag = in.byte("CalculationFlag", 0);
     s.RasterOpFlag = in.byte("RasterOpFlag", 0);
     s.LoadingAmountLimitation = in.byte("LoadingAmountLimitation", 0);
+    s.MaxLoadPixels = in.pixelLimit("MaxLoadPixels", s.MaxLoadPixels);
 
     if (!result.problems.empty()) {
         const auto problems = std::move(result.problems);
@@ -162,6 +172,7 @@ void writeSettings(KeyValueStore& store, const Settings& s) {
     put("MaxUndoCount", decimal(s.MaxUndoCount));
     put("Font Size", decimal(s.FontSize));
     put("Vasion", "0.49");
+    store.set(LimitsSection, "MaxLoadPixels", std::to_string(s.MaxLoadPixels));
 }
 
 } // namespace lumiran

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/pixel.h"
+#include "imagefiles/load_limits.h"
 #include "shell/key_value_store.h"
 #include "shell/load_history.h"
 
@@ -33,6 +34,8 @@ struct Settings {
     std::uint8_t CalculationFlag = 0;
     std::uint8_t RasterOpFlag = 0;
     std::uint8_t LoadingAmountLimitation = 0;
+    // The most pixels a picture read may have; kept across starts.
+    std::int64_t MaxLoadPixels = LoadLimits::DefaultMaxPixels;
 
     [[nodiscard]] bool firstStart() const { return Vasion == 0; }
 };

@@ -13,6 +13,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -36,10 +37,10 @@ struct CliTest : ::testing::Test {
     }
     void TearDown() override { fs::remove_all(dir); }
 
-    int run(std::vector<std::string> args) {
+    int run(std::vector<std::string> args, const std::atomic<int>* interrupted = nullptr) {
         out.str("");
         err.str("");
-        return cli::runCli(args, out, err, decoder);
+        return cli::runCli(args, out, err, decoder, interrupted);
     }
     std::string path(const char* name) const { return (dir / name).string(); }
     std::string writeInput(const char* name, const Surface& s) const {
@@ -130,6 +131,38 @@ TEST_F(CliTest, UsageErrorsExitTwoWithOneLineAndWriteNothing) {
         EXPECT_EQ(message.find('\n'), message.size() - 1) << message;
         EXPECT_FALSE(fs::exists(output));
     }
+}
+
+TEST_F(CliTest, MaxPixelsBoundsWhatIsRead) {
+    const std::string input = writeInput("in.bmp", testing::makeVariedPicture(40, 30));
+    const std::string output = path("out.bmp");
+    EXPECT_EQ(run({"convert", input, "-o", output, "--max-pixels", "40x30"}), cli::ExitOk);
+    fs::remove(output);
+    EXPECT_EQ(run({"convert", input, "-o", output, "--max-pixels", "1199"}), cli::ExitUsage);
+    EXPECT_NE(err.str().find("40x30 is 1200 pixels, above the limit of 1199 pixels"),
+              std::string::npos)
+        << err.str();
+    EXPECT_EQ(run({"convert", input, "-o", output, "--max-pixels", "big"}), cli::ExitUsage);
+    EXPECT_NE(err.str().find("--max-pixels: 'big'"), std::string::npos) << err.str();
+    EXPECT_FALSE(fs::exists(output));
+}
+
+// Ctrl+C during a load: the run stops at the load's next step, writes
+// nothing and exits as the shell counts an interrupt.
+TEST_F(CliTest, AnInterruptStopsTheLoadAndWritesNothing) {
+    const std::string input = writeInput("in.bmp", testing::makeVariedPicture(5, 4));
+    const std::string second = writeInput("second.bmp", testing::makeVariedPicture(4, 5));
+    const std::atomic<int> interrupted{1};
+    fs::create_directories(path("out"));
+    for (const auto& args : std::vector<std::vector<std::string>>{
+             {"convert", input, "-o", path("out.bmp")},
+             {"apply", "--effect", "Monotone", input, second, "--out-dir", path("out")}}) {
+        EXPECT_EQ(run(args, &interrupted), cli::ExitInterrupted);
+        EXPECT_EQ(err.str(), "lumiran-cli: interrupted\n");
+        EXPECT_EQ(out.str(), "");
+    }
+    EXPECT_FALSE(fs::exists(path("out.bmp")));
+    EXPECT_TRUE(fs::is_empty(path("out")));
 }
 
 TEST_F(CliTest, RefusalsNameWhatIsMissingOrAllowed) {

@@ -363,7 +363,6 @@ TEST_F(QtPictureDecoderTest, RefusesBrokenMetafiles) {
     expectRefused("long-record.wmf", patched(wmf, {{22 + 18, 0xFF}})); // a record of 255 words
     expectRefused("garbage.wmf", Bytes(200, 0xA5));
     expectRefused("inverted.emf", enhancedMetafile({39, 0, 0, 29}, {10, 5, 30, 25}));
-    expectRefused("huge.emf", enhancedMetafile({0, 0, 39999, 29}, {10, 5, 30, 25}));
     expectRefused("odd-record.emf", patched(emf, {{88 + 4, 18}})); // a size not a multiple of 4
     // The end-of-file record becomes an unknown one.
     expectRefused("no-end.emf", patched(emf, {{emf.size() - 20, 0x46}}));
@@ -372,6 +371,82 @@ TEST_F(QtPictureDecoderTest, RefusesBrokenMetafiles) {
     // which must not crash either.
     write("bare.wmf", Bytes(wmf.begin() + 22, wmf.end()));
     expectLoadsOrRefused("bare.wmf");
+}
+
+// A frame above the limits is drawn whole on a page scaled down to them.
+TEST_F(QtPictureDecoderTest, ScalesMetafilesDownToTheLimits) {
+    write("plain.wmf", goodWindowsMetafile);
+    write("origin.emf", goodEnhancedMetafile);
+    write("wide.emf", enhancedMetafile({0, 0, 39999, 29}, {10, 5, 30, 25}));
+    LoadLimits limits;
+    limits.maxPixels = 20 * 15;
+    for (const char* name : {"plain.wmf", "origin.emf"}) {
+        SCOPED_TRACE(name);
+        const Surface picture =
+            decoder.LoadPicture(dir / name, FileExtension(name), nullptr, limits);
+        ASSERT_EQ(picture.width(), 20);
+        ASSERT_EQ(picture.height(), 15);
+        // The 40x30 page's rectangle (10,5)-(29,24) at half the size.
+        EXPECT_TRUE(nearColour(picture.at(10, 7), fill, 0));
+        EXPECT_TRUE(nearColour(picture.at(3, 7), palette[1], 0));
+        EXPECT_TRUE(nearColour(picture.at(17, 7), palette[1], 0));
+    }
+    // Wider than a picture may be: scaled to the widest one.
+    const Surface wide = decoder.LoadPicture(dir / "wide.emf", "emf", nullptr, LoadLimits{});
+    EXPECT_EQ(wide.width(), LoadLimits::MaxDimension);
+    EXPECT_EQ(wide.height(), 24);
+}
+
+// Bitmaps inside metafile records are checked before the library reads
+// them; a whole one still draws.
+TEST_F(QtPictureDecoderTest, ChecksTheBitmapsInsideMetafileRecords) {
+    // An 8x8 one-bit pattern of black and our fill colour, as 16-bit words.
+    auto dibWords = [](std::int64_t infoSize, std::int64_t width, std::int64_t height,
+                       std::int64_t bits, std::int64_t compression, std::size_t pixelWords) {
+        Bytes dib;
+        put(dib, 4, {infoSize, width, height});
+        put(dib, 2, {1, bits});
+        put(dib, 4, {compression, static_cast<std::int64_t>(pixelWords * 2), 0, 0, 2, 0});
+        put(dib, 4, {0, fillRef});
+        for (std::size_t i = 0; i < pixelWords; ++i)
+            put(dib, 2, {i % 2 == 0 ? 0x5555 : 0});
+        std::vector<std::int64_t> words{5, 0}; // BS_DIBPATTERN, RGB colours
+        for (std::size_t i = 0; i + 1 < dib.size(); i += 2)
+            words.push_back(dib[i] | dib[i + 1] << 8);
+        return words;
+    };
+    auto brushFile = [&](std::vector<std::int64_t> brush) {
+        return placeableFile(plainFrame,
+                             {{0x0142, std::move(brush)},
+                              {0x012D, {0}},
+                              {0x02FA, {5, 0, 0, 0, 0}},
+                              {0x012D, {1}},
+                              {0x041B, {375, 450, 75, 150}}},
+                             2);
+    };
+    write("pattern.wmf", brushFile(dibWords(40, 8, 8, 1, 0, 16)));
+    const Surface picture = load("pattern.wmf");
+    ASSERT_EQ(picture.width(), 40);
+    EXPECT_FALSE(nearColour(picture.at(20, 15), palette[1], 0)) << "the pattern was not drawn";
+
+    struct Case {
+        const char* name;
+        std::vector<std::int64_t> brush;
+        const char* reason;
+    };
+    const std::vector<Case> cases = {
+        {"no-header.wmf", {5, 0, 0, 0, 0}, "bitmap header is cut short"},
+        {"odd-header.wmf", dibWords(20, 8, 8, 1, 0, 16), "unknown size 20"},
+        {"short-pixels.wmf", dibWords(40, 8, 8, 1, 0, 8), "run past the end"},
+        {"wide.wmf", dibWords(40, 40000, 8, 1, 0, 16), "impossible size 40000x8"},
+        {"no-width.wmf", dibWords(40, 0, 8, 1, 0, 16), "impossible size 0x8"},
+        {"bits-3.wmf", dibWords(40, 8, 8, 3, 0, 16), "3 bits a pixel"},
+        {"rle-on-1-bit.wmf", dibWords(40, 8, 8, 1, 1, 16), "unknown compression 1"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        expectRefused(c.name, brushFile(c.brush), c.reason);
+    }
 }
 
 TEST_F(QtPictureDecoderTest, SurvivesDamagedMetafiles) {

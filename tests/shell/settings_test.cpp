@@ -35,6 +35,7 @@ TEST(Settings, RoundTripKeepsAllButTheFourRenamedKeys) {
     s.OpenFolder = "/p";
     s.AutoPreview = 0;
     s.MaxUndoCount = 9;
+    s.MaxLoadPixels = 4096 * 2048;
     s.backColor = {1, 2, 3};
     s.drawingColor = {4, 5, 6};
     s.FontSize = 12;
@@ -56,6 +57,7 @@ TEST(Settings, RoundTripKeepsAllButTheFourRenamedKeys) {
     EXPECT_EQ(back.OpenFolder, "/p");
     EXPECT_EQ(back.AutoPreview, 0);
     EXPECT_EQ(back.MaxUndoCount, 9);
+    EXPECT_EQ(back.MaxLoadPixels, 4096 * 2048);
     EXPECT_EQ(back.backColor, (Rgb8{1, 2, 3}));
     EXPECT_EQ(back.drawingColor, (Rgb8{4, 5, 6}));
     EXPECT_EQ(back.FontSize, 12);
@@ -73,7 +75,7 @@ TEST(Settings, ExitWritesInTheFixedOrder) {
     MemoryStore store;
     writeSettings(store, defaultSettings(Screen));
     const auto& order = store.writeOrder();
-    ASSERT_EQ(order.size(), 4u + 11u + 6u + 1u + 5u + 4u);
+    ASSERT_EQ(order.size(), 4u + 11u + 6u + 1u + 5u + 4u + 1u);
     EXPECT_EQ(order.front(), "MainLeft");
     EXPECT_EQ(order[4], "LoadImage1");
     EXPECT_EQ(order[14], "OpenFolder");
@@ -81,7 +83,8 @@ TEST(Settings, ExitWritesInTheFixedOrder) {
     EXPECT_EQ(order[21], "ProcessBarType");
     EXPECT_EQ(order[22], "AutoFlag");
     EXPECT_EQ(order[26], "Language");
-    EXPECT_EQ(order.back(), "Vasion");
+    EXPECT_EQ(order[order.size() - 2], "Vasion");
+    EXPECT_EQ(order.back(), "MaxLoadPixels");
 }
 
 TEST(Settings, AnotherStoredVersionCountsAsAFirstStart) {

@@ -69,6 +69,7 @@ Settings unusualSettings() {
     s.AutoRegulation = 2;
     s.ProcessBarType = true;
     s.LoadingAmountLimitation = 4;
+    s.MaxLoadPixels = 1000 * 1000;
     s.FontSize = 11;
     s.AutoPreview = 0;
     s.backColor = {1, 2, 3};
@@ -83,6 +84,7 @@ void compareEdited(const Settings& actual, const Settings& expected) {
     QCOMPARE(actual.AutoRegulation, expected.AutoRegulation);
     QCOMPARE(actual.ProcessBarType, expected.ProcessBarType);
     QCOMPARE(actual.LoadingAmountLimitation, expected.LoadingAmountLimitation);
+    QCOMPARE(actual.MaxLoadPixels, expected.MaxLoadPixels);
     QCOMPARE(actual.FontSize, expected.FontSize);
     QCOMPARE(actual.AutoPreview, expected.AutoPreview);
     QVERIFY(actual.backColor == expected.backColor);
@@ -97,6 +99,7 @@ void editEveryTab(QDialog& dialog) {
     child<QComboBox>(dialog, "AutoRegulation").setCurrentIndex(3);
     child<QComboBox>(dialog, "ProcessBarType").setCurrentIndex(0);
     child<QSpinBox>(dialog, "LoadingAmountLimitation").setValue(255);
+    child<QSpinBox>(dialog, "MaxLoadSide").setValue(2000);
     child<QSpinBox>(dialog, "FontSize").setValue(72);
     child<QCheckBox>(dialog, "AutoPreview").setChecked(true);
     child<ColourChooser>(dialog, "BackColor").setColour({10, 20, 30});
@@ -146,6 +149,7 @@ class DialogsTest : public QObject {
         expected.AutoRegulation = 3;
         expected.ProcessBarType = false;
         expected.LoadingAmountLimitation = 255;
+        expected.MaxLoadPixels = 2000 * 2000;
         expected.FontSize = 72;
         expected.AutoPreview = 1;
         expected.backColor = {10, 20, 30};
@@ -172,11 +176,14 @@ class DialogsTest : public QObject {
         settings.RasterOpFlag = 200;
         settings.AutoRegulation = 7;
         settings.MaxUndoCount = 0;
+        settings.MaxLoadPixels = 1000 * 999; // no square: shown rounded, kept unless edited
         frm_Option dialog(settings);
+        QCOMPARE(child<QSpinBox>(dialog, "MaxLoadSide").value(), 999);
         QCOMPARE(child<QListWidget>(dialog, "CalculationList").currentRow(), -1);
         QCOMPARE(child<QSpinBox>(dialog, "LoadingAmountLimitation").text(),
                  child<QSpinBox>(dialog, "LoadingAmountLimitation").specialValueText());
         dialog.storeInto(settings);
+        QCOMPARE(settings.MaxLoadPixels, 1000 * 999);
         QCOMPARE(settings.CalculationFlag, 12);
         QCOMPARE(settings.RasterOpFlag, 200);
         QCOMPARE(settings.AutoRegulation, 7);

@@ -25,6 +25,8 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QProcess>
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -212,6 +214,37 @@ class FrameTest : public QObject {
         QCOMPARE(frame.DocumentCount(), 1);
         QCOMPARE(answerer.titles.size(), 1);
         QVERIFY(answerer.titles[0].startsWith(res(ids::ErrorTitle)));
+        QCOMPARE(doc->document().picture.width(), 9);
+    }
+
+    // A long load offers a cancel; cancelling closes only the document it
+    // was opening, with no error. The 27-byte PPM declares 100 M pixels,
+    // which take seconds to fill.
+    void aCancelledLoadLeavesTheOtherDocumentsAsTheyWere() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        MessageBoxAnswerer answerer(QMessageBox::Ok);
+        FrmDocument* doc = frame.openFile(writePicture("kept.bmp", gradient(9, 9)));
+        QVERIFY(doc != nullptr);
+        QFile slow(dir_.filePath("slow.ppm"));
+        QVERIFY(slow.open(QIODevice::WriteOnly));
+        slow.write("P6\n9999 9999\n255\n");
+        slow.close();
+        bool offered = false;
+        QTimer canceller;
+        canceller.setInterval(20);
+        connect(&canceller, &QTimer::timeout, &frame, [&] {
+            auto* window = qobject_cast<QProgressDialog*>(QApplication::activeModalWidget());
+            if (window != nullptr && window->objectName() == "LoadProgress") {
+                offered = true;
+                if (auto* button = window->findChild<QPushButton*>()) button->click();
+            }
+        });
+        canceller.start();
+        QCOMPARE(frame.openFile(slow.fileName()), nullptr);
+        QVERIFY(offered);
+        QCOMPARE(frame.DocumentCount(), 1);
+        QVERIFY(answerer.titles.isEmpty());
         QCOMPARE(doc->document().picture.width(), 9);
     }
 

@@ -13,8 +13,10 @@ class ModuleDecoder : public lumiran::PlatformDecoder {
     explicit ModuleDecoder(char* program) : arguments_{program, nullptr} {}
 
     [[nodiscard]] lumiran::Surface LoadPicture(const std::filesystem::path& path,
-                                               const std::string& extension) override {
-        return decoder_.LoadPicture(path, extension);
+                                               const std::string& extension,
+                                               lumiran::ProgressSink* progress,
+                                               const lumiran::LoadLimits& limits) override {
+        return decoder_.LoadPicture(path, extension, progress, limits);
     }
 
   private:

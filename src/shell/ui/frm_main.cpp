@@ -41,6 +41,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
+#include <QProgressDialog>
 #include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
@@ -50,6 +51,7 @@
 #include <QUrl>
 #include <QtMath>
 #include <algorithm>
+#include <atomic>
 #include <exception>
 #include <functional>
 #include <thread>
@@ -85,36 +87,37 @@ QStringList folderPattern() {
             "*.pcx", "*.ppm", "*.tga", "*.jpg", "*.gif", "*.pcd"};
 }
 
-// Hands the decoder a progress sink for the length of one load.
-class DecoderProgress {
-  public:
-    DecoderProgress(QtPictureDecoder& decoder, ProgressSink& sink) : decoder_(decoder) {
-        decoder_.setProgress(&sink);
-    }
-    ~DecoderProgress() { decoder_.setProgress(nullptr); }
-    DecoderProgress(const DecoderProgress&) = delete;
-    DecoderProgress& operator=(const DecoderProgress&) = delete;
-
-  private:
-    QtPictureDecoder& decoder_;
-};
-
 // Shows the load percentage in a document's progress entry; the reader runs
-// on a worker thread, the entry lives on the GUI thread.
+// on a worker thread, the entry lives on the GUI thread. A cancel asked for
+// on the GUI thread stops the reader at its next percentage.
 class MenuProgressSink : public ProgressSink {
   public:
     explicit MenuProgressSink(QAction* item) : item_(item) {}
     void showPercent(int percent) override {
+        throwIfStopped();
         if (percent == shown_) return;
         shown_ = percent;
+        latest_.store(percent);
         QMetaObject::invokeMethod(
             item_, [item = item_, percent] { item->setText(qs(loadProgressCaption(percent))); },
             Qt::QueuedConnection);
     }
+    void showNote(const std::string& note) override { note_ = note; }
+
+    void requestStop() { stop_.store(true); }
+    void throwIfStopped() const {
+        if (stop_.load()) throw LoadCancelled();
+    }
+    [[nodiscard]] int latestPercent() const { return latest_.load(); }
+    // Read once the worker has ended.
+    [[nodiscard]] const std::string& note() const { return note_; }
 
   private:
     QAction* item_;
     int shown_ = -1;
+    std::atomic<int> latest_{0};
+    std::atomic<bool> stop_{false};
+    std::string note_;
 };
 
 // What a load hands back: the picture, its copy for FinalLoadImage and its
@@ -124,29 +127,68 @@ struct LoadedPicture {
     Surface finalLoadCopy;
     QImage shown;
     std::exception_ptr failure;
+    std::string note;
 };
 
+// A load that takes longer than this offers its percentage and a cancel in
+// a window of its own.
+constexpr int longLoadMilliseconds = 1000;
+
 // Reads the file on a worker thread while the GUI thread repaints; input
-// waits until the load is done, as it always has.
-LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, QAction* progressItem) {
+// waits until the load is done, as it always has. A long load shows a
+// modal progress window whose cancel stops it.
+LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, const LoadLimits& limits,
+                           QAction* progressItem, QWidget* owner) {
     LoadedPicture loaded;
     MenuProgressSink sink(progressItem);
-    const DecoderProgress decoderProgress(decoder, sink);
+    std::atomic<bool> finished{false};
     QEventLoop wait;
     std::thread worker([&] {
         try {
-            loaded.picture = LoadImageFile(path.toStdString(), &decoder, &sink);
+            loaded.picture = LoadImageFile(path.toStdString(), &decoder, &sink, limits);
+            // Steps after the last percentage (making the picture, drawing a
+            // metafile) have no cancel point: a cancel during them still counts.
+            sink.throwIfStopped();
             if (loaded.picture) {
                 loaded.finalLoadCopy = *loaded.picture;
                 loaded.shown = toQImage(*loaded.picture);
             }
+            sink.throwIfStopped();
         } catch (...) {
             loaded.failure = std::current_exception();
         }
-        QMetaObject::invokeMethod(&wait, &QEventLoop::quit, Qt::QueuedConnection);
+        finished.store(true);
+        QMetaObject::invokeMethod(
+            &wait, [&wait] { wait.exit(0); }, Qt::QueuedConnection);
     });
-    wait.exec(QEventLoop::ExcludeUserInputEvents);
+    QTimer::singleShot(longLoadMilliseconds, &wait, [&wait] { wait.exit(1); });
+    if (wait.exec(QEventLoop::ExcludeUserInputEvents) == 1 && !finished.load()) {
+        // Made with Qt's own, translated, cancel button.
+        QProgressDialog window(owner);
+        window.setRange(0, 100);
+        window.setLabelText(qs(loadProgressCaption(sink.latestPercent())));
+        window.setObjectName("LoadProgress");
+        window.setWindowModality(Qt::ApplicationModal);
+        window.setMinimumDuration(0);
+        window.setAutoReset(false);
+        window.setAutoClose(false);
+        QObject::connect(&window, &QProgressDialog::canceled, &wait,
+                         [&sink] { sink.requestStop(); });
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, &wait, [&] {
+            if (finished.load()) {
+                wait.exit(0);
+                return;
+            }
+            window.setValue(sink.latestPercent());
+            window.setLabelText(qs(loadProgressCaption(sink.latestPercent())));
+        });
+        poll.start(100);
+        window.show();
+        wait.exec();
+    }
     worker.join();
+    loaded.note = sink.note();
     return loaded;
 }
 
@@ -758,6 +800,14 @@ void FrmMain::placeNewDocument(FrmDocument& doc) {
     sub->setGeometry(QRect(nextWindowPlace(size, sub), size));
 }
 
+LoadLimits FrmMain::loadLimits() const {
+    LoadLimits limits;
+    limits.maxPixels = settings_.MaxLoadPixels;
+    // A run keeps kept pictures 0 and 1 and up to MaxUndoCount - 1 undo levels.
+    limits.keptCopies = 2 + std::max(0, static_cast<int>(state_.undo.maxUndoCount()) - 1);
+    return limits;
+}
+
 FrmDocument* FrmMain::openFile(const QString& path) {
     if (path.isEmpty() || busy() || !CheckWindowLimit()) return nullptr;
     FrmDocument* doc = makeDocument();
@@ -765,7 +815,7 @@ FrmDocument* FrmMain::openFile(const QString& path) {
     // The new document's progress entry stands in the menu bar while it loads.
     menuBar()->addAction(doc->progressItem());
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    LoadedPicture loaded = loadOnWorker(path, decoder_, doc->progressItem());
+    LoadedPicture loaded = loadOnWorker(path, decoder_, loadLimits(), doc->progressItem(), this);
     QApplication::restoreOverrideCursor();
     QCoreApplication::sendPostedEvents(doc->progressItem());
     doc->progressItem()->setText(QString());
@@ -773,6 +823,11 @@ FrmDocument* FrmMain::openFile(const QString& path) {
         std::optional<ImageLoadError> failure;
         try {
             std::rethrow_exception(loaded.failure);
+        } catch (const LoadCancelled&) {
+            // The user stopped it: nothing to report, nothing else changes.
+            doc->closeWindow();
+            refreshMenus();
+            return nullptr;
         } catch (const ImageLoadError& error) {
             failure = error;
         } catch (const std::bad_alloc&) {
@@ -801,6 +856,7 @@ FrmDocument* FrmMain::openFile(const QString& path) {
     finalLoadFolder_ = doc->document().folderLabel;
     finalLoadName_ = doc->document().nameLabel;
     imageLoaded_ = true;
+    if (!loaded.note.empty()) messagePanel_->setText(qs(loaded.note));
     placeNewDocument(*doc);
     ApplyRegulation();
     settings_.history.add(path.toStdString());

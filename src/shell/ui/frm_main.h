@@ -147,6 +147,9 @@ class FrmMain : public QMainWindow {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    // The limits a load is checked against: the options' pixel limit and
+    // the copies a run keeps with the current undo levels.
+    [[nodiscard]] LoadLimits loadLimits() const;
     void readSettings();
     void writeSettings();
     void buildFrameMenus();

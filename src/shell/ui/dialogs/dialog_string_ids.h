@@ -21,6 +21,7 @@ constexpr int FontSize = 5225;
 constexpr int AutoPreview = 5227;
 constexpr int ChangeColor = 5229;
 constexpr int RasterPlainCopy = 5231;
+constexpr int MaxLoadSide = 5307;
 
 // frm_Create.
 constexpr int CreateTitle = 5233;

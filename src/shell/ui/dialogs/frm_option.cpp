@@ -18,7 +18,9 @@
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <iterator>
 
 namespace lumiran {
@@ -142,8 +144,16 @@ QWidget* frm_Option::makeLoadingTab(const Settings& settings) {
     LoadingAmountLimitation->setRange(0, 255);
     LoadingAmountLimitation->setSpecialValueText(res(dialog_ids::NoLimit)); // shown for 0
     LoadingAmountLimitation->setValue(settings.LoadingAmountLimitation);
+    MaxLoadSide = new QSpinBox;
+    MaxLoadSide->setObjectName("MaxLoadSide");
+    MaxLoadSide->setRange(1, LoadLimits::MaxDimension);
+    shownLoadSide_ = static_cast<int>(
+        std::min<double>(LoadLimits::MaxDimension,
+                         std::round(std::sqrt(static_cast<double>(settings.MaxLoadPixels)))));
+    MaxLoadSide->setValue(shownLoadSide_);
     auto* form = new QFormLayout(tab);
     form->addRow(res(dialog_ids::LoadingLimit), LoadingAmountLimitation);
+    form->addRow(res(dialog_ids::MaxLoadSide), MaxLoadSide);
     return tab;
 }
 
@@ -181,6 +191,9 @@ void frm_Option::storeInto(Settings& settings) const {
     settings.AutoRegulation = rowOr(AutoRegulation->currentIndex(), settings.AutoRegulation);
     settings.ProcessBarType = ProcessBarType->currentIndex() == 1;
     settings.LoadingAmountLimitation = static_cast<std::uint8_t>(LoadingAmountLimitation->value());
+    if (MaxLoadSide->value() != shownLoadSide_) {
+        settings.MaxLoadPixels = std::int64_t{MaxLoadSide->value()} * MaxLoadSide->value();
+    }
     settings.FontSize = static_cast<std::uint8_t>(FontSize->value());
     settings.AutoPreview = AutoPreview->isChecked() ? 1 : 0;
     settings.backColor = BackColor->colour();

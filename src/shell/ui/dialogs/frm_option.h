@@ -41,6 +41,10 @@ class frm_Option : public QDialog {
     QComboBox* AutoRegulation = nullptr;
     QComboBox* ProcessBarType = nullptr;
     QSpinBox* LoadingAmountLimitation = nullptr;
+    // The pixel limit as the side of a square; the setting is kept as it
+    // was unless this is changed.
+    QSpinBox* MaxLoadSide = nullptr;
+    int shownLoadSide_ = 0;
     QSpinBox* FontSize = nullptr;
     QCheckBox* AutoPreview = nullptr;
     ColourChooser* BackColor = nullptr;

@@ -114,4 +114,14 @@ constexpr int SaveTooManyColours = 5151;
 constexpr int SaveEmptyPicture = 5153;
 constexpr int SaveCannotWrite = 5155;
 
+// The composition menu's own rows.
+constexpr int ComposeKeep = 5271;
+constexpr int ComposeKept = 5273;
+constexpr int ComposeKeepTitle = 5275;
+constexpr int ComposeDiscard = 5277;
+constexpr int ComposeDiscarded = 5279;
+constexpr int ComposeDiscardTitle = 5281;
+constexpr int ComposeExport = 5283;
+constexpr int ComposeExportName = 5285;
+
 } // namespace lumiran::ids

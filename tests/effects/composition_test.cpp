@@ -74,8 +74,9 @@ TEST_F(Composition, OnlyTheSharedTopLeftAreaChanges) {
         for (int y = 0; y < document.height(); ++y) {
             for (int x = 0; x < document.width(); ++x) {
                 const bool inside = x < 4 && y < 3;
-                if (!inside)
+                if (!inside) {
                     EXPECT_EQ(result.at(x, y), document.at(x, y)) << name << " " << x << "," << y;
+                }
                 changedInside += inside && result.at(x, y) != document.at(x, y);
             }
         }
@@ -150,7 +151,9 @@ TEST_F(Composition, ChannelRules) {
     for (const ChannelCase& c : cases) {
         const Pixel result = one(makePixel(c.document, 9, 9), makePixel(c.kept, 33, 33), c.call);
         EXPECT_EQ(redOf(result), c.expected) << c.what;
-        if (c.redAlone) EXPECT_EQ(greenOf(result), 9) << c.what;
+        if (c.redAlone) {
+            EXPECT_EQ(greenOf(result), 9) << c.what;
+        }
     }
 }
 
@@ -173,8 +176,8 @@ TEST_F(Composition, ExchangeBandExcludesBothLimits) {
     };
     for (const auto& [grey, swapped] :
          {std::pair{64, false}, {65, true}, {191, true}, {192, false}}) {
-        const Pixel kept = makePixel(1, 2, 3);
-        EXPECT_EQ(one(makePixel(grey, grey, grey), kept, exchange(0)) == kept, swapped) << grey;
+        const Pixel swap = makePixel(1, 2, 3);
+        EXPECT_EQ(one(makePixel(grey, grey, grey), swap, exchange(0)) == swap, swapped) << grey;
     }
     // Type 1 tests and swaps each channel by itself.
     EXPECT_EQ(one(makePixel(64, 100, 192), makePixel(1, 2, 3), exchange(1)), makePixel(64, 2, 192));

@@ -75,15 +75,46 @@ class Class_Composition : public PixelFrame {
 
   private:
     [[nodiscard]] const Surface& keptImage();
-    // The per-pixel frame of the merges: rule(r, g, b, kept pixel) over the
-    // shared area, in place.
-    template <ResultTail Tail = ResultTail::Clamp, typename Rule>
-    void mergePixels(const ProcessRect& area, Rule rule) {
+    // The per-pixel frame of the merges: rule(r, g, b, r1, g1, b1) gives
+    // the result fields of the document's pixel against the kept image's at
+    // the same place, over the shared area, in place, then the shared tail.
+    // Rules are chosen per mode outside the loop and kept free of branches
+    // and of checked conversions, so the rows vectorise.
+    template <typename Rule>
+    void mergeRows(const ProcessRect& area, const Rule& rule) {
+        SetProgressRange(area.top, area.bottom);
         const Surface& kept = keptImage();
-        mapPixels<Tail>(area, [&kept, rule](int x, int y, int& r, int& g, int& b) {
-            return rule(r, g, b, kept.at(x, y));
+        const bool blend = calculationFlag() > 0;
+        forEachRow(area, [&](int y, int first, int end) {
+            Pixel* row = ImageBits.row(y).data();
+            const Pixel* keptRow = kept.row(y).data();
+            if (blend) {
+                mergeRow<true>(row, keptRow, first, end, rule);
+            } else {
+                mergeRow<false>(row, keptRow, first, end, rule);
+            }
         });
     }
+
+    template <bool Blend, typename Rule>
+    [[gnu::flatten]] void mergeRow(Pixel* __restrict row, const Pixel* __restrict keptRow,
+                                   int first, int end, const Rule& shared) const {
+        // A copy of its own: the stores to the row cannot reach it, so its
+        // values stay in registers and the loop vectorises.
+        const Rule rule = shared;
+        for (int x = first; x < end; ++x) {
+            const Pixel d = row[x];
+            const Pixel k = keptRow[x];
+            const int r = redOf(d), g = greenOf(d), b = blueOf(d);
+            const Rgb16 v = endPixel<ResultTail::Clamp, Blend>(
+                r, g, b, rule(r, g, b, redOf(k), greenOf(k), blueOf(k)));
+            row[x] = withColour(d, v.red, v.green, v.blue);
+        }
+    }
+
+    // A channel rule op(c, c1) -> int over the channels of a selector row.
+    template <typename ChannelRule>
+    void mergeSelected(const ProcessRect& area, int selector, const ChannelRule& op);
     // The process rectangle cut to the area the document and the kept image
     // share.
     [[nodiscard]] ProcessRect sharedArea(std::int16_t left, std::int16_t top, std::int16_t right,

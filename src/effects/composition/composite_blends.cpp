@@ -7,8 +7,7 @@
 
 namespace lumiran {
 
-using composition::limitChannel;
-using composition::SelectedChannels;
+using composition::rgb16;
 
 const Surface& Class_Composition::keptImage() {
     static const Surface none;
@@ -29,16 +28,63 @@ ProcessRect Class_Composition::sharedArea(std::int16_t left, std::int16_t top, s
     return area;
 }
 
+template <typename ChannelRule>
+void Class_Composition::mergeSelected(const ProcessRect& area, int selector,
+                                      const ChannelRule& op) {
+    if (selector == BrightnessSelector) {
+        mergeRows(area, composition::BrightnessChannels<ChannelRule>{op});
+        return;
+    }
+    using composition::MaskedChannels;
+    switch (selectedChannels(selector)) {
+    case AllChannels:
+        mergeRows(area, MaskedChannels<ChannelRule, true, true, true>{op});
+        break;
+    case Red:
+        mergeRows(area, MaskedChannels<ChannelRule, true, false, false>{op});
+        break;
+    case Green:
+        mergeRows(area, MaskedChannels<ChannelRule, false, true, false>{op});
+        break;
+    case Blue:
+        mergeRows(area, MaskedChannels<ChannelRule, false, false, true>{op});
+        break;
+    case Red | Green:
+        mergeRows(area, MaskedChannels<ChannelRule, true, true, false>{op});
+        break;
+    case Green | Blue:
+        mergeRows(area, MaskedChannels<ChannelRule, false, true, true>{op});
+        break;
+    case Red | Blue:
+        mergeRows(area, MaskedChannels<ChannelRule, true, false, true>{op});
+        break;
+    default:
+        // A row beyond the list selects nothing: the pixels only pass the tail.
+        mergeRows(area, MaskedChannels<ChannelRule, false, false, false>{op});
+        break;
+    }
+}
+
 void Class_Composition::Composite_Mean(std::int16_t weight, std::uint8_t type, std::int16_t left,
                                        std::int16_t top, std::int16_t right, std::int16_t bottom) {
     guarded([&] {
+        const ProcessRect area = sharedArea(left, top, right, bottom);
+        if (weight >= 0 && weight <= 10) {
+            // The same rounding in integers: the sum is not negative, and a
+            // remainder of 5 is the tie.
+            const int w = weight;
+            mergeSelected(area, type, [w](int c, int c1) {
+                const int sum = w * c1 + (10 - w) * c;
+                const int q = sum / 10, rem = sum % 10;
+                return q + (rem > 5 || (rem == 5 && (q & 1) != 0) ? 1 : 0);
+            });
+            return;
+        }
+        // Any other 16-bit weight keeps the mean well inside an int.
         const double w = weight;
-        auto mean = [w](int c, int c1) {
-            return roundTo<std::int16_t>((w * c1 + (10 - w) * c) / 10);
-        };
-        mergePixels(sharedArea(left, top, right, bottom),
-                    [rule = SelectedChannels<decltype(mean)>{mean, type}](
-                        int r, int g, int b, Pixel kept) { return rule(r, g, b, kept); });
+        mergeSelected(area, type, [w](int c, int c1) {
+            return roundInRange<int>((w * c1 + (10 - w) * c) / 10);
+        });
     });
 }
 
@@ -46,24 +92,27 @@ void Class_Composition::Composite_Addition(std::uint8_t mode, std::uint8_t type,
                                            std::int16_t top, std::int16_t right,
                                            std::int16_t bottom) {
     guarded([&] {
-        auto add = [mode](int c, int c1) -> int {
-            switch (mode) {
-            case 0:
-                return c + c1;
-            case 1:
-                return std::abs(roundTo<std::int16_t>(255 - wrap16((c1 - c) * (c1 - c)) / 2.0));
-            case 2: {
-                if (c == c1) return 255;
+        const ProcessRect area = sharedArea(left, top, right, bottom);
+        switch (mode) {
+        case 0:
+            mergeSelected(area, type, [](int c, int c1) { return c + c1; });
+            break;
+        case 1:
+            // The square is kept in 16 bits and wraps.
+            mergeSelected(area, type, [](int c, int c1) {
+                return std::abs(roundInRange<int>(255 - wrap16((c1 - c) * (c1 - c)) / 2.0));
+            });
+            break;
+        case 2:
+            mergeSelected(area, type, [](int c, int c1) {
                 const double d = c - c1;
-                return roundTo<std::int16_t>((c + c1) / 2.0 - d * d / 20);
-            }
-            default:
-                return c;
-            }
-        };
-        mergePixels(sharedArea(left, top, right, bottom),
-                    [rule = SelectedChannels<decltype(add)>{add, type}](
-                        int r, int g, int b, Pixel kept) { return rule(r, g, b, kept); });
+                const int mixed = roundInRange<int>((c + c1) / 2.0 - d * d / 20);
+                return c == c1 ? 255 : mixed;
+            });
+            break;
+        default:
+            break;
+        }
     });
 }
 
@@ -71,28 +120,27 @@ void Class_Composition::Composite_Subtraction(std::uint8_t mode, std::uint8_t ty
                                               std::int16_t left, std::int16_t top,
                                               std::int16_t right, std::int16_t bottom) {
     guarded([&] {
-        auto subtract = [mode](int c, int c1) -> int {
-            switch (mode) {
-            case 0:
-                return c - c1;
-            case 1:
-            case 2:
-            case 3:
-            case 4:
-                return wrap16(std::abs(c - c1) * mode);
-            case 5:
-                // A product kept within the channel's range, as a multiply
-                // blend: white leaves the other picture as it is.
-                return roundInRange<int>(c * c1 / 255.0);
-            case 6:
-                return roundInRange<int>(static_cast<double>(c) / (c1 == 0 ? 1 : c1));
-            default:
-                return c;
-            }
-        };
-        mergePixels(sharedArea(left, top, right, bottom),
-                    [rule = SelectedChannels<decltype(subtract)>{subtract, type}](
-                        int r, int g, int b, Pixel kept) { return rule(r, g, b, kept); });
+        const ProcessRect area = sharedArea(left, top, right, bottom);
+        if (mode == 0) {
+            mergeSelected(area, type, [](int c, int c1) { return c - c1; });
+        } else if (mode <= 4) {
+            const int factor = mode;
+            mergeSelected(area, type,
+                          [factor](int c, int c1) { return wrap16(std::abs(c - c1) * factor); });
+        } else if (mode == 5) {
+            // A product kept within the channel's range, as a multiply blend:
+            // white leaves the other picture as it is.
+            // round(c * c1 / 255) in integers: 255 is odd, so there is no tie.
+            mergeSelected(area, type, [](int c, int c1) {
+                const int product = c * c1;
+                const int q = product / 255;
+                return q + (2 * (product - q * 255) > 255 ? 1 : 0);
+            });
+        } else if (mode == 6) {
+            mergeSelected(area, type, [](int c, int c1) {
+                return roundInRange<int>(static_cast<double>(c) / std::max(c1, 1));
+            });
+        }
     });
 }
 
@@ -102,20 +150,17 @@ void Class_Composition::Composite_Exchange(std::uint8_t type, std::int16_t S2, s
     guarded([&] {
         const int low = S1, high = S2;
         auto inBand = [low, high](int v) { return low < v && v < high; };
-        mergePixels(sharedArea(left, top, right, bottom),
-                    [type, inBand](int r, int g, int b, Pixel kept) -> Rgb16 {
-                        const int r1 = redOf(kept), g1 = greenOf(kept), b1 = blueOf(kept);
-                        if (type == 0) {
-                            if (inBand((r + g + b) / 3))
-                                return {wrap16(r1), wrap16(g1), wrap16(b1)};
-                            return {wrap16(r), wrap16(g), wrap16(b)};
-                        }
-                        if (type == 1) {
-                            return {wrap16(inBand(r) ? r1 : r), wrap16(inBand(g) ? g1 : g),
-                                    wrap16(inBand(b) ? b1 : b)};
-                        }
-                        return {wrap16(r), wrap16(g), wrap16(b)};
-                    });
+        const ProcessRect area = sharedArea(left, top, right, bottom);
+        if (type == 0) {
+            mergeRows(area, [inBand](int r, int g, int b, int r1, int g1, int b1) {
+                const bool swap = inBand((r + g + b) / 3);
+                return rgb16(swap ? r1 : r, swap ? g1 : g, swap ? b1 : b);
+            });
+        } else if (type == 1) {
+            mergeRows(area, [inBand](int r, int g, int b, int r1, int g1, int b1) {
+                return rgb16(inBand(r) ? r1 : r, inBand(g) ? g1 : g, inBand(b) ? b1 : b);
+            });
+        }
     });
 }
 
@@ -124,49 +169,67 @@ void Class_Composition::Composite_Exchange2(std::uint8_t type, std::int16_t left
                                             std::int16_t red, std::int16_t green,
                                             std::int16_t blue) {
     guarded([&] {
-        mergePixels(sharedArea(left, top, right, bottom),
-                    [=](int r, int g, int b, Pixel kept) -> Rgb16 {
-                        const int r1 = redOf(kept), g1 = greenOf(kept), b1 = blueOf(kept);
-                        if (type == 0) {
-                            if ((r + g + b) / 3 == (r1 + g1 + b1) / 3) return {red, green, blue};
-                            return {wrap16(r), wrap16(g), wrap16(b)};
-                        }
-                        if (type == 1) {
-                            return {r == r1 ? red : wrap16(r), g == g1 ? green : wrap16(g),
-                                    b == b1 ? blue : wrap16(b)};
-                        }
-                        return {wrap16(r), wrap16(g), wrap16(b)};
-                    });
+        const int cr = red, cg = green, cb = blue;
+        const ProcessRect area = sharedArea(left, top, right, bottom);
+        if (type == 0) {
+            mergeRows(area, [=](int r, int g, int b, int r1, int g1, int b1) {
+                const bool same = (r + g + b) / 3 == (r1 + g1 + b1) / 3;
+                return rgb16(same ? cr : r, same ? cg : g, same ? cb : b);
+            });
+        } else if (type == 1) {
+            mergeRows(area, [=](int r, int g, int b, int r1, int g1, int b1) {
+                return rgb16(r == r1 ? cr : r, g == g1 ? cg : g, b == b1 ? cb : b);
+            });
+        }
     });
 }
+
+namespace {
+
+// The threshold of "合成　比較": the compare value stays, anything else
+// becomes coefficient minus value; then the bit operation of the mode.
+template <typename Combine>
+struct Compared {
+    int compare, coefficient;
+    Combine combine;
+
+    [[nodiscard]] int threshold(int v) const { return v == compare ? v : coefficient - v; }
+    [[nodiscard]] Rgb16 operator()(int r, int g, int b, int r1, int g1, int b1) const {
+        return rgb16(wrap16(combine(threshold(r), threshold(r1))),
+                     wrap16(combine(threshold(g), threshold(g1))),
+                     wrap16(combine(threshold(b), threshold(b1))));
+    }
+};
+
+template <typename Combine>
+Compared<Combine> compared(int compare, int coefficient, Combine combine) {
+    return {compare, coefficient, combine};
+}
+
+} // namespace
 
 void Class_Composition::Composite_Morphological(std::uint8_t mode, std::int16_t compare,
                                                 std::int16_t coefficient, std::int16_t left,
                                                 std::int16_t top, std::int16_t right,
                                                 std::int16_t bottom) {
     guarded([&] {
-        const int cmp = compare, coef = coefficient;
-        auto threshold = [cmp, coef](int v) { return v == cmp ? v : coef - v; };
-        auto combine = [mode, threshold](int c, int c1) -> std::int16_t {
-            const int a = threshold(c), k = threshold(c1);
-            switch (mode) {
-            case 0:
-                return wrap16(a & k);
-            case 1:
-                return wrap16(a | k);
-            case 2:
-                return wrap16(a ^ k);
-            case 3:
-                return wrap16(~(a ^ k));
-            default:
-                return wrap16(c);
-            }
-        };
-        mergePixels(sharedArea(left, top, right, bottom),
-                    [combine](int r, int g, int b, Pixel kept) -> Rgb16 {
-                        return {combine(r, redOf(kept)), combine(g, greenOf(kept)),
-                                combine(b, blueOf(kept))};
-                    });
+        const ProcessRect area = sharedArea(left, top, right, bottom);
+        switch (mode) {
+        case 0:
+            mergeRows(area, compared(compare, coefficient, [](int a, int k) { return a & k; }));
+            break;
+        case 1:
+            mergeRows(area, compared(compare, coefficient, [](int a, int k) { return a | k; }));
+            break;
+        case 2:
+            mergeRows(area, compared(compare, coefficient, [](int a, int k) { return a ^ k; }));
+            break;
+        case 3:
+            mergeRows(area, compared(compare, coefficient, [](int a, int k) { return ~(a ^ k); }));
+            break;
+        default:
+            break;
+        }
     });
 }
 

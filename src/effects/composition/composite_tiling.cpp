@@ -1,5 +1,5 @@
 // The kept image laid over the document as a whole picture: stretched,
-// tiled, or by a raster code, through the drawing calls. Each row is drawn
+// tiled, or by a raster code, through the drawing calls. Each row is laid
 // by itself so that progress and cancel work as in any row loop.
 #include "effects/composition/class_composition.h"
 #include "engine/drawing/blit.h"
@@ -14,7 +14,6 @@ enum class Layout : std::uint8_t { AsItIs = 0, Stretched = 1, Tiled = 2 };
 void layRow(Surface& target, const Surface& kept, const ProcessRect& rect, int y, Layout layout,
             RasterCode code) {
     const int width = rect.right - rect.left;
-    const int height = rect.bottom - rect.top;
     const int row = y - rect.top;
     switch (layout) {
     case Layout::AsItIs:
@@ -22,11 +21,8 @@ void layRow(Surface& target, const Surface& kept, const ProcessRect& rect, int y
             BitBlt(target, rect.left, y, std::min(width, kept.width()), 1, kept, 0, row, code);
         }
         break;
-    case Layout::Stretched: {
-        const auto sourceRow = static_cast<int>(stretchSourceOffset(row, height, kept.height()));
-        StretchBlt(target, rect.left, y, width, 1, kept, 0, sourceRow, kept.width(), 1, code);
-        break;
-    }
+    case Layout::Stretched:
+        break; // stretched beforehand
     case Layout::Tiled:
         for (int x = rect.left; x < rect.right; x += kept.width()) {
             BitBlt(target, x, y, std::min(kept.width(), rect.right - x), 1, kept, 0,
@@ -45,10 +41,26 @@ void Class_Composition::Composite_Raster(RasterCode code, std::uint8_t layout, s
         const Surface& kept = keptImage();
         const ProcessRect rect{left, top, right, bottom};
         SetProgressRange(top, bottom);
-        if (kept.empty() || right <= left || layout > 2) return;
-        forEachRow(rect, [&](int y, int, int) {
-            layRow(ImageBits, kept, rect, y, static_cast<Layout>(layout), code);
-        });
+        if (kept.empty() || right <= left || bottom <= top || layout > 2) return;
+        if (static_cast<Layout>(layout) != Layout::Stretched) {
+            forEachRow(rect, [&](int y, int, int) {
+                layRow(ImageBits, kept, rect, y, static_cast<Layout>(layout), code);
+            });
+            return;
+        }
+        // Stretched once to the rectangle's size, then laid like a picture
+        // of that size: the stretch's column map is worked out once, not
+        // for every row.
+        const int width = right - left, height = bottom - top;
+        Surface stretched;
+        if (kept.width() != width || kept.height() != height) {
+            stretched = Surface::uninitialised(width, height);
+            StretchBlt(stretched, 0, 0, width, height, kept, 0, 0, kept.width(), kept.height(),
+                       SRCCOPY);
+        }
+        const Surface& laid = stretched.empty() ? kept : stretched;
+        forEachRow(
+            rect, [&](int y, int, int) { layRow(ImageBits, laid, rect, y, Layout::AsItIs, code); });
     });
 }
 

@@ -3,6 +3,8 @@
 #include "engine/drawing/raster_code.h"
 #include "engine/pixel_frame.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 
 namespace lumiran {
@@ -110,6 +112,45 @@ class Class_Composition : public PixelFrame {
                 r, g, b, rule(r, g, b, redOf(k), greenOf(k), blueOf(k)));
             row[x] = withColour(d, v.red, v.green, v.blue);
         }
+    }
+
+    // One row of the relief: d = height here - height toward the light;
+    // pressed into the document by the tint, or laid on the base colour.
+    template <bool Blend, bool Pressed>
+    [[gnu::flatten]] void reliefRow(Pixel* __restrict row, const Pixel* __restrict here,
+                                    const Pixel* __restrict lit, int first, int end, int dx,
+                                    int lastX, std::array<double, 3> tint,
+                                    std::array<int, 3> base) const {
+        auto height = [](Pixel k) {
+            return roundInRange<int>(0.59 * greenOf(k) + 0.3 * redOf(k) + 0.11 * blueOf(k));
+        };
+        auto pixel = [&](int x, Pixel litPixel) {
+            // Rising away from the light faces it: bright.
+            const int d = height(here[x]) - height(litPixel);
+            const Pixel p = row[x];
+            const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+            Rgb16 v;
+            if constexpr (Pressed) {
+                v = {static_cast<std::int16_t>(r + roundInRange<int>(d * tint[0])),
+                     static_cast<std::int16_t>(g + roundInRange<int>(d * tint[1])),
+                     static_cast<std::int16_t>(b + roundInRange<int>(d * tint[2]))};
+            } else {
+                v = {static_cast<std::int16_t>(base[0] + d), static_cast<std::int16_t>(base[1] + d),
+                     static_cast<std::int16_t>(base[2] + d)};
+            }
+            v = endPixel<ResultTail::Clamp, Blend>(r, g, b, v);
+            row[x] = withColour(p, v.red, v.green, v.blue);
+        };
+        // Only the edges need the neighbour held inside; between them it is
+        // a plain offset, and that loop vectorises.
+        const int inFirst = std::clamp(dx, first, end);
+        const int inEnd = std::clamp(lastX + dx + 1, inFirst, end);
+        for (int x = first; x < inFirst; ++x)
+            pixel(x, lit[std::clamp(x - dx, 0, lastX)]);
+        for (int x = inFirst; x < inEnd; ++x)
+            pixel(x, lit[x - dx]);
+        for (int x = inEnd; x < end; ++x)
+            pixel(x, lit[std::clamp(x - dx, 0, lastX)]);
     }
 
     // A channel rule op(c, c1) -> int over the channels of a selector row.

@@ -140,22 +140,31 @@ void Class_Composition::Composite_Embossing(std::uint8_t direction, std::uint8_t
         const SharedLimits limits = sharedLimits(ImageBits, kept);
         const Step light = LightTravel[direction < LightTravel.size() ? direction : 0];
         const int reach = std::max(1, static_cast<int>(roundTo<std::int16_t>(filterSize)));
-        const std::array<double, 3> colour{red, green, blue};
-        auto height = [&kept, limits](int x, int y) {
-            const Pixel k = kept.at(std::clamp(x, 0, limits.lastX), std::clamp(y, 0, limits.lastY));
-            return composition::brightness(redOf(k), greenOf(k), blueOf(k));
-        };
-        mapPixels<ResultTail::Clamp>(
-            sharedArea(left, top, right, bottom),
-            [height, light, reach, colour, type](int x, int y, int& r, int& g, int& b) -> Rgb16 {
-                // Rising away from the light faces it: bright.
-                const int d = height(x, y) - height(x - light.dx * reach, y - light.dy * reach);
-                auto channel = [&](int c, double tint) -> std::int16_t {
-                    if (type == 0) return wrap16(c + roundInRange<int>(d * tint / 128));
-                    return wrap16(roundInRange<int>(tint) + d);
-                };
-                return {channel(r, colour[0]), channel(g, colour[1]), channel(b, colour[2])};
+        // Scaling by 1/128 is exact, so d * tint / 128 rounds as written.
+        const std::array<double, 3> tint{red / 128, green / 128, blue / 128};
+        const std::array<int, 3> base{roundTo<std::int16_t>(red), roundTo<std::int16_t>(green),
+                                      roundTo<std::int16_t>(blue)};
+        const ProcessRect area = sharedArea(left, top, right, bottom);
+        auto rows = [&]<bool Blend, bool Pressed>() {
+            const int dx = light.dx * reach, dy = light.dy * reach;
+            const int lastX = limits.lastX, lastY = limits.lastY;
+            forEachRow(area, [&, dx, dy, lastX, lastY, tint, base](int y, int first, int end) {
+                // The neighbour toward the light, held inside the shared area.
+                const int litRow = std::clamp(y - dy, 0, lastY);
+                reliefRow<Blend, Pressed>(ImageBits.row(y).data(), kept.row(y).data(),
+                                          kept.row(litRow).data(), first, end, dx, lastX, tint,
+                                          base);
             });
+        };
+        SetProgressRange(area.top, area.bottom);
+        const bool blend = calculationFlag() > 0;
+        if (type == 0) {
+            blend ? rows.template operator()<true, true>()
+                  : rows.template operator()<false, true>();
+        } else {
+            blend ? rows.template operator()<true, false>()
+                  : rows.template operator()<false, false>();
+        }
     });
 }
 

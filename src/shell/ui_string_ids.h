@@ -115,13 +115,13 @@ constexpr int SaveEmptyPicture = 5153;
 constexpr int SaveCannotWrite = 5155;
 
 // The composition menu's own rows.
-constexpr int ComposeKeep = 5271;
-constexpr int ComposeKept = 5273;
-constexpr int ComposeKeepTitle = 5275;
-constexpr int ComposeDiscard = 5277;
-constexpr int ComposeDiscarded = 5279;
-constexpr int ComposeDiscardTitle = 5281;
-constexpr int ComposeExport = 5283;
-constexpr int ComposeExportName = 5285;
+constexpr int ComposeKeep = 5401;
+constexpr int ComposeKept = 5403;
+constexpr int ComposeKeepTitle = 5405;
+constexpr int ComposeDiscard = 5407;
+constexpr int ComposeDiscarded = 5409;
+constexpr int ComposeDiscardTitle = 5411;
+constexpr int ComposeExport = 5413;
+constexpr int ComposeExportName = 5415;
 
 } // namespace lumiran::ids

@@ -46,6 +46,7 @@ const EffectDispatch& effectDispatch() {
         registerGeometryEffects(d);
         registerTransformEffects(d);
         register3DMappingEffects(d);
+        registerCompositionEffects(d);
         return d;
     }();
     return dispatch;

@@ -172,4 +172,8 @@ const EffectFamily* findFamilyNamed(std::string_view name) {
     return nullptr;
 }
 
+bool needsKeptImage(const EffectEntry& effect) {
+    return effect.menu == "mnueditanding" || effect.menu == "suteganono";
+}
+
 } // namespace lumiran

@@ -75,6 +75,10 @@ struct EffectEntry {
 [[nodiscard]] std::span<const EffectFamily> effectFamilies();
 [[nodiscard]] const EffectFamily* findFamily(std::string_view menu);
 
+// Whether the effect merges the document with the kept image: the rows of
+// the composition menu and its steganography submenu.
+[[nodiscard]] bool needsKeptImage(const EffectEntry& effect);
+
 // All 262 effects in menu order.
 [[nodiscard]] std::span<const EffectEntry> effectCatalogue();
 

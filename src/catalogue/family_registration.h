@@ -25,5 +25,6 @@ void registerPatternEffects(EffectDispatch& dispatch);
 void registerGeometryEffects(EffectDispatch& dispatch);
 void registerTransformEffects(EffectDispatch& dispatch);
 void register3DMappingEffects(EffectDispatch& dispatch);
+void registerCompositionEffects(EffectDispatch& dispatch);
 
 } // namespace lumiran

@@ -45,6 +45,7 @@ PreviewResult runPreview(ProgramState& state, const EffectBody& body, const Surf
     result.picture = source;
     context.kept0 = &keptSource;
     context.kept1 = &result.picture;
+    context.composeImage = &state.keep.ComposeImage;
     EffectInvocation invocation{context, keptSource, result.picture,
                                 ProcessRect::wholePicture(source.width(), source.height())};
     try {

@@ -194,6 +194,10 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err, Platfo
                          "\" is not available in this version ('lumiran-cli list --available' "
                          "shows the effects that are)");
     }
+    if (needsKeptImage(*effect) && cl.keptFile.empty()) {
+        throw UsageError("\"" + effectName(*effect) +
+                         "\" merges the picture with a kept image: give it with --kept FILE");
+    }
 
     // Outputs are fixed before any work so that a bad argument costs nothing.
     std::vector<fs::path> outputs;

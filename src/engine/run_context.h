@@ -58,6 +58,8 @@ struct RunContext {
     // or draw on them directly; null in contexts without them.
     Surface* kept0 = nullptr;
     Surface* kept1 = nullptr;
+    // The kept image of composition; null or empty while none is held.
+    const Surface* composeImage = nullptr;
     // Errors the effects' handlers caught, in order; the front end shows
     // each under "ｴﾗｰ" plus its number.
     std::vector<EffectError> failures;

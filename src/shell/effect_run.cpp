@@ -64,6 +64,7 @@ EffectRun::EffectRun(ProgramState& state, Document& document, RunOptions options
     keep.keptPicture1 = Surface();
     context_.kept0 = &keep.keptPicture0;
     context_.kept1 = &keep.keptPicture1;
+    context_.composeImage = &keep.ComposeImage;
 }
 
 EffectRun::~EffectRun() {

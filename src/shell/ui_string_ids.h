@@ -141,5 +141,14 @@ constexpr int ClipboardEmptyOpenTitle = 1955;
 constexpr int PickColour = 5301;
 constexpr int PickRunning = 5303;
 constexpr int PickStopped = 5305;
+// The composition menu's own rows.
+constexpr int ComposeKeep = 5401;
+constexpr int ComposeKept = 5403;
+constexpr int ComposeKeepTitle = 5405;
+constexpr int ComposeDiscard = 5407;
+constexpr int ComposeDiscarded = 5409;
+constexpr int ComposeDiscardTitle = 5411;
+constexpr int ComposeExport = 5413;
+constexpr int ComposeExportName = 5415;
 
 } // namespace lumiran::ids

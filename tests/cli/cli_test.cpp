@@ -186,6 +186,28 @@ TEST_F(CliTest, RefusalsNameWhatIsMissingOrAllowed) {
     }
 }
 
+TEST_F(CliTest, MergesTakeTheKeptImageFromKept) {
+    const Surface document = testing::makeVariedPicture(6, 5);
+    const std::string input = writeInput("doc.bmp", document);
+    // Without a kept image a merge is refused before anything is written.
+    EXPECT_EQ(run({"apply", "--effect", "Hide", input, "-o", path("o.bmp")}), cli::ExitUsage);
+    EXPECT_NE(err.str().find("--kept FILE"), std::string::npos) << err.str();
+    EXPECT_FALSE(fs::exists(dir / "o.bmp"));
+    // With one, a smaller kept image changes only the area both share.
+    const std::string kept = writeInput("kept.bmp", Surface(3, 2, makePixel(13, 14, 15)));
+    ASSERT_EQ(run({"apply", "--effect", "透かし　摘出する", "--c", "2", "--kept", kept, input, "-o",
+                   path("o.bmp")}),
+              cli::ExitOk)
+        << err.str();
+    const Surface result = read("o.bmp");
+    const Pixel d = document.at(1, 1);
+    EXPECT_EQ(result.at(1, 1), makePixel(std::min(255, std::abs(redOf(d) - 13) * 32),
+                                         std::min(255, std::abs(greenOf(d) - 14) * 32),
+                                         std::min(255, std::abs(blueOf(d) - 15) * 32)));
+    EXPECT_EQ(result.at(3, 1), document.at(3, 1));
+    EXPECT_EQ(result.at(1, 2), document.at(1, 2));
+}
+
 TEST_F(CliTest, ConvertWritesEachDepth) {
     Surface few(6, 4, makePixel(0, 0, 0));
     few.at(1, 1) = makePixel(255, 255, 255);

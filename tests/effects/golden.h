@@ -39,6 +39,24 @@ inline const Surface& bundledSample() {
     return sample;
 }
 
+// The kept image of the merges' golden runs: narrower and taller than the
+// sample, so only part of the sample is shared; rings of colour over a
+// diagonal ramp.
+inline const Surface& goldenKeptImage() {
+    static const Surface kept = [] {
+        Surface s(200, 280);
+        for (int y = 0; y < s.height(); ++y) {
+            for (int x = 0; x < s.width(); ++x) {
+                const int dx = x - 90, dy = y - 120;
+                const int ring = (dx * dx + dy * dy) / 64 % 256;
+                s.at(x, y) = makePixel(ring, (x + y) % 256, (x * 3 + 255 - ring) % 256);
+            }
+        }
+        return s;
+    }();
+    return kept;
+}
+
 // The picture an effect leaves on the bundled sample when OK is pressed on
 // its freshly configured dialog, in a fresh program state; empty when the
 // effect is unknown or cannot run.
@@ -49,6 +67,7 @@ inline Surface runWithDefaults(const std::string& name, const ControlValues* val
     const EffectPlan plan = planEffect(entry->dialog, entry->code, chosen);
     if (plan.status != EffectPlan::Status::Ready) return {};
     ProgramState state;
+    if (needsKeptImage(*entry)) state.keep.ComposeImage = goldenKeptImage();
     Document document;
     document.picture = bundledSample();
     runEffect(state, document, plan.body);

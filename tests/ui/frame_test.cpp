@@ -1,4 +1,6 @@
 // The editor's frame and documents on the offscreen platform.
+#include "catalogue/effect_dispatch.h"
+#include "catalogue/effect_table.h"
 #include "effects/colour/class_color_op.h"
 #include "imagefiles/bitmap_writer.h"
 #include "platform/qt_picture_decoder.h"
@@ -639,6 +641,56 @@ class FrameTest : public QObject {
         QVERIFY(frame.statusMessage().contains("a.bmp"));
         QVERIFY(!b->undoAction()->isEnabled());
         QCOMPARE(b->undoAction()->text(), res(ids::EditUndo));
+    }
+
+    // The kept image: held by the program, not by the document it came from;
+    // the merge rows follow it, and a merge is undone like any run.
+    void theKeptImageOutlivesItsDocumentAndMergesUndo() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* a = frame.openFile(writePicture("a.bmp", gradient(30, 20)));
+        FrmDocument* b =
+            frame.openFile(writePicture("b.bmp", Surface(12, 8, makePixel(50, 60, 70))));
+        auto* addition = a->findChild<QAction*>("mnueditanding4");
+        auto* hide = a->findChild<QAction*>("suteganono0");
+        auto* exportRow = a->findChild<QAction*>("mnueditanding17");
+        QVERIFY(addition && hide && exportRow);
+        QVERIFY(!addition->isEnabled() && !hide->isEnabled() && !exportRow->isEnabled());
+        {
+            MessageBoxAnswerer answerer(QMessageBox::Ok);
+            b->findChild<QAction*>("mnueditanding0")->trigger();
+            QTRY_COMPARE(answerer.texts, QStringList{"画像を保持しました。"});
+            QCOMPARE(answerer.titles, QStringList{"画像の保持"});
+        }
+        QVERIFY(addition->isEnabled() && hide->isEnabled() && exportRow->isEnabled());
+        b->closeWindow();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(frame.state().keep.ComposeImage.width(), 12);
+
+        const Surface before = a->document().picture;
+        const EffectEntry& entry = *findEffect("合成　加算");
+        const EffectPlan plan = planEffect(entry.dialog, entry.code, defaultControlValues(entry));
+        QVERIFY(frame.runEffect(*a, plan.body));
+        frame.runs().waitForEnd();
+        const Surface& merged = a->document().picture;
+        QCOMPARE(merged.at(3, 2), makePixel(3 + 50, 2 + 60, 5 + 70));
+        QVERIFY(merged.at(12, 2) == before.at(12, 2) && merged.at(3, 8) == before.at(3, 8));
+        frame.undo(*a);
+        QVERIFY(a->document().picture == before);
+
+        exportRow->trigger();
+        QCOMPARE(frame.documents().size(), 2);
+        const FrmDocument* exported = frame.documents().value(0) == a ? frame.documents().value(1)
+                                                                      : frame.documents().value(0);
+        QVERIFY(exported->document().picture == frame.state().keep.ComposeImage);
+        QCOMPARE(qs(exported->document().nameLabel), res(ids::ComposeExportName));
+        {
+            MessageBoxAnswerer answerer(QMessageBox::Ok);
+            frame.discardKeptImage();
+            QCOMPARE(answerer.titles, QStringList{"画像の破棄"});
+        }
+        QVERIFY(frame.state().keep.ComposeImage.empty());
+        QVERIFY(!addition->isEnabled() && !exportRow->isEnabled());
     }
 
     // The view's zoom leaves the picture and its coordinates alone.

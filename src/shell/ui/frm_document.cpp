@@ -342,11 +342,23 @@ void FrmDocument::fillEffectMenu(QMenu& menu, std::string_view menuName) {
                                                                    : qs(family.caption));
             sub->setObjectName(qs(family.menu));
             fillEffectMenu(*sub, family.menu);
+        } else if (menuName == "mnueditanding" && row == 0) {
+            QAction* keep =
+                menu.addAction(res(ids::ComposeKeep), this, [this] { frame_.keepPicture(*this); });
+            keep->setObjectName("mnueditanding0");
         } else if (menuName == "Effect1No" && row == 23) {
             menu.addAction(res(ids::EffectBrowse))->setEnabled(false);
         } else {
             menu.addSeparator();
         }
+    }
+    if (menuName == "mnueditanding") {
+        menu.addSeparator();
+        discardAction_ =
+            menu.addAction(res(ids::ComposeDiscard), &frame_, &FrmMain::discardKeptImage);
+        discardAction_->setObjectName("mnueditanding16");
+        exportAction_ = menu.addAction(res(ids::ComposeExport), &frame_, &FrmMain::exportKeptImage);
+        exportAction_->setObjectName("mnueditanding17");
     }
     const EffectFamily* own = findFamily(menuName);
     if (own != nullptr && own->browseCategoryId != 0) {
@@ -359,6 +371,7 @@ void FrmDocument::addEffectAction(QMenu& menu, const EffectEntry& entry) {
     const QString text = entry.stringId != 0 ? res(entry.stringId) : qs(entry.caption);
     QAction* action = menu.addAction(text.isEmpty() ? qs(entry.key) : text);
     action->setObjectName(qs(entry.menu) + QString::number(entry.index));
+    if (needsKeptImage(entry)) mergeActions_.append(action);
     if (effectDispatch().contains(entry.dialog, entry.code)) {
         connect(action, &QAction::triggered, this,
                 [this, &entry] { frame_.openEffectDialog(*this, entry); });
@@ -367,6 +380,13 @@ void FrmDocument::addEffectAction(QMenu& menu, const EffectEntry& entry) {
         action->setEnabled(false);
         action->setToolTip(res(ids::NotAvailableYet));
     }
+}
+
+void FrmDocument::refreshComposeRows(bool imageKept) {
+    for (QAction* merge : mergeActions_)
+        merge->setEnabled(imageKept);
+    discardAction_->setEnabled(imageKept);
+    exportAction_->setEnabled(imageKept);
 }
 
 void FrmDocument::refreshHistory() {

@@ -49,6 +49,8 @@ class FrmDocument : public QWidget {
     [[nodiscard]] QAction* closeAction() const { return closeAction_; }
     // SetMenusEnabled: every top menu on or off.
     void SetMenusEnabled(bool enable);
+    // The rows of the composition menu that need a kept image, on or off.
+    void refreshComposeRows(bool imageKept);
     // Rebuilds the history rows of the file menu from the frame's history.
     void refreshHistory();
 
@@ -112,6 +114,9 @@ class FrmDocument : public QWidget {
     QAction* undoAction_ = nullptr;
     QAction* finalLoadAction_ = nullptr;
     QAction* closeAction_ = nullptr;
+    QAction* discardAction_ = nullptr;
+    QAction* exportAction_ = nullptr;
+    QList<QAction*> mergeActions_;
     bool menusEnabled_ = true;
     QTimer* Timer1;
     QString toolStatus_;

@@ -593,6 +593,7 @@ void FrmMain::refreshCommands() {
         doc->undoAction()->setEnabled(count > 0);
         doc->undoAction()->setText(caption);
         doc->finalLoadAction()->setEnabled(imageLoaded_);
+        doc->refreshComposeRows(!state_.keep.ComposeImage.empty());
     }
     frameFinalLoad_->setEnabled(imageLoaded_);
     if (toolUndo_ != nullptr) {
@@ -953,6 +954,31 @@ void FrmMain::openFinalLoadImage() {
     doc->document().picture = state_.keep.FinalLoadImage;
     doc->document().folderLabel = finalLoadFolder_;
     doc->document().nameLabel = finalLoadName_;
+    doc->setWindowTitle(qs(doc->document().caption()));
+    doc->refreshPicture();
+    placeNewDocument(*doc);
+    refreshMenus();
+}
+
+void FrmMain::keepPicture(FrmDocument& document) {
+    if (busy()) return;
+    state_.keep.ComposeImage = document.document().picture;
+    refreshCommands();
+    QMessageBox::information(this, res(ids::ComposeKeepTitle), res(ids::ComposeKept));
+}
+
+void FrmMain::discardKeptImage() {
+    if (busy()) return;
+    state_.keep.ComposeImage = Surface();
+    refreshCommands();
+    QMessageBox::information(this, res(ids::ComposeDiscardTitle), res(ids::ComposeDiscarded));
+}
+
+void FrmMain::exportKeptImage() {
+    if (busy() || state_.keep.ComposeImage.empty() || !CheckWindowLimit()) return;
+    FrmDocument* doc = makeDocument();
+    doc->document().picture = state_.keep.ComposeImage;
+    doc->document().nameLabel = res(ids::ComposeExportName).toStdString();
     doc->setWindowTitle(qs(doc->document().caption()));
     doc->refreshPicture();
     placeNewDocument(*doc);

@@ -90,6 +90,11 @@ class FrmMain : public QMainWindow {
     void undo(FrmDocument& document);
     void releaseUndo();
     void openFinalLoadImage();
+    // The composition menu's own rows: keep the document's picture, discard
+    // the kept image, open it as a new document.
+    void keepPicture(FrmDocument& document);
+    void discardKeptImage();
+    void exportKeptImage();
     void clearHistory();
     void openSibling(FrmDocument& document, int step);
     void showOptions();

@@ -49,6 +49,9 @@ class FrmDocument : public QWidget {
     [[nodiscard]] QAction* closeAction() const { return closeAction_; }
     // SetMenusEnabled: every top menu on or off.
     void SetMenusEnabled(bool enable);
+    // The browser's click: the row of the family menu titled `parentText`
+    // whose text is `nodeText`, as if clicked. False when nothing ran.
+    bool BrowseToPreviewMain(const QString& parentText, const QString& nodeText);
     // Rebuilds the history rows of the file menu from the frame's history.
     void refreshHistory();
 

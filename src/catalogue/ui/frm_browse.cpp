@@ -257,6 +257,7 @@ void FrmBrowse::nodeSelected(QTreeWidgetItem* item) {
     QTreeWidgetItem* root = item->parent() != nullptr ? item->parent() : item;
     const int first =
         item->parent() != nullptr ? root->indexOfChild(item) / BrowsePageSize * BrowsePageSize : 0;
+    root->setExpanded(true);
     if (root == pageRoot_ && first == firstChild_) return;
     showPage(root, first);
 }
@@ -380,11 +381,10 @@ void FrmBrowse::setRasterOpFlag(std::uint8_t flag) {
 }
 
 void FrmBrowse::setImageSize(int width, int height) {
-    if (width < 1 || height < 1) return;
+    // A run may be replacing the document's picture: it is read only between runs.
+    if (width < 1 || height < 1 || frame_.busy()) return;
     settings_.imageWidth = width;
     settings_.imageHeight = height;
-    stopWork();
-    BrowseImageSetAddIn();
     refreshPage();
 }
 
@@ -452,7 +452,11 @@ void FrmBrowse::stepChild(int step) {
 }
 
 void FrmBrowse::refreshPage() {
-    if (pageRoot_ != nullptr) showPage(pageRoot_, firstChild_);
+    if (pageRoot_ == nullptr) return;
+    // The document may have changed since the work copy was made.
+    stopWork();
+    if (!frame_.busy() && document_) BrowseImageSetAddIn();
+    showPage(pageRoot_, firstChild_);
 }
 
 bool FrmBrowse::eventFilter(QObject* watched, QEvent* event) {

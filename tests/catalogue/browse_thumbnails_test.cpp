@@ -69,7 +69,7 @@ const EffectEntry& effectNamed(std::string_view name) {
     return *e;
 }
 
-TEST(BrowseThumbnail, IsTheEffectAtItsDefaultsOnTheWorkCopyWithTheBrowsersFlags) {
+TEST(BrowseThumbnail, IsTheEffectAtItsDefaultsOnTheWholeWorkCopy) {
     const Surface work = testing::makeVariedPicture(37, 23);
     const EffectEntry& negative = effectNamed("Negative");
     // The same plan OK would run with an untouched dialog, on the whole copy.
@@ -84,17 +84,6 @@ TEST(BrowseThumbnail, IsTheEffectAtItsDefaultsOnTheWorkCopyWithTheBrowsersFlags)
     ASSERT_TRUE(plain.has_value());
     EXPECT_EQ(*plain, expected);
     EXPECT_NE(*plain, work);
-
-    // A calculation type blends with the source; a raster flag lays the source over.
-    state.flags.calculationFlag = 1;
-    const std::optional<Surface> blended = browseThumbnail(state, negative, work);
-    ASSERT_TRUE(blended.has_value());
-    EXPECT_NE(*blended, *plain);
-    state.flags = {};
-    state.flags.rasterOpFlag = 7;
-    const std::optional<Surface> rastered = browseThumbnail(state, negative, work);
-    ASSERT_TRUE(rastered.has_value());
-    EXPECT_NE(*rastered, *plain);
 }
 
 TEST(BrowseThumbnail, NothingForAnEmptyCopyOrAStoppedRun) {
@@ -103,16 +92,6 @@ TEST(BrowseThumbnail, NothingForAnEmptyCopyOrAStoppedRun) {
     EXPECT_FALSE(browseThumbnail(state, negative, Surface{}).has_value());
     state.cancelFlag = 1;
     EXPECT_FALSE(browseThumbnail(state, negative, testing::makeVariedPicture(8, 8)).has_value());
-}
-
-TEST(EffectOfMenuRow, FindsTheRowByMenuAndIndexOnly) {
-    const EffectEntry* first = effectOfMenuRow("ColorNo0");
-    ASSERT_NE(first, nullptr);
-    EXPECT_EQ(first->menu, "ColorNo");
-    EXPECT_EQ(first->index, 0);
-    EXPECT_EQ(effectOfMenuRow("ColorNo"), nullptr);
-    EXPECT_EQ(effectOfMenuRow("ColorNo00"), nullptr);
-    EXPECT_EQ(effectOfMenuRow("ColorNo999"), nullptr);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "platform/qt_picture_decoder.h"
 #include "shell/ui/frm_document.h"
 #include "shell/ui/frm_main.h"
+#include "shell/ui/run_controller.h"
 #include "shell/ui/surface_image.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
@@ -17,6 +18,8 @@
 #include <QSignalSpy>
 #include <QTreeWidget>
 #include <QtTest>
+#include <chrono>
+#include <thread>
 
 using namespace lumiran;
 
@@ -171,6 +174,17 @@ class BrowseTest : public QObject {
         QVERIFY(browser->isVisible());
         QVERIFY(currentDialog() == nullptr);
         keep(*browser, "browse_gradation");
+
+        // Nor does a finished thumbnail while a run holds the editor.
+        QVERIFY(frame.runEffect(*doc, [](EffectInvocation& run) {
+            while (!run.context.cancelled())
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }));
+        browser->thumbnailClicked(effect);
+        QVERIFY(browser->isVisible());
+        QVERIFY(currentDialog() == nullptr);
+        frame.runs().cancel();
+        frame.runs().waitForEnd();
 
         const EffectEntry* entry =
             effectOfMenuRow(root->child(effect)->data(0, Qt::UserRole).toString().toStdString());

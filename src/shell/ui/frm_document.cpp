@@ -347,7 +347,11 @@ void FrmDocument::fillEffectMenu(QMenu& menu, std::string_view menuName) {
                 menu.addAction(res(ids::ComposeKeep), this, [this] { frame_.keepPicture(*this); });
             keep->setObjectName("mnueditanding0");
         } else if (menuName == "Effect1No" && row == 23) {
-            menu.addAction(res(ids::EffectBrowse))->setEnabled(false);
+            QAction* browse = menu.addAction(res(ids::EffectBrowse));
+            browse->setObjectName("Effect1No23");
+            // The browser opens on the first family.
+            connect(browse, &QAction::triggered, this,
+                    [this] { frame_.showEffectBrowser(*this, {}); });
         } else {
             menu.addSeparator();
         }
@@ -363,7 +367,11 @@ void FrmDocument::fillEffectMenu(QMenu& menu, std::string_view menuName) {
     const EffectFamily* own = findFamily(menuName);
     if (own != nullptr && own->browseCategoryId != 0) {
         menu.addSeparator();
-        menu.addAction(res(ids::EffectBrowse))->setEnabled(false);
+        QAction* browse = menu.addAction(res(ids::EffectBrowse));
+        browse->setObjectName(qs(own->menu) + "Browse");
+        const QString category = res(own->browseCategoryId);
+        connect(browse, &QAction::triggered, this,
+                [this, category] { frame_.showEffectBrowser(*this, category); });
     }
 }
 
@@ -387,6 +395,24 @@ void FrmDocument::refreshComposeRows(bool imageKept) {
         merge->setEnabled(imageKept);
     discardAction_->setEnabled(imageKept);
     exportAction_->setEnabled(imageKept);
+}
+
+bool FrmDocument::BrowseToPreviewMain(const QString& parentText, const QString& nodeText) {
+    QMenu* effect = menu("mnuEffect");
+    if (effect == nullptr) return false;
+    for (QAction* family : effect->actions()) {
+        if (family->menu() == nullptr || family->menu()->title() != parentText) continue;
+        for (QAction* row : family->menu()->actions()) {
+            const QString text = row->isSeparator() ? QStringLiteral("-") : row->text();
+            if (text != nodeText) continue;
+            // A separator's row does nothing, as its handler did.
+            if (row->isSeparator() || !row->isEnabled()) return false;
+            row->trigger();
+            return true;
+        }
+        return false;
+    }
+    return false;
 }
 
 void FrmDocument::refreshHistory() {

@@ -51,6 +51,9 @@ class FrmDocument : public QWidget {
     void SetMenusEnabled(bool enable);
     // The rows of the composition menu that need a kept image, on or off.
     void refreshComposeRows(bool imageKept);
+    // The browser's click: the row of the family menu titled `parentText`
+    // whose text is `nodeText`, as if clicked. False when nothing ran.
+    bool BrowseToPreviewMain(const QString& parentText, const QString& nodeText);
     // Rebuilds the history rows of the file menu from the frame's history.
     void refreshHistory();
 

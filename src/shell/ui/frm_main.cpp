@@ -1,6 +1,7 @@
 #include "shell/ui/frm_main.h"
 
 #include "catalogue/ui/effect_dialog.h"
+#include "catalogue/ui/frm_browse.h"
 #include "engine/calculation.h"
 #include "engine/drawing/blit.h"
 #include "engine/drawing/pixel_calls.h"
@@ -886,6 +887,23 @@ void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) 
     dialog->configure(entry);
     state_.PreviewReady = 1;
     dialog->show();
+}
+
+FrmBrowse* FrmMain::effectBrowser() const {
+    return browser_;
+}
+
+void FrmMain::showEffectBrowser(FrmDocument& document, const QString& family) {
+    if (busy()) return;
+    if (browser_) browser_->close();
+    ScreenSize screen;
+    if (const QScreen* s = QGuiApplication::primaryScreen()) {
+        screen = {s->size().width(), s->size().height()};
+    }
+    auto* browser = new FrmBrowse(*this, document, store_, screen);
+    browser_ = browser;
+    browser->show();
+    browser->TreeViewNodeExpand(family);
 }
 
 void FrmMain::openWithDialog() {

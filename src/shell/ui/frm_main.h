@@ -27,6 +27,7 @@ class QtPictureDecoder;
 class RunController;
 struct EffectEntry;
 class EffectDialog;
+class FrmBrowse;
 class frm_ColorSet;
 
 // The main frame: the document windows, the frame's own menu while no
@@ -82,6 +83,12 @@ class FrmMain : public QMainWindow {
     // An effect's menu entry: the running area tool ends, the entry's form is
     // configured for it and shown modeless.
     void openEffectDialog(FrmDocument& document, const EffectEntry& entry);
+
+    // "Browse...": the effect browser for the document, opened on the family
+    // with this root text (the first family when empty or not found).
+    void showEffectBrowser(FrmDocument& document, const QString& family);
+    [[nodiscard]] FrmBrowse* effectBrowser() const;
+    [[nodiscard]] KeyValueStore& store() { return store_; }
 
     // Commands of the menus and the toolbar.
     void openWithDialog();
@@ -207,6 +214,7 @@ class FrmMain : public QMainWindow {
     QPointer<EffectDialog> effectDialog_;
     QPointer<QTextBrowser> helpWindow_;
     QPointer<QDialog> colorSet_;
+    QPointer<FrmBrowse> browser_;
 };
 
 } // namespace lumiran

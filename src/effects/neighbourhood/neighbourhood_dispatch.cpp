@@ -92,8 +92,8 @@ void registerEmbossing(EffectDispatch& d) {
                                                  r.top, r.right, r.bottom);
                           }),
                           withTrans([](Op& e, V v, R r) { embossWith(e, v, r, 0); })}));
-    // Stone Emboss: white dots, then a relief of kind 1; Concrete Emboss:
-    // dots of random colours, then kind 6.
+    // Stone Emboss: black and white dots, then a relief of kind 1; Concrete
+    // Emboss: dots of random colours, then kind 6.
     for (const auto& [code, colourNoise, embossKind] :
          {std::tuple{78, false, std::uint8_t{1}}, std::tuple{79, true, std::uint8_t{6}}}) {
         d.add(

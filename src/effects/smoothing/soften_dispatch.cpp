@@ -12,8 +12,6 @@ namespace {
 
 using V = const ControlValues&;
 using R = ProcessRect;
-
-// Every Class_Soften case reads ImageBits and writes TransBits.
 using dispatch::row;
 using dispatch::slider;
 

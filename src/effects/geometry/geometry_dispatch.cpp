@@ -7,31 +7,21 @@
 // the list's row takes its place: row 0 is that 0, and the list would
 // otherwise reach nothing. Constants a call passes beyond the method's
 // arguments are left out.
-#include "catalogue/effect_dispatch.h"
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/geometry/class_geometry.h"
-#include "engine/numeric.h"
 
 namespace lumiran {
 namespace {
 
 using V = const ControlValues&;
 using R = ProcessRect;
-
-// A slider value handed to a 16-bit parameter, rounded inside the run.
-std::int16_t slider(V v, int number) {
-    return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
-}
+using dispatch::row;
+using dispatch::slider;
 
 // A slider of frm_Mani handed on as the double it holds: D(S3) and the like.
 double exact(V v, int number) {
     return v.sliders[static_cast<std::size_t>(number - 1)];
-}
-
-// A list row handed to a byte parameter.
-std::uint8_t row(int index) {
-    if (index < 0 || index > 255) throw EffectError::overflow();
-    return static_cast<std::uint8_t>(index);
 }
 
 // The warps that sample: kept picture 0 into ImageBits and TransBits, the

@@ -1,6 +1,7 @@
 // The 2x2 filters of Class_Edge: Edge_Robarts, Edge_Matrix4 and
 // DifferentalFilter. Rows run from top to bottom - 2 and columns from left
 // to right - 2; the last row and column stay.
+#include "effects/neighbourhood/channels.h"
 #include "effects/neighbourhood/class_edge.h"
 
 #include <algorithm>
@@ -12,15 +13,8 @@ namespace {
 
 using neighbourhood::Area;
 
-struct Rgb {
-    int r = 0;
-    int g = 0;
-    int b = 0;
-};
-
-Rgb channelsOf(Pixel p) {
-    return {redOf(p), greenOf(p), blueOf(p)};
-}
+using neighbourhood::channelsOf;
+using neighbourhood::Rgb;
 
 // The pixel, its right, lower and lower right neighbours.
 struct Block {

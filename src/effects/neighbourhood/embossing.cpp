@@ -1,4 +1,5 @@
 // Embossing: a relief from two samples on either side of each pixel.
+#include "effects/neighbourhood/channels.h"
 #include "effects/neighbourhood/class_neighborhood_op.h"
 #include "effects/neighbourhood/emboss_directions.h"
 #include "engine/colour_models.h"
@@ -13,11 +14,7 @@ namespace {
 
 using neighbourhood::Area;
 
-struct Rgb {
-    int r = 0;
-    int g = 0;
-    int b = 0;
-};
+using neighbourhood::Rgb;
 
 // What colour kinds 0..6 make of a sample: 0 and 1 leave it, 2 greys it by
 // the luminance rule, 3 by the mean, 4..6 lighten red, green or blue.

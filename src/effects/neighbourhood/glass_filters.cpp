@@ -1,4 +1,5 @@
 // Glass_Painting, Glass_EdgeExtract and Glass_Impression.
+#include "effects/neighbourhood/channels.h"
 #include "effects/neighbourhood/class_neighborhood_op.h"
 #include "effects/neighbourhood/rank_rows.h"
 #include "engine/colour_models.h"
@@ -14,15 +15,8 @@ using neighbourhood::Area;
 using neighbourhood::ChunkColumns;
 using neighbourhood::Offset;
 
-struct Rgb {
-    int r = 0;
-    int g = 0;
-    int b = 0;
-};
-
-Rgb channelsOf(Pixel p) {
-    return {redOf(p), greenOf(p), blueOf(p)};
-}
+using neighbourhood::channelsOf;
+using neighbourhood::Rgb;
 
 // Glass_Painting: the truncated mean of the window per channel, and the
 // squared differences from it at the corners of each ring of the window.

@@ -8,8 +8,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 constexpr int windowSize(int k) {
     return (2 * k + 1) * (2 * k + 1);
 }

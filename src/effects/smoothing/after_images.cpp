@@ -9,8 +9,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 struct Position {
     int x = 0;
     int y = 0;
@@ -52,7 +50,7 @@ void Class_Soften::afterImageRows(int count, int type, const ProcessRect& rect,
                 if (p.y < bounds.top) p.y = y;
                 if (p.x > bounds.right - 1) p.x = x;
                 if (p.y > bounds.bottom - 1) p.y = y;
-                const Channels e = soften::channelsOf(ImageBits.at(p.x, p.y));
+                const Channels e = channelsOf(ImageBits.at(p.x, p.y));
                 if (j == 0) first = e;
                 sumR += e.r;
                 sumG += e.g;
@@ -74,7 +72,7 @@ void Class_Soften::afterImageRows(int count, int type, const ProcessRect& rect,
                 };
                 v = {channel(sum.r, first.r), channel(sum.g, first.g), channel(sum.b, first.b)};
             }
-            const Channels c = soften::channelsOf(ImageBits.at(x, y));
+            const Channels c = channelsOf(ImageBits.at(x, y));
             const Rgb16 e = finishPixel<ResultTail::Clamp>(c.r, c.g, c.b, soften::resultFields(v));
             out[x] = withColour(out[x], e.red, e.green, e.blue);
         }

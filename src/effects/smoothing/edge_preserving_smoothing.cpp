@@ -11,8 +11,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 // The sub-windows by window position (dy + 2) * 5 + (dx + 2): the centre
 // 3x3, four pentagons reaching up, down, left and right, and four hexagons
 // reaching into the corners, each of seven pixels with the centre.

@@ -6,7 +6,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
 using soften::Chunk;
 
 struct Offset {
@@ -90,7 +89,7 @@ void Class_Soften::HighpassFilter(std::int16_t threshold, std::uint8_t filterKin
         };
         auto filtered = [large, t](const KernelSums& s, int c, const Channels& centre) {
             const Channels sum = soften::fieldSums(s.low[c], s.high[c]);
-            const Channels e = soften::channelsOf(s.large[c]);
+            const Channels e = channelsOf(s.large[c]);
             auto channel = [&](int sumOf, int entry, int source) {
                 return roundedQuotient(t * (large * entry - sumOf) + (10 - t) * source, 10);
             };

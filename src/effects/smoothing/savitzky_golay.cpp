@@ -5,7 +5,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
 using soften::Chunk;
 
 // The weight table is the quadratic 11 - dx^2 - dy^2 over the window, so

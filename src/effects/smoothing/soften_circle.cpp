@@ -7,8 +7,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 struct Direction {
     double x = 0;
     double y = 0;
@@ -101,12 +99,12 @@ void Class_Soften::Soften_Circle(std::uint8_t, std::int16_t level, std::int16_t 
                     int sy = y + nearest(t * d.y);
                     if (sx < rect.left || sx >= rect.right) sx = x;
                     if (sy < rect.top || sy >= rect.bottom) sy = y;
-                    const Channels e = soften::channelsOf(ImageBits.at(sx, sy));
+                    const Channels e = channelsOf(ImageBits.at(sx, sy));
                     sum.r += e.r;
                     sum.g += e.g;
                     sum.b += e.b;
                 }
-                const Channels c = soften::channelsOf(ImageBits.at(x, y));
+                const Channels c = channelsOf(ImageBits.at(x, y));
                 const Rgb16 v{wrap16(sum.r / level), wrap16(sum.g / level), wrap16(sum.b / level)};
                 const Rgb16 e = finishPixel<ResultTail::Clamp>(c.r, c.g, c.b, v);
                 out[x] = withColour(out[x], e.red, e.green, e.blue);

@@ -4,6 +4,7 @@
 // the window sums of a row, the division by the window's size, and the row
 // loop that ends every pixel with the shared tail.
 #include "effects/smoothing/class_soften.h"
+#include "engine/channels.h"
 
 #include <algorithm>
 #include <array>
@@ -11,17 +12,6 @@
 #include <type_traits>
 
 namespace lumiran::soften {
-
-// The channels of a pixel, or sums of them, as plain integers.
-struct Channels {
-    int r = 0;
-    int g = 0;
-    int b = 0;
-};
-
-[[nodiscard]] constexpr Channels channelsOf(Pixel p) {
-    return {redOf(p), greenOf(p), blueOf(p)};
-}
 
 // Centres are handed to the rules in chunks of this many, so the sums of a
 // chunk live on the stack and a row needs no allocation.

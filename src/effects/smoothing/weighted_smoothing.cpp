@@ -5,8 +5,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 // By window index: 0 centre, then the ring in reading order (upper left,
 // top, upper right, left, right, lower left, bottom, lower right).
 using Window = std::array<Channels, 9>;
@@ -38,11 +36,9 @@ struct WindowRows {
     const Pixel* top;    // where entry 2 comes from
 
     [[nodiscard]] Window at(int x) const {
-        return {soften::channelsOf(centre[x]),     soften::channelsOf(up[x - 1]),
-                soften::channelsOf(top[x]),        soften::channelsOf(up[x + 1]),
-                soften::channelsOf(middle[x - 1]), soften::channelsOf(middle[x + 1]),
-                soften::channelsOf(down[x - 1]),   soften::channelsOf(down[x]),
-                soften::channelsOf(down[x + 1])};
+        return {channelsOf(centre[x]),   channelsOf(up[x - 1]),     channelsOf(top[x]),
+                channelsOf(up[x + 1]),   channelsOf(middle[x - 1]), channelsOf(middle[x + 1]),
+                channelsOf(down[x - 1]), channelsOf(down[x]),       channelsOf(down[x + 1])};
     }
 };
 
@@ -128,7 +124,7 @@ void Class_Soften::weightedSmoothing(int kind, const ProcessRect& rect) {
     // The blend sees the window's centre entry as the source.
     centreRows<WeightedChunk>(centres, fill,
                               [](const WeightedChunk& data, int c, Channels& centre) {
-                                  centre = soften::channelsOf(data.centre[c]);
+                                  centre = channelsOf(data.centre[c]);
                                   return Channels{data.r[c], data.g[c], data.b[c]};
                               });
 }
@@ -143,7 +139,7 @@ void Class_Soften::staleResultFields(const ProcessRect& rect) {
     SetProgressRange(centres.left, centres.right);
     for (int x = centres.left; x < centres.right; ++x) {
         for (int y = centres.top; y < centres.bottom; ++y) {
-            const Channels c = soften::channelsOf(ImageBits.at(x, y));
+            const Channels c = channelsOf(ImageBits.at(x, y));
             resultFields_ = finishPixel<ResultTail::Clamp>(c.r, c.g, c.b, resultFields_);
             Pixel& out = TransBits.at(x, y);
             out = withColour(out, resultFields_.red, resultFields_.green, resultFields_.blue);

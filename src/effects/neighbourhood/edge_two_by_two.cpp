@@ -15,7 +15,7 @@ using neighbourhood::Area;
 
 // The pixel, its right, lower and lower right neighbours.
 struct Block {
-    Channels p0, p1, p2, p3;
+    IntRgb p0, p1, p2, p3;
 };
 
 } // namespace
@@ -83,8 +83,8 @@ void Class_Edge::DifferentalFilter(std::uint8_t kind, std::int16_t left, std::in
         auto root = [](int d) { return roundInRange<int>(std::sqrt(static_cast<double>(d))); };
         auto limited = [](int v) { return static_cast<std::int16_t>(std::min(v, 32767)); };
         blocks({left, top, right, bottom}, [&](const Block& k) {
-            Channels d{squares(k.p0.r, k.p1.r, k.p2.r), squares(k.p0.g, k.p1.g, k.p2.g),
-                       squares(k.p0.b, k.p1.b, k.p2.b)};
+            IntRgb d{squares(k.p0.r, k.p1.r, k.p2.r), squares(k.p0.g, k.p1.g, k.p2.g),
+                     squares(k.p0.b, k.p1.b, k.p2.b)};
             if (kind >= 2) d = {root(d.r), root(d.g), root(d.b)};
             if (kind == 1 || kind == 3) {
                 const int m = (d.r + d.g + d.b) / 3;

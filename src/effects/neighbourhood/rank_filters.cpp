@@ -34,7 +34,7 @@ constexpr std::array<std::array<bool, 3>, 7> RankChannels{{
 }};
 
 // Kind 7: the rank element with the lightness of the source.
-Channels recolouredByLightness(Channels rank, Channels source) {
+IntRgb recolouredByLightness(IntRgb rank, IntRgb source) {
     const int level = lightness(std::max({source.r, source.g, source.b}),
                                 std::min({source.r, source.g, source.b}));
     const int own =
@@ -43,7 +43,7 @@ Channels recolouredByLightness(Channels rank, Channels source) {
     return {rank.r + shift, rank.g + shift, rank.b + shift};
 }
 
-Rgb16 toResult(Channels c) {
+Rgb16 toResult(IntRgb c) {
     return {wrap16(c.r), wrap16(c.g), wrap16(c.b)};
 }
 
@@ -89,8 +89,8 @@ void Class_NeighborhoodOp::MedianFilter(std::uint8_t window, std::uint8_t output
                 }
                 for (int i = 0; i < count; ++i) {
                     const int x = first + i;
-                    const Channels m = channelsOf(median[static_cast<std::size_t>(i)]);
-                    const Channels s = channelsOf(source[x]);
+                    const IntRgb m = channelsOf(median[static_cast<std::size_t>(i)]);
+                    const IntRgb s = channelsOf(source[x]);
                     // Kind 1 doubles the channels equal to the centre's, 2 the others.
                     auto doubled = [&](int value, int centre) {
                         const bool equal = value == centre;
@@ -141,9 +141,9 @@ void Class_NeighborhoodOp::RankFilter(std::int16_t rank, std::uint8_t channelKin
                 }
                 for (int i = 0; i < count; ++i) {
                     const int x = first + i;
-                    const Channels q = channelsOf(ranked[static_cast<std::size_t>(i)]);
-                    const Channels s = channelsOf(source[x]);
-                    Channels result;
+                    const IntRgb q = channelsOf(ranked[static_cast<std::size_t>(i)]);
+                    const IntRgb s = channelsOf(source[x]);
+                    IntRgb result;
                     if (channelKind == 7) {
                         result = recolouredByLightness(q, s);
                     } else {
@@ -178,14 +178,14 @@ void Class_NeighborhoodOp::FiascoFilter(std::uint8_t window, std::uint8_t sortMo
                 const Pixel* source = ImageBits.row(y).data();
                 for (int i = 0; i < count; ++i) {
                     const int x = first + i;
-                    Channels stat{};
+                    IntRgb stat{};
                     if (statistic == 0) {
                         // The truncated mean of each channel.
-                        Channels sum;
+                        IntRgb sum;
                         for (int dy = -reach; dy <= reach; ++dy) {
                             const Pixel* row = ImageBits.row(y + dy).data();
                             for (int dx = -reach; dx <= reach; ++dx) {
-                                const Channels c = channelsOf(row[x + dx]);
+                                const IntRgb c = channelsOf(row[x + dx]);
                                 sum.r += c.r;
                                 sum.g += c.g;
                                 sum.b += c.b;
@@ -195,7 +195,7 @@ void Class_NeighborhoodOp::FiascoFilter(std::uint8_t window, std::uint8_t sortMo
                     } else {
                         stat = channelsOf(ranked[static_cast<std::size_t>(i)]);
                     }
-                    const Channels c = channelsOf(source[x]);
+                    const IntRgb c = channelsOf(source[x]);
                     storeTrans(x, y, source[x],
                                toResult({away(stat.r, c.r), away(stat.g, c.g), away(stat.b, c.b)}));
                 }
@@ -223,8 +223,8 @@ void Class_NeighborhoodOp::TransperentColor(std::int16_t left, std::int16_t top,
                          const Pixel* source = ImageBits.row(y).data();
                          for (int i = 0; i < count; ++i) {
                              const int x = first + i;
-                             const Channels q = channelsOf(ranked[static_cast<std::size_t>(i)]);
-                             const Channels s = channelsOf(source[x]);
+                             const IntRgb q = channelsOf(ranked[static_cast<std::size_t>(i)]);
+                             const IntRgb s = channelsOf(source[x]);
                              storeTrans(x, y, source[x],
                                         toResult({blend(q.r, s.r, red), blend(q.g, s.g, green),
                                                   blend(q.b, s.b, blue)}));

@@ -175,8 +175,8 @@ void Class_Soften::Edge_PreservingSmoothing(std::uint8_t measure, std::int16_t l
                 }
             }
         };
-        centreRows<QuietChunk>(centres, fill, [](const QuietChunk& data, int c, Channels&) {
-            return Channels{data.r[c], data.g[c], data.b[c]};
+        centreRows<QuietChunk>(centres, fill, [](const QuietChunk& data, int c, IntRgb&) {
+            return IntRgb{data.r[c], data.g[c], data.b[c]};
         });
     });
 }

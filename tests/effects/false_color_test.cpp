@@ -5,6 +5,7 @@
 #include "effects/colour/false_color/class_false_color.h"
 #include "effects/colour/false_color/noise_stamps.h"
 #include "effects/colour/false_color/pseudo_colour_bands.h"
+#include "test_support.h"
 
 #include <array>
 #include <functional>
@@ -13,7 +14,6 @@
 namespace lumiran::testing {
 namespace {
 
-using Colour = std::array<int, 3>;
 using C = Class_FalseColor;
 // A call on the one-pixel picture, whose rectangle is 0, 0, 1, 1.
 using Op = std::function<void(C&)>;
@@ -22,8 +22,7 @@ struct FalseColorTest : EffectFixture<C> {
     Colour runOn(Colour in, const Op& op) {
         const Surface out = run(Surface(1, 1, withColour(0, in[0], in[1], in[2])),
                                 [&](C& e, const ProcessRect&) { op(e); });
-        const Pixel p = out.at(0, 0);
-        return {redOf(p), greenOf(p), blueOf(p)};
+        return colourAt(out, 0, 0);
     }
 };
 

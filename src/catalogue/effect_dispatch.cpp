@@ -81,6 +81,9 @@ const EffectDispatch& effectDispatch() {
         registerNeighborhoodEffects(d);
         registerEdgeEffects(d);
         registerFalseColorEffects(d);
+        registerGradationEffects(d);
+        registerHideEffectEffects(d);
+        registerDLAEffects(d);
         registerMosaicEffects(d);
         registerNetMosaicEffects(d);
         registerPatternEffects(d);

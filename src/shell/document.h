@@ -16,8 +16,13 @@ struct Document {
     std::string nameLabel;   // Label1(1): the name part
 
     std::uint8_t ToolsFlag = 0;
-    AreaRect drag; // DragStartX .. DragEndY, as the mouse gave them
-    AreaRect area; // AreaLeft .. AreaBottom, the finished area
+    AreaRect drag;              // DragStartX .. DragEndY, as the mouse gave them
+    AreaRect area;              // AreaLeft .. AreaBottom, the finished area
+    bool DragFlag = false;      // a drag is under way
+    bool AreaMovedFlag = false; // the area was dropped once: no further snapshot
+    // Where the pointer took hold of a lifted area, from its top left corner.
+    std::int32_t grabX = 0;
+    std::int32_t grabY = 0;
 
     [[nodiscard]] std::string caption() const { return folderLabel + nameLabel; }
 };

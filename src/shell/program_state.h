@@ -28,6 +28,9 @@ struct ProgramState {
     std::uint8_t ProcessingFlag = 0;
     // 1 while a configured dialog may run live previews.
     std::uint8_t PreviewReady = 0;
+    // 0 none; above 0 a form waits for a colour picked from a picture: 2
+    // takes the colour under the pointer ("実行中"), 3 holds it ("停止中").
+    std::uint8_t ColorPickMode = 0;
     RandomGenerator random;
     UndoStack undo{5};
     KeepStore keep;

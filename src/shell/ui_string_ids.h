@@ -114,4 +114,32 @@ constexpr int SaveTooManyColours = 5151;
 constexpr int SaveEmptyPicture = 5153;
 constexpr int SaveCannotWrite = 5155;
 
+// The area tools: status texts and the tools menu.
+constexpr int ToolSelecting = 5271;
+constexpr int ToolAreaFixed = 5273;
+constexpr int ToolMoving = 5275;
+constexpr int ToolFill = 5277;
+constexpr int ToolsSelect = 5279;
+constexpr int ToolsFix = 5281;
+constexpr int ToolsMove = 5283;
+constexpr int ToolsEnd = 5285;
+constexpr int ToolsFill = 5287;
+
+// The clipboard.
+constexpr int EditCopy = 5289;
+constexpr int EditCut = 5291;
+constexpr int EditPaste = 5293;
+constexpr int ClipboardClearTitle = 5295;
+constexpr int ClipboardDocumentName = 5297;
+constexpr int ClipboardTooLarge = 5299;
+constexpr int ClipboardEmptyPaste = 1945;
+constexpr int ClipboardEmptyPasteTitle = 1947;
+constexpr int ClipboardEmptyOpen = 1953;
+constexpr int ClipboardEmptyOpenTitle = 1955;
+
+// Picking a colour from a picture.
+constexpr int PickColour = 5301;
+constexpr int PickRunning = 5303;
+constexpr int PickStopped = 5305;
+
 } // namespace lumiran::ids

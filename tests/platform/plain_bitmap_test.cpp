@@ -58,7 +58,10 @@ Bytes bitmap(const Surface& picture, int bits, bool topDown, int headerSize = 40
 }
 
 struct PlainBitmapTest : ::testing::Test {
-    fs::path dir = fs::temp_directory_path() / "lumiran-plain-bitmap";
+    // One folder a test: ctest runs the tests of this fixture at once.
+    fs::path dir = fs::temp_directory_path() /
+                   (std::string("lumiran-plain-bitmap-") +
+                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
     QtPictureDecoder decoder;
 
     void SetUp() override {

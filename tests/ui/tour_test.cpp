@@ -53,8 +53,8 @@ class TourTest : public QObject {
         keep(*colour, "menu_color");
         keep(*doc->menu("mnuCompose"), "menu_compose");
 
-        for (const char* effect :
-             {"Monotone", "HSV Invert", "Shade Range Adjust", "One Color Scale"}) {
+        for (const char* effect : {"Monotone", "HSV Invert", "Shade Range Adjust",
+                                   "One Color Scale", "Gradation", "Ball 1", "DLA"}) {
             frame.openEffectDialog(*doc, *findEffect(effect));
             EffectDialog* dialog = frame.findChild<EffectDialog*>();
             for (QWidget* w : QApplication::topLevelWidgets()) {

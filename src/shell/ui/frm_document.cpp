@@ -2,6 +2,7 @@
 
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
+#include "engine/drawing/pixel_calls.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/picture_view.h"
 #include "shell/ui/surface_image.h"
@@ -15,8 +16,10 @@
 #include <QKeyEvent>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QMessageBox>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 #include <algorithm>
@@ -28,10 +31,26 @@ namespace {
 // The rows of the document's file menu before the history.
 constexpr int HistoryFirstRow = 16;
 
+// The outline's dots move on at this tick.
+constexpr int OutlineTickMs = 150;
+
+PointerButton toolButton(Qt::MouseButton button) {
+    if (button == Qt::LeftButton) return PointerButton::Left;
+    if (button == Qt::RightButton) return PointerButton::Right;
+    return PointerButton::Other;
+}
+
+// The pixels a rectangle of picture coordinates covers, right and bottom exclusive.
+QRect coveredPixels(const AreaRect& r) {
+    return {QPoint(std::min(r.left, r.right), std::min(r.top, r.bottom)),
+            QSize(std::abs(r.right - r.left), std::abs(r.bottom - r.top))};
+}
+
 } // namespace
 
 FrmDocument::FrmDocument(FrmMain& frame)
-    : frame_(frame), BasicArea(new QScrollArea), Picture2(new PictureView) {
+    : frame_(frame), BasicArea(new QScrollArea), Picture2(new PictureView),
+      Timer1(new QTimer(this)) {
     setObjectName("FrmDocument");
     setAttribute(Qt::WA_DeleteOnClose);
     setFocusPolicy(Qt::StrongFocus);
@@ -43,7 +62,139 @@ FrmDocument::FrmDocument(FrmMain& frame)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(BasicArea);
     BasicArea->viewport()->installEventFilter(this);
+    Timer1->setObjectName("Timer1");
+    Timer1->setInterval(OutlineTickMs);
+    connect(Timer1, &QTimer::timeout, Picture2, &PictureView::stepOutline);
+    connect(Picture2, &PictureView::pressed, this, &FrmDocument::onPressed);
+    connect(Picture2, &PictureView::dragged, this, &FrmDocument::onDragged);
+    connect(Picture2, &PictureView::released, this, [this](QPoint pixel, Qt::MouseButton button) {
+        // Only the button that draws and drags ends a drag.
+        if (button == Qt::LeftButton) onReleased(pixel);
+    });
+    connect(Picture2, &PictureView::pointerMoved, this, &FrmDocument::onPointer);
+    toolStatus_ = res(ids::StatusTool);
     buildMenus();
+}
+
+void FrmDocument::buildToolsMenu(QMenu& menu) {
+    struct Row {
+        int index;
+        int caption;
+    };
+    static constexpr Row rows[] = {
+        {tools_menu::Select, ids::ToolsSelect},
+        {tools_menu::FixArea, ids::ToolsFix},
+        {tools_menu::MoveArea, ids::ToolsMove},
+        {tools_menu::EndTool, ids::ToolsEnd},
+        {4, 0},
+        {tools_menu::FillArea, ids::ToolsFill},
+    };
+    for (const Row& row : rows) {
+        // Row 4 has no caption and no command.
+        if (row.caption == 0) {
+            menu.addSeparator();
+            continue;
+        }
+        QAction* action = menu.addAction(res(row.caption), this,
+                                         [this, index = row.index] { ToolsNo_Click(index); });
+        action->setObjectName(QString("ToolsNo%1").arg(row.index));
+    }
+}
+
+void FrmDocument::ToolsNo_Click(int index) {
+    if (frame_.busy()) return;
+    applyStep(lumiran::ToolsNo_Click(frame_.state(), document_, index));
+}
+
+void FrmDocument::setToolStatus(const QString& text) {
+    toolStatus_ = text;
+    emit toolStatusChanged(text);
+}
+
+void FrmDocument::applyStep(const ToolStep& step) {
+    if (step.status) setToolStatus(qs(*step.status));
+    if (step.pictureChanged) {
+        refreshPicture();
+        frame_.refreshCommands();
+    } else if (step.overlayChanged) {
+        updateOverlay();
+    }
+    if (step.failure) {
+        QMessageBox::warning(this, qs(errorTitle(step.failure->number())),
+                             qs(step.failure->description()));
+    }
+}
+
+void FrmDocument::updateOverlay() {
+    const Document& d = document_;
+    PictureView::Overlay overlay;
+    if (d.ToolsFlag == tools::Selecting && d.DragFlag) overlay.rubberBand = coveredPixels(d.drag);
+    if (outlineShows(d.ToolsFlag) && !outlineSuspended_) {
+        if (d.ToolsFlag == tools::Moving) {
+            overlay.outline = coveredPixels(d.drag);
+        } else {
+            // An area left beyond a picture that has since become smaller
+            // shows only where it lies on the picture.
+            overlay.outline =
+                coveredPixels(normalisedInPicture(d.area, d.picture.width(), d.picture.height()));
+        }
+    }
+    if (d.ToolsFlag == tools::Moving && d.DragFlag) {
+        overlay.lifted = lifted_;
+        overlay.liftedAt = coveredPixels(d.drag).topLeft();
+    }
+    const bool running = overlay.outline.has_value();
+    Picture2->setOverlay(std::move(overlay));
+    if (running && !Timer1->isActive()) Timer1->start();
+    if (!running) Timer1->stop();
+}
+
+void FrmDocument::onPressed(QPoint pixel, Qt::MouseButton button) {
+    if (frame_.busy()) return;
+    ProgramState& state = frame_.state();
+    if (state.ColorPickMode > 0) {
+        // A click holds or frees the colour instead of any tool.
+        frame_.toggleColourPick();
+        return;
+    }
+    if (document_.ToolsFlag == tools::ReadyToMove && button == Qt::LeftButton) {
+        lifted_ = toQImage(state.keep.SelectAreaImage);
+    }
+    applyStep(toolMouseDown(state, document_, toolButton(button), pixel.x(), pixel.y()));
+}
+
+void FrmDocument::onDragged(QPoint pixel) {
+    if (frame_.busy()) return;
+    applyStep(toolMouseMove(document_, pixel.x(), pixel.y()));
+}
+
+void FrmDocument::onReleased(QPoint pixel) {
+    if (frame_.busy()) return;
+    applyStep(toolMouseUp(frame_.state(), document_, pixel.x(), pixel.y()));
+    if (document_.ToolsFlag != tools::Moving) lifted_ = QImage();
+}
+
+void FrmDocument::onPointer(QPoint pixel) {
+    if (frame_.busy() || frame_.state().ColorPickMode != 2) return;
+    const ColourRef c = GetPixel(document_.picture, pixel.x(), pixel.y());
+    if (c == NoColour) return;
+    frame_.colourPicked({static_cast<std::uint8_t>(c & 0xFF),
+                         static_cast<std::uint8_t>((c >> 8) & 0xFF),
+                         static_cast<std::uint8_t>((c >> 16) & 0xFF)});
+}
+
+void FrmDocument::EffectStartToolsFlag() {
+    if (document_.ToolsFlag == tools::AreaDrawn || document_.ToolsFlag == tools::ReadyToMove)
+        ToolsNo_Click(tools_menu::FixArea);
+    outlineSuspended_ = true;
+    updateOverlay();
+}
+
+void FrmDocument::EndingToolsFlag() {
+    outlineSuspended_ = false;
+    // The run may have ended the tool (an empty area) or fixed it.
+    if (document_.ToolsFlag != tools::AreaDrawn) setToolStatus(qs(toolStatusText(document_)));
+    updateOverlay();
 }
 
 QMenu* FrmDocument::addTopMenu(const char* objectName, int captionId) {
@@ -99,6 +250,23 @@ void FrmDocument::buildMenus() {
     undoAction_->setObjectName("EditUndo");
     edit->addAction(res(ids::EditUndoRelease), &f, &FrmMain::releaseUndo);
     edit->addSeparator();
+    edit->addSeparator();
+    edit->addAction(res(ids::EditCopy), QKeySequence::Copy, this,
+                    [this] { frame_.copyToClipboard(*this); })
+        ->setObjectName("EditCopy");
+    edit->addAction(res(ids::EditCut), QKeySequence::Cut, this,
+                    [this] { frame_.cutToClipboard(*this); })
+        ->setObjectName("EditCut");
+    edit->addAction(res(ids::EditPaste), QKeySequence::Paste, this,
+                    [this] { frame_.pasteIntoDocument(*this); })
+        ->setObjectName("EditPaste");
+    edit->addSeparator();
+    edit->addAction(res(ids::EditPasteClipboard), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_V),
+                    &f, &FrmMain::PasteAsNewDocument)
+        ->setObjectName("mnuEditPasteclipboard");
+    edit->addAction(res(ids::EditClipboardClear), &f, &FrmMain::ClipboardClear)
+        ->setObjectName("ClipboardClear");
+    edit->addSeparator();
     finalLoadAction_ = edit->addAction(res(ids::EditFinalLoad), &f, &FrmMain::openFinalLoadImage);
     finalLoadAction_->setObjectName("mnueditfinalloadnewopen");
     edit->addAction(res(ids::EditHistoryClear), &f, &FrmMain::clearHistory);
@@ -121,7 +289,7 @@ void FrmDocument::buildMenus() {
     view->addSeparator();
     view->addAction(res(ids::ViewOptions), &f, &FrmMain::showOptions);
 
-    addTopMenu("mnuTools", ids::MenuTools)->setEnabled(false);
+    buildToolsMenu(*addTopMenu("mnuTools", ids::MenuTools));
     QMenu* effect = addTopMenu("mnuEffect", ids::MenuEffect);
     QMenu* compose = addTopMenu("mnuCompose", ids::MenuCompose);
     buildEffectMenus(*effect, *compose);
@@ -214,22 +382,18 @@ void FrmDocument::refreshHistory() {
 
 void FrmDocument::SetMenusEnabled(bool enable) {
     menusEnabled_ = enable;
-    static const char* const alwaysOffForNow[] = {"mnuTools"};
-    for (QMenu* m : topMenus_) {
-        bool on = enable;
-        for (const char* name : alwaysOffForNow) {
-            if (m->objectName() == QLatin1String(name)) on = false;
-        }
-        m->setEnabled(on);
-    }
+    for (QMenu* m : topMenus_)
+        m->setEnabled(enable);
 }
 
 void FrmDocument::refreshPicture() {
     Picture2->setImage(toQImage(document_.picture));
+    updateOverlay();
 }
 
 void FrmDocument::showPicture(QImage picture) {
     Picture2->setImage(std::move(picture));
+    updateOverlay();
 }
 
 QMdiSubWindow* FrmDocument::subWindow() const {
@@ -336,6 +500,7 @@ void FrmDocument::closeEvent(QCloseEvent* event) {
         return;
     }
     document_.ToolsFlag = 0;
+    Timer1->stop();
     frame_.documentClosed(this);
     event->accept();
 }

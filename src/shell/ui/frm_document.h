@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/area_tool.h"
 #include "shell/document.h"
 
 #include <QList>
@@ -10,6 +11,7 @@ class QAction;
 class QMdiSubWindow;
 class QMenu;
 class QScrollArea;
+class QTimer;
 
 namespace lumiran {
 
@@ -60,8 +62,21 @@ class FrmDocument : public QWidget {
     void zoomToFit();
     [[nodiscard]] double zoom() const;
 
+    // ToolsNo_Click: a row of the tools menu.
+    void ToolsNo_Click(int index);
+    // The tool's text for the status panel.
+    [[nodiscard]] const QString& toolStatus() const { return toolStatus_; }
+    // A run is about to start on this document: an area being drawn or
+    // ready to move is fixed, and the outline leaves the screen.
+    void EffectStartToolsFlag();
+    // The run has ended: the outline runs again around the area, if any.
+    void EndingToolsFlag();
+    // Timer1: the area's running outline.
+    [[nodiscard]] QTimer& outlineTimer() const { return *Timer1; }
+
   signals:
     void zoomChanged(double zoom);
+    void toolStatusChanged(const QString& text);
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -76,6 +91,15 @@ class FrmDocument : public QWidget {
     QMenu* addTopMenu(const char* objectName, int captionId);
     // Zooms keeping the picture point under `anchor` (viewport coordinates) in place.
     void zoomAround(double zoom, QPoint anchor);
+    void buildToolsMenu(QMenu& tools);
+    void onPressed(QPoint pixel, Qt::MouseButton button);
+    void onDragged(QPoint pixel);
+    void onReleased(QPoint pixel);
+    void onPointer(QPoint pixel);
+    void applyStep(const ToolStep& step);
+    void setToolStatus(const QString& text);
+    // Rubber band, outline and lifted area from the tool's state.
+    void updateOverlay();
 
     FrmMain& frame_;
     Document document_;
@@ -89,6 +113,10 @@ class FrmDocument : public QWidget {
     QAction* finalLoadAction_ = nullptr;
     QAction* closeAction_ = nullptr;
     bool menusEnabled_ = true;
+    QTimer* Timer1;
+    QString toolStatus_;
+    QImage lifted_;                 // the lifted area, for the screen
+    bool outlineSuspended_ = false; // a run holds the document
 };
 
 } // namespace lumiran

@@ -2,12 +2,18 @@
 
 #include "catalogue/ui/effect_dialog.h"
 #include "engine/calculation.h"
+#include "engine/drawing/blit.h"
+#include "engine/drawing/pixel_calls.h"
 #include "engine/raster_step.h"
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/load_dispatch.h"
 #include "platform/qt_picture_decoder.h"
+#include "shell/area_tool.h"
+#include "shell/clipboard_paste.h"
 #include "shell/string_table.h"
+#include "shell/ui/clipboard_picture.h"
 #include "shell/ui/dialogs/dialogs.h"
+#include "shell/ui/dialogs/frm_colorset.h"
 #include "shell/ui/frm_document.h"
 #include "shell/ui/frm_picture_save.h"
 #include "shell/ui/picture_view.h"
@@ -18,6 +24,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDir>
@@ -269,8 +276,11 @@ void FrmMain::buildFrameMenus() {
     edit->setObjectName("mnuEdit");
     frameFinalLoad_ = edit->addAction(res(ids::EditFinalLoad), this, &FrmMain::openFinalLoadImage);
     frameFinalLoad_->setObjectName("mnueditfinalloadnewopen");
-    edit->addAction(res(ids::EditPasteClipboard))->setEnabled(false);
-    edit->addAction(res(ids::EditClipboardClear))->setEnabled(false);
+    edit->addAction(res(ids::EditPasteClipboard), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_V),
+                    this, &FrmMain::PasteAsNewDocument)
+        ->setObjectName("mnuEditPasteclipboard");
+    edit->addAction(res(ids::EditClipboardClear), this, &FrmMain::ClipboardClear)
+        ->setObjectName("ClipboardClear");
     edit->addAction(res(ids::EditHistoryClear), this, &FrmMain::clearHistory)
         ->setObjectName("HistoryClear");
     edit->addAction(res(ids::EditDesktop))->setEnabled(false);
@@ -393,6 +403,27 @@ bool FrmMain::routeToolButton(const QString& key, bool run) {
                 if (FrmDocument* doc = activeDocument()) undo(*doc);
             };
         }
+        // Copy, paste, open the clipboard, and the three area tools.
+        if (key == toolKey(3490)) {
+            return [this] {
+                if (FrmDocument* doc = activeDocument()) copyToClipboard(*doc);
+            };
+        }
+        if (key == toolKey(3492)) {
+            return [this] {
+                if (FrmDocument* doc = activeDocument()) pasteIntoDocument(*doc);
+            };
+        }
+        if (key == toolKey(3494)) return [this] { PasteAsNewDocument(); };
+        for (const auto& [base, row] :
+             {std::pair{3496, tools_menu::Select}, std::pair{3498, tools_menu::MoveArea},
+              std::pair{3500, tools_menu::FillArea}}) {
+            if (key == toolKey(base)) {
+                return [this, row] {
+                    if (FrmDocument* doc = activeDocument()) doc->ToolsNo_Click(row);
+                };
+            }
+        }
         if (key == toolKey(4134)) return [this] { showOptions(); };
         if (key == toolKey(4136)) return [this] { showHelp(); };
         return {};
@@ -456,7 +487,7 @@ void FrmMain::refreshStatus() {
     calculationPanel_->setText(res(ids::StatusCalculation) +
                                calculationTypeLabel(state_.flags.calculationFlag));
     rasterPanel_->setText(res(ids::StatusRaster) + rasterOpLabel(state_.flags.rasterOpFlag));
-    toolPanel_->setText(res(ids::StatusTool));
+    showToolStatus();
     backColorPanel_->setText(res(ids::StatusBackColor));
     backColorPanel_->setStyleSheet(colourStyle(state_.flags.backColor));
     drawingColorPanel_->setText(res(ids::StatusDrawingColor));
@@ -491,6 +522,12 @@ void FrmMain::refreshMenus() {
     setMenusEnabled(!runs_->running());
     refreshCommands();
     refreshPicturePanels();
+    showToolStatus();
+}
+
+void FrmMain::showToolStatus() {
+    const FrmDocument* doc = activeDocument();
+    toolPanel_->setText(doc != nullptr ? doc->toolStatus() : res(ids::StatusTool));
 }
 
 bool FrmMain::busy() const {
@@ -704,6 +741,9 @@ FrmDocument* FrmMain::makeDocument() {
             [this, doc](QPoint pixel) { showPointer(*doc, pixel); });
     connect(&doc->pictureView(), &PictureView::pointerLeft, this, &FrmMain::clearPointer);
     connect(doc, &FrmDocument::zoomChanged, this, &FrmMain::refreshPicturePanels);
+    connect(doc, &FrmDocument::toolStatusChanged, this, [this, doc] {
+        if (activeDocument() == doc) showToolStatus();
+    });
     ++documentCount_;
     return doc;
 }
@@ -779,8 +819,9 @@ void FrmMain::openCommandLine(const QString& commandLine) {
 
 void FrmMain::openEffectDialog(FrmDocument& document, const EffectEntry& entry) {
     if (busy()) return;
-    Document& model = document.document();
-    if (model.ToolsFlag == 4 || model.ToolsFlag == 2) model.ToolsFlag = 3;
+    const std::uint8_t tool = document.document().ToolsFlag;
+    if (tool == tools::ReadyToMove || tool == tools::AreaDrawn)
+        document.ToolsNo_Click(tools_menu::FixArea);
     // The forms are loaded afresh for every effect.
     if (effectDialog_) effectDialog_->close();
     auto* dialog = new EffectDialog(entry.dialog, *this, document);
@@ -909,13 +950,154 @@ void FrmMain::showOptions() {
 }
 
 void FrmMain::showColorSet() {
-    Settings edited = settings_;
-    edited.backColor = state_.flags.backColor;
-    edited.drawingColor = state_.flags.drawingColor;
-    if (!showColorSetDialog(edited, this)) return;
-    state_.flags.backColor = settings_.backColor = edited.backColor;
-    state_.flags.drawingColor = settings_.drawingColor = edited.drawingColor;
-    refreshStatus();
+    // Modeless, so that a colour can be picked from a picture meanwhile.
+    if (colorSet_) {
+        colorSet_->raise();
+        colorSet_->activateWindow();
+        return;
+    }
+    Settings shown = settings_;
+    shown.backColor = state_.flags.backColor;
+    shown.drawingColor = state_.flags.drawingColor;
+    auto* dialog = new frm_ColorSet(shown, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    colorSet_ = dialog;
+    connect(dialog, &QDialog::accepted, this, [this, dialog] {
+        Settings edited = settings_;
+        dialog->storeInto(edited);
+        state_.flags.backColor = settings_.backColor = edited.backColor;
+        state_.flags.drawingColor = settings_.drawingColor = edited.drawingColor;
+        refreshStatus();
+    });
+    connect(dialog, &frm_ColorSet::pickingChanged, this, [this, dialog](bool on) {
+        state_.ColorPickMode = on ? 2 : 0;
+        dialog->setPickState(state_.ColorPickMode);
+    });
+    connect(dialog, &QDialog::finished, this, [this] { state_.ColorPickMode = 0; });
+    dialog->show();
+}
+
+frm_ColorSet* FrmMain::colorSetWindow() const {
+    return qobject_cast<frm_ColorSet*>(colorSet_.data());
+}
+
+void FrmMain::colourPicked(Rgb8 colour) {
+    if (frm_ColorSet* dialog = colorSetWindow()) dialog->showPicked(colour);
+}
+
+void FrmMain::toggleColourPick() {
+    if (state_.ColorPickMode == 2) {
+        state_.ColorPickMode = 3;
+    } else if (state_.ColorPickMode == 3) {
+        state_.ColorPickMode = 2;
+    }
+    if (frm_ColorSet* dialog = colorSetWindow()) dialog->setPickState(state_.ColorPickMode);
+}
+
+AreaRect FrmMain::clipboardPart(const FrmDocument& doc) const {
+    const Document& d = doc.document();
+    const int width = d.picture.width();
+    const int height = d.picture.height();
+    if (outlineShows(d.ToolsFlag)) {
+        const AreaRect r = normalisedInPicture(d.area, width, height);
+        if (r.left < r.right && r.top < r.bottom) return r;
+    }
+    return {0, 0, width, height};
+}
+
+void FrmMain::copyToClipboard(FrmDocument& doc) {
+    if (busy()) return;
+    const Document& d = doc.document();
+    const AreaRect r = clipboardPart(doc);
+    if (r.left == 0 && r.top == 0 && r.right == d.picture.width() &&
+        r.bottom == d.picture.height()) {
+        putPictureOnClipboard(d.picture);
+        return;
+    }
+    Surface part(r.right - r.left, r.bottom - r.top);
+    BitBlt(part, 0, 0, part.width(), part.height(), d.picture, r.left, r.top, SRCCOPY);
+    putPictureOnClipboard(part);
+}
+
+void FrmMain::cutToClipboard(FrmDocument& doc) {
+    if (busy() || doc.document().picture.empty()) return;
+    copyToClipboard(doc);
+    const AreaRect r = clipboardPart(doc);
+    Document& d = doc.document();
+    // A snapshot that cannot be taken is reported; the cut goes on without it.
+    std::optional<EffectError> failure;
+    try {
+        state_.undo.PushUndo(d);
+    } catch (const EffectError& error) {
+        failure = error;
+    } catch (const std::bad_alloc&) {
+        failure = EffectError::outOfMemory();
+    }
+    if (failure) {
+        QMessageBox::warning(this, qs(errorTitle(failure->number())), qs(failure->description()));
+    }
+    const Pixel back = toPixel(state_.flags.backColor);
+    for (int y = r.top; y < r.bottom; ++y) {
+        for (int x = r.left; x < r.right; ++x)
+            d.picture.at(x, y) = (d.picture.at(x, y) & 0xFF000000u) | back;
+    }
+    doc.refreshPicture();
+    refreshCommands();
+}
+
+void FrmMain::pasteIntoDocument(FrmDocument& doc) {
+    if (busy()) return;
+    const ClipboardPicture clip = readClipboardPicture(QGuiApplication::clipboard()->mimeData());
+    if (clip.format == clipboard_format::None) {
+        QMessageBox::warning(this, res(ids::ClipboardEmptyPasteTitle),
+                             res(ids::ClipboardEmptyPaste));
+        return;
+    }
+    if (!clip.picture) {
+        QMessageBox box(QMessageBox::Warning, res(ids::ClipboardEmptyPasteTitle),
+                        res(ids::ClipboardTooLarge), QMessageBox::Ok, this);
+        box.setDetailedText(clip.problem);
+        box.exec();
+        return;
+    }
+    Document& d = doc.document();
+    const AreaRect place = pastePlace(d, clip.picture->width(), clip.picture->height());
+    if (const auto failure =
+            PasteWithRaster(state_, d, *clip.picture, state_.flags.rasterOpFlag, place)) {
+        QMessageBox::warning(this, qs(errorTitle(failure->number())), qs(failure->description()));
+    }
+    doc.refreshPicture();
+    refreshCommands();
+}
+
+void FrmMain::PasteAsNewDocument() {
+    if (busy() || !CheckWindowLimit()) return;
+    const ClipboardPicture clip = readClipboardPicture(QGuiApplication::clipboard()->mimeData());
+    if (clip.format == clipboard_format::None) {
+        QMessageBox::warning(this, res(ids::ClipboardEmptyOpenTitle), res(ids::ClipboardEmptyOpen));
+        return;
+    }
+    if (!clip.picture) {
+        QMessageBox box(QMessageBox::Warning, res(ids::ClipboardEmptyOpenTitle),
+                        res(ids::ClipboardTooLarge), QMessageBox::Ok, this);
+        box.setDetailedText(clip.problem);
+        box.exec();
+        return;
+    }
+    FrmDocument* doc = makeDocument();
+    doc->document().picture = std::move(*clip.picture);
+    doc->document().nameLabel = res(ids::ClipboardDocumentName).toStdString();
+    doc->setWindowTitle(res(ids::ClipboardDocumentName));
+    doc->refreshPicture();
+    placeNewDocument(*doc);
+    refreshFrameHistory();
+    ApplyRegulation();
+    refreshMenus();
+}
+
+void FrmMain::ClipboardClear() {
+    QGuiApplication::clipboard()->clear();
+    QMessageBox::information(this, res(ids::ClipboardClearTitle), res(ids::Done));
 }
 
 void FrmMain::showPictureInfo(FrmDocument& doc) {
@@ -966,8 +1148,14 @@ void FrmMain::setAutoPreview(bool on) {
 }
 
 bool FrmMain::runEffect(FrmDocument& doc, EffectBody body, RunOptions options) {
-    return runs_->start(doc.document(), std::move(body), settings_.FontSize,
-                        settings_.ProcessBarType, options);
+    if (runs_->running()) return false;
+    // An area being drawn or ready to move is fixed first, and the run takes
+    // it as its rectangle; the outline leaves the screen until the end.
+    doc.EffectStartToolsFlag();
+    const bool started = runs_->start(doc.document(), std::move(body), settings_.FontSize,
+                                      settings_.ProcessBarType, options);
+    if (!started) doc.EndingToolsFlag();
+    return started;
 }
 
 void FrmMain::onRunFinished(Document* document, RunOutcome outcome, QImage picture) {
@@ -979,6 +1167,7 @@ void FrmMain::onRunFinished(Document* document, RunOutcome outcome, QImage pictu
         } else if (outcome == RunOutcome::Applied) {
             doc->refreshPicture();
         }
+        doc->EndingToolsFlag();
     }
     clearPointer();
     refreshCommands();
@@ -1015,6 +1204,7 @@ void FrmMain::closeEvent(QCloseEvent* event) {
     // Windows of their own that would otherwise keep the program alive.
     if (effectDialog_) effectDialog_->close();
     if (helpWindow_) helpWindow_->close();
+    if (colorSet_) colorSet_->close();
     mdiArea_->closeAllSubWindows();
     writeSettings();
     event->accept();

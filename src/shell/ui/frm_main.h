@@ -17,6 +17,7 @@ class QMdiSubWindow;
 class QMenu;
 
 class QToolBar;
+class QDialog;
 
 namespace lumiran {
 
@@ -26,6 +27,7 @@ class QtPictureDecoder;
 class RunController;
 struct EffectEntry;
 class EffectDialog;
+class frm_ColorSet;
 
 // The main frame: the document windows, the frame's own menu while no
 // document is open, toolbar, status bar, settings and the commands both
@@ -92,6 +94,23 @@ class FrmMain : public QMainWindow {
     void openSibling(FrmDocument& document, int step);
     void showOptions();
     void showColorSet();
+    // The colour dialog, while it is open; null otherwise.
+    [[nodiscard]] frm_ColorSet* colorSetWindow() const;
+    // Colour pick: the colour under the pointer goes to the waiting form; a
+    // click on the picture holds or frees it (ColorPickMode 2 and 3).
+    void colourPicked(Rgb8 colour);
+    void toggleColourPick();
+
+    // The clipboard: the picture, or the area when one is drawn or fixed,
+    // copied or cut (the cut part takes the background colour); the
+    // clipboard's picture laid over the document by the raster flag at the
+    // area's place or the top left; a new document from the clipboard; and
+    // emptying it.
+    void copyToClipboard(FrmDocument& document);
+    void cutToClipboard(FrmDocument& document);
+    void pasteIntoDocument(FrmDocument& document);
+    void PasteAsNewDocument();
+    void ClipboardClear();
     void showPictureInfo(FrmDocument& document);
     void showHelp();
     // The help window of the editor's own; null until help was asked for.
@@ -143,6 +162,9 @@ class FrmMain : public QMainWindow {
     void placeNewDocument(FrmDocument& document);
     void applyFontSize();
     void onRunFinished(Document* document, RunOutcome outcome, QImage picture);
+    // The part of the document that copy and cut take.
+    [[nodiscard]] AreaRect clipboardPart(const FrmDocument& document) const;
+    void showToolStatus();
 
     KeyValueStore& store_;
     QtPictureDecoder& decoder_;
@@ -176,6 +198,7 @@ class FrmMain : public QMainWindow {
     QAction* toolUndo_ = nullptr;
     QPointer<EffectDialog> effectDialog_;
     QPointer<QTextBrowser> helpWindow_;
+    QPointer<QDialog> colorSet_;
 };
 
 } // namespace lumiran

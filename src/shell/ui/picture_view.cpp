@@ -3,6 +3,7 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QPen>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -70,11 +71,57 @@ QPoint PictureView::pictureAt(QPointF widgetPoint) const {
             static_cast<int>(std::floor(widgetPoint.y() / zoom_))};
 }
 
+void PictureView::setOverlay(Overlay overlay) {
+    overlay_ = std::move(overlay);
+    update();
+}
+
+void PictureView::stepOutline() {
+    if (!overlay_.outline) return;
+    dashOffset_ = (dashOffset_ + 1) % 8;
+    update();
+}
+
+QRect PictureView::onWidget(const QRect& r) const {
+    const auto at = [this](int v) { return static_cast<int>(std::lround(v * zoom_)); };
+    return QRect(QPoint(at(r.left()), at(r.top())),
+                 QPoint(at(r.left() + r.width()) - 1, at(r.top() + r.height()) - 1));
+}
+
+void PictureView::paintOverlay(QPainter& painter) const {
+    painter.resetTransform();
+    if (!overlay_.lifted.isNull()) {
+        const QRect place = onWidget(QRect(overlay_.liftedAt, overlay_.lifted.size()));
+        painter.drawImage(place, overlay_.lifted);
+    }
+    if (overlay_.rubberBand) {
+        // Inverting, so the band shows on any picture.
+        painter.setCompositionMode(QPainter::CompositionMode_Difference);
+        painter.setPen(QPen(Qt::white, 1));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(onWidget(overlay_.rubberBand->normalized()));
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    }
+    if (overlay_.outline) {
+        // Black and white dashes that run: visible on any colour.
+        const QRect r = onWidget(*overlay_.outline);
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(Qt::white, 1));
+        painter.drawRect(r);
+        QPen dots(Qt::black, 1, Qt::CustomDashLine);
+        dots.setDashPattern({4, 4});
+        dots.setDashOffset(dashOffset_);
+        painter.setPen(dots);
+        painter.drawRect(r);
+    }
+}
+
 void PictureView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     const QRect exposed = event->rect();
     if (zoom_ == 1.0) {
         painter.drawImage(exposed, image_, exposed);
+        paintOverlay(painter);
         return;
     }
     if (zoom_ < 1.0) {
@@ -83,6 +130,7 @@ void PictureView::paintEvent(QPaintEvent* event) {
             reduced_ = image_.scaled(size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         }
         painter.drawImage(exposed, reduced_, exposed);
+        paintOverlay(painter);
         return;
     }
     // Enlarged: each picture pixel a square, only the exposed part drawn.
@@ -91,6 +139,7 @@ void PictureView::paintEvent(QPaintEvent* event) {
                              .intersected(image_.rect());
     painter.scale(zoom_, zoom_);
     painter.drawImage(source.topLeft(), image_, source);
+    paintOverlay(painter);
 }
 
 void PictureView::mouseMoveEvent(QMouseEvent* event) {
@@ -100,7 +149,18 @@ void PictureView::mouseMoveEvent(QMouseEvent* event) {
     } else {
         emit pointerLeft();
     }
+    if (event->buttons() != Qt::NoButton) emit dragged(pixel);
     QWidget::mouseMoveEvent(event);
+}
+
+void PictureView::mousePressEvent(QMouseEvent* event) {
+    emit pressed(pictureAt(event->position()), event->button());
+    QWidget::mousePressEvent(event);
+}
+
+void PictureView::mouseReleaseEvent(QMouseEvent* event) {
+    emit released(pictureAt(event->position()), event->button());
+    QWidget::mouseReleaseEvent(event);
 }
 
 void PictureView::leaveEvent(QEvent* event) {

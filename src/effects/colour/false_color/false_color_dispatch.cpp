@@ -73,8 +73,8 @@ void registerFalseColorEffects(EffectDispatch& d) {
                                   r.top, r.right, r.bottom);
           }));
     // Water Noise: stamps, then the 3x3 median blots them into the
-    // picture. The colour row ｶﾗｰ lays stamps of random colours whatever
-    // the type row shows.
+    // picture. The colour row ｶﾗｰ with the first type lays dots of random
+    // colours, as the call says; the other types keep their marks.
     const EffectPlanner median =
         dispatch::withTrans<Class_NeighborhoodOp>([](Class_NeighborhoodOp& e, V, R r) {
             e.MedianFilter(0, 0, r.left, r.top, r.right, r.bottom);
@@ -93,8 +93,9 @@ void registerFalseColorEffects(EffectDispatch& d) {
              e.RandamNoise_Color(slider(v, 1), 0, 0, 0, 0, 0, r.left, r.top, r.right, r.bottom);
          }),
          median});
-    d.add(DialogKind::Emboss, 32,
-          [monoWater, colourWater](V v) { return v.color == 1 ? colourWater(v) : monoWater(v); });
+    d.add(DialogKind::Emboss, 32, [monoWater, colourWater](V v) {
+        return v.eType == 0 && v.color == 1 ? colourWater(v) : monoWater(v);
+    });
     // Noise Corrdinate: wavelength, amplitude, function. It reads the
     // source while it writes, so it has the Trans array.
     d.add(DialogKind::Level, 48,

@@ -1,0 +1,215 @@
+// Blocks shaded as spheres of their mean colour, the glowing blocks, and
+// the relief of the picture's own grey.
+#include "effects/texture/hide_effect/class_hide_effect.h"
+#include "effects/texture/hide_effect/sphere_light.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace lumiran {
+namespace {
+
+using hide::Lighting;
+
+Lighting lightingOf(std::int16_t x, std::int16_t y, std::int16_t z, std::int16_t reflection,
+                    std::int16_t ambient) {
+    return {hide::lightVector(x, y, z),
+            {double(reflection), double(reflection), double(reflection)},
+            double(ambient)};
+}
+
+mosaic::Extent extentOf(const ProcessRect& rect, const Surface& picture) {
+    return {std::max<int>(rect.left, 0), std::min<int>(rect.right, picture.width()),
+            std::max<int>(rect.top, 0), std::min<int>(rect.bottom, picture.height())};
+}
+
+} // namespace
+
+// Cells inside the sphere take the lit colour of the block's mean (type 0)
+// or of their own pixel (any other type); cells outside it, and the cells
+// the fold repeats, are left to the picture.
+void Class_HideEffect::shadeBlock(int x0, int y0, std::span<const int> rows,
+                                  std::span<const int> columns, std::int16_t type,
+                                  const Lighting& lighting) {
+    const int height = static_cast<int>(rows.size());
+    const int width = static_cast<int>(columns.size());
+    const Rgb16 mean = mosaic::blockMean(ImageBits, rows, columns);
+    const double radius = std::min(width, height) / 2.0;
+    for (int i = 0; i < height; ++i) {
+        const int y = rows[static_cast<std::size_t>(i)];
+        if (y != y0 + i) continue;
+        for (int j = 0; j < width; ++j) {
+            const int x = columns[static_cast<std::size_t>(j)];
+            if (x != x0 + j) continue;
+            const hide::Shade shade = hide::sphereShade(lighting.light, j - (width - 1) / 2.0,
+                                                        i - (height - 1) / 2.0, radius);
+            if (!shade.inside) continue;
+            const Pixel p = ImageBits.at(x, y);
+            const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+            const Rgb16 lit =
+                type == 0 ? hide::shadeColour(lighting, shade, mean.red, mean.green, mean.blue)
+                          : hide::shadeColour(lighting, shade, r, g, b);
+            const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, b, lit);
+            TransBits.at(x, y) = withColour(TransBits.at(x, y), v.red, v.green, v.blue);
+        }
+    }
+}
+
+void Class_HideEffect::shadedWalk(const ProcessRect& rect, const mosaic::BlockGrid& grid,
+                                  std::int16_t type, const Lighting& lighting) {
+    const mosaic::Extent extent = extentOf(rect, ImageBits);
+    const int blockRows = mosaic::blockRowCount(extent, grid);
+    SetProgressRange(0, blockRows);
+    std::vector<int> rows(static_cast<std::size_t>(grid.height));
+    std::vector<int> columns(static_cast<std::size_t>(grid.width));
+    for (int k = 0; k < blockRows; ++k) {
+        const int y0 = extent.firstRow + grid.firstRow + k * grid.stepY;
+        mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int m) {
+            const int x0 = extent.firstColumn - grid.rowShift[k & 1] + m * grid.stepX;
+            shadeBlock(x0, y0, rows, columns, type, lighting);
+        });
+        if (!finishRow()) return;
+    }
+}
+
+void Class_HideEffect::Mosaic_Shading(std::uint8_t size, std::int16_t left, std::int16_t top,
+                                      std::int16_t right, std::int16_t bottom, std::int16_t type,
+                                      std::int16_t lightX, std::int16_t lightY, std::int16_t lightZ,
+                                      std::int16_t reflection, std::int16_t ambient) {
+    guarded([&] {
+        shadedWalk({left, top, right, bottom}, mosaic::BlockGrid::plain(size, size), type,
+                   lightingOf(lightX, lightY, lightZ, reflection, ambient));
+    });
+}
+
+void Class_HideEffect::Mosaic_ShadingGap(std::uint8_t width, std::uint8_t height, std::int16_t left,
+                                         std::int16_t top, std::int16_t right, std::int16_t bottom,
+                                         std::uint8_t /*reserved1*/, std::uint8_t /*reserved2*/,
+                                         std::int16_t lightX, std::int16_t lightY,
+                                         std::int16_t lightZ, std::uint8_t /*reserved3*/,
+                                         std::int16_t reflection, std::int16_t ambient) {
+    guarded([&] {
+        mosaic::BlockGrid grid = mosaic::BlockGrid::plain(width, height);
+        grid.rowShift[1] = width / 2;
+        shadedWalk({left, top, right, bottom}, grid, 0,
+                   lightingOf(lightX, lightY, lightZ, reflection, ambient));
+    });
+}
+
+void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left, std::int16_t top,
+                                            std::int16_t right, std::int16_t bottom,
+                                            std::int16_t type, std::int16_t lightX,
+                                            std::int16_t lightY, std::int16_t lightZ,
+                                            std::int16_t reflection, std::int16_t ambient) {
+    guarded([&] {
+        const Lighting lighting = lightingOf(lightX, lightY, lightZ, reflection, ambient);
+        const mosaic::Extent extent = extentOf({left, top, right, bottom}, ImageBits);
+        const int blockRows = mosaic::blockRowCount(extent, mosaic::BlockGrid::plain(size, size));
+        SetProgressRange(0, blockRows);
+        if (blockRows == 0) return;
+        const int blockColumns = (extent.endColumn - 1 - extent.firstColumn) / size + 1;
+        // Origins reach one past the last column and row, as the random
+        // mosaic's do; the fold brings such a block back onto the edge.
+        const double across = extent.endColumn - extent.firstColumn + 1;
+        const double down = extent.endRow - extent.firstRow + 1;
+        std::vector<int> rows(size);
+        std::vector<int> columns(size);
+        for (int k = 0; k < blockRows; ++k) {
+            for (int m = 0; m < blockColumns; ++m) {
+                const int x0 =
+                    roundTo<std::int32_t>(across * context().random.next() + extent.firstColumn);
+                const int y0 =
+                    roundTo<std::int32_t>(down * context().random.next() + extent.firstRow);
+                mosaic::foldAxis(y0, extent.firstRow, extent.endRow, rows);
+                mosaic::foldAxis(x0, extent.firstColumn, extent.endColumn, columns);
+                shadeBlock(x0, y0, rows, columns, type, lighting);
+            }
+            if (!finishRow()) return;
+        }
+    });
+}
+
+void Class_HideEffect::Mosaic_Glowing(std::uint8_t width, std::uint8_t height, std::int16_t left,
+                                      std::int16_t top, std::int16_t right, std::int16_t bottom,
+                                      std::uint8_t /*reserved1*/, std::uint8_t /*reserved2*/) {
+    guarded([&] {
+        const mosaic::BlockGrid grid = mosaic::BlockGrid::plain(width, height);
+        const mosaic::Extent extent = extentOf({left, top, right, bottom}, ImageBits);
+        const int blockRows = mosaic::blockRowCount(extent, grid);
+        SetProgressRange(0, blockRows);
+        const double middleX = (width - 1) / 2.0;
+        const double middleY = (height - 1) / 2.0;
+        const double farthest = std::sqrt(middleX * middleX + middleY * middleY);
+        std::vector<int> rows(height);
+        std::vector<int> columns(width);
+        for (int k = 0; k < blockRows; ++k) {
+            const int y0 = extent.firstRow + k * height;
+            mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int m) {
+                const int x0 = extent.firstColumn + m * width;
+                const Rgb16 mean = mosaic::blockMean(ImageBits, rows, columns);
+                // The block's edge cells stay, the inner ones glow.
+                for (int i = 1; i <= height - 2; ++i) {
+                    const int y = rows[static_cast<std::size_t>(i)];
+                    if (y != y0 + i) continue;
+                    for (int j = 1; j <= width - 2; ++j) {
+                        const int x = columns[static_cast<std::size_t>(j)];
+                        if (x != x0 + j) continue;
+                        const double d = std::hypot(j - middleX, i - middleY);
+                        const double fall = d == 0 ? 0 : 300 / farthest * d;
+                        const Rgb16 glow{roundTo<std::int16_t>(mean.red - fall),
+                                         roundTo<std::int16_t>(mean.green - fall),
+                                         roundTo<std::int16_t>(mean.blue - fall)};
+                        const Pixel p = ImageBits.at(x, y);
+                        const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+                        const Rgb16 once = finishPixel<ResultTail::Clamp>(r, g, b, glow);
+                        const Rgb16 v = finishPixel<ResultTail::Clamp>(
+                            r, g, b,
+                            {static_cast<std::int16_t>(once.red + r),
+                             static_cast<std::int16_t>(once.green + g),
+                             static_cast<std::int16_t>(once.blue + b)});
+                        TransBits.at(x, y) = withColour(TransBits.at(x, y), v.red, v.green, v.blue);
+                    }
+                }
+            });
+            if (!finishRow()) return;
+        }
+    });
+}
+
+void Class_HideEffect::ShadingTexture(std::uint8_t size, std::int16_t left, std::int16_t top,
+                                      std::int16_t right, std::int16_t bottom, std::int16_t lightX,
+                                      std::int16_t lightY, std::int16_t lightZ,
+                                      std::int16_t reflection, std::int16_t ambient) {
+    guarded([&] {
+        const ProcessRect rect{left, top, right, bottom};
+        SetProgressRange(top, bottom);
+        const Lighting lighting = lightingOf(lightX, lightY, lightZ, reflection, ambient);
+        const Span span = spanOf(rect);
+        // Grey as height: size is the relief's depth from black to white.
+        const double depth = size / 255.0;
+        auto grey = [&](int x, int y) {
+            x = std::clamp(x, span.firstColumn, span.endColumn - 1);
+            y = std::clamp(y, span.firstRow, span.endRow - 1);
+            const Pixel p = ImageBits.at(x, y);
+            return roundInRange<int>(0.59 * greenOf(p) + 0.3 * redOf(p) + 0.11 * blueOf(p));
+        };
+        forEachRow(rect, [&](int y, int first, int end) {
+            const Pixel* in = ImageBits.row(y).data();
+            Pixel* out = TransBits.row(y).data();
+            for (int x = first; x < end; ++x) {
+                const double gx = (grey(x + 1, y) - grey(x - 1, y)) / 2.0 * depth;
+                const double gy = (grey(x, y + 1) - grey(x, y - 1)) / 2.0 * depth;
+                const double n = std::sqrt(gx * gx + gy * gy + 1);
+                const hide::Shade shade =
+                    hide::shadeNormal(lighting.light, {-gx / n, -gy / n, 1 / n});
+                const int r = redOf(in[x]), g = greenOf(in[x]), b = blueOf(in[x]);
+                const Rgb16 v = finishPixel<ResultTail::Clamp>(
+                    r, g, b, hide::shadeColour(lighting, shade, r, g, b));
+                out[x] = withColour(out[x], v.red, v.green, v.blue);
+            }
+        });
+    });
+}
+
+} // namespace lumiran

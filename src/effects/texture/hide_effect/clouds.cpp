@@ -1,0 +1,167 @@
+// The stamps dropped at random: pencil strokes, mist and ink discs. Each
+// stamp works on what the stamps before it left, so the order of the
+// generator's draws is the picture.
+#include "effects/texture/hide_effect/class_hide_effect.h"
+#include "effects/texture/hide_effect/cloud_stamps.h"
+#include "effects/texture/mosaic/block_walk.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace lumiran {
+namespace {
+
+// As many stamps as fit the rectangle's area, with its width and height
+// counted inclusively as the placement does.
+long long stampCount(int width, int height, int side) {
+    if (side <= 0) throw EffectError::overflow();
+    return static_cast<long long>(width) * height / (static_cast<long long>(side) * side);
+}
+
+} // namespace
+
+void Class_HideEffect::Texture_Cloud(std::uint8_t width, std::uint8_t height, std::int16_t left,
+                                     std::int16_t top, std::int16_t right, std::int16_t bottom,
+                                     std::uint8_t type) {
+    guarded([&] {
+        const Surface stamp = hide::sketchStamp(std::max(width, height), type);
+        const Span span = spanOf({left, top, right, bottom});
+        const int across = right - left + 1;
+        const int down = bottom - top + 1;
+        const long long count = stampCount(across, down, std::max(width, height));
+        hundredthsShown_ = 0;
+        SetProgressRange(0, 100);
+        for (long long n = 0; n < count; ++n) {
+            const int x0 = roundTo<std::int32_t>(across * context().random.next() + left);
+            const int y0 = roundTo<std::int32_t>(down * context().random.next() + top);
+            const int endRow = std::min(y0 + stamp.height(), span.endRow);
+            const int endColumn = std::min(x0 + stamp.width(), span.endColumn);
+            for (int y = std::max(y0, span.firstRow); y < endRow; ++y) {
+                for (int x = std::max(x0, span.firstColumn); x < endColumn; ++x) {
+                    const int mask = redOf(stamp.at(x - x0, y - y0));
+                    if (mask == 255) continue;
+                    Pixel& p = ImageBits.at(x, y);
+                    const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+                    // The stroke darkens by its grey, as pencil on paper.
+                    const Rgb16 v =
+                        finishPixel<ResultTail::Clamp>(r, g, b,
+                                                       {static_cast<std::int16_t>(r * mask / 255),
+                                                        static_cast<std::int16_t>(g * mask / 255),
+                                                        static_cast<std::int16_t>(b * mask / 255)});
+                    p = withColour(p, v.red, v.green, v.blue);
+                }
+            }
+            if (!stepHundredths(n + 1, count)) return;
+        }
+    });
+}
+
+void Class_HideEffect::Texture_Cloud2(std::uint8_t width, std::uint8_t height, std::int16_t left,
+                                      std::int16_t top, std::int16_t right, std::int16_t bottom,
+                                      std::uint8_t depth, std::uint8_t background) {
+    guarded([&] {
+        const int side = std::max(width, height);
+        const Span span = spanOf({left, top, right, bottom});
+        const int across = right - left + 1;
+        const int down = bottom - top + 1;
+        const long long count = stampCount(across, down, side);
+        // The soft stamp: full strength in the middle, none at its rim.
+        const double strength = depth == 0 ? 0.35 : 0.7;
+        const double radius = side / 2.0;
+        std::vector<double> weight(static_cast<std::size_t>(side) * side);
+        for (int i = 0; i < side; ++i) {
+            for (int j = 0; j < side; ++j) {
+                const double d = std::hypot(j + 0.5 - radius, i + 0.5 - radius) / radius;
+                weight[static_cast<std::size_t>(i) * side + j] =
+                    d < 1 ? strength * (1 - d) * (1 - d) : 0;
+            }
+        }
+        // Over white, the mist is of the picture, which shows through it.
+        const Surface picture = background == 1 ? ImageBits : Surface();
+        if (background == 1) {
+            for (int y = span.firstRow; y < span.endRow; ++y) {
+                for (int x = span.firstColumn; x < span.endColumn; ++x) {
+                    ImageBits.at(x, y) = withColour(ImageBits.at(x, y), 255, 255, 255);
+                }
+            }
+        }
+        hundredthsShown_ = 0;
+        SetProgressRange(0, 100);
+        for (long long n = 0; n < count; ++n) {
+            const int x0 = roundTo<std::int32_t>(across * context().random.next() + left);
+            const int y0 = roundTo<std::int32_t>(down * context().random.next() + top);
+            const int endRow = std::min(y0 + side, span.endRow);
+            const int endColumn = std::min(x0 + side, span.endColumn);
+            for (int y = std::max(y0, span.firstRow); y < endRow; ++y) {
+                for (int x = std::max(x0, span.firstColumn); x < endColumn; ++x) {
+                    const double w = weight[static_cast<std::size_t>(y - y0) * side + (x - x0)];
+                    if (w == 0) continue;
+                    Pixel& p = ImageBits.at(x, y);
+                    const Pixel toward =
+                        background == 1 ? picture.at(x, y) : makePixel(255, 255, 255);
+                    const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+                    auto mix = [w](int c, int t) {
+                        return roundInRange<std::int16_t>(c + (t - c) * w);
+                    };
+                    const Rgb16 v = finishPixel<ResultTail::Clamp>(
+                        r, g, b,
+                        {mix(r, redOf(toward)), mix(g, greenOf(toward)), mix(b, blueOf(toward))});
+                    p = withColour(p, v.red, v.green, v.blue);
+                }
+            }
+            if (!stepHundredths(n + 1, count)) return;
+        }
+    });
+}
+
+void Class_HideEffect::MonochromeNoise(std::uint8_t width, std::uint8_t height, std::int16_t left,
+                                       std::int16_t top, std::int16_t right, std::int16_t bottom,
+                                       std::uint8_t type) {
+    guarded([&] {
+        const int side = std::max(width, height);
+        const Surface stamp = hide::discStamp(side);
+        const mosaic::Extent extent{std::max<int>(left, 0), std::min<int>(right, ImageBits.width()),
+                                    std::max<int>(top, 0),
+                                    std::min<int>(bottom, ImageBits.height())};
+        const int blockRows =
+            mosaic::blockRowCount(extent, mosaic::BlockGrid::plain(width, height));
+        SetProgressRange(0, blockRows);
+        if (blockRows == 0) return;
+        const int blockColumns = (extent.endColumn - 1 - extent.firstColumn) / width + 1;
+        const double across = extent.endColumn - extent.firstColumn + 1;
+        const double down = extent.endRow - extent.firstRow + 1;
+        const int lift = type == 0 ? side / 2 : side / 2 * 3 / 2;
+        std::vector<int> rows(height);
+        std::vector<int> columns(width);
+        for (int k = 0; k < blockRows; ++k) {
+            for (int m = 0; m < blockColumns; ++m) {
+                const int x0 =
+                    roundTo<std::int32_t>(across * context().random.next() + extent.firstColumn);
+                const int y0 =
+                    roundTo<std::int32_t>(down * context().random.next() + extent.firstRow);
+                mosaic::foldAxis(y0, extent.firstRow, extent.endRow, rows);
+                mosaic::foldAxis(x0, extent.firstColumn, extent.endColumn, columns);
+                for (int i = 0; i < height; ++i) {
+                    for (int j = 0; j < width; ++j) {
+                        if (redOf(stamp.at(j, i)) != 255) continue;
+                        const int x = columns[static_cast<std::size_t>(j)];
+                        const int y = rows[static_cast<std::size_t>(i)];
+                        if (x < 0 || y < 0) continue;
+                        Pixel& p = ImageBits.at(x, y);
+                        const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+                        const Rgb16 v =
+                            finishPixel<ResultTail::Clamp>(r, g, b,
+                                                           {static_cast<std::int16_t>(r + lift),
+                                                            static_cast<std::int16_t>(g + lift),
+                                                            static_cast<std::int16_t>(b + lift)});
+                        p = withColour(p, v.red, v.green, v.blue);
+                    }
+                }
+            }
+            if (!finishRow()) return;
+        }
+    });
+}
+
+} // namespace lumiran

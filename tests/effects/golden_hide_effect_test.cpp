@@ -1,0 +1,36 @@
+// Golden hashes of the Class_HideEffect effects at their defaults on the
+// bundled sample: a guard against accidental change, not a test of the rules.
+#include "golden.h"
+
+namespace lumiran::testing {
+
+INSTANTIATE_TEST_SUITE_P(HideEffect, GoldenDefaults,
+                         ::testing::Values(Golden{"Specular", "7c107b8e9ba0a905"},
+                                           Golden{"Choco Ball", "7e72e9c5d50289b5"},
+                                           Golden{"Choco Ball Gap", "395e1634fe5b9363"},
+                                           Golden{"Choco Ball Random", "28c9557ab402d22e"},
+                                           Golden{"Glowing Pixel 1", "af6565eb58371064"},
+                                           Golden{"Glowing Pixel 2", "bfd43bd09840c7c0"},
+                                           Golden{"Ball 1", "2a935b412789a0ee"},
+                                           Golden{"Ball 2", "d61030e4e470f658"},
+                                           Golden{"Ball Random", "c22fd3bae78af3e8"},
+                                           Golden{"Random Spot", "7bef80d03170ce01"},
+                                           Golden{"Lighting", "c61c26153d12ac55"},
+                                           Golden{"Sketch Noise", "f0681931c5010bfa"},
+                                           Golden{"Mist", "b7285845feb3839d"},
+                                           Golden{"Monochrome Noise", "01d4dc4491d48398"}),
+                         goldenTestName);
+
+// Each run starts from a fresh generator, as a fresh program does, and the
+// random placements repeat.
+TEST(HideEffectRandom, AFreshProgramRepeatsTheSamePicture) {
+    for (const char* effect : {"Choco Ball Random", "Glowing Pixel 2", "Ball Random", "Random Spot",
+                               "Sketch Noise", "Mist", "Monochrome Noise", "DLA"}) {
+        const Surface first = runWithDefaults(effect);
+        ASSERT_FALSE(first.empty()) << effect;
+        EXPECT_EQ(pictureHash(first), pictureHash(runWithDefaults(effect))) << effect;
+        EXPECT_NE(pictureHash(first), pictureHash(bundledSample())) << effect;
+    }
+}
+
+} // namespace lumiran::testing

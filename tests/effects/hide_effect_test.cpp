@@ -1,0 +1,142 @@
+// Class_HideEffect: the shading rule's corner cases, the channels the
+// selector lets change, blocks shaded only inside their sphere, and the ink
+// discs' fixed lift.
+#include "effects/texture/hide_effect/class_hide_effect.h"
+#include "effects/texture/hide_effect/sphere_light.h"
+#include "texture_fixture.h"
+
+#include <set>
+
+namespace lumiran::testing {
+namespace {
+
+using E = Class_HideEffect;
+
+struct HideEffectTest : TextureFixture {
+    // Ball 1 over a uniform grey with the light and ambient given.
+    Surface ball(int light, double ambient, std::uint8_t background = 0, double percent = 50) {
+        return run<E>(
+            uniformPicture(20, 20, 100, 100, 100),
+            [&](E& e, const ProcessRect& r) {
+                e.Crystal_Ball(percent, r.left, r.top, r.right, r.bottom, 0, 0,
+                               static_cast<std::int16_t>(light), 255, 255, 255, ambient, 0,
+                               background);
+            },
+            true);
+    }
+};
+
+TEST_F(HideEffectTest, WithoutALightOnlyTheAmbientTermShows) {
+    // Radius 10: one sphere around (10, 10).
+    const Surface lit = ball(0, 42, 2);
+    EXPECT_EQ(colourAt(lit, 10, 10), (Colour{42, 42, 42}));
+    EXPECT_EQ(colourAt(lit, 4, 12), (Colour{42, 42, 42}));
+    EXPECT_EQ(colourAt(lit, 0, 0), (Colour{255, 255, 255})); // the white background
+    EXPECT_TRUE(context.failures.empty());
+}
+
+TEST_F(HideEffectTest, LightFromTheViewerGivesSourcePlusHighlightAtTheTop) {
+    const Surface lit = ball(10, 0);
+    // d = 1 and s = 1 at the top: 100 + 255, clamped.
+    EXPECT_EQ(colourAt(lit, 10, 10), (Colour{255, 255, 255}));
+    // Near the rim the diffuse term fades the source.
+    EXPECT_LT(colourAt(lit, 1, 10)[0], 60);
+    EXPECT_EQ(colourAt(lit, 0, 0), (Colour{100, 100, 100})); // the picture stays
+}
+
+TEST_F(HideEffectTest, NegativeAmbientDarkensAndClampsAtZero) {
+    const Surface lit = ball(0, -200, 0);
+    EXPECT_EQ(colourAt(lit, 10, 10), (Colour{0, 0, 0}));
+}
+
+TEST_F(HideEffectTest, ARadiusBelowOnePixelIsRefusedWithAnError) {
+    const Surface same = ball(10, 0, 0, 1); // 1 % of 20 rounds to 0
+    EXPECT_EQ(context.failures.size(), 1u);
+    EXPECT_EQ(colourAt(same, 10, 10), (Colour{100, 100, 100}));
+}
+
+TEST_F(HideEffectTest, TheSelectorNamesTheChannelsSpecularChanges) {
+    struct Case {
+        std::uint8_t selector;
+        std::array<bool, 3> changes;
+    };
+    for (const Case& c :
+         {Case{0, {true, true, true}}, Case{1, {true, false, false}}, Case{3, {false, false, true}},
+          Case{5, {false, true, true}}, Case{6, {true, false, true}}}) {
+        const Surface lit = run<E>(
+            uniformPicture(21, 21, 60, 60, 60),
+            [&](E& e, const ProcessRect& r) {
+                e.Specular(50, r.left, r.top, r.right, r.bottom, 0, 0, 10, 255, 255, 255, 32, 1,
+                           c.selector);
+            },
+            true);
+        const Colour centre = colourAt(lit, 10, 10);
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(centre[i] != 60, c.changes[i]) << int(c.selector) << " channel " << i;
+        }
+        EXPECT_EQ(colourAt(lit, 0, 0), (Colour{60, 60, 60})); // outside the sphere
+    }
+}
+
+TEST_F(HideEffectTest, ChocoBallsShadeTheBlockMeanInsideTheirSphereOnly) {
+    // Two colours in each 8 x 8 block: the mean lights the sphere.
+    Surface picture(16, 16);
+    for (int y = 0; y < 16; ++y) {
+        for (int x = 0; x < 16; ++x)
+            picture.at(x, y) = makePixel(x % 2 ? 40 : 80, 0, 0);
+    }
+    const Surface balls = run<E>(
+        picture,
+        [](E& e, const ProcessRect& r) {
+            e.Mosaic_Shading(8, r.left, r.top, r.right, r.bottom, 0, 0, 0, 10, 1, 0);
+        },
+        true);
+    // Near the middle of a block the diffuse term is about 1: the mean, 60.
+    EXPECT_NEAR(colourAt(balls, 3, 3)[0], 60, 3);
+    EXPECT_NEAR(colourAt(balls, 12, 11)[0], 60, 3);
+    // A block's corner lies outside its sphere and keeps the picture.
+    EXPECT_EQ(balls.at(0, 0), picture.at(0, 0));
+    EXPECT_EQ(balls.at(15, 8), picture.at(15, 8));
+}
+
+TEST_F(HideEffectTest, InkDiscsLiftThePictureByHalfTheBlock) {
+    for (const auto& [type, lift] : {std::pair{0, 10}, std::pair{1, 15}}) {
+        const Surface noisy = run<E>(uniformPicture(60, 40, 100, 100, 100),
+                                     [type = type](E& e, const ProcessRect& r) {
+                                         e.MonochromeNoise(20, 20, r.left, r.top, r.right, r.bottom,
+                                                           static_cast<std::uint8_t>(type));
+                                     });
+        std::set<int> levels;
+        for (const Pixel p : noisy.pixels())
+            levels.insert(redOf(p));
+        // Discs may overlap: every level is 100 plus a whole number of lifts,
+        // or the clamp.
+        EXPECT_GT(levels.size(), 1u);
+        for (const int level : levels) {
+            if (level != 255) EXPECT_EQ((level - 100) % lift, 0) << level;
+        }
+    }
+}
+
+TEST_F(HideEffectTest, SketchStampsOnlyDarken) {
+    for (std::uint8_t type = 0; type < 10; ++type) {
+        random = RandomGenerator();
+        const Surface picture = makeVariedPicture(40, 30);
+        const Surface sketched = run<E>(picture, [type](E& e, const ProcessRect& r) {
+            e.Texture_Cloud(8, 8, r.left, r.top, r.right, r.bottom, type);
+        });
+        int darker = 0;
+        for (int y = 0; y < 30; ++y) {
+            for (int x = 0; x < 40; ++x) {
+                const Colour before = colourAt(picture, x, y), after = colourAt(sketched, x, y);
+                for (int i = 0; i < 3; ++i)
+                    ASSERT_LE(after[i], before[i]) << int(type);
+                darker += after != before;
+            }
+        }
+        EXPECT_GT(darker, 0) << int(type);
+    }
+}
+
+} // namespace
+} // namespace lumiran::testing

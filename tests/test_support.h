@@ -3,6 +3,7 @@
 #include "engine/pixel.h"
 #include "engine/surface.h"
 
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
@@ -10,6 +11,17 @@
 #include <unistd.h>
 
 namespace lumiran::testing {
+
+// A pixel's red, green and blue.
+using Colour = std::array<int, 3>;
+
+inline Colour colourOf(Pixel p) {
+    return {redOf(p), greenOf(p), blueOf(p)};
+}
+
+inline Colour colourAt(const Surface& s, int x, int y) {
+    return colourOf(s.at(x, y));
+}
 
 // A picture whose every pixel comes from a function of its position.
 inline Surface makePicture(int width, int height, const std::function<Pixel(int, int)>& colour) {

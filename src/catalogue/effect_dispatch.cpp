@@ -4,8 +4,53 @@
 #include "catalogue/family_registration.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <utility>
 
 namespace lumiran {
+namespace {
+
+// Step i of n reports its percentages within its own share of the bar.
+class StepProgress final : public ProgressSink {
+  public:
+    StepProgress(ProgressSink& whole, std::size_t steps) : whole_(whole), steps_(steps) {}
+    void beginStep(std::size_t index) { index_ = index; }
+    void showPercent(int percent) override {
+        const auto done = static_cast<long long>(index_) * 100 + percent;
+        whole_.showPercent(static_cast<int>(done / static_cast<long long>(steps_)));
+    }
+    void showCaption(int stringId) override { whole_.showCaption(stringId); }
+
+  private:
+    ProgressSink& whole_;
+    std::size_t steps_;
+    std::size_t index_ = 0;
+};
+
+// What a step may change in the shared context goes back after it, also
+// when the step throws.
+class ContextRestore {
+  public:
+    explicit ContextRestore(RunContext& context)
+        : context_(context), progress_(context.progress), kept0_(context.kept0),
+          kept1_(context.kept1) {}
+    ContextRestore(const ContextRestore&) = delete;
+    ContextRestore& operator=(const ContextRestore&) = delete;
+    ~ContextRestore() {
+        context_.progress = progress_;
+        context_.kept0 = kept0_;
+        context_.kept1 = kept1_;
+    }
+
+  private:
+    RunContext& context_;
+    ProgressSink* progress_;
+    Surface* kept0_;
+    Surface* kept1_;
+};
+
+} // namespace
 
 void EffectDispatch::add(DialogKind dialog, int code, EffectPlanner planner) {
     planners_[{dialog, code}] = std::move(planner);
@@ -39,7 +84,6 @@ const EffectDispatch& effectDispatch() {
         registerGradationEffects(d);
         registerHideEffectEffects(d);
         registerDLAEffects(d);
-        registerNoiseFilterEffects(d);
         registerMosaicEffects(d);
         registerNetMosaicEffects(d);
         registerPatternEffects(d);
@@ -50,6 +94,47 @@ const EffectDispatch& effectDispatch() {
         return d;
     }();
     return dispatch;
+}
+
+EffectBody runInSequence(std::vector<EffectBody> steps) {
+    return ReplacingBody{[steps = std::move(steps)](EffectInvocation& run) {
+        RunContext& context = run.context;
+        std::optional<StepProgress> shared;
+        if (context.progress != nullptr) shared.emplace(*context.progress, steps.size());
+        Surface previous; // the result of the step before
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            if (i > 0) {
+                if (context.cancelled()) return;
+                previous = std::exchange(run.keptPicture1, Surface());
+            }
+            Surface& source = i == 0 ? run.keptPicture0 : previous;
+            // As a run does for a body that draws over a blank result.
+            if (!replacesKeptPicture1(steps[i])) {
+                run.keptPicture1 =
+                    Surface(source.width(), source.height(), toPixel(context.flags.backColor));
+            }
+            const ContextRestore restore(context);
+            if (shared) {
+                shared->beginStep(i);
+                context.progress = &*shared;
+            }
+            EffectInvocation step{context, source, run.keptPicture1, run.rect};
+            steps[i](step);
+        }
+    }};
+}
+
+EffectPlanner planInSequence(std::vector<EffectPlanner> steps) {
+    return [steps = std::move(steps)](const ControlValues& values) {
+        std::vector<EffectBody> bodies;
+        bodies.reserve(steps.size());
+        for (const EffectPlanner& step : steps) {
+            EffectPlan plan = step(values);
+            if (plan.status != EffectPlan::Status::Ready) return plan;
+            bodies.push_back(std::move(plan.body));
+        }
+        return EffectPlan::ready(runInSequence(std::move(bodies)));
+    };
 }
 
 EffectPlan planEffect(DialogKind dialog, int code, const ControlValues& values) {

@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace lumiran {
 
@@ -79,5 +80,19 @@ template <typename Class, typename Call>
         effect.ImageSetDiBitsTrans(run.keptPicture1);
     }};
 }
+
+// Several calls in a row as one run: one snapshot, one progress bar that
+// the steps share in equal parts, and a cancel or failure that ends the run
+// after the step it hit, so the picture goes back as it was. The first step
+// reads kept picture 0, each later one the result of the step before; the
+// last one's result is kept picture 1. Kept picture 0 is never written, so
+// a document lent to it (RunOptions::oneShot) comes back untouched on
+// cancel, and context().kept0 stays the run's source for effects that read
+// the original through it.
+[[nodiscard]] EffectBody runInSequence(std::vector<EffectBody> steps);
+
+// The case of several calls: each planner is a one-call case. The first
+// step that is not Ready decides the plan.
+[[nodiscard]] EffectPlanner planInSequence(std::vector<EffectPlanner> steps);
 
 } // namespace lumiran

@@ -18,7 +18,6 @@ void registerFalseColorEffects(EffectDispatch& dispatch);
 void registerGradationEffects(EffectDispatch& dispatch);
 void registerHideEffectEffects(EffectDispatch& dispatch);
 void registerDLAEffects(EffectDispatch& dispatch);
-void registerNoiseFilterEffects(EffectDispatch& dispatch);
 void registerMosaicEffects(EffectDispatch& dispatch);
 void registerNetMosaicEffects(EffectDispatch& dispatch);
 void registerPatternEffects(EffectDispatch& dispatch);

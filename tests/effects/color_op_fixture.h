@@ -12,12 +12,6 @@
 
 namespace lumiran::testing {
 
-using Colour = std::array<int, 3>;
-
-inline Colour colourOf(Pixel p) {
-    return {redOf(p), greenOf(p), blueOf(p)};
-}
-
 // Stands for the four sides of the rectangle among an operation's arguments.
 struct Sides {};
 inline constexpr Sides rect{};

@@ -27,6 +27,22 @@ struct EffectFixture : ::testing::Test {
         effect.ImageSetDiBits(result);
         return result;
     }
+
+    // The same for operations that read ImageBits and write TransBits, both
+    // fetched from the picture.
+    Surface runTrans(const Surface& picture, const Call& call, const ProcessRect& rect) {
+        Class effect(context);
+        effect.ImageGetDiBits(picture);
+        effect.ImageGetDiBitsTrans(picture);
+        call(effect, rect);
+        Surface result;
+        effect.ImageSetDiBitsTrans(result);
+        return result;
+    }
+    Surface runTrans(const Surface& picture, const Call& call) {
+        return runTrans(picture, call,
+                        ProcessRect::wholePicture(picture.width(), picture.height()));
+    }
 };
 
 } // namespace lumiran::testing

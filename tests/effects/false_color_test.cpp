@@ -5,6 +5,7 @@
 #include "effects/colour/false_color/class_false_color.h"
 #include "effects/colour/false_color/noise_stamps.h"
 #include "effects/colour/false_color/pseudo_colour_bands.h"
+#include "test_support.h"
 
 #include <array>
 #include <functional>
@@ -13,17 +14,15 @@
 namespace lumiran::testing {
 namespace {
 
-using Colour = std::array<int, 3>;
 using C = Class_FalseColor;
-using Op = std::function<void(C&, std::int16_t, std::int16_t, std::int16_t, std::int16_t)>;
+// A call on the one-pixel picture, whose rectangle is 0, 0, 1, 1.
+using Op = std::function<void(C&)>;
 
 struct FalseColorTest : EffectFixture<C> {
     Colour runOn(Colour in, const Op& op) {
-        const Surface out =
-            run(Surface(1, 1, withColour(0, in[0], in[1], in[2])),
-                [&](C& e, const ProcessRect& r) { op(e, r.left, r.top, r.right, r.bottom); });
-        const Pixel p = out.at(0, 0);
-        return {redOf(p), greenOf(p), blueOf(p)};
+        const Surface out = run(Surface(1, 1, withColour(0, in[0], in[1], in[2])),
+                                [&](C& e, const ProcessRect&) { op(e); });
+        return colourAt(out, 0, 0);
     }
 };
 
@@ -35,73 +34,66 @@ struct PixelCase {
 };
 
 TEST_F(FalseColorTest, PixelRules) {
-    using I = std::int16_t;
     const PixelCase cases[] = {
         // White: s = 0, levels 55, 155, 255 stretched to 10, 183, 356.
         {"night-fall on white",
          {255, 255, 255},
-         [](C& e, I l, I t, I r, I b) { e.BlueSepia(0, 0, 0, l, t, r, b); },
+         [](C& e) { e.BlueSepia(0, 0, 0, 0, 0, 1, 1); },
          {10, 183, 255}},
         {"sunset on white",
          {255, 255, 255},
-         [](C& e, I l, I t, I r, I b) { e.YellowOperation(0, 0, 0, l, t, r, b); },
+         [](C& e) { e.YellowOperation(0, 0, 0, 0, 0, 1, 1); },
          {255, 183, 10}},
         // Black through "光度": the source becomes 1, 1, 1 and takes the
         // tint's lightness round((62 - 54) / 2).
         {"night-fall by lightness on black",
          {0, 0, 0},
-         [](C& e, I l, I t, I r, I b) { e.BlueSepia(0, 0, 1, l, t, r, b); },
+         [](C& e) { e.BlueSepia(0, 0, 1, 0, 0, 1, 1); },
          {4, 4, 4}},
         {"sunset keeping red only",
          {0, 90, 200},
-         [](C& e, I l, I t, I r, I b) { e.YellowOperation(0, 0, 2, l, t, r, b); },
+         [](C& e) { e.YellowOperation(0, 0, 2, 0, 0, 1, 1); },
          {229, 90, 200}},
         // Type 3 at Y' = 200 of the complements: levels 42, 115, 191.
         {"reddish purple is blue above red",
          {55, 55, 55},
-         [](C& e, I l, I t, I r, I b) { e.YellowOperation(3, 0, 0, l, t, r, b); },
+         [](C& e) { e.YellowOperation(3, 0, 0, 0, 0, 1, 1); },
          {115, 42, 191}},
         {"purplish red is red above blue",
          {55, 55, 55},
-         [](C& e, I l, I t, I r, I b) { e.BlueSepia(3, 0, 0, l, t, r, b); },
+         [](C& e) { e.BlueSepia(3, 0, 0, 0, 0, 1, 1); },
          {191, 42, 115}},
         // The band edge 29 | 30 jumps by the band's offset.
-        {"pseudo below 30",
-         {29, 29, 29},
-         [](C& e, I l, I t, I r, I b) { e.FalseColor(l, t, r, b, 0); },
-         {29, 29, 29}},
-        {"pseudo at 30",
-         {30, 30, 30},
-         [](C& e, I l, I t, I r, I b) { e.FalseColor(l, t, r, b, 0); },
-         {98, 30, 30}},
+        {"pseudo below 30", {29, 29, 29}, [](C& e) { e.FalseColor(0, 0, 1, 1, 0); }, {29, 29, 29}},
+        {"pseudo at 30", {30, 30, 30}, [](C& e) { e.FalseColor(0, 0, 1, 1, 0); }, {98, 30, 30}},
         {"pseudo type 1 hands red's offset to blue",
          {40, 40, 40},
-         [](C& e, I l, I t, I r, I b) { e.FalseColor(l, t, r, b, 1); },
+         [](C& e) { e.FalseColor(0, 0, 1, 1, 1); },
          {40, 40, 108}},
         {"pseudo type 6 runs the bands backwards",
          {40, 40, 40},
-         [](C& e, I l, I t, I r, I b) { e.FalseColor(l, t, r, b, 6); },
+         [](C& e) { e.FalseColor(0, 0, 1, 1, 6); },
          {55, 40, 40}},
         {"fluorescent on white",
          {255, 255, 255},
-         [](C& e, I l, I t, I r, I b) { e.FluorescenceRevision(0, 42, l, t, r, b); },
+         [](C& e) { e.FluorescenceRevision(0, 42, 0, 0, 1, 1); },
          {255, 255, 112}},
         // Y' = 127: red 138.5, green 105.5, blue 72.5, ties to even.
         {"retrospection",
          {128, 128, 128},
-         [](C& e, I l, I t, I r, I b) { e.Retrospection(0, 10.5, 0, l, t, r, b); },
+         [](C& e) { e.Retrospection(0, 10.5, 0, 0, 0, 1, 1); },
          {138, 106, 72}},
         {"retrospection on red only",
          {128, 128, 128},
-         [](C& e, I l, I t, I r, I b) { e.Retrospection(0, 10.5, 1, l, t, r, b); },
+         [](C& e) { e.Retrospection(0, 10.5, 1, 0, 0, 1, 1); },
          {138, 128, 128}},
         {"colour adjust normal",
          {0, 0, 0},
-         [](C& e, I l, I t, I r, I b) { e.Color_Adjusten(0, 0, 255, 0, 0, l, t, r, b); },
+         [](C& e) { e.Color_Adjusten(0, 0, 255, 0, 0, 0, 0, 1, 1); },
          {255, 0, 0}},
         {"colour adjust absolute times 2",
          {50, 50, 50},
-         [](C& e, I l, I t, I r, I b) { e.Color_Adjusten(0, 2, 100, 0, 0, l, t, r, b); },
+         [](C& e) { e.Color_Adjusten(0, 2, 100, 0, 0, 0, 0, 1, 1); },
          {100, 100, 100}},
     };
     for (const PixelCase& c : cases) {
@@ -112,8 +104,7 @@ TEST_F(FalseColorTest, PixelRules) {
 
 // The stretch of type 0 multiplies in 16 bits: a level of 256 overflows.
 TEST_F(FalseColorTest, TypeZeroStretchOverflowsAboveLevel255) {
-    runOn({255, 255, 255},
-          [](C& e, auto l, auto t, auto r, auto b) { e.BlueSepia(0, -1, 0, l, t, r, b); });
+    runOn({255, 255, 255}, [](C& e) { e.BlueSepia(0, -1, 0, 0, 0, 1, 1); });
     ASSERT_EQ(context.failures.size(), 1u);
     EXPECT_EQ(context.failures[0].number(), 6);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "color_op_fixture.h" // op(), rect, Colour, colourOf
+#include "color_op_fixture.h" // op(), rect
 #include "effects/halftone/binarization/class_binarization.h"
 #include "effects/halftone/dithering/class_dithering.h"
 
@@ -13,29 +13,16 @@ namespace lumiran::testing {
 // Runs operations of a class that reads ImageBits and writes TransBits,
 // both fetched from the picture, on a rectangle of the caller's choice.
 template <typename Class>
-struct HalftoneFixture : ::testing::Test {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context{cancel, random};
-
-    using Call = std::function<void(Class&, const ProcessRect&)>;
+struct HalftoneFixture : EffectFixture<Class> {
+    using typename EffectFixture<Class>::Call;
 
     Surface run(const Surface& picture, const ProcessRect& area, const Call& call) {
-        Class effect(context);
-        effect.ImageGetDiBits(picture);
-        effect.ImageGetDiBitsTrans(picture);
-        call(effect, area);
-        Surface result;
-        effect.ImageSetDiBitsTrans(result);
-        return result;
+        return this->runTrans(picture, call, area);
     }
-
-    Surface run(const Surface& picture, const Call& call) {
-        return run(picture, ProcessRect::wholePicture(picture.width(), picture.height()), call);
-    }
+    Surface run(const Surface& picture, const Call& call) { return this->runTrans(picture, call); }
 
     [[nodiscard]] int failureNumber() const {
-        return context.failures.empty() ? 0 : context.failures.front().number();
+        return this->context.failures.empty() ? 0 : this->context.failures.front().number();
     }
 };
 

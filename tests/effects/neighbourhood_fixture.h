@@ -10,33 +10,10 @@
 
 namespace lumiran::testing {
 
-using Colour = std::array<int, 3>;
-
-inline Colour colourAt(const Surface& s, int x, int y) {
-    const Pixel p = s.at(x, y);
-    return {redOf(p), greenOf(p), blueOf(p)};
-}
-
 // Runs operations of a neighbourhood class: both arrays fetched, the
 // result taken from TransBits (or from ImageBits for in-place operations).
 template <typename Class>
-struct NeighbourhoodFixture : EffectFixture<Class> {
-    using Call = std::function<void(Class&, const ProcessRect&)>;
-
-    Surface runTrans(const Surface& picture, const Call& call) {
-        return runTrans(picture, call,
-                        ProcessRect::wholePicture(picture.width(), picture.height()));
-    }
-    Surface runTrans(const Surface& picture, const Call& call, const ProcessRect& rect) {
-        Class effect(this->context);
-        effect.ImageGetDiBits(picture);
-        effect.ImageGetDiBitsTrans(picture);
-        call(effect, rect);
-        Surface result;
-        effect.ImageSetDiBitsTrans(result);
-        return result;
-    }
-};
+struct NeighbourhoodFixture : EffectFixture<Class> {};
 
 // A picture of random colours drawn from `levels` values per channel (few
 // levels give many ties), the same for the same seed.

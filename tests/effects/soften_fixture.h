@@ -14,17 +14,9 @@ namespace lumiran::testing {
 // twice, the separate destination written back.
 struct SoftenFixture : EffectFixture<Class_Soften> {
     Surface run(const Surface& picture, const Call& call, const ProcessRect& rect) {
-        Class_Soften effect(context);
-        effect.ImageGetDiBits(picture);
-        effect.ImageGetDiBitsTrans(picture);
-        call(effect, rect);
-        Surface result;
-        effect.ImageSetDiBitsTrans(result);
-        return result;
+        return runTrans(picture, call, rect);
     }
-    Surface run(const Surface& picture, const Call& call) {
-        return run(picture, call, ProcessRect::wholePicture(picture.width(), picture.height()));
-    }
+    Surface run(const Surface& picture, const Call& call) { return runTrans(picture, call); }
 };
 
 // Colours from a fixed sequence, different at every pixel.

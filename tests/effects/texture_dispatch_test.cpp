@@ -5,6 +5,7 @@
 #include "catalogue/effect_table.h"
 #include "effects/texture/mosaic/class_mosaic.h"
 #include "effects/texture/pattern/class_pattern.h"
+#include "planned.h"
 #include "texture_fixture.h"
 
 #include <string_view>
@@ -17,20 +18,8 @@ struct TextureDispatch : TextureFixture {
 
     // What OK leaves for the named effect with these values.
     Surface planned(std::string_view name, const ControlValues& values) {
-        const EffectEntry* entry = findEffect(name);
-        EXPECT_NE(entry, nullptr) << name;
-        if (entry == nullptr) return {};
-        const EffectPlan plan = planEffect(entry->dialog, entry->code, values);
-        EXPECT_EQ(plan.status, EffectPlan::Status::Ready) << name;
-        if (plan.status != EffectPlan::Status::Ready) return {};
         random = RandomGenerator();
-        Surface kept0 = picture;
-        Surface kept1 = picture;
-        EffectInvocation invocation{context, kept0, kept1,
-                                    ProcessRect::wholePicture(picture.width(), picture.height())};
-        plan.body(invocation);
-        EXPECT_TRUE(context.failures.empty()) << name;
-        return kept1;
+        return runPlanned(context, name, values, picture);
     }
 
     ControlValues defaults(std::string_view name) {

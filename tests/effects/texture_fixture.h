@@ -12,13 +12,6 @@
 
 namespace lumiran::testing {
 
-using Colour = std::array<int, 3>;
-
-inline Colour colourAt(const Surface& s, int x, int y) {
-    const Pixel p = s.at(x, y);
-    return {redOf(p), greenOf(p), blueOf(p)};
-}
-
 inline Surface uniformPicture(int width, int height, int r, int g, int b) {
     return Surface(width, height, makePixel(r, g, b));
 }

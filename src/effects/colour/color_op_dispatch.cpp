@@ -1,24 +1,14 @@
 // The cases of the dialogs' ...Processing routines served by Class_ColorOp.
-#include "catalogue/effect_dispatch.h"
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/colour/class_color_op.h"
 #include "effects/colour/class_color_table.h"
-#include "engine/numeric.h"
 
 namespace lumiran {
 namespace {
 
-// A slider value handed to a 16-bit parameter: rounded half to even, with
-// the overflow error inside the run when it does not fit.
-std::int16_t slider(const ControlValues& v, int number) {
-    return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
-}
-
-// A list row handed to a byte parameter.
-std::uint8_t row(int index) {
-    if (index < 0 || index > 255) throw EffectError::overflow();
-    return static_cast<std::uint8_t>(index);
-}
+using dispatch::row;
+using dispatch::slider;
 
 // A case that makes its calls on one Class_ColorOp over the process
 // rectangle. The conversions of the dialog's values happen inside the run,

@@ -2,16 +2,16 @@
 // Class_Composition: the merges with the kept image and steganography.
 #include "catalogue/family_registration.h"
 #include "effects/composition/class_composition.h"
-#include "effects/texture/texture_dispatch.h"
+#include "catalogue/dispatch_values.h"
 #include "engine/drawing/raster_code.h"
 
 namespace lumiran {
 
 void registerCompositionEffects(EffectDispatch& d) {
-    using texture::inPlace;
-    using texture::row;
-    using texture::slider;
-    using texture::withTrans;
+    using dispatch::inPlace;
+    using dispatch::row;
+    using dispatch::slider;
+    using dispatch::withTrans;
     using C = Class_Composition;
     using V = const ControlValues&;
     using R = const ProcessRect&;

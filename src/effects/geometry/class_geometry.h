@@ -262,6 +262,11 @@ class Class_Geometry : public PixelFrame {
     // The rows of a reverse-mapping warp: positions by row, then the sampler.
     template <RowOrder Order = RowOrder::AnyOrder, typename Fill>
     void warpRows(const ProcessRect& rect, std::uint8_t axes, Fill&& fill);
+    // Sea Wave and Vertical Wave: the distance from the centre as one
+    // ellipse or by axis.
+    void seaWave(bool byAxis, std::uint8_t kind, std::uint8_t axes, std::int16_t amplitude,
+                 std::int16_t damping, const ProcessRect& rect, std::int16_t count,
+                 std::int16_t xPercent, std::int16_t yPercent);
     // The sampler over a row; index is room for one source index a pixel.
     void sampleRow(std::uint8_t axes, int y, int firstColumn, std::span<const double> xs,
                    std::span<const double> ys, const SampleBounds& bounds,

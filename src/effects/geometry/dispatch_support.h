@@ -2,7 +2,7 @@
 
 // What the dispatch files of Class_Geometry share: the dialog values as the
 // calls hand them on, and the shapes of a case.
-#include "catalogue/effect_dispatch.h"
+#include "catalogue/dispatch_values.h"
 #include "effects/geometry/class_geometry.h"
 #include "engine/numeric.h"
 
@@ -18,30 +18,19 @@ namespace geometry_dispatch {
 using V = const ControlValues&;
 using R = ProcessRect;
 
-// A slider value handed to a 16-bit parameter, rounded inside the run.
-inline std::int16_t slider(V v, int number) {
-    return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
-}
+using dispatch::row;
+using dispatch::slider;
 
 // A slider of frm_Mani handed on as the double it holds: D(S3) and the like.
 inline double exact(V v, int number) {
     return v.sliders[static_cast<std::size_t>(number - 1)];
 }
 
-// A list row handed to a byte parameter.
-inline std::uint8_t row(int index) {
-    if (index < 0 || index > 255) throw EffectError::overflow();
-    return static_cast<std::uint8_t>(index);
-}
-
 // The warps that sample: kept picture 0 into ImageBits and TransBits, the
 // call, TransBits into kept picture 1.
 template <typename Call>
 EffectPlanner warp(Call call) {
-    return [call](V values) {
-        return EffectPlan::ready(runWithTrans<Class_Geometry>(
-            [call, values](Class_Geometry& e, R r) { call(e, values, r); }));
-    };
+    return dispatch::withTrans<Class_Geometry>(call);
 }
 
 // The warps that draw from kept picture 0 onto kept picture 1 themselves.

@@ -7,7 +7,6 @@
 // the list's row takes its place: row 0 is that 0, and the list would
 // otherwise reach nothing. Constants a call passes beyond the method's
 // arguments are left out.
-#include "catalogue/effect_dispatch.h"
 #include "catalogue/family_registration.h"
 #include "effects/geometry/dispatch_support.h"
 

@@ -56,19 +56,34 @@ double shifted(double position, double term, int count) {
 
 } // namespace
 
-void Class_Geometry::Wave_Sea(std::uint8_t kind, std::uint8_t axes, std::int16_t amplitude,
-                              std::int16_t damping, std::int16_t left, std::int16_t top,
-                              std::int16_t right, std::int16_t bottom, std::int16_t count,
-                              std::int16_t xPercent, std::int16_t yPercent) {
+void Class_Geometry::seaWave(bool byAxis, std::uint8_t kind, std::uint8_t axes,
+                             std::int16_t amplitude, std::int16_t damping, const ProcessRect& rect,
+                             std::int16_t count, std::int16_t xPercent, std::int16_t yPercent) {
     guarded([&] {
         if (kind >= SeaKinds) return;
-        const ProcessRect rect{left, top, right, bottom};
         const WarpCentre c = centreOf(rect, xPercent, yPercent);
         const double k = 1 - damping / 100.0;
         warpRows(
             rect, axes,
             [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {
                 const RadialRow row(y, c, first, xs.size());
+                if (byAxis) {
+                    // Each axis by its own distance: sqrt(dx^2) is |dx| exactly.
+                    const std::span<double> fx = scratch.take(row.distances());
+                    for (std::size_t j = 0; j < fx.size(); ++j)
+                        fx[j] = (row.nearest + static_cast<double>(j)) * k;
+                    const std::span<double> fy = scratch.take(1);
+                    fy[0] = std::abs(static_cast<double>(row.dy)) * k;
+                    waveOf(kind, fx, scratch);
+                    waveOf(kind, fy, scratch);
+                    const double yShifted = shifted(y, amplitude / 8.0 * fy[0], count);
+                    for (std::size_t i = 0; i < xs.size(); ++i) {
+                        xs[i] = shifted(first + static_cast<double>(i),
+                                        amplitude / 5.0 * fx[row.slot(i)], count);
+                        ys[i] = yShifted;
+                    }
+                    return;
+                }
                 const std::span<double> f = scratch.take(row.distances());
                 const double dy = row.dy;
                 for (std::size_t j = 0; j < f.size(); ++j) {
@@ -85,35 +100,20 @@ void Class_Geometry::Wave_Sea(std::uint8_t kind, std::uint8_t axes, std::int16_t
     });
 }
 
+void Class_Geometry::Wave_Sea(std::uint8_t kind, std::uint8_t axes, std::int16_t amplitude,
+                              std::int16_t damping, std::int16_t left, std::int16_t top,
+                              std::int16_t right, std::int16_t bottom, std::int16_t count,
+                              std::int16_t xPercent, std::int16_t yPercent) {
+    seaWave(false, kind, axes, amplitude, damping, {left, top, right, bottom}, count, xPercent,
+            yPercent);
+}
+
 void Class_Geometry::Wave_Sea2(std::uint8_t kind, std::uint8_t axes, std::int16_t amplitude,
                                std::int16_t damping, std::int16_t left, std::int16_t top,
                                std::int16_t right, std::int16_t bottom, std::int16_t count,
                                std::int16_t xPercent, std::int16_t yPercent) {
-    guarded([&] {
-        if (kind >= SeaKinds) return;
-        const ProcessRect rect{left, top, right, bottom};
-        const WarpCentre c = centreOf(rect, xPercent, yPercent);
-        const double k = 1 - damping / 100.0;
-        warpRows(
-            rect, axes,
-            [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {
-                const RadialRow row(y, c, first, xs.size());
-                // Each axis by its own distance: sqrt(dx^2) is |dx| exactly.
-                const std::span<double> fx = scratch.take(row.distances());
-                for (std::size_t j = 0; j < fx.size(); ++j)
-                    fx[j] = (row.nearest + static_cast<double>(j)) * k;
-                const std::span<double> fy = scratch.take(1);
-                fy[0] = std::abs(static_cast<double>(row.dy)) * k;
-                waveOf(kind, fx, scratch);
-                waveOf(kind, fy, scratch);
-                const double yShifted = shifted(y, amplitude / 8.0 * fy[0], count);
-                for (std::size_t i = 0; i < xs.size(); ++i) {
-                    xs[i] = shifted(first + static_cast<double>(i),
-                                    amplitude / 5.0 * fx[row.slot(i)], count);
-                    ys[i] = yShifted;
-                }
-            });
-    });
+    seaWave(true, kind, axes, amplitude, damping, {left, top, right, bottom}, count, xPercent,
+            yPercent);
 }
 
 } // namespace lumiran

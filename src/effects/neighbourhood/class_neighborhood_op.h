@@ -1,6 +1,7 @@
 #pragma once
 
 #include "effects/neighbourhood/neighbourhood_frame.h"
+#include "effects/neighbourhood/rank_rows.h"
 
 #include <cstdint>
 
@@ -117,6 +118,14 @@ class Class_NeighborhoodOp : public NeighbourhoodFrame {
                      std::int16_t right, std::int16_t bottom, std::uint8_t kind);
 
   private:
+    // The rank filters' walk: the centres whose window of `reach` lies in
+    // the rectangle, a row at a time in chunks of columns, each chunk with
+    // the element `rank` of its windows sorted by `sort` (none for a rank
+    // below 0): chunk(y, first, count, ranked).
+    template <typename Chunk>
+    void rankedChunks(const ProcessRect& rect, int reach, neighbourhood::RankSort sort, int rank,
+                      Chunk&& chunk);
+
     // Moire and BleedingFilter: the grey summed as the luminance rule does
     // or red first.
     void quantisedGreySteps(bool redFirst, std::int16_t divisor, const ProcessRect& rect);

@@ -1,8 +1,8 @@
 // The cases of the dialogs' ...Processing routines served by Class_Edge.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/family_registration.h"
 #include "effects/neighbourhood/class_edge.h"
-#include "effects/neighbourhood/dispatch_support.h"
 
 #include <array>
 
@@ -16,7 +16,7 @@ using dispatch::slider;
 
 template <typename Call>
 EffectPlanner withTrans(Call call) {
-    return dispatch::planner<Class_Edge, dispatch::Array::Trans>(call);
+    return dispatch::withTrans<Class_Edge>(call);
 }
 
 template <typename T, std::size_t N>

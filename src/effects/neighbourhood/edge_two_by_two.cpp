@@ -2,6 +2,7 @@
 // DifferentalFilter. Rows run from top to bottom - 2 and columns from left
 // to right - 2; the last row and column stay.
 #include "effects/neighbourhood/class_edge.h"
+#include "engine/channels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,19 +13,9 @@ namespace {
 
 using neighbourhood::Area;
 
-struct Rgb {
-    int r = 0;
-    int g = 0;
-    int b = 0;
-};
-
-Rgb channelsOf(Pixel p) {
-    return {redOf(p), greenOf(p), blueOf(p)};
-}
-
 // The pixel, its right, lower and lower right neighbours.
 struct Block {
-    Rgb p0, p1, p2, p3;
+    IntRgb p0, p1, p2, p3;
 };
 
 } // namespace
@@ -92,8 +83,8 @@ void Class_Edge::DifferentalFilter(std::uint8_t kind, std::int16_t left, std::in
         auto root = [](int d) { return roundInRange<int>(std::sqrt(static_cast<double>(d))); };
         auto limited = [](int v) { return static_cast<std::int16_t>(std::min(v, 32767)); };
         blocks({left, top, right, bottom}, [&](const Block& k) {
-            Rgb d{squares(k.p0.r, k.p1.r, k.p2.r), squares(k.p0.g, k.p1.g, k.p2.g),
-                  squares(k.p0.b, k.p1.b, k.p2.b)};
+            IntRgb d{squares(k.p0.r, k.p1.r, k.p2.r), squares(k.p0.g, k.p1.g, k.p2.g),
+                     squares(k.p0.b, k.p1.b, k.p2.b)};
             if (kind >= 2) d = {root(d.r), root(d.g), root(d.b)};
             if (kind == 1 || kind == 3) {
                 const int m = (d.r + d.g + d.b) / 3;

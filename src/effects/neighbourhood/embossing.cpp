@@ -1,6 +1,7 @@
 // Embossing: a relief from two samples on either side of each pixel.
 #include "effects/neighbourhood/class_neighborhood_op.h"
 #include "effects/neighbourhood/emboss_directions.h"
+#include "engine/channels.h"
 #include "engine/colour_models.h"
 
 #include <algorithm>
@@ -13,15 +14,9 @@ namespace {
 
 using neighbourhood::Area;
 
-struct Rgb {
-    int r = 0;
-    int g = 0;
-    int b = 0;
-};
-
 // What colour kinds 0..6 make of a sample: 0 and 1 leave it, 2 greys it by
 // the luminance rule, 3 by the mean, 4..6 lighten red, green or blue.
-Rgb sampleColour(std::uint8_t colourKind, Pixel p) {
+IntRgb sampleColour(std::uint8_t colourKind, Pixel p) {
     const int r = redOf(p), g = greenOf(p), b = blueOf(p);
     switch (colourKind) {
     case 2: {
@@ -50,7 +45,7 @@ int clip(int value) {
 // The sums of one pixel and the finish of the emboss kind.
 class EmbossRule {
   public:
-    EmbossRule(std::uint8_t kind, std::uint8_t colourKind, int d, Rgb offset)
+    EmbossRule(std::uint8_t kind, std::uint8_t colourKind, int d, IntRgb offset)
         : kind_(kind), colourKind_(colourKind), d_(d), offset_(offset) {
         if (kind == 2) {
             for (int c = 0; c < 256; ++c) {
@@ -62,14 +57,14 @@ class EmbossRule {
     }
 
     [[nodiscard]] Rgb16 operator()(Pixel sampleA, Pixel sampleB, Pixel sampleCentre) const {
-        const Rgb a = sampleColour(colourKind_, sampleA);
-        const Rgb b = sampleColour(colourKind_, sampleB);
-        const Rgb s = sampleColour(colourKind_, sampleCentre);
+        const IntRgb a = sampleColour(colourKind_, sampleA);
+        const IntRgb b = sampleColour(colourKind_, sampleB);
+        const IntRgb s = sampleColour(colourKind_, sampleCentre);
         // The sums are 16-bit fields; kind 1 takes them without the offsets.
-        const Rgb offset = kind_ == 1 ? Rgb{} : offset_;
-        const Rgb sum{clip(wrap16(a.r * d_ - b.r * d_ + offset.r)),
-                      clip(wrap16(a.g * d_ - b.g * d_ + offset.g)),
-                      clip(wrap16(a.b * d_ - b.b * d_ + offset.b))};
+        const IntRgb offset = kind_ == 1 ? IntRgb{} : offset_;
+        const IntRgb sum{clip(wrap16(a.r * d_ - b.r * d_ + offset.r)),
+                         clip(wrap16(a.g * d_ - b.g * d_ + offset.g)),
+                         clip(wrap16(a.b * d_ - b.b * d_ + offset.b))};
         switch (kind_) {
         case 2:
             return {sine(sum.r, s.r), sine(sum.g, s.g), sine(sum.b, s.b)};
@@ -95,7 +90,7 @@ class EmbossRule {
     }
 
   private:
-    static Rgb16 result(Rgb c) { return {wrap16(c.r), wrap16(c.g), wrap16(c.b)}; }
+    static Rgb16 result(IntRgb c) { return {wrap16(c.r), wrap16(c.g), wrap16(c.b)}; }
     [[nodiscard]] std::int16_t sine(int sum, int source) const {
         return roundTo<std::int16_t>(sine_[static_cast<std::size_t>(source)] * sum);
     }
@@ -103,14 +98,14 @@ class EmbossRule {
     std::uint8_t kind_;
     std::uint8_t colourKind_;
     int d_;
-    Rgb offset_;
+    IntRgb offset_;
     std::array<double, 256> sine_{};
 };
 
 // Kinds 0 and 1 on plain samples without a blend: the relief alone, with
 // vector operations.
 void plainReliefRow(const Pixel* __restrict rowA, int ax, const Pixel* __restrict rowB, int bx,
-                    Pixel* __restrict out, int from, int to, int d, Rgb offset) {
+                    Pixel* __restrict out, int from, int to, int d, IntRgb offset) {
     auto channel = [d](Pixel pa, Pixel pb, int shift, int add) {
         const int va = static_cast<int>((pa >> shift) & 0xFFu);
         const int vb = static_cast<int>((pb >> shift) & 0xFFu);
@@ -179,7 +174,7 @@ void Class_NeighborhoodOp::Embossing(std::uint8_t direction, std::uint8_t colour
         if (direction > 7 || colourKind > 6 || kind > 7) return;
         const ProcessRect rect{left, top, right, bottom};
         const Area area = areaOf(rect);
-        const Rgb offset{offsetRed, offsetGreen, offsetBlue};
+        const IntRgb offset{offsetRed, offsetGreen, offsetBlue};
         const EmbossRule rule(kind, colourKind, d, offset);
         Surface means;
         if (size > 1 && !area.empty()) means = blockMeans(ImageBits, area, size);
@@ -209,7 +204,7 @@ void Class_NeighborhoodOp::Embossing(std::uint8_t direction, std::uint8_t colour
                 clamped(x);
             if (plain) {
                 plainReliefRow(rowA, ax, rowB, bx, TransBits.row(y).data(), from, to, d,
-                               kind == 1 ? Rgb{} : offset);
+                               kind == 1 ? IntRgb{} : offset);
             } else {
                 for (int x = from; x < to; ++x)
                     storeTrans(x, y, source[x], rule(rowA[x + ax], rowB[x + bx], centre[x]));

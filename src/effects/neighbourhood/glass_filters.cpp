@@ -1,6 +1,7 @@
 // Glass_Painting, Glass_EdgeExtract and Glass_Impression.
 #include "effects/neighbourhood/class_neighborhood_op.h"
 #include "effects/neighbourhood/rank_rows.h"
+#include "engine/channels.h"
 #include "engine/colour_models.h"
 
 #include <array>
@@ -14,36 +15,26 @@ using neighbourhood::Area;
 using neighbourhood::ChunkColumns;
 using neighbourhood::Offset;
 
-struct Rgb {
-    int r = 0;
-    int g = 0;
-    int b = 0;
-};
-
-Rgb channelsOf(Pixel p) {
-    return {redOf(p), greenOf(p), blueOf(p)};
-}
-
 // Glass_Painting: the truncated mean of the window per channel, and the
 // squared differences from it at the corners of each ring of the window.
-Rgb localContrast(const Surface& picture, int x, int y, int reach, std::uint8_t kind) {
-    Rgb sum;
+IntRgb localContrast(const Surface& picture, int x, int y, int reach, std::uint8_t kind) {
+    IntRgb sum;
     for (int dy = -reach; dy <= reach; ++dy) {
         const Pixel* row = picture.row(y + dy).data();
         for (int dx = -reach; dx <= reach; ++dx) {
-            const Rgb c = channelsOf(row[x + dx]);
+            const IntRgb c = channelsOf(row[x + dx]);
             sum.r += c.r;
             sum.g += c.g;
             sum.b += c.b;
         }
     }
     const int count = neighbourhood::windowLength(reach);
-    const Rgb mean{sum.r / count, sum.g / count, sum.b / count};
-    Rgb squares;
+    const IntRgb mean{sum.r / count, sum.g / count, sum.b / count};
+    IntRgb squares;
     for (int ring = 1; ring <= reach; ++ring) {
         for (const Offset corner :
              {Offset{-ring, -ring}, Offset{ring, -ring}, Offset{-ring, ring}, Offset{ring, ring}}) {
-            const Rgb c = channelsOf(picture.at(x + corner.dx, y + corner.dy));
+            const IntRgb c = channelsOf(picture.at(x + corner.dx, y + corner.dy));
             squares.r += (mean.r - c.r) * (mean.r - c.r);
             squares.g += (mean.g - c.g) * (mean.g - c.g);
             squares.b += (mean.b - c.b) * (mean.b - c.b);
@@ -62,13 +53,13 @@ Pixel gradient(const Surface& picture, int x, int y, int distance) {
     auto at = [&](int dx, int dy) {
         return channelsOf(picture.at(x + dx * distance, y + dy * distance));
     };
-    const std::array<std::array<Rgb, 2>, 4> pairs{{
+    const std::array<std::array<IntRgb, 2>, 4> pairs{{
         {at(1, 0), at(-1, 0)},
         {at(0, 1), at(0, -1)},
         {at(1, 1), at(-1, -1)},
         {at(-1, 1), at(1, -1)},
     }};
-    Rgb squares;
+    IntRgb squares;
     for (const auto& [first, second] : pairs) {
         squares.r += (first.r - second.r) * (first.r - second.r);
         squares.g += (first.g - second.g) * (first.g - second.g);
@@ -98,7 +89,7 @@ void Class_NeighborhoodOp::Glass_Painting(std::uint8_t window, std::uint8_t kind
             if (!inner.containsRow(y)) return;
             const Pixel* source = ImageBits.row(y).data();
             for (int x = inner.firstColumn; x < inner.endColumn; ++x) {
-                const Rgb c = localContrast(ImageBits, x, y, reach, kind);
+                const IntRgb c = localContrast(ImageBits, x, y, reach, kind);
                 storeTrans(x, y, source[x], {wrap16(c.r), wrap16(c.g), wrap16(c.b)});
             }
         });
@@ -169,10 +160,10 @@ void Class_NeighborhoodOp::Glass_Impression(std::uint8_t kind, std::uint8_t filt
                         const int x = first + i;
                         // All of it on the negative: the rank element
                         // against the negative of the compared sample.
-                        const Rgb n = channelsOf(negative[static_cast<std::size_t>(i)]);
+                        const IntRgb n = channelsOf(negative[static_cast<std::size_t>(i)]);
                         const Pixel sample = comparedRow[x + compared.dx];
-                        const Rgb s{255 - redOf(sample), 255 - greenOf(sample),
-                                    255 - blueOf(sample)};
+                        const IntRgb s{255 - redOf(sample), 255 - greenOf(sample),
+                                       255 - blueOf(sample)};
                         Rgb16 result;
                         if (kind == 1) {
                             auto shaped = [](int value, int against) {

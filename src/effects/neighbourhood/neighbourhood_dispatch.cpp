@@ -1,11 +1,14 @@
 // The cases of the dialogs' ...Processing routines that call
-// Class_NeighborhoodOp first.
+// Class_NeighborhoodOp first, and the embosses of a noise.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/family_registration.h"
+#include "effects/colour/false_color/class_false_color.h"
 #include "effects/neighbourhood/class_neighborhood_op.h"
-#include "effects/neighbourhood/dispatch_support.h"
+#include "effects/smoothing/class_soften.h"
 
 #include <array>
+#include <tuple>
 
 namespace lumiran {
 namespace {
@@ -33,11 +36,11 @@ std::uint8_t derived(const std::array<std::uint8_t, N>& table, int listRow) {
 
 template <typename Call>
 EffectPlanner inPlace(Call call) {
-    return dispatch::planner<Op, dispatch::Array::InPlace>(call);
+    return dispatch::inPlace<Op>(call);
 }
 template <typename Call>
 EffectPlanner withTrans(Call call) {
-    return dispatch::planner<Op, dispatch::Array::Trans>(call);
+    return dispatch::withTrans<Op>(call);
 }
 
 void embossWith(Op& e, V v, R r, std::uint8_t kind) {
@@ -83,14 +86,28 @@ void registerEmbossing(EffectDispatch& d) {
               withTrans([kind = embossKind](Op& e, V v, R r) { embossWith(e, v, r, kind); }));
     }
     // Piece Emboss: the sine-shaped impression, then a normal emboss of it.
-    d.add(DialogKind::Mani, 80, [](V v) {
-        return EffectPlan::ready(dispatch::chained<Op>(
-            [v](Op& e, R r) {
-                e.Glass_Impression(1, derived(SampleTowardsLight, v.eType), 0, r.left, r.top,
-                                   r.right, r.bottom);
-            },
-            [v](Op& e, R r) { embossWith(e, v, r, 0); }));
-    });
+    d.add(DialogKind::Mani, 80,
+          planInSequence({withTrans([](Op& e, V v, R r) {
+                              e.Glass_Impression(1, derived(SampleTowardsLight, v.eType), 0, r.left,
+                                                 r.top, r.right, r.bottom);
+                          }),
+                          withTrans([](Op& e, V v, R r) { embossWith(e, v, r, 0); })}));
+    // Stone Emboss: black and white dots, then a relief of kind 1; Concrete
+    // Emboss: dots of random colours, then kind 6.
+    for (const auto& [code, colourNoise, embossKind] :
+         {std::tuple{78, false, std::uint8_t{1}}, std::tuple{79, true, std::uint8_t{6}}}) {
+        d.add(
+            DialogKind::Mani, code,
+            planInSequence(
+                {dispatch::inPlace<Class_FalseColor>([colourNoise](Class_FalseColor& e, V, R r) {
+                     if (colourNoise) {
+                         e.RandamNoise_Color(2, 0, 0, 0, 0, 0, r.left, r.top, r.right, r.bottom);
+                     } else {
+                         e.RandamNoise_Mono(1, 0, 0, r.left, r.top, r.right, r.bottom);
+                     }
+                 }),
+                 withTrans([kind = embossKind](Op& e, V v, R r) { embossWith(e, v, r, kind); })}));
+    }
     d.add(DialogKind::Mani, 87, withTrans([](Op& e, V v, R r) {
               e.WallEmboss(derived(LightFromRow, v.eType), row(v.color), r.left, r.top, r.right,
                            r.bottom, slider(v, 1), slider(v, 2), slider(v, 3), slider(v, 4),
@@ -120,13 +137,27 @@ void registerFilter(EffectDispatch& d) {
                                  slider(v, 1), slider(v, 2), slider(v, 3));
           }));
     // Bleeding Filter: the 7x7 fold over all greys, then the grey steps.
-    d.add(DialogKind::Negative, 43, [](V v) {
-        return EffectPlan::ready(dispatch::chained<Op>(
-            [v](Op& e, R r) {
-                e.DarkLighten(3, row(v.color), r.left, r.top, r.right, r.bottom, 255, 0);
-            },
-            [v](Op& e, R r) { e.BleedingFilter(slider(v, 1), r.left, r.top, r.right, r.bottom); }));
-    });
+    d.add(DialogKind::Negative, 43,
+          planInSequence({withTrans([](Op& e, V v, R r) {
+                              e.DarkLighten(3, row(v.color), r.left, r.top, r.right, r.bottom, 255,
+                                            0);
+                          }),
+                          withTrans([](Op& e, V v, R r) {
+                              e.BleedingFilter(slider(v, 1), r.left, r.top, r.right, r.bottom);
+                          })}));
+    // Shade Revision: the lightest of each window and its mean estimate the
+    // background, which the source is then divided by.
+    d.add(DialogKind::Mani, 15,
+          planInSequence({withTrans([](Op& e, V, R r) {
+                              e.RankFilter(0, 0, r.left, r.top, r.right, r.bottom, 0, 0);
+                          }),
+                          dispatch::withTrans<Class_Soften>([](Class_Soften& e, V, R r) {
+                              e.Smoothing(3, r.left, r.top, r.right, r.bottom);
+                          }),
+                          inPlace([](Op& e, V v, R r) {
+                              e.ShadingLast(r.left, r.top, r.right, r.bottom, slider(v, 1),
+                                            slider(v, 2), slider(v, 3));
+                          })}));
     d.add(DialogKind::Emboss, 19, withTrans([](Op& e, V v, R r) {
               e.FiascoFilter(row(v.color), 0, row(v.eType), r.left, r.top, r.right, r.bottom,
                              slider(v, 1));

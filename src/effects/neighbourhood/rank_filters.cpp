@@ -2,10 +2,12 @@
 // take an element of the sorted window.
 #include "effects/neighbourhood/class_neighborhood_op.h"
 #include "effects/neighbourhood/rank_rows.h"
+#include "engine/channels.h"
 #include "engine/colour_models.h"
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace lumiran {
 namespace {
@@ -17,16 +19,6 @@ using neighbourhood::RankSort;
 // The median of a packed-colour window: 4 of 9 and 13, not 12, of 25.
 constexpr int medianRank(int reach) {
     return reach == 1 ? 4 : 13;
-}
-
-struct Rgb {
-    int r = 0;
-    int g = 0;
-    int b = 0;
-};
-
-Rgb channelsOf(Pixel p) {
-    return {redOf(p), greenOf(p), blueOf(p)};
 }
 
 // Which channels of the rank element channel kinds 0..6 use; the others
@@ -42,7 +34,7 @@ constexpr std::array<std::array<bool, 3>, 7> RankChannels{{
 }};
 
 // Kind 7: the rank element with the lightness of the source.
-Rgb recolouredByLightness(Rgb rank, Rgb source) {
+IntRgb recolouredByLightness(IntRgb rank, IntRgb source) {
     const int level = lightness(std::max({source.r, source.g, source.b}),
                                 std::min({source.r, source.g, source.b}));
     const int own =
@@ -51,11 +43,30 @@ Rgb recolouredByLightness(Rgb rank, Rgb source) {
     return {rank.r + shift, rank.g + shift, rank.b + shift};
 }
 
-Rgb16 toResult(Rgb c) {
+Rgb16 toResult(IntRgb c) {
     return {wrap16(c.r), wrap16(c.g), wrap16(c.b)};
 }
 
 } // namespace
+
+template <typename Chunk>
+void Class_NeighborhoodOp::rankedChunks(const ProcessRect& rect, int reach, RankSort sort, int rank,
+                                        Chunk&& chunk) {
+    const Area centres = areaOf(rect).inner(reach);
+    SetProgressRange(rect.top, rect.bottom);
+    forEachRow(rect, [&](int y, int, int) {
+        if (!centres.containsRow(y)) return;
+        neighbourhood::forEachChunk(
+            centres.firstColumn, centres.endColumn, [&](int first, int count) {
+                std::array<Pixel, ChunkColumns> ranked{};
+                if (rank >= 0) {
+                    neighbourhood::rankColours(ImageBits, sort, reach, rank, y, first, count,
+                                               ranked.data());
+                }
+                chunk(y, first, count, std::span<const Pixel>(ranked.data(), count));
+            });
+    });
+}
 
 void Class_NeighborhoodOp::MedianFilter(std::uint8_t window, std::uint8_t outputKind,
                                         std::int16_t left, std::int16_t top, std::int16_t right,
@@ -64,41 +75,32 @@ void Class_NeighborhoodOp::MedianFilter(std::uint8_t window, std::uint8_t output
         if (window > 1) return;
         const ProcessRect rect{left, top, right, bottom};
         const int reach = window + 1;
-        const Area centres = areaOf(rect).inner(reach);
         const bool plain = outputKind != 1 && outputKind != 2 && !blending();
-        SetProgressRange(top, bottom);
-        forEachRow(rect, [&](int y, int, int) {
-            if (!centres.containsRow(y)) return;
-            const Pixel* source = ImageBits.row(y).data();
-            Pixel* target = TransBits.row(y).data();
-            neighbourhood::forEachChunk(
-                centres.firstColumn, centres.endColumn, [&](int first, int count) {
-                    std::array<Pixel, ChunkColumns> median;
-                    neighbourhood::rankColours(ImageBits, RankSort::Packed, reach,
-                                               medianRank(reach), y, first, count, median.data());
-                    if (plain) {
-                        for (int i = 0; i < count; ++i) {
-                            target[first + i] = (target[first + i] & 0xFF000000u) | median[i];
-                        }
-                        return;
-                    }
+        rankedChunks(
+            rect, reach, RankSort::Packed, medianRank(reach),
+            [&](int y, int first, int count, std::span<const Pixel> median) {
+                const Pixel* source = ImageBits.row(y).data();
+                Pixel* target = TransBits.row(y).data();
+                if (plain) {
                     for (int i = 0; i < count; ++i) {
-                        const int x = first + i;
-                        const Rgb m = channelsOf(median[static_cast<std::size_t>(i)]);
-                        const Rgb s = channelsOf(source[x]);
-                        // Kind 1 doubles the channels equal to the centre's, 2 the others.
-                        auto doubled = [&](int value, int centre) {
-                            const bool equal = value == centre;
-                            return (outputKind == 1 && equal) || (outputKind == 2 && !equal)
-                                       ? value * 2
-                                       : value;
-                        };
-                        storeTrans(
-                            x, y, source[x],
-                            toResult({doubled(m.r, s.r), doubled(m.g, s.g), doubled(m.b, s.b)}));
+                        target[first + i] = (target[first + i] & 0xFF000000u) | median[i];
                     }
-                });
-        });
+                    return;
+                }
+                for (int i = 0; i < count; ++i) {
+                    const int x = first + i;
+                    const IntRgb m = channelsOf(median[static_cast<std::size_t>(i)]);
+                    const IntRgb s = channelsOf(source[x]);
+                    // Kind 1 doubles the channels equal to the centre's, 2 the others.
+                    auto doubled = [&](int value, int centre) {
+                        const bool equal = value == centre;
+                        return (outputKind == 1 && equal) || (outputKind == 2 && !equal) ? value * 2
+                                                                                         : value;
+                    };
+                    storeTrans(x, y, source[x],
+                               toResult({doubled(m.r, s.r), doubled(m.g, s.g), doubled(m.b, s.b)}));
+                }
+            });
     });
 }
 
@@ -113,7 +115,6 @@ void Class_NeighborhoodOp::RankFilter(std::int16_t rank, std::uint8_t channelKin
         // A rank beyond the window takes its last element.
         const int element = std::clamp<int>(rank, 0, neighbourhood::windowLength(reach) - 1);
         const RankSort sort = sortMode == 0 ? RankSort::Packed : RankSort::Channels;
-        const Area centres = areaOf(rect).inner(reach);
         // Without a blend, kinds 0..6 are a choice of bytes.
         const bool plain = channelKind < 7 && !blending();
         Pixel takeMask = 0;
@@ -123,42 +124,35 @@ void Class_NeighborhoodOp::RankFilter(std::int16_t rank, std::uint8_t channelKin
                 (take[0] ? 0xFF0000u : 0u) | (take[1] ? 0xFF00u : 0u) | (take[2] ? 0xFFu : 0u);
         }
         const Pixel keepMask = ~takeMask & 0xFFFFFFu;
-        SetProgressRange(top, bottom);
-        forEachRow(rect, [&](int y, int, int) {
-            if (!centres.containsRow(y)) return;
-            const Pixel* source = ImageBits.row(y).data();
-            Pixel* target = TransBits.row(y).data();
-            neighbourhood::forEachChunk(
-                centres.firstColumn, centres.endColumn, [&](int first, int count) {
-                    std::array<Pixel, ChunkColumns> ranked;
-                    neighbourhood::rankColours(ImageBits, sort, reach, element, y, first, count,
-                                               ranked.data());
-                    if (plain) {
-                        // The channels byte by byte from the rank element or the source.
-                        for (int i = 0; i < count; ++i) {
-                            const Pixel s = source[first + i];
-                            target[first + i] = (target[first + i] & 0xFF000000u) |
-                                                (ranked[static_cast<std::size_t>(i)] & takeMask) |
-                                                (s & keepMask);
-                        }
-                        return;
-                    }
+        rankedChunks(
+            rect, reach, sort, element,
+            [&](int y, int first, int count, std::span<const Pixel> ranked) {
+                const Pixel* source = ImageBits.row(y).data();
+                Pixel* target = TransBits.row(y).data();
+                if (plain) {
+                    // The channels byte by byte from the rank element or the source.
                     for (int i = 0; i < count; ++i) {
-                        const int x = first + i;
-                        const Rgb q = channelsOf(ranked[static_cast<std::size_t>(i)]);
-                        const Rgb s = channelsOf(source[x]);
-                        Rgb result;
-                        if (channelKind == 7) {
-                            result = recolouredByLightness(q, s);
-                        } else {
-                            const auto& take = RankChannels[channelKind];
-                            result = {take[0] ? q.r : s.r, take[1] ? q.g : s.g,
-                                      take[2] ? q.b : s.b};
-                        }
-                        storeTrans(x, y, source[x], toResult(result));
+                        const Pixel s = source[first + i];
+                        target[first + i] = (target[first + i] & 0xFF000000u) |
+                                            (ranked[static_cast<std::size_t>(i)] & takeMask) |
+                                            (s & keepMask);
                     }
-                });
-        });
+                    return;
+                }
+                for (int i = 0; i < count; ++i) {
+                    const int x = first + i;
+                    const IntRgb q = channelsOf(ranked[static_cast<std::size_t>(i)]);
+                    const IntRgb s = channelsOf(source[x]);
+                    IntRgb result;
+                    if (channelKind == 7) {
+                        result = recolouredByLightness(q, s);
+                    } else {
+                        const auto& take = RankChannels[channelKind];
+                        result = {take[0] ? q.r : s.r, take[1] ? q.g : s.g, take[2] ? q.b : s.b};
+                    }
+                    storeTrans(x, y, source[x], toResult(result));
+                }
+            });
     });
 }
 
@@ -174,47 +168,38 @@ void Class_NeighborhoodOp::FiascoFilter(std::uint8_t window, std::uint8_t sortMo
         // The sort is descending: the largest element first, the smallest last.
         const int element = statistic == 1 ? medianRank(reach) : statistic == 2 ? length - 1 : 0;
         const RankSort sort = sortMode == 0 ? RankSort::Packed : RankSort::Channels;
-        const Area centres = areaOf(rect).inner(reach);
         auto away = [amount](int statisticValue, int channel) {
             return statisticValue > channel ? channel - amount : channel + amount;
         };
-        SetProgressRange(top, bottom);
-        forEachRow(rect, [&](int y, int, int) {
-            if (!centres.containsRow(y)) return;
-            const Pixel* source = ImageBits.row(y).data();
-            neighbourhood::forEachChunk(
-                centres.firstColumn, centres.endColumn, [&](int first, int count) {
-                    std::array<Pixel, ChunkColumns> ranked{};
-                    if (statistic != 0) {
-                        neighbourhood::rankColours(ImageBits, sort, reach, element, y, first, count,
-                                                   ranked.data());
-                    }
-                    for (int i = 0; i < count; ++i) {
-                        const int x = first + i;
-                        Rgb stat{};
-                        if (statistic == 0) {
-                            // The truncated mean of each channel.
-                            Rgb sum;
-                            for (int dy = -reach; dy <= reach; ++dy) {
-                                const Pixel* row = ImageBits.row(y + dy).data();
-                                for (int dx = -reach; dx <= reach; ++dx) {
-                                    const Rgb c = channelsOf(row[x + dx]);
-                                    sum.r += c.r;
-                                    sum.g += c.g;
-                                    sum.b += c.b;
-                                }
+        // The mean needs no sort.
+        rankedChunks(
+            rect, reach, sort, statistic == 0 ? -1 : element,
+            [&](int y, int first, int count, std::span<const Pixel> ranked) {
+                const Pixel* source = ImageBits.row(y).data();
+                for (int i = 0; i < count; ++i) {
+                    const int x = first + i;
+                    IntRgb stat{};
+                    if (statistic == 0) {
+                        // The truncated mean of each channel.
+                        IntRgb sum;
+                        for (int dy = -reach; dy <= reach; ++dy) {
+                            const Pixel* row = ImageBits.row(y + dy).data();
+                            for (int dx = -reach; dx <= reach; ++dx) {
+                                const IntRgb c = channelsOf(row[x + dx]);
+                                sum.r += c.r;
+                                sum.g += c.g;
+                                sum.b += c.b;
                             }
-                            stat = {sum.r / length, sum.g / length, sum.b / length};
-                        } else {
-                            stat = channelsOf(ranked[static_cast<std::size_t>(i)]);
                         }
-                        const Rgb c = channelsOf(source[x]);
-                        storeTrans(
-                            x, y, source[x],
-                            toResult({away(stat.r, c.r), away(stat.g, c.g), away(stat.b, c.b)}));
+                        stat = {sum.r / length, sum.g / length, sum.b / length};
+                    } else {
+                        stat = channelsOf(ranked[static_cast<std::size_t>(i)]);
                     }
-                });
-        });
+                    const IntRgb c = channelsOf(source[x]);
+                    storeTrans(x, y, source[x],
+                               toResult({away(stat.r, c.r), away(stat.g, c.g), away(stat.b, c.b)}));
+                }
+            });
     });
 }
 
@@ -228,31 +213,23 @@ void Class_NeighborhoodOp::TransperentColor(std::int16_t left, std::int16_t top,
         constexpr int reach = 1;
         const int element = std::clamp<int>(rank, 0, neighbourhood::windowLength(reach) - 1);
         const RankSort sort = sortMode == 0 ? RankSort::Packed : RankSort::Channels;
-        const Area centres = areaOf(rect).inner(reach);
         // The rank element and the pixel in the proportion weight : 10 - weight,
         // then scaled by the colour as a tint (255 leaves the channel).
         auto blend = [weight](int ranked, int pixel, int tint) {
             return (ranked * weight + pixel * (10 - weight)) / 10 * tint / 255;
         };
-        SetProgressRange(top, bottom);
-        forEachRow(rect, [&](int y, int, int) {
-            if (!centres.containsRow(y)) return;
-            const Pixel* source = ImageBits.row(y).data();
-            neighbourhood::forEachChunk(
-                centres.firstColumn, centres.endColumn, [&](int first, int count) {
-                    std::array<Pixel, ChunkColumns> ranked;
-                    neighbourhood::rankColours(ImageBits, sort, reach, element, y, first, count,
-                                               ranked.data());
-                    for (int i = 0; i < count; ++i) {
-                        const int x = first + i;
-                        const Rgb q = channelsOf(ranked[static_cast<std::size_t>(i)]);
-                        const Rgb s = channelsOf(source[x]);
-                        storeTrans(x, y, source[x],
-                                   toResult({blend(q.r, s.r, red), blend(q.g, s.g, green),
-                                             blend(q.b, s.b, blue)}));
-                    }
-                });
-        });
+        rankedChunks(rect, reach, sort, element,
+                     [&](int y, int first, int count, std::span<const Pixel> ranked) {
+                         const Pixel* source = ImageBits.row(y).data();
+                         for (int i = 0; i < count; ++i) {
+                             const int x = first + i;
+                             const IntRgb q = channelsOf(ranked[static_cast<std::size_t>(i)]);
+                             const IntRgb s = channelsOf(source[x]);
+                             storeTrans(x, y, source[x],
+                                        toResult({blend(q.r, s.r, red), blend(q.g, s.g, green),
+                                                  blend(q.b, s.b, blue)}));
+                         }
+                     });
     });
 }
 

@@ -8,8 +8,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 constexpr int windowSize(int k) {
     return (2 * k + 1) * (2 * k + 1);
 }
@@ -30,8 +28,8 @@ void Class_Soften::adaptiveSmoothing(int reach, const ProcessRect& rect) {
     windowFilter(reach, rect, [reach](auto k) {
         constexpr int n = windowSize(decltype(k)::value);
         const int limit = reach == 1 ? 128 : 255;
-        return [limit](Channels sum, Channels c) -> Channels {
-            const Channels m{sum.r / n, sum.g / n, sum.b / n};
+        return [limit](IntRgb sum, IntRgb c) -> IntRgb {
+            const IntRgb m{sum.r / n, sum.g / n, sum.b / n};
             // At 3x3 the root of the square, the absolute difference; the
             // larger windows limit the squares themselves to 1..128.
             auto difference = [](int mean, int centre) {
@@ -49,7 +47,7 @@ void Class_Soften::adaptiveSmoothing(int reach, const ProcessRect& rect) {
 void Class_Soften::channelWeightedSmoothing(int reach, const ProcessRect& rect) {
     windowFilter(reach, rect, [](auto k) {
         constexpr int n = windowSize(decltype(k)::value);
-        return [](Channels sum, Channels c) -> Channels {
+        return [](IntRgb sum, IntRgb c) -> IntRgb {
             // |centre (n - 1) - ring| / 8 at every size.
             auto channel = [](int s, int centre) {
                 const int weight = clampWeight(std::abs(centre * (n - 1) - (s - centre)) / 8);

@@ -9,8 +9,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 struct Position {
     int x = 0;
     int y = 0;
@@ -45,24 +43,24 @@ void Class_Soften::afterImageRows(int count, int type, const ProcessRect& rect,
         for (int x = firstColumn; x < endColumn; ++x) {
             auto sample = samplesAt(x, y);
             int sumR = 0, sumG = 0, sumB = 0;
-            Channels first{};
+            IntRgb first{};
             for (int j = 0; j <= count; ++j) {
                 Position p = sample(j);
                 if (p.x < bounds.left) p.x = x;
                 if (p.y < bounds.top) p.y = y;
                 if (p.x > bounds.right - 1) p.x = x;
                 if (p.y > bounds.bottom - 1) p.y = y;
-                const Channels e = soften::channelsOf(ImageBits.at(p.x, p.y));
+                const IntRgb e = channelsOf(ImageBits.at(p.x, p.y));
                 if (j == 0) first = e;
                 sumR += e.r;
                 sumG += e.g;
                 sumB += e.b;
             }
             // The sums are 16-bit fields and wrap.
-            const Channels sum{wrap16(sumR), wrap16(sumG), wrap16(sumB)};
+            const IntRgb sum{wrap16(sumR), wrap16(sumG), wrap16(sumB)};
             const int samples = count + 1;
-            Channels v{checkedDivide(sum.r, samples), checkedDivide(sum.g, samples),
-                       checkedDivide(sum.b, samples)};
+            IntRgb v{checkedDivide(sum.r, samples), checkedDivide(sum.g, samples),
+                     checkedDivide(sum.b, samples)};
             if (type != 0) {
                 // The first sample counted Weight times, Weight growing with
                 // its difference from the mean.
@@ -74,7 +72,7 @@ void Class_Soften::afterImageRows(int count, int type, const ProcessRect& rect,
                 };
                 v = {channel(sum.r, first.r), channel(sum.g, first.g), channel(sum.b, first.b)};
             }
-            const Channels c = soften::channelsOf(ImageBits.at(x, y));
+            const IntRgb c = channelsOf(ImageBits.at(x, y));
             const Rgb16 e = finishPixel<ResultTail::Clamp>(c.r, c.g, c.b, soften::resultFields(v));
             out[x] = withColour(out[x], e.red, e.green, e.blue);
         }

@@ -11,8 +11,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 // The sub-windows by window position (dy + 2) * 5 + (dx + 2): the centre
 // 3x3, four pentagons reaching up, down, left and right, and four hexagons
 // reaching into the corners, each of seven pixels with the centre.
@@ -177,8 +175,8 @@ void Class_Soften::Edge_PreservingSmoothing(std::uint8_t measure, std::int16_t l
                 }
             }
         };
-        centreRows<QuietChunk>(centres, fill, [](const QuietChunk& data, int c, Channels&) {
-            return Channels{data.r[c], data.g[c], data.b[c]};
+        centreRows<QuietChunk>(centres, fill, [](const QuietChunk& data, int c, IntRgb&) {
+            return IntRgb{data.r[c], data.g[c], data.b[c]};
         });
     });
 }

@@ -6,7 +6,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
 using soften::Chunk;
 
 struct Offset {
@@ -88,35 +87,34 @@ void Class_Soften::HighpassFilter(std::int16_t threshold, std::uint8_t filterKin
             const Pixel* entries = ImageBits.row(y + at.dy).data() + start + at.dx;
             std::copy_n(entries, count, s.large.begin());
         };
-        auto filtered = [large, t](const KernelSums& s, int c, const Channels& centre) {
-            const Channels sum = soften::fieldSums(s.low[c], s.high[c]);
-            const Channels e = soften::channelsOf(s.large[c]);
+        auto filtered = [large, t](const KernelSums& s, int c, const IntRgb& centre) {
+            const IntRgb sum = soften::fieldSums(s.low[c], s.high[c]);
+            const IntRgb e = channelsOf(s.large[c]);
             auto channel = [&](int sumOf, int entry, int source) {
                 return roundedQuotient(t * (large * entry - sumOf) + (10 - t) * source, 10);
             };
-            return Channels{channel(sum.r, e.r, centre.r), channel(sum.g, e.g, centre.g),
-                            channel(sum.b, e.b, centre.b)};
+            return IntRgb{channel(sum.r, e.r, centre.r), channel(sum.g, e.g, centre.g),
+                          channel(sum.b, e.b, centre.b)};
         };
         if (selector != BrightnessSelector) {
             // The new value in the selected channels, the source in the others.
             const int red = mask & Red, green = mask & Green, blue = mask & Blue;
-            centreRows<KernelSums>(
-                centres, fill, [=](const KernelSums& s, int c, Channels& centre) {
-                    const Channels v = filtered(s, c, centre);
-                    return Channels{red != 0 ? v.r : centre.r, green != 0 ? v.g : centre.g,
-                                    blue != 0 ? v.b : centre.b};
-                });
+            centreRows<KernelSums>(centres, fill, [=](const KernelSums& s, int c, IntRgb& centre) {
+                const IntRgb v = filtered(s, c, centre);
+                return IntRgb{red != 0 ? v.r : centre.r, green != 0 ? v.g : centre.g,
+                              blue != 0 ? v.b : centre.b};
+            });
             return;
         }
         // "光度": the source scaled by the lightness of the new values over
         // its own; a black source counts as 1, 1, 1.
-        auto lightness = [](Channels x) {
+        auto lightness = [](IntRgb x) {
             const int largest = std::max(x.r, std::max(x.g, x.b));
             const int smallest = std::min(x.r, std::min(x.g, x.b));
             return roundedQuotient(largest + smallest, 2);
         };
-        auto rule = [=](const KernelSums& s, int c, Channels& centre) {
-            const Channels v = filtered(s, c, centre);
+        auto rule = [=](const KernelSums& s, int c, IntRgb& centre) {
+            const IntRgb v = filtered(s, c, centre);
             const int l2 = lightness(v);
             const int l1 = lightness(centre);
             const bool black = l1 == 0;
@@ -126,7 +124,7 @@ void Class_Soften::HighpassFilter(std::int16_t threshold, std::uint8_t filterKin
             auto scaled = [&](int source) {
                 return roundInRange<int>(static_cast<double>(source * l2) / divisor);
             };
-            return Channels{scaled(centre.r), scaled(centre.g), scaled(centre.b)};
+            return IntRgb{scaled(centre.r), scaled(centre.g), scaled(centre.b)};
         };
         centreRows<KernelSums>(centres, fill, rule);
     });

@@ -5,7 +5,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
 using soften::Chunk;
 
 // The weight table is the quadratic 11 - dx^2 - dy^2 over the window, so
@@ -68,10 +67,10 @@ void Class_Soften::savitzkyGolay(const ProcessRect& rect) {
         [this](QuadraticSums& s, int y, int start, int count) {
             quadraticSums(ImageBits, y, start, count, s);
         },
-        [](const QuadraticSums& s, int c, Channels) -> Channels {
-            const Channels plain = soften::fieldSums(s.plainLow[c], s.plainHigh[c]);
-            const Channels dx = soften::fieldSums(s.dxLow[c], s.dxHigh[c]);
-            const Channels dy = soften::fieldSums(s.dyLow[c], s.dyHigh[c]);
+        [](const QuadraticSums& s, int c, IntRgb) -> IntRgb {
+            const IntRgb plain = soften::fieldSums(s.plainLow[c], s.plainHigh[c]);
+            const IntRgb dx = soften::fieldSums(s.dxLow[c], s.dxHigh[c]);
+            const IntRgb dy = soften::fieldSums(s.dyLow[c], s.dyHigh[c]);
             // The integer quotient truncates toward zero, also below zero.
             return {(11 * plain.r - dx.r - dy.r) / 147, (11 * plain.g - dx.g - dy.g) / 147,
                     (11 * plain.b - dx.b - dy.b) / 147};

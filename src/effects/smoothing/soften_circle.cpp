@@ -7,8 +7,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 struct Direction {
     double x = 0;
     double y = 0;
@@ -94,19 +92,19 @@ void Class_Soften::Soften_Circle(std::uint8_t, std::int16_t level, std::int16_t 
             Pixel* out = TransBits.row(y).data();
             for (int x = firstColumn; x < endColumn; ++x) {
                 const Direction d = shape.at(x, y);
-                Channels sum;
+                IntRgb sum;
                 for (int i = 0; i < level; ++i) {
                     const double t = first + i;
                     int sx = x + nearest(t * d.x);
                     int sy = y + nearest(t * d.y);
                     if (sx < rect.left || sx >= rect.right) sx = x;
                     if (sy < rect.top || sy >= rect.bottom) sy = y;
-                    const Channels e = soften::channelsOf(ImageBits.at(sx, sy));
+                    const IntRgb e = channelsOf(ImageBits.at(sx, sy));
                     sum.r += e.r;
                     sum.g += e.g;
                     sum.b += e.b;
                 }
-                const Channels c = soften::channelsOf(ImageBits.at(x, y));
+                const IntRgb c = channelsOf(ImageBits.at(x, y));
                 const Rgb16 v{wrap16(sum.r / level), wrap16(sum.g / level), wrap16(sum.b / level)};
                 const Rgb16 e = finishPixel<ResultTail::Clamp>(c.r, c.g, c.b, v);
                 out[x] = withColour(out[x], e.red, e.green, e.blue);

@@ -1,8 +1,9 @@
-// The cases of the dialogs' ...Processing routines served by Class_Soften.
-#include "catalogue/effect_dispatch.h"
+// The cases of the dialogs' ...Processing routines served by Class_Soften,
+// among them "Glass Painting", whose edges then come from Class_Edge.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
+#include "effects/neighbourhood/class_edge.h"
 #include "effects/smoothing/class_soften.h"
-#include "engine/numeric.h"
 
 #include <array>
 
@@ -11,26 +12,39 @@ namespace {
 
 using V = const ControlValues&;
 using R = ProcessRect;
-
-// A slider value handed to a 16-bit parameter: rounded half to even, with
-// the overflow error inside the run when it does not fit.
-std::int16_t slider(V v, int number) {
-    return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
-}
-
-// A list row handed to a byte parameter.
-std::uint8_t row(int index) {
-    if (index < 0 || index > 255) throw EffectError::overflow();
-    return static_cast<std::uint8_t>(index);
-}
+using dispatch::row;
+using dispatch::slider;
 
 // Every Class_Soften case reads ImageBits and writes TransBits.
 template <typename Call>
 EffectPlanner planner(Call call) {
-    return [call](V v) {
-        return EffectPlan::ready(
-            runWithTrans<Class_Soften>([call, v](Class_Soften& e, R r) { call(e, v, r); }));
-    };
+    return dispatch::withTrans<Class_Soften>(call);
+}
+
+// "Glass Painting" rows ﾀｲﾌﾟ 1..6: the smoothing, then the differential
+// of what is left, so that only the outlines of the colour areas glow on
+// black, like the lines of a painting on glass. Types 1 to 3 draw them as
+// the squares of the differences (bold, saturated lines), 4 to 6 as their
+// roots (fine lines in the areas' own colours); within each half a wider
+// smoothing leaves broader strokes.
+struct GlassPaint {
+    std::uint8_t smoothing;
+    std::uint8_t differential;
+};
+constexpr std::array<GlassPaint, 6> GlassPaints{{
+    {3, 0},
+    {7, 0},
+    {12, 0},
+    {0, 2},
+    {3, 2},
+    {7, 2},
+}};
+
+const GlassPaint& glassPaint(int listRow) {
+    if (listRow < 0 || listRow >= static_cast<int>(GlassPaints.size())) {
+        throw EffectError::overflow();
+    }
+    return GlassPaints[static_cast<std::size_t>(listRow)];
 }
 
 // "Moving Average": rows 3x3, 5x5, 7x7 are the Smoothing means, rows
@@ -74,6 +88,15 @@ void registerSoftenEffects(EffectDispatch& d) {
     d.add(DialogKind::Monotone, 61, planner([](Class_Soften& e, V v, R r) {
               e.Edge_PreservingSmoothing(row(v.color), r.left, r.top, r.right, r.bottom);
           }));
+    d.add(DialogKind::Monotone, 40,
+          planInSequence({planner([](Class_Soften& e, V v, R r) {
+                              e.Smoothing(glassPaint(v.color).smoothing, r.left, r.top, r.right,
+                                          r.bottom);
+                          }),
+                          dispatch::withTrans<Class_Edge>([](Class_Edge& e, V v, R r) {
+                              e.DifferentalFilter(glassPaint(v.color).differential, r.left, r.top,
+                                                  r.right, r.bottom);
+                          })}));
     // The afterimages hand the list captioned "方向" on as the smooth type
     // and the one captioned "平滑･ﾀｲﾌﾟ" as the direction, as the calls stand.
     d.add(DialogKind::Mani, 83, planner([](Class_Soften& e, V v, R r) {

@@ -4,6 +4,7 @@
 // the window sums of a row, the division by the window's size, and the row
 // loop that ends every pixel with the shared tail.
 #include "effects/smoothing/class_soften.h"
+#include "engine/channels.h"
 
 #include <algorithm>
 #include <array>
@@ -11,17 +12,6 @@
 #include <type_traits>
 
 namespace lumiran::soften {
-
-// The channels of a pixel, or sums of them, as plain integers.
-struct Channels {
-    int r = 0;
-    int g = 0;
-    int b = 0;
-};
-
-[[nodiscard]] constexpr Channels channelsOf(Pixel p) {
-    return {redOf(p), greenOf(p), blueOf(p)};
-}
 
 // Centres are handed to the rules in chunks of this many, so the sums of a
 // chunk live on the stack and a row needs no allocation.
@@ -42,7 +32,7 @@ inline constexpr int MaxReach = 7;
 }
 
 // Per-channel sums out of the two field lanes.
-[[nodiscard]] constexpr Channels fieldSums(std::uint32_t low, std::uint32_t high) {
+[[nodiscard]] constexpr IntRgb fieldSums(std::uint32_t low, std::uint32_t high) {
     return {static_cast<int>(low >> 16), static_cast<int>(high & 0xFFFFu),
             static_cast<int>(low & 0xFFFFu)};
 }
@@ -128,12 +118,12 @@ void withReach(int reach, F&& f) {
 
 // The low bytes of a result clamped to 0..255, as ClampResult leaves them,
 // over the spare byte of the destination.
-[[nodiscard]] constexpr Pixel clampedOver(Pixel previous, Channels v) {
+[[nodiscard]] constexpr Pixel clampedOver(Pixel previous, IntRgb v) {
     auto clamp = [](int c) { return static_cast<Pixel>(std::clamp(c, 0, 255)); };
     return (previous & 0xFF000000u) | (clamp(v.r) << 16) | (clamp(v.g) << 8) | clamp(v.b);
 }
 
-[[nodiscard]] constexpr Rgb16 resultFields(Channels v) {
+[[nodiscard]] constexpr Rgb16 resultFields(IntRgb v) {
     return {wrap16(v.r), wrap16(v.g), wrap16(v.b)};
 }
 
@@ -170,8 +160,8 @@ void Class_Soften::centreRows(const ProcessRect& centres, Fill fill, Rule rule) 
                 for (int c = 0; c < count; ++c) {
                     const int x = start + c;
                     // The rule may change what the blend sees as the source.
-                    Channels centre = channelsOf(in[x]);
-                    const Channels v = rule(data, c, centre);
+                    IntRgb centre = channelsOf(in[x]);
+                    const IntRgb v = rule(data, c, centre);
                     const Rgb16 e = finishPixel<ResultTail::Clamp>(centre.r, centre.g, centre.b,
                                                                    resultFields(v));
                     out[x] = withColour(out[x], e.red, e.green, e.blue);
@@ -180,7 +170,7 @@ void Class_Soften::centreRows(const ProcessRect& centres, Fill fill, Rule rule) 
                 const Pixel* __restrict centreRow = in + start;
                 Pixel* __restrict outRow = out + start;
                 for (int c = 0; c < count; ++c) {
-                    Channels centre = channelsOf(centreRow[c]);
+                    IntRgb centre = channelsOf(centreRow[c]);
                     outRow[c] = clampedOver(outRow[c], rule(data, c, centre));
                 }
             }
@@ -201,7 +191,7 @@ void Class_Soften::windowRows(const ProcessRect& centres, Rule rule) {
         [this](Sums& s, int y, int start, int count) {
             windowSums<K>(ImageBits, y, start, count, s.low.data(), s.high.data());
         },
-        [&rule](const Sums& s, int c, Channels centre) {
+        [&rule](const Sums& s, int c, IntRgb centre) {
             return rule(fieldSums(s.low[c], s.high[c]), centre);
         });
 }

@@ -5,11 +5,9 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 // By window index: 0 centre, then the ring in reading order (upper left,
 // top, upper right, left, right, lower left, bottom, lower right).
-using Window = std::array<Channels, 9>;
+using Window = std::array<IntRgb, 9>;
 
 // Kinds 0, 1, 2: "中央加重", "円形加重", "周辺加重". Kind 1 adds up to
 // 0.99 and so dims a little.
@@ -21,7 +19,7 @@ constexpr std::array<std::array<double, 9>, 3> Weights{{
 
 // The weighted sum as the double loop over the window adds it, rounded
 // half to even.
-int weightedSum(const std::array<double, 9>& weights, const Window& w, int Channels::*channel) {
+int weightedSum(const std::array<double, 9>& weights, const Window& w, int IntRgb::*channel) {
     double sum = 0;
     for (int i = 0; i < 9; ++i)
         sum += weights[i] * (w[i].*channel);
@@ -38,11 +36,9 @@ struct WindowRows {
     const Pixel* top;    // where entry 2 comes from
 
     [[nodiscard]] Window at(int x) const {
-        return {soften::channelsOf(centre[x]),     soften::channelsOf(up[x - 1]),
-                soften::channelsOf(top[x]),        soften::channelsOf(up[x + 1]),
-                soften::channelsOf(middle[x - 1]), soften::channelsOf(middle[x + 1]),
-                soften::channelsOf(down[x - 1]),   soften::channelsOf(down[x]),
-                soften::channelsOf(down[x + 1])};
+        return {channelsOf(centre[x]),   channelsOf(up[x - 1]),     channelsOf(top[x]),
+                channelsOf(up[x + 1]),   channelsOf(middle[x - 1]), channelsOf(middle[x + 1]),
+                channelsOf(down[x - 1]), channelsOf(down[x]),       channelsOf(down[x + 1])};
     }
 };
 
@@ -96,9 +92,9 @@ void weightedSums(const WindowRows& w, int start, int count, WeightedChunk& out)
         for (int c = 0; c < count; ++c) {
             if (out.ties[c] == 0) continue;
             const Window window = w.at(start + c);
-            if ((out.ties[c] & 1) != 0) out.r[c] = weightedSum(weights, window, &Channels::r);
-            if ((out.ties[c] & 2) != 0) out.g[c] = weightedSum(weights, window, &Channels::g);
-            if ((out.ties[c] & 4) != 0) out.b[c] = weightedSum(weights, window, &Channels::b);
+            if ((out.ties[c] & 1) != 0) out.r[c] = weightedSum(weights, window, &IntRgb::r);
+            if ((out.ties[c] & 2) != 0) out.g[c] = weightedSum(weights, window, &IntRgb::g);
+            if ((out.ties[c] & 4) != 0) out.b[c] = weightedSum(weights, window, &IntRgb::b);
         }
     }
 }
@@ -126,11 +122,10 @@ void Class_Soften::weightedSmoothing(int kind, const ProcessRect& rect) {
         }
     };
     // The blend sees the window's centre entry as the source.
-    centreRows<WeightedChunk>(centres, fill,
-                              [](const WeightedChunk& data, int c, Channels& centre) {
-                                  centre = soften::channelsOf(data.centre[c]);
-                                  return Channels{data.r[c], data.g[c], data.b[c]};
-                              });
+    centreRows<WeightedChunk>(centres, fill, [](const WeightedChunk& data, int c, IntRgb& centre) {
+        centre = channelsOf(data.centre[c]);
+        return IntRgb{data.r[c], data.g[c], data.b[c]};
+    });
 }
 
 void Class_Soften::staleResultFields(const ProcessRect& rect) {
@@ -143,7 +138,7 @@ void Class_Soften::staleResultFields(const ProcessRect& rect) {
     SetProgressRange(centres.left, centres.right);
     for (int x = centres.left; x < centres.right; ++x) {
         for (int y = centres.top; y < centres.bottom; ++y) {
-            const Channels c = soften::channelsOf(ImageBits.at(x, y));
+            const IntRgb c = channelsOf(ImageBits.at(x, y));
             resultFields_ = finishPixel<ResultTail::Clamp>(c.r, c.g, c.b, resultFields_);
             Pixel& out = TransBits.at(x, y);
             out = withColour(out, resultFields_.red, resultFields_.green, resultFields_.blue);

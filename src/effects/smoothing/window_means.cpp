@@ -5,8 +5,6 @@
 namespace lumiran {
 namespace {
 
-using soften::Channels;
-
 constexpr int windowSize(int k) {
     return (2 * k + 1) * (2 * k + 1);
 }
@@ -22,7 +20,7 @@ soften::Divider meanDivider() {
 void Class_Soften::meanSmoothing(int reach, const ProcessRect& rect) {
     windowFilter(reach, rect, [](auto k) {
         const soften::Divider mean = meanDivider<decltype(k)::value>();
-        return [mean](Channels sum, Channels) -> Channels {
+        return [mean](IntRgb sum, IntRgb) -> IntRgb {
             return {static_cast<int>(mean(sum.r)), static_cast<int>(mean(sum.g)),
                     static_cast<int>(mean(sum.b))};
         };
@@ -46,7 +44,7 @@ void Class_Soften::Sharpen(std::uint8_t sizeKind, std::int16_t left, std::int16_
         if (sizeKind > 2) return;
         windowFilter(sizeKind + 1, {left, top, right, bottom}, [](auto k) {
             const soften::Divider mean = meanDivider<decltype(k)::value>();
-            return [mean](Channels sum, Channels c) -> Channels {
+            return [mean](IntRgb sum, IntRgb c) -> IntRgb {
                 return {2 * c.r - static_cast<int>(mean(sum.r)),
                         2 * c.g - static_cast<int>(mean(sum.g)),
                         2 * c.b - static_cast<int>(mean(sum.b))};

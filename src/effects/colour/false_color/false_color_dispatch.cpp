@@ -1,34 +1,30 @@
 // The cases of the dialogs' ...Processing routines served by
-// Class_FalseColor.
-#include "catalogue/effect_dispatch.h"
+// Class_FalseColor, among them "Water Noise", whose median then runs on
+// Class_NeighborhoodOp.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/colour/false_color/class_false_color.h"
-#include "engine/numeric.h"
+#include "effects/neighbourhood/class_neighborhood_op.h"
 
+#include <array>
 #include <utility>
 
 namespace lumiran {
 namespace {
 
-std::int16_t slider(const ControlValues& v, int number) {
-    return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
-}
-
-std::uint8_t row(int index) {
-    if (index < 0 || index > 255) throw EffectError::overflow();
-    return static_cast<std::uint8_t>(index);
-}
-
+using dispatch::row;
+using dispatch::slider;
 using V = const ControlValues&;
 using R = ProcessRect;
 
 template <typename Call>
 EffectPlanner planner(Call call) {
-    return [call](V v) {
-        return EffectPlan::ready(
-            runInPlace<Class_FalseColor>([call, v](Class_FalseColor& e, R r) { call(e, v, r); }));
-    };
+    return dispatch::inPlace<Class_FalseColor>(call);
 }
+
+// "Water Noise" rows ﾀｲﾌﾟ 1..4: the four marks. A lone dot would not
+// outlive the median that follows.
+constexpr std::array<std::uint8_t, 4> WaterMarks{1, 2, 3, 4};
 
 } // namespace
 
@@ -76,14 +72,37 @@ void registerFalseColorEffects(EffectDispatch& d) {
               e.RandamNoise_Color(slider(v, 1), 1, c.red, c.green, c.blue, row(v.eType), r.left,
                                   r.top, r.right, r.bottom);
           }));
+    // Water Noise: stamps, then the 3x3 median blots them into the
+    // picture. The colour row ｶﾗｰ with the first type lays dots of random
+    // colours, as the call says; the other types keep their marks.
+    const EffectPlanner median =
+        dispatch::withTrans<Class_NeighborhoodOp>([](Class_NeighborhoodOp& e, V, R r) {
+            e.MedianFilter(0, 0, r.left, r.top, r.right, r.bottom);
+        });
+    const EffectPlanner monoWater = planInSequence(
+        {planner([](Class_FalseColor& e, V v, R r) {
+             if (v.eType < 0 || v.eType >= static_cast<int>(WaterMarks.size())) {
+                 throw EffectError::overflow();
+             }
+             e.RandamNoise_Mono(slider(v, 1), 0, WaterMarks[static_cast<std::size_t>(v.eType)],
+                                r.left, r.top, r.right, r.bottom);
+         }),
+         median});
+    const EffectPlanner colourWater = planInSequence(
+        {planner([](Class_FalseColor& e, V v, R r) {
+             e.RandamNoise_Color(slider(v, 1), 0, 0, 0, 0, 0, r.left, r.top, r.right, r.bottom);
+         }),
+         median});
+    d.add(DialogKind::Emboss, 32, [monoWater, colourWater](V v) {
+        return v.eType == 0 && v.color == 1 ? colourWater(v) : monoWater(v);
+    });
     // Noise Corrdinate: wavelength, amplitude, function. It reads the
     // source while it writes, so it has the Trans array.
-    d.add(DialogKind::Level, 48, [](V v) {
-        return EffectPlan::ready(runWithTrans<Class_FalseColor>([v](Class_FalseColor& e, R r) {
-            e.NoiserizeWater(slider(v, 2), slider(v, 1), row(v.color), r.left, r.top, r.right,
-                             r.bottom);
-        }));
-    });
+    d.add(DialogKind::Level, 48,
+          dispatch::withTrans<Class_FalseColor>([](Class_FalseColor& e, V v, R r) {
+              e.NoiserizeWater(slider(v, 2), slider(v, 1), row(v.color), r.left, r.top, r.right,
+                               r.bottom);
+          }));
 }
 
 } // namespace lumiran

@@ -1,23 +1,16 @@
 // The cases of frm_ColorScale served by Class_Gradation: the drawing alone,
 // or the drawing blended with the document.
-#include "catalogue/effect_dispatch.h"
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/colour/gradation/class_gradation.h"
-#include "engine/numeric.h"
 
 #include <optional>
 
 namespace lumiran {
 namespace {
 
-std::uint8_t row(int index) {
-    if (index < 0 || index > 255) throw EffectError::overflow();
-    return static_cast<std::uint8_t>(index);
-}
-
-std::int16_t slider(const ControlValues& v, int number) {
-    return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
-}
+using dispatch::row;
+using dispatch::slider;
 
 // The source is fetched before the drawing covers kept picture 0; the plain
 // gradation then takes the drawing itself as its result.

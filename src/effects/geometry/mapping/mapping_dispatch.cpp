@@ -1,21 +1,14 @@
 // The cases of the dialogs' ...Processing routines served by Class_3DMapping.
-#include "catalogue/effect_dispatch.h"
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/geometry/mapping/class_3d_mapping.h"
-#include "engine/numeric.h"
 
 namespace lumiran {
 namespace {
 
 using V = const ControlValues&;
-
-std::int16_t slider(V v, int number) {
-    return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
-}
-
-std::uint8_t byte(V v, int number) {
-    return roundTo<std::uint8_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
-}
+using dispatch::slider;
+using dispatch::sliderByte;
 
 // The mapping reads kept picture 0 and draws on kept picture 1.
 template <typename Call>
@@ -36,8 +29,8 @@ void register3DMappingEffects(EffectDispatch& d) {
     d.add(DialogKind::Mani, 63,
           mapping([](Class_3DMapping& e, V v, const Surface& source, Surface& target) {
               const std::uint8_t type = v.eType == 1 ? PictureOnSurface : MeshInColour;
-              e.Mapping(source, target, slider(v, 1), slider(v, 2), type, 0, byte(v, 3), byte(v, 4),
-                        byte(v, 5), slider(v, 6), slider(v, 7));
+              e.Mapping(source, target, slider(v, 1), slider(v, 2), type, 0, sliderByte(v, 3),
+                        sliderByte(v, 4), sliderByte(v, 5), slider(v, 6), slider(v, 7));
           }));
     // Thin Book: mesh type 1 on surface 5, the mesh in the picture's colours.
     d.add(DialogKind::Level, 15,

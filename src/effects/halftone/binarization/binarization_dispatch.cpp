@@ -1,20 +1,20 @@
 // The cases of the dialogs' ...Processing routines served by
 // Class_Binarization. "Osero" stands in the same menu but is served by
 // Class_Mosaic.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/halftone/binarization/class_binarization.h"
-#include "effects/halftone/dispatch_values.h"
 
 namespace lumiran {
 
 void registerBinarizationEffects(EffectDispatch& d) {
-    using halftone::slider;
-    using halftone::value16;
+    using dispatch::slider;
+    using dispatch::value16;
     using V = const ControlValues&;
     using R = const ProcessRect&;
     using E = Class_Binarization;
     auto add = [&d](DialogKind dialog, int code, auto call) {
-        d.add(dialog, code, halftone::planner<Class_Binarization>(call));
+        d.add(dialog, code, dispatch::withTrans<Class_Binarization>(call));
     };
     add(DialogKind::Negative, 2, [](E& e, V v, R r) {
         e.Binarization(slider(v, 1), value16(v.color), r.left, r.top, r.right, r.bottom);

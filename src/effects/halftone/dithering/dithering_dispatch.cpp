@@ -1,17 +1,17 @@
 // The cases of the dialogs' ...Processing routines served by Class_Dithering.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
-#include "effects/halftone/dispatch_values.h"
 #include "effects/halftone/dithering/class_dithering.h"
 
 namespace lumiran {
 
 void registerDitheringEffects(EffectDispatch& d) {
-    using halftone::slider;
-    using halftone::value16;
+    using dispatch::slider;
+    using dispatch::value16;
     using V = const ControlValues&;
     using R = const ProcessRect&;
     auto add = [&d](DialogKind dialog, int code, auto call) {
-        d.add(dialog, code, halftone::planner<Class_Dithering>(call));
+        d.add(dialog, code, dispatch::withTrans<Class_Dithering>(call));
     };
     // The ordered dithers: the type list, S2 the adjust, the colour row
     // the mode, S1 the level.

@@ -1,15 +1,15 @@
 // The one entry of "Gift": DLA plots on kept picture 0, the document's copy,
 // and the plot is the result.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/texture/dla/class_dla.h"
-#include "effects/texture/texture_dispatch.h"
 
 namespace lumiran {
 
 void registerDLAEffects(EffectDispatch& d) {
     d.add(DialogKind::Mani, 52, [](const ControlValues& v) {
         return EffectPlan::ready(ReplacingBody{[v](EffectInvocation& run) {
-            using texture::slider;
+            using dispatch::slider;
             Class_DLA effect(run.context);
             const ProcessRect r = run.rect;
             // "範囲" and "太さ" are not in the call's arguments; the sliders

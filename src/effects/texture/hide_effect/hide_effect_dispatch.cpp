@@ -1,15 +1,15 @@
 // The cases served by Class_HideEffect: the stamps of "Noise Effect", the
 // lit blocks and spheres of "Ball Effect".
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/texture/hide_effect/class_hide_effect.h"
-#include "effects/texture/texture_dispatch.h"
 
 namespace lumiran {
 namespace {
 
-using texture::row;
-using texture::slider;
-using texture::sliderByte;
+using dispatch::row;
+using dispatch::slider;
+using dispatch::sliderByte;
 using V = const ControlValues&;
 using R = const ProcessRect&;
 using E = Class_HideEffect;
@@ -18,7 +18,7 @@ using E = Class_HideEffect;
 // (D(S4), rect, S1, S2, S3, S5, S5, S5, D(S6), C, E).
 template <auto Operation>
 EffectPlanner spheres(bool lists = true) {
-    return texture::withTrans<E>([lists](E& e, V v, R r) {
+    return dispatch::withTrans<E>([lists](E& e, V v, R r) {
         const std::int16_t reflection = slider(v, 5);
         (e.*Operation)(v.sliders[3], r.left, r.top, r.right, r.bottom, slider(v, 1), slider(v, 2),
                        slider(v, 3), reflection, reflection, reflection, v.sliders[5],
@@ -30,43 +30,43 @@ EffectPlanner spheres(bool lists = true) {
 
 void registerHideEffectEffects(EffectDispatch& d) {
     // Noise Effect: Sketch Noise, Mist, Monochrome Noise.
-    d.add(DialogKind::Emboss, 18, texture::inPlace<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Emboss, 18, dispatch::inPlace<E>([](E& e, V v, R r) {
               const std::uint8_t size = sliderByte(v, 1);
               e.Texture_Cloud(size, size, r.left, r.top, r.right, r.bottom, row(v.eType));
           }));
-    d.add(DialogKind::Emboss, 30, texture::inPlace<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Emboss, 30, dispatch::inPlace<E>([](E& e, V v, R r) {
               const std::uint8_t size = sliderByte(v, 1);
               e.Texture_Cloud2(size, size, r.left, r.top, r.right, r.bottom, row(v.eType),
                                row(v.color));
           }));
-    d.add(DialogKind::Emboss, 35, texture::inPlace<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Emboss, 35, dispatch::inPlace<E>([](E& e, V v, R r) {
               const std::uint8_t size = sliderByte(v, 1);
               e.MonochromeNoise(size, size, r.left, r.top, r.right, r.bottom, row(v.eType));
           }));
 
     // Ball Effect.
     d.add(DialogKind::Mani, 49, spheres<&E::Specular>());
-    d.add(DialogKind::Mani, 54, texture::withTrans<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 54, dispatch::withTrans<E>([](E& e, V v, R r) {
               e.Mosaic_Shading(sliderByte(v, 4), r.left, r.top, r.right, r.bottom, 0, slider(v, 1),
                                slider(v, 2), slider(v, 3), slider(v, 5), slider(v, 6));
           }));
-    d.add(DialogKind::Mani, 55, texture::withTrans<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 55, dispatch::withTrans<E>([](E& e, V v, R r) {
               const std::uint8_t size = sliderByte(v, 4);
               e.Mosaic_ShadingGap(size, size, r.left, r.top, r.right, r.bottom, 0, 0, slider(v, 1),
                                   slider(v, 2), slider(v, 3), 0, slider(v, 5), slider(v, 6));
           }));
-    d.add(DialogKind::Mani, 56, texture::withTrans<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 56, dispatch::withTrans<E>([](E& e, V v, R r) {
               e.Mosaic_ShadingRandom(sliderByte(v, 4), r.left, r.top, r.right, r.bottom, 0,
                                      slider(v, 1), slider(v, 2), slider(v, 3), slider(v, 5),
                                      slider(v, 6));
           }));
-    d.add(DialogKind::Sepia, 1, texture::withTrans<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Sepia, 1, dispatch::withTrans<E>([](E& e, V v, R r) {
               const std::uint8_t size = sliderByte(v, 1);
               e.Mosaic_Glowing(size, size, r.left, r.top, r.right, r.bottom, 0, 0);
           }));
     // Glowing Pixel 2: the type is S1 - 247, never 0, so each pixel's own
     // colour is lit.
-    d.add(DialogKind::Mani, 89, texture::withTrans<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 89, dispatch::withTrans<E>([](E& e, V v, R r) {
               e.Mosaic_ShadingRandom(sliderByte(v, 4), r.left, r.top, r.right, r.bottom,
                                      static_cast<std::int16_t>(slider(v, 1) - 247), slider(v, 1),
                                      slider(v, 2), slider(v, 3), slider(v, 5), slider(v, 6));

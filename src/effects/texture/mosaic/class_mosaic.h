@@ -119,6 +119,9 @@ class Class_Mosaic : public PixelFrame {
     // painted as often as they fold, the last writer winning.
     void paintRule(Surface& target, const mosaic::Block& block, const mosaic::CellRule& rule);
 
+    // Every block of the plain grid of width x height painted by the rule.
+    void ruleMosaic(const ProcessRect& rect, int width, int height, const mosaic::CellRule& rule);
+
     // Every cell in one colour.
     void paintUniform(Surface& target, const mosaic::Block& block, Rgb16 colour);
 

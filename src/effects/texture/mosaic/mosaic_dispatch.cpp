@@ -1,20 +1,20 @@
 // The cases of the dialogs' ...Processing routines served by Class_Mosaic,
 // among them "Nico Block" of the Pattern menu and "Osero" of Binarization.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/texture/mosaic/class_mosaic.h"
-#include "effects/texture/texture_dispatch.h"
 
 namespace lumiran {
 
 void registerMosaicEffects(EffectDispatch& d) {
-    using texture::row;
-    using texture::slider;
-    using texture::sliderByte;
+    using dispatch::row;
+    using dispatch::slider;
+    using dispatch::sliderByte;
     using E = Class_Mosaic;
     using V = const ControlValues&;
     using R = const ProcessRect&;
     auto add = [&d](DialogKind dialog, int code, auto call) {
-        d.add(dialog, code, texture::inPlace<Class_Mosaic>(call));
+        d.add(dialog, code, dispatch::inPlace<Class_Mosaic>(call));
     };
     add(DialogKind::Sepia, 17, [](E& e, V v, R r) {
         e.Mosaic_Normal(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right, r.bottom, 0);
@@ -61,7 +61,7 @@ void registerMosaicEffects(EffectDispatch& d) {
     // Lozenge Mosaic 1 (shape 0) and Circle Gap Mosaic (1) read the source
     // and paint a separate destination.
     for (const auto& [code, shape] : {std::pair{2, 0}, std::pair{3, 1}}) {
-        d.add(DialogKind::Sepia, code, texture::withTrans<Class_Mosaic>([shape](E& e, V v, R r) {
+        d.add(DialogKind::Sepia, code, dispatch::withTrans<Class_Mosaic>([shape](E& e, V v, R r) {
                   e.Mosaic_Lozenge(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right,
                                    r.bottom, 0, static_cast<std::uint8_t>(shape));
               }));
@@ -71,7 +71,7 @@ void registerMosaicEffects(EffectDispatch& d) {
         e.Mosaic_GradShading(sliderByte(v, 4), r.left, r.top, r.right, r.bottom, 0, slider(v, 1),
                              slider(v, 2), slider(v, 3), slider(v, 5), slider(v, 6));
     });
-    d.add(DialogKind::Emboss, 31, texture::withTrans<Class_Mosaic>([](E& e, V v, R r) {
+    d.add(DialogKind::Emboss, 31, dispatch::withTrans<Class_Mosaic>([](E& e, V v, R r) {
               e.Mosaic_ShippouTunagi(sliderByte(v, 1), r.left, r.top, r.right, r.bottom,
                                      row(v.color), row(v.eType));
           }));

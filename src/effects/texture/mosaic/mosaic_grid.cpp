@@ -22,19 +22,22 @@ void Class_Mosaic::Mosaic_Normal(std::uint8_t width, std::uint8_t height, std::i
             uniformMosaic(rect, width, height);
             return;
         }
-        const mosaic::CellRule rule = mosaic::normalRule(type, width, height);
-        walkBlocks(rect, BlockGrid::plain(width, height),
-                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
+        ruleMosaic(rect, width, height, mosaic::normalRule(type, width, height));
     });
+}
+
+void Class_Mosaic::ruleMosaic(const ProcessRect& rect, int width, int height,
+                              const mosaic::CellRule& rule) {
+    walkBlocks(rect, BlockGrid::plain(width, height),
+               [&](const Block& block) { paintRule(ImageBits, block, rule); });
 }
 
 void Class_Mosaic::Mosaic_Tile(std::uint8_t width, std::uint8_t height, std::int16_t left,
                                std::int16_t top, std::int16_t right, std::int16_t bottom, bool,
                                std::uint8_t type) {
     guarded([&] {
-        const mosaic::CellRule rule = mosaic::tileRule(type, width, height);
-        walkBlocks(rectOf(left, top, right, bottom), BlockGrid::plain(width, height),
-                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
+        ruleMosaic(rectOf(left, top, right, bottom), width, height,
+                   mosaic::tileRule(type, width, height));
     });
 }
 
@@ -42,9 +45,8 @@ void Class_Mosaic::Mosaic_Gradation1(std::uint8_t width, std::uint8_t height, st
                                      std::int16_t top, std::int16_t right, std::int16_t bottom,
                                      std::uint8_t, std::uint8_t type) {
     guarded([&] {
-        const mosaic::CellRule rule = mosaic::gradation1Rule(type, width, height);
-        walkBlocks(rectOf(left, top, right, bottom), BlockGrid::plain(width, height),
-                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
+        ruleMosaic(rectOf(left, top, right, bottom), width, height,
+                   mosaic::gradation1Rule(type, width, height));
     });
 }
 
@@ -52,9 +54,8 @@ void Class_Mosaic::Mosaic_Gradation2(std::uint8_t width, std::uint8_t height, st
                                      std::int16_t top, std::int16_t right, std::int16_t bottom,
                                      std::uint8_t, std::uint8_t type) {
     guarded([&] {
-        const mosaic::CellRule rule = mosaic::gradation2Rule(type, width, height);
-        walkBlocks(rectOf(left, top, right, bottom), BlockGrid::plain(width, height),
-                   [&](const Block& block) { paintRule(ImageBits, block, rule); });
+        ruleMosaic(rectOf(left, top, right, bottom), width, height,
+                   mosaic::gradation2Rule(type, width, height));
     });
 }
 

@@ -50,6 +50,19 @@ void checkSize(std::int16_t blockSize) {
     if (blockSize < 1) throw EffectError::overflow();
 }
 
+// The net over the area: its vertices moved at random (type 0) or drawn
+// to the source's edges.
+net::Net laidNet(const net::Area& area, std::int16_t blockSize, std::int16_t noise,
+                 std::uint8_t type, const Surface& source, RandomGenerator& random) {
+    net::Net net(area, blockSize);
+    if (type == 0) {
+        net.scatter(noise, random);
+    } else {
+        net.snapToEdges(source, noise);
+    }
+    return net;
+}
+
 } // namespace
 
 void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::int16_t left,
@@ -59,12 +72,7 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         checkSize(blockSize);
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
-        net::Net net(area, blockSize);
-        if (type == 0) {
-            net.scatter(noise, context().random);
-        } else {
-            net.snapToEdges(source, noise);
-        }
+        const net::Net net = laidNet(area, blockSize, noise, type, source, context().random);
         SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
 
         // Every cell filled on the work picture in its own colour.
@@ -131,12 +139,7 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
         checkSize(blockSize);
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
-        net::Net net(area, blockSize);
-        if (type == 0) {
-            net.scatter(noise, context().random);
-        } else {
-            net.snapToEdges(source, noise);
-        }
+        const net::Net net = laidNet(area, blockSize, noise, type, source, context().random);
         BitBlt(target, area.left, area.top, area.right - area.left, area.bottom - area.top, source,
                area.left, area.top, SRCCOPY);
         const ColourRef colour = RGB(red, green, blue);

@@ -1,8 +1,8 @@
 // The cases of the dialogs' ...Processing routines served by
 // Class_NetMosaic: "Fractal Mosaic" and "Tile Wall Net".
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/texture/net_mosaic/class_net_mosaic.h"
-#include "effects/texture/texture_dispatch.h"
 
 namespace lumiran {
 namespace {
@@ -21,8 +21,8 @@ EffectPlanner onKeptPictures(Call call) {
 } // namespace
 
 void registerNetMosaicEffects(EffectDispatch& d) {
-    using texture::row;
-    using texture::slider;
+    using dispatch::row;
+    using dispatch::slider;
     using V = const ControlValues&;
     using I = EffectInvocation&;
     d.add(DialogKind::Level, 21, onKeptPictures([](Class_NetMosaic& e, V v, I run) {

@@ -1,21 +1,21 @@
 // The cases of the dialogs' ...Processing routines served by Class_Pattern,
 // among them "Color Spread" of the Color menu.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/halftone/binarization/class_binarization.h"
 #include "effects/texture/pattern/class_pattern.h"
-#include "effects/texture/texture_dispatch.h"
 
 namespace lumiran {
 
 void registerPatternEffects(EffectDispatch& d) {
-    using texture::row;
-    using texture::slider;
-    using texture::sliderByte;
+    using dispatch::row;
+    using dispatch::slider;
+    using dispatch::sliderByte;
     using E = Class_Pattern;
     using V = const ControlValues&;
     using R = const ProcessRect&;
     auto add = [&d](DialogKind dialog, int code, auto call) {
-        d.add(dialog, code, texture::inPlace<Class_Pattern>(call));
+        d.add(dialog, code, dispatch::inPlace<Class_Pattern>(call));
     };
     add(DialogKind::ColorScale, 10, [](E& e, V v, R r) {
         const Rgb8 c = v.processColor;
@@ -29,27 +29,20 @@ void registerPatternEffects(EffectDispatch& d) {
     });
     // Checked Pattern: rows 0..2 the operation; row 3 ("2値化") copies blocks
     // from random places, and the result is then binarized at 128.
-    const EffectPlanner checked = texture::inPlace<Class_Pattern>([](E& e, V v, R r) {
+    const EffectPlanner checked = dispatch::inPlace<Class_Pattern>([](E& e, V v, R r) {
         e.CheckedPattern(true, slider(v, 1), slider(v, 2), r.left, r.top, r.right, r.bottom,
                          row(v.eType));
     });
-    d.add(DialogKind::Level, 13, [checked](V v) {
-        if (v.eType != 3) return checked(v);
-        return EffectPlan::ready([v](EffectInvocation& run) {
-            runInPlace<Class_Pattern>([v](E& e, R r) {
-                e.CheckedPattern(true, slider(v, 1), slider(v, 2), r.left, r.top, r.right, r.bottom,
-                                 8);
-            })(run);
-            if (run.context.cancelled()) return;
-            // The second call reads what the first left in kept picture 1.
-            Class_Binarization binarization(run.context);
-            binarization.ImageGetDiBits(run.keptPicture1);
-            binarization.ImageGetDiBitsTrans(run.keptPicture1);
-            const ProcessRect& r = run.rect;
-            binarization.Binarization(128, 0, r.left, r.top, r.right, r.bottom);
-            binarization.ImageSetDiBitsTrans(run.keptPicture1);
-        });
-    });
+    const EffectPlanner binarized =
+        planInSequence({dispatch::inPlace<Class_Pattern>([](E& e, V v, R r) {
+                            e.CheckedPattern(true, slider(v, 1), slider(v, 2), r.left, r.top,
+                                             r.right, r.bottom, 8);
+                        }),
+                        dispatch::withTrans<Class_Binarization>([](Class_Binarization& e, V, R r) {
+                            e.Binarization(128, 0, r.left, r.top, r.right, r.bottom);
+                        })});
+    d.add(DialogKind::Level, 13,
+          [checked, binarized](V v) { return v.eType == 3 ? binarized(v) : checked(v); });
     // Sin Light (periods as given) and Smoke Pattern (periods drawn at random).
     for (const auto& [code, random] : {std::pair{53, false}, std::pair{20, true}}) {
         add(DialogKind::Mani, code, [random](E& e, V v, R r) {

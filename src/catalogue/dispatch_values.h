@@ -1,24 +1,25 @@
 #pragma once
 
-// What the dispatch units of the texture classes share: the conversions of
-// a dialog's values to the types of the operations' parameters, and the
-// planners that run a call on a fresh object of a class.
+// What the families' cases share: a dialog's values converted to the types
+// of the operations' parameters, and the planners of a one-call case. The
+// conversions happen inside the run, where the error trap catches them.
 #include "catalogue/control_values.h"
 #include "catalogue/effect_dispatch.h"
+#include "engine/effect_error.h"
 #include "engine/numeric.h"
 
 #include <cstddef>
 #include <cstdint>
 
-namespace lumiran::texture {
+namespace lumiran::dispatch {
 
-// A slider value handed to a 16-bit parameter: rounded half to even, with
-// the overflow error inside the run when it does not fit.
+// Slider n handed to a 16-bit parameter: rounded half to even, with the
+// overflow error when it does not fit.
 [[nodiscard]] inline std::int16_t slider(const ControlValues& v, int number) {
     return roundTo<std::int16_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
 }
 
-// A slider value handed to a byte parameter (block sizes, colours).
+// Slider n handed to a byte parameter (block sizes, colours).
 [[nodiscard]] inline std::uint8_t sliderByte(const ControlValues& v, int number) {
     return roundTo<std::uint8_t>(v.sliders[static_cast<std::size_t>(number - 1)]);
 }
@@ -29,8 +30,14 @@ namespace lumiran::texture {
     return static_cast<std::uint8_t>(index);
 }
 
-// A case whose calls work in place on the source array. The conversions of
-// the dialog's values happen inside the run, where the error trap is.
+// A list row or check state handed to a 16-bit parameter.
+[[nodiscard]] inline std::int16_t value16(int value) {
+    if (value < INT16_MIN || value > INT16_MAX) throw EffectError::overflow();
+    return static_cast<std::int16_t>(value);
+}
+
+// A case of calls on one fresh object of the class that work in place on
+// the source array: call(object, values, rect).
 template <typename Class, typename Call>
 [[nodiscard]] EffectPlanner inPlace(Call call) {
     return [call](const ControlValues& v) {
@@ -39,7 +46,7 @@ template <typename Class, typename Call>
     };
 }
 
-// A case whose calls read the source and write a separate destination.
+// The same for calls that read the source and write a separate destination.
 template <typename Class, typename Call>
 [[nodiscard]] EffectPlanner withTrans(Call call) {
     return [call](const ControlValues& v) {
@@ -48,4 +55,4 @@ template <typename Class, typename Call>
     };
 }
 
-} // namespace lumiran::texture
+} // namespace lumiran::dispatch

@@ -2,6 +2,8 @@
 // among them "Color Spread" of the Color menu.
 #include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
+#include "effects/colour/class_color_op.h"
+#include "effects/geometry/dispatch_support.h"
 #include "effects/halftone/binarization/class_binarization.h"
 #include "effects/texture/pattern/class_pattern.h"
 
@@ -116,6 +118,19 @@ void registerPatternEffects(EffectDispatch& d) {
         e.LineInput_Circle(slider(v, 1), r.left, r.top, r.right, r.bottom, row(v.eType),
                            row(v.color));
     });
+    // Sakuramai: pink petals: the pink tint, circles of the picture at
+    // random places, then the polar turn about the chosen point.
+    d.add(DialogKind::Mani, 50,
+          planInSequence({dispatch::inPlace<Class_ColorOp>([](Class_ColorOp& e, V, R r) {
+                              e.SakuraFilter(0, 0, r.left, r.top, r.right, r.bottom);
+                          }),
+                          geometry_dispatch::drawing([](Class_Geometry& e, V v, R r) {
+                              e.Random_Circle(slider(v, 4), r.left, r.top, r.right, r.bottom, 0);
+                          }),
+                          geometry_dispatch::warp([](Class_Geometry& e, V v, R r) {
+                              e.Sphere(r.left, r.top, r.right, r.bottom, 0, slider(v, 1),
+                                       slider(v, 2), slider(v, 3));
+                          })}));
 }
 
 } // namespace lumiran

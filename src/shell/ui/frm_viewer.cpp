@@ -26,6 +26,7 @@
 #include <QStatusBar>
 #include <QStorageInfo>
 #include <QStyle>
+#include <QTimer>
 #include <QToolBar>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -130,6 +131,8 @@ frm_Viewer::frm_Viewer(KeyValueStore& store, ViewerLoader loader, QWidget* paren
     listLayout->addWidget(dirList, 1);
     listLayout->addWidget(filList, 1);
     listLayout->addWidget(PatternCombo);
+    // An explicit minimum, so the splitter may narrow the lists below their hints.
+    lists->setMinimumWidth(120);
 
     ViewImage = new QLabel;
     ViewImage->setObjectName("ViewImage");
@@ -141,6 +144,7 @@ frm_Viewer::frm_Viewer(KeyValueStore& store, ViewerLoader loader, QWidget* paren
     Picture1->setWidgetResizable(false);
 
     auto* split = new QSplitter;
+    split_ = split;
     split->addWidget(lists);
     split->addWidget(Picture1);
     split->setStretchFactor(0, 0);
@@ -387,6 +391,18 @@ void frm_Viewer::ImageShowNo_Click(int index) {
     auto* screen = new frm_Screen(BigImage, index == 1, this);
     screen->show();
     screen->activateWindow();
+}
+
+void frm_Viewer::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    // The picture gets the larger part; the lists' size hints would take most.
+    if (!sized_) {
+        QTimer::singleShot(0, this, [this] {
+            const int total = split_->width();
+            split_->setSizes({total * 2 / 5, total - total * 2 / 5});
+        });
+    }
+    sized_ = true;
 }
 
 void frm_Viewer::resizeEvent(QResizeEvent* event) {

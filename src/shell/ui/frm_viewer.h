@@ -13,6 +13,7 @@ class QFileSystemModel;
 class QLabel;
 class QListWidget;
 class QScrollArea;
+class QSplitter;
 class QStackedWidget;
 class QTreeView;
 
@@ -88,6 +89,7 @@ class frm_Viewer : public QMainWindow {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
   private:
     void buildMenus();
@@ -105,6 +107,8 @@ class frm_Viewer : public QMainWindow {
     ViewerZoom zoom_;
     QFileSystemModel* folders_ = nullptr;
     QStackedWidget* views_ = nullptr;
+    QSplitter* split_ = nullptr;
+    bool sized_ = false;
 };
 
 } // namespace lumiran

@@ -72,8 +72,8 @@ std::string patternOfRow(std::string_view row) {
     return std::string(row.substr(open + 1, close - open - 1));
 }
 
-const std::array<const char*, 15>& viewerPatternRows() {
-    static constexpr std::array<const char*, 15> rows = {
+const std::array<const char*, 14>& viewerPatternRows() {
+    static constexpr std::array<const char*, 14> rows = {
         "(*.bmp;*.dib;*.ico;*.rle;*.wmf;*.emf;*.pcx;*.ppm;*.tga;*.jpg;*.gif;*.pcd)",
         "Windows Bitmap (*.bmp)",
         "Device Independent Bitmap (*.dib)",
@@ -87,7 +87,6 @@ const std::array<const char*, 15>& viewerPatternRows() {
         "Windows Cursors (*.cur)",
         "Truevision Targa (*.tga)",
         "Kodak Photo CD (*.pcd)",
-        "Graphics Interchange Format (*.gif)",
         "All File"};
     return rows;
 }

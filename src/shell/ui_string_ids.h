@@ -165,5 +165,12 @@ constexpr int CaptureDocumentName = 5617;
 constexpr int SetAsDrawingColour = 5619;
 constexpr int SetAsBackColour = 5621;
 constexpr int PixelOutside = 5623;
+constexpr int PrintPrinter = 5625;
+constexpr int PrintPdfRow = 5627;
+constexpr int PrintSizeLabel = 5629;
+constexpr int PrintMarginLeft = 5631;
+constexpr int PrintMarginTop = 5633;
+constexpr int PrintMarginRight = 5635;
+constexpr int PrintMarginBottom = 5637;
 
 } // namespace lumiran::ids

@@ -93,7 +93,7 @@ frm_Print::frm_Print(QImage picture, QString documentName, KeyValueStore& store,
 
     PrinterList = new QComboBox;
     PrinterList->setObjectName("PrinterList");
-    PrinterList->addItem("PDF");
+    PrinterList->addItem(res(ids::PrintPdfRow));
     for (const QString& name : QPrinterInfo::availablePrinterNames())
         PrinterList->addItem(name);
     PrintSize = new QSpinBox;
@@ -107,12 +107,12 @@ frm_Print::frm_Print(QImage picture, QString documentName, KeyValueStore& store,
     MarginBottom = marginBox("MarginBottom", s.margins.bottom);
 
     auto* form = new QFormLayout;
-    form->addRow("Printer", PrinterList);
-    form->addRow("PrintSize", PrintSize);
-    form->addRow("Left", MarginLeft);
-    form->addRow("Top", MarginTop);
-    form->addRow("Right", MarginRight);
-    form->addRow("Bottom", MarginBottom);
+    form->addRow(res(ids::PrintPrinter), PrinterList);
+    form->addRow(res(ids::PrintSizeLabel), PrintSize);
+    form->addRow(res(ids::PrintMarginLeft), MarginLeft);
+    form->addRow(res(ids::PrintMarginTop), MarginTop);
+    form->addRow(res(ids::PrintMarginRight), MarginRight);
+    form->addRow(res(ids::PrintMarginBottom), MarginBottom);
 
     Preview = new QPrintPreviewWidget(printer_.get());
     Preview->setObjectName("Preview");

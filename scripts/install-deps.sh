@@ -26,6 +26,8 @@ packages=(
     libclang-rt-dev
     fonts-noto-cjk
     xvfb
+    libxcb1-dev
+    poppler-utils
     xauth
 )
 

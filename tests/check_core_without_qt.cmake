@@ -1,7 +1,8 @@
 # Fails when a core source includes a Qt header.
 file(GLOB_RECURSE core_files
   ${SOURCE_DIR}/src/engine/* ${SOURCE_DIR}/src/shell/* ${SOURCE_DIR}/src/catalogue/*
-  ${SOURCE_DIR}/src/imagefiles/* ${SOURCE_DIR}/src/effects/* ${SOURCE_DIR}/src/composition/*)
+  ${SOURCE_DIR}/src/imagefiles/* ${SOURCE_DIR}/src/effects/* ${SOURCE_DIR}/src/composition/*
+  ${SOURCE_DIR}/src/tools/*)
 set(offenders "")
 foreach(f IN LISTS core_files)
   if(f MATCHES "/ui/")

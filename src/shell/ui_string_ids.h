@@ -151,4 +151,35 @@ constexpr int ComposeDiscardTitle = 5411;
 constexpr int ComposeExport = 5413;
 constexpr int ComposeExportName = 5415;
 
+// Wallpaper, capture, the image viewer, printing and the colour windows.
+constexpr int WallNoPicture = 1973;
+constexpr int WallTitle = 1975;
+constexpr int WallCannotOpen = 1905;
+constexpr int WallNotBitmap = 1977;
+constexpr int ViewerSelectPicture = 2001;
+constexpr int ViewerZoomErrorTitle = 2003;
+constexpr int ViewerZoomError = 2005;
+constexpr int ViewerFileDate = 2047;
+constexpr int ViewerFileSize = 2049;
+constexpr int ViewerPictureSize = 2051;
+constexpr int WallDesktopUnsupported = 5601;
+constexpr int WallMenu = 5603;
+constexpr int CaptureRun = 5605;
+constexpr int CaptureRefused = 5607;
+constexpr int DesktopNoWallpaper = 5609;
+constexpr int PrintTitle = 5611;
+constexpr int ExplorerTitle = 5613;
+constexpr int PixelTitle = 5615;
+constexpr int CaptureDocumentName = 5617;
+constexpr int SetAsDrawingColour = 5619;
+constexpr int SetAsBackColour = 5621;
+constexpr int PixelOutside = 5623;
+constexpr int PrintPrinter = 5625;
+constexpr int PrintPdfRow = 5627;
+constexpr int PrintSizeLabel = 5629;
+constexpr int PrintMarginLeft = 5631;
+constexpr int PrintMarginTop = 5633;
+constexpr int PrintMarginRight = 5635;
+constexpr int PrintMarginBottom = 5637;
+
 } // namespace lumiran::ids

@@ -10,10 +10,15 @@
 #include "shell/ui/dialogs/frm_option.h"
 #include "shell/ui/dialogs/frm_pictureinfo.h"
 #include "shell/ui/dialogs/frm_vasion.h"
+#include "shell/ui/frm_capture.h"
 #include "shell/ui/frm_document.h"
+#include "shell/ui/frm_exploer.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/frm_picture_save.h"
+#include "shell/ui/frm_print.h"
 #include "shell/ui/frm_progress.h"
+#include "shell/ui/frm_viewer.h"
+#include "shell/ui/picture_view.h"
 
 #include <QDir>
 #include <QMenu>
@@ -89,6 +94,25 @@ class TourTest : public QObject {
         frm_Progress progress(cancel, false, frame.settings().FontSize);
         progress.setPercent(40);
         keep(progress, "frm_Progress");
+
+        frm_Capture capture(&frame);
+        keep(capture, "frm_Capture");
+        frm_Print print(doc->pictureView().image(), "sample.bmp", store, nullptr);
+        keep(print, "frm_Print");
+        frm_Exploer explorer({255, 128, 0}, nullptr);
+        keep(explorer, "frm_Exploer");
+        frm_Pixel pixel(nullptr);
+        pixel.showPixel(doc->pictureView().image(), {10, 10});
+        keep(pixel, "frm_Pixel");
+        frame.LoadImageViewer();
+        frm_Viewer* viewer = frame.viewerWindow();
+        QVERIFY(viewer != nullptr);
+        viewer->showFolder(QFileInfo(LUMIRAN_SAMPLE_PATH).absolutePath());
+        viewer->selectFile("sample.bmp");
+        QTest::qWait(50);
+        keep(*viewer, "frm_Viewer");
+        viewer->showView(1);
+        keep(*viewer, "frm_Viewer_list");
     }
 };
 

@@ -224,12 +224,25 @@ void FrmDocument::buildMenus() {
     closeAction_->setObjectName("FileClose");
     closeAction_->setShortcuts(
         {QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::Key_F4)});
+    file->addAction(res(ids::FilePrint), QKeySequence(Qt::CTRL | Qt::Key_P), this,
+                    [this] { frame_.PrintImagePass(*this); })
+        ->setObjectName("FilePrint");
     file->addSeparator();
     file->addAction(res(ids::FileOpenNext), this, [this] { frame_.openSibling(*this, 1); });
     file->addAction(res(ids::FileOpenPrev), this, [this] { frame_.openSibling(*this, -1); });
-    file->addSeparator();
     file->addAction(res(ids::FileInfo), this, [this] { frame_.showPictureInfo(*this); });
+    QMenu* wall = file->addMenu(res(ids::WallMenu));
+    wall->setObjectName("WallPaper");
+    for (const auto& [row, caption] :
+         {std::pair{0, "To Wallpaper Center"}, std::pair{1, "To Wallpaper All"},
+          std::pair{2, "To Wallpaper Screen"}}) {
+        wall->addAction(caption, this, [this, row] { frame_.WallPaperNo_Click(*this, row); })
+            ->setObjectName(QString("WallPaperNo_%1").arg(row));
+    }
     file->addSeparator();
+    file->addAction(res(ids::FileCapture), &f, &FrmMain::showCapture)->setObjectName("FileCapture");
+    file->addAction(res(ids::FileViewer), &f, &FrmMain::LoadImageViewer)
+        ->setObjectName("FileViewer");
     file->addAction(res(ids::FileExit), QKeySequence(Qt::CTRL | Qt::Key_Q), &f, &QWidget::close);
     // Pad to the fixed index of the history rows.
     while (file->actions().size() < HistoryFirstRow - 1)
@@ -297,6 +310,10 @@ void FrmDocument::buildMenus() {
     QMenu* raster = addTopMenu("mnuRaster", ids::MenuRaster);
     raster->addAction(res(ids::StatusBackColor) + "/" + res(ids::StatusDrawingColor) + "...", &f,
                       &FrmMain::showColorSet);
+    raster->addAction(res(ids::ExplorerTitle), &f, &FrmMain::showExplorer)
+        ->setObjectName("ColourExplorer");
+    raster->addAction(res(ids::PixelTitle), &f, &FrmMain::showPixelWindow)
+        ->setObjectName("PixelWindow");
 
     QMenu* window = addTopMenu("mnuWindow", ids::MenuWindow);
     window->addAction(res(ids::WindowCascade), &f, [&f] { f.arrange(1); });

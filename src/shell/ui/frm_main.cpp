@@ -13,15 +13,21 @@
 #include "shell/clipboard_paste.h"
 #include "shell/string_table.h"
 #include "shell/ui/clipboard_picture.h"
+#include "shell/ui/desktop_tools.h"
 #include "shell/ui/dialogs/dialogs.h"
 #include "shell/ui/dialogs/frm_colorset.h"
+#include "shell/ui/frm_capture.h"
 #include "shell/ui/frm_document.h"
+#include "shell/ui/frm_exploer.h"
 #include "shell/ui/frm_picture_save.h"
+#include "shell/ui/frm_print.h"
+#include "shell/ui/frm_viewer.h"
 #include "shell/ui/picture_view.h"
 #include "shell/ui/run_controller.h"
 #include "shell/ui/surface_image.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
+#include "tools/wall_setting.h"
 
 #include <QAction>
 #include <QApplication>
@@ -301,9 +307,11 @@ void FrmMain::buildFrameMenus() {
     file->addAction(res(ids::FileNew), QKeySequence(Qt::CTRL | Qt::Key_N), this,
                     &FrmMain::newImage);
     file->addSeparator();
-    file->addAction(res(ids::FileCapture))->setEnabled(false);
+    file->addAction(res(ids::FileCapture), this, &FrmMain::showCapture)
+        ->setObjectName("FileCapture");
     file->addSeparator();
-    file->addAction(res(ids::FileViewer))->setEnabled(false);
+    file->addAction(res(ids::FileViewer), this, &FrmMain::LoadImageViewer)
+        ->setObjectName("FileViewer");
     file->addSeparator();
     file->addAction(res(ids::FileExit), QKeySequence(Qt::CTRL | Qt::Key_Q), this, &QWidget::close)
         ->setObjectName("FileExit");
@@ -326,7 +334,8 @@ void FrmMain::buildFrameMenus() {
         ->setObjectName("ClipboardClear");
     edit->addAction(res(ids::EditHistoryClear), this, &FrmMain::clearHistory)
         ->setObjectName("HistoryClear");
-    edit->addAction(res(ids::EditDesktop))->setEnabled(false);
+    edit->addAction(res(ids::EditDesktop), this, &FrmMain::openDesktopPicture)
+        ->setObjectName("DeskTopOpen");
 
     auto* view = new QMenu(res(ids::MenuView), this);
     view->setObjectName("mnuView");
@@ -441,6 +450,13 @@ bool FrmMain::routeToolButton(const QString& key, bool run) {
                 if (FrmDocument* doc = activeDocument()) saveDocument(*doc);
             };
         }
+        if (key == toolKey(3486)) {
+            return [this] {
+                if (FrmDocument* doc = activeDocument()) PrintImagePass(*doc);
+            };
+        }
+        if (key == toolKey(3502)) return [this] { showCapture(); };
+        if (key == toolKey(3504)) return [this] { LoadImageViewer(); };
         if (key == toolKey(3488)) {
             return [this] {
                 if (FrmDocument* doc = activeDocument()) undo(*doc);
@@ -626,6 +642,7 @@ void FrmMain::showPointer(const FrmDocument& document, QPoint pixel) {
         clearPointer();
         return;
     }
+    if (frm_Pixel* window = pixelWindow()) window->showPixel(shown, pixel);
     const QRgb c = shown.pixel(pixel);
     pointerPanel_->setText(res(ids::StatusPointer)
                                .arg(pixel.x())
@@ -637,6 +654,7 @@ void FrmMain::showPointer(const FrmDocument& document, QPoint pixel) {
 
 void FrmMain::clearPointer() {
     pointerPanel_->clear();
+    if (frm_Pixel* window = pixelWindow()) window->showOutside();
 }
 
 QString FrmMain::statusMessage() const {
@@ -1070,10 +1088,14 @@ void FrmMain::showColorSet() {
         refreshStatus();
     });
     connect(dialog, &frm_ColorSet::pickingChanged, this, [this, dialog](bool on) {
+        if (on && explorerWindow()) explorerWindow()->setPickState(0);
+        pickTarget_ = dialog;
         state_.ColorPickMode = on ? 2 : 0;
         dialog->setPickState(state_.ColorPickMode);
     });
-    connect(dialog, &QDialog::finished, this, [this] { state_.ColorPickMode = 0; });
+    connect(dialog, &QDialog::finished, this, [this, dialog] {
+        if (pickTarget_ == dialog) state_.ColorPickMode = 0;
+    });
     dialog->show();
 }
 
@@ -1082,7 +1104,11 @@ frm_ColorSet* FrmMain::colorSetWindow() const {
 }
 
 void FrmMain::colourPicked(Rgb8 colour) {
-    if (frm_ColorSet* dialog = colorSetWindow()) dialog->showPicked(colour);
+    if (pickTarget_ && pickTarget_ == explorer_) {
+        explorerWindow()->showPicked(colour);
+    } else if (frm_ColorSet* dialog = colorSetWindow()) {
+        dialog->showPicked(colour);
+    }
 }
 
 void FrmMain::toggleColourPick() {
@@ -1091,7 +1117,11 @@ void FrmMain::toggleColourPick() {
     } else if (state_.ColorPickMode == 3) {
         state_.ColorPickMode = 2;
     }
-    if (frm_ColorSet* dialog = colorSetWindow()) dialog->setPickState(state_.ColorPickMode);
+    if (pickTarget_ && pickTarget_ == explorer_) {
+        explorerWindow()->setPickState(state_.ColorPickMode);
+    } else if (frm_ColorSet* dialog = colorSetWindow()) {
+        dialog->setPickState(state_.ColorPickMode);
+    }
 }
 
 AreaRect FrmMain::clipboardPart(const FrmDocument& doc) const {
@@ -1305,6 +1335,10 @@ void FrmMain::closeEvent(QCloseEvent* event) {
     if (effectDialog_) effectDialog_->close();
     if (helpWindow_) helpWindow_->close();
     if (colorSet_) colorSet_->close();
+    if (explorer_) explorer_->close();
+    if (pixelWindow_) pixelWindow_->close();
+    // The viewer keeps its place in the settings as it closes.
+    if (viewer_) viewer_->close();
     mdiArea_->closeAllSubWindows();
     writeSettings();
     event->accept();
@@ -1321,6 +1355,150 @@ void FrmMain::dropEvent(QDropEvent* event) {
         if (url.isLocalFile()) openFile(url.toLocalFile());
     }
     event->acceptProposedAction();
+}
+
+void FrmMain::showCapture() {
+    if (busy()) return;
+    auto* dialog = new frm_Capture(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &frm_Capture::captured, this, [this](const QImage& picture, bool toClipboard) {
+        if (toClipboard) {
+            QGuiApplication::clipboard()->setImage(picture);
+        } else if (!busy() && CheckWindowLimit()) {
+            openPictureAsDocument(picture, res(ids::CaptureDocumentName));
+        }
+    });
+    connect(dialog, &frm_Capture::refused, this,
+            [this] { QMessageBox::warning(this, res(ids::CaptureRun), res(ids::CaptureRefused)); });
+    dialog->show();
+}
+
+FrmDocument* FrmMain::openPictureAsDocument(const QImage& picture, const QString& name) {
+    FrmDocument* doc = makeDocument();
+    doc->document().picture = toSurface(picture);
+    doc->document().nameLabel = name.toStdString();
+    doc->setWindowTitle(name);
+    doc->refreshPicture();
+    placeNewDocument(*doc);
+    refreshFrameHistory();
+    ApplyRegulation();
+    refreshMenus();
+    return doc;
+}
+
+void FrmMain::openDesktopPicture() {
+    ProcessRunner runner;
+    const QString path = currentWallpaperFile(runner, runningDesktop());
+    if (path.isEmpty()) {
+        QMessageBox::information(this, res(ids::WallTitle), res(ids::DesktopNoWallpaper));
+        return;
+    }
+    openFile(path);
+}
+
+void FrmMain::LoadImageViewer() {
+    if (viewer_) {
+        viewer_->raise();
+        viewer_->activateWindow();
+        return;
+    }
+    const auto loader = [this](const QString& path, QAction* progress) {
+        ViewerLoad result;
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        LoadedPicture loaded = loadOnWorker(path, decoder_, progress);
+        QApplication::restoreOverrideCursor();
+        QCoreApplication::sendPostedEvents(progress);
+        if (loaded.failure) {
+            try {
+                std::rethrow_exception(loaded.failure);
+            } catch (const ImageLoadError& error) {
+                result.title = qs(errorTitle(error.number()));
+                result.text = qs(error.description());
+                result.detail = qs(error.detail());
+            } catch (const std::bad_alloc&) {
+                const EffectError memory = EffectError::outOfMemory();
+                result.title = qs(errorTitle(memory.number()));
+                result.text = qs(memory.description());
+            }
+        } else if (loaded.picture) {
+            result.picture = std::move(loaded.shown);
+        } else {
+            // An extension the load path does not read gives its blank picture.
+            result.picture = QImage(320, 240, QImage::Format_RGB32);
+            result.picture.fill(Qt::white);
+        }
+        return result;
+    };
+    auto* viewer = new frm_Viewer(store_, loader, this);
+    viewer_ = viewer;
+    connect(viewer, &frm_Viewer::openRequested, this,
+            [this](const QString& path) { openFile(path); });
+    viewer->show();
+}
+
+frm_Viewer* FrmMain::viewerWindow() const {
+    return qobject_cast<frm_Viewer*>(viewer_.data());
+}
+
+void FrmMain::PrintImagePass(FrmDocument& doc) {
+    if (busy()) return;
+    frm_Print dialog(doc.pictureView().image(), doc.windowTitle(), store_, this);
+    dialog.exec();
+}
+
+void FrmMain::WallPaperNo_Click(FrmDocument& doc, int index) {
+    ProcessRunner runner;
+    Class_WallSetting wall(store_, runner, runningDesktop());
+    const auto message =
+        WallPaperNo(index, doc.document().folderLabel, doc.document().nameLabel, wall);
+    if (message) QMessageBox::information(this, res(message->title), res(message->text));
+}
+
+void FrmMain::showExplorer() {
+    if (explorer_) {
+        explorer_->raise();
+        explorer_->activateWindow();
+        return;
+    }
+    auto* dialog = new frm_Exploer(state_.flags.drawingColor, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    explorer_ = dialog;
+    connect(dialog, &frm_Exploer::pickingChanged, this, [this, dialog](bool on) {
+        if (on && colorSetWindow()) colorSetWindow()->setPickState(0);
+        pickTarget_ = dialog;
+        state_.ColorPickMode = on ? 2 : 0;
+        dialog->setPickState(state_.ColorPickMode);
+    });
+    connect(dialog, &frm_Exploer::drawingColourChosen, this, [this](Rgb8 colour) {
+        state_.flags.drawingColor = settings_.drawingColor = colour;
+        refreshStatus();
+    });
+    connect(dialog, &frm_Exploer::backColourChosen, this, [this](Rgb8 colour) {
+        state_.flags.backColor = settings_.backColor = colour;
+        refreshStatus();
+    });
+    connect(dialog, &QDialog::finished, this, [this, dialog] {
+        if (pickTarget_ == dialog) state_.ColorPickMode = 0;
+    });
+    dialog->show();
+}
+
+frm_Exploer* FrmMain::explorerWindow() const {
+    return qobject_cast<frm_Exploer*>(explorer_.data());
+}
+
+void FrmMain::showPixelWindow() {
+    if (!pixelWindow_) {
+        auto* window = new frm_Pixel(this);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        pixelWindow_ = window;
+    }
+    pixelWindow_->show();
+    pixelWindow_->raise();
+}
+
+frm_Pixel* FrmMain::pixelWindow() const {
+    return qobject_cast<frm_Pixel*>(pixelWindow_.data());
 }
 
 } // namespace lumiran

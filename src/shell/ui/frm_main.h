@@ -29,6 +29,9 @@ struct EffectEntry;
 class EffectDialog;
 class FrmBrowse;
 class frm_ColorSet;
+class frm_Exploer;
+class frm_Pixel;
+class frm_Viewer;
 
 // The main frame: the document windows, the frame's own menu while no
 // document is open, toolbar, status bar, settings and the commands both
@@ -124,6 +127,22 @@ class FrmMain : public QMainWindow {
     void PasteAsNewDocument();
     void ClipboardClear();
     void showPictureInfo(FrmDocument& document);
+
+    // The tools beside the documents.
+    [[nodiscard]] KeyValueStore& store() { return store_; }
+    void showCapture();
+    // A picture as a new document named `name`, with no folder.
+    FrmDocument* openPictureAsDocument(const QImage& picture, const QString& name);
+    void openDesktopPicture();
+    void LoadImageViewer();
+    [[nodiscard]] frm_Viewer* viewerWindow() const;
+    void PrintImagePass(FrmDocument& document);
+    // The wallpaper rows: 0 centred, 1 tiled, 2 stretched.
+    void WallPaperNo_Click(FrmDocument& document, int index);
+    void showExplorer();
+    [[nodiscard]] frm_Exploer* explorerWindow() const;
+    void showPixelWindow();
+    [[nodiscard]] frm_Pixel* pixelWindow() const;
     void showHelp();
     // The help window of the editor's own; null until help was asked for.
     [[nodiscard]] QTextBrowser* helpWindow() const { return helpWindow_; }
@@ -215,6 +234,11 @@ class FrmMain : public QMainWindow {
     QPointer<QTextBrowser> helpWindow_;
     QPointer<QDialog> colorSet_;
     QPointer<FrmBrowse> browser_;
+    QPointer<QDialog> explorer_;
+    QPointer<QDialog> pixelWindow_;
+    QPointer<QWidget> viewer_;
+    // Which colour form the picked colour goes to.
+    QPointer<QDialog> pickTarget_;
 };
 
 } // namespace lumiran

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -53,5 +54,5 @@ class DecoderOnDemand : public lumiran::PlatformDecoder {
 int main(int argc, char** argv) {
     DecoderOnDemand decoder(argv[0]);
     const std::vector<std::string> args(argv + 1, argv + argc);
-    return lumiran::cli::runCli(args, std::cout, std::cerr, decoder);
+    return lumiran::cli::runCli(args, std::cout, std::cerr, decoder, ::isatty(2) == 1);
 }

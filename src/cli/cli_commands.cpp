@@ -177,14 +177,23 @@ std::string unknownEffectMessage(const std::string& name) {
     return message + " ('lumiran-cli list' shows every effect)";
 }
 
-void printFailures(const std::vector<EffectError>& failures, std::ostream& err) {
+void printFailures(const std::vector<EffectError>& failures, std::ostream& err,
+                   const std::string& prefix) {
     for (const EffectError& f : failures) {
-        err << errorTitle(f.number()) << ": " << f.description() << '\n';
+        err << prefix << errorTitle(f.number()) << ": " << f.description() << '\n';
     }
 }
 
+std::string namedFor(const fs::path& input, const std::string& message) {
+    const std::string name = input.string();
+    if (message.starts_with(name) || message.find(' ' + name + ':') != std::string::npos) {
+        return message;
+    }
+    return name + ": " + message;
+}
+
 int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err, PlatformDecoder& decoder,
-             const LoadSetting& setting) {
+             const LoadSetting& setting, bool showProgress) {
     const EffectEntry* effect = findEffect(cl.effect);
     if (effect == nullptr) throw UsageError(unknownEffectMessage(cl.effect));
     const ControlValues values = resolveControls(*effect, cl.controls);
@@ -224,43 +233,49 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err, Platfo
     state.flags.rasterOpFlag = static_cast<std::uint8_t>(cl.rasterOpFlag);
     if (!cl.keptFile.empty()) state.keep.ComposeImage = loadPicture(cl.keptFile, decoder, setting);
 
+    const bool batch = cl.inputs.size() > 1;
     int exitCode = ExitOk;
     for (std::size_t i = 0; i < cl.inputs.size(); ++i) {
         if (setting.stopRequested()) throw Interrupted();
         const fs::path input(cl.inputs[i]);
-        Document document;
+        if (batch && showProgress) {
+            err << '[' << i + 1 << '/' << cl.inputs.size() << "] " << input.filename().string()
+                << '\n';
+        }
+        // In a batch every input gets its outcome, each message naming its
+        // file, and the exit code is the worst seen.
+        auto report = [&](const std::string& message, int code) {
+            if (!batch) throw; // a single input is reported as before, by the outer handler
+            err << "lumiran-cli: " << namedFor(input, message) << '\n';
+            exitCode = std::max(exitCode, code);
+        };
         try {
+            Document document;
             document.picture = loadPicture(cl.inputs[i], decoder, setting);
-        } catch (const UsageError& error) {
-            // In a batch the other pictures still get their turn.
-            if (cl.inputs.size() == 1) throw;
-            err << "lumiran-cli: " << error.what() << '\n';
-            exitCode = std::max(exitCode, ExitUsage);
-            continue;
-        }
-        document.folderLabel = input.has_parent_path() ? input.parent_path().string() + "/" : "";
-        document.nameLabel = input.filename().string();
-        if (cl.rect) {
-            document.ToolsFlag = 3; // an area fixed, as a finished selection leaves it
-            document.area = *cl.rect;
-        }
-        // The tool keeps no undo level and looks at nothing during the run.
-        const RunReport report = runEffect(state, document, plan.body, nullptr,
-                                           RunOptions{.noUndo = true, .oneShot = true});
-        printFailures(report.failures, err);
-        if (report.outcome == RunOutcome::Cancelled) {
-            exitCode = std::max(exitCode, ExitFailed);
-            continue;
-        }
-        try {
+            document.folderLabel =
+                input.has_parent_path() ? input.parent_path().string() + "/" : "";
+            document.nameLabel = input.filename().string();
+            if (cl.rect) {
+                document.ToolsFlag = 3; // an area fixed, as a finished selection leaves it
+                document.area = *cl.rect;
+            }
+            // The tool keeps no undo level and looks at nothing during the run.
+            const RunReport run = runEffect(state, document, plan.body, nullptr,
+                                            RunOptions{.noUndo = true, .oneShot = true});
+            printFailures(run.failures, err, batch ? input.string() + ": " : std::string());
+            if (run.outcome == RunOutcome::Cancelled) {
+                exitCode = std::max(exitCode, ExitFailed);
+                continue;
+            }
             savePicture(document.picture, outputs[i].string(), cl.bits);
-        } catch (const RunFailure& failure) {
-            if (cl.inputs.size() == 1) throw;
-            err << "lumiran-cli: " << failure.what() << '\n';
-            exitCode = std::max(exitCode, ExitFailed);
-            continue;
+            out << outputs[i].string() << '\n';
+        } catch (const UsageError& error) {
+            report(error.what(), ExitUsage);
+        } catch (const RunFailure& error) {
+            report(error.what(), ExitFailed);
+        } catch (const EffectError& error) {
+            report(errorTitle(error.number()) + ": " + error.description(), ExitFailed);
         }
-        out << outputs[i].string() << '\n';
     }
     return exitCode;
 }
@@ -277,7 +292,7 @@ int runConvert(const CommandLine& cl, std::ostream& out, PlatformDecoder& decode
 } // namespace
 
 int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
-           PlatformDecoder& decoder, const std::atomic<int>* interrupted) {
+           PlatformDecoder& decoder, const std::atomic<int>* interrupted, bool showProgress) {
     try {
         if (!args.empty() && (args[0] == "--help" || args[0] == "-h" || args[0] == "help")) {
             out << usageText();
@@ -291,7 +306,7 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
         LoadSetting setting{.interrupted = interrupted, .err = &err};
         setting.limits.maxPixels = cl.maxPixels;
         if (cl.command == "convert") return runConvert(cl, out, decoder, setting);
-        return runApply(cl, out, err, decoder, setting);
+        return runApply(cl, out, err, decoder, setting, showProgress);
     } catch (const Interrupted& error) {
         err << "lumiran-cli: " << error.what() << '\n';
         return ExitInterrupted;

@@ -9,6 +9,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -73,5 +74,6 @@ int main(int argc, char** argv) {
     installInterruptHandler();
     DecoderOnDemand decoder(argv[0]);
     const std::vector<std::string> args(argv + 1, argv + argc);
-    return lumiran::cli::runCli(args, std::cout, std::cerr, decoder, &interruptRequested);
+    return lumiran::cli::runCli(args, std::cout, std::cerr, decoder, &interruptRequested,
+                                ::isatty(2) == 1);
 }

@@ -10,6 +10,8 @@
 #include "platform/qt_picture_decoder.h"
 #include "test_support.h"
 
+#include <QBuffer>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -105,6 +107,64 @@ TEST_F(CliTest, BatchWritesOneFilePerInput) {
     ASSERT_EQ(run({"apply", "--effect", "Monotone", a, b, "--out-dir", path("out")}), 0);
     EXPECT_TRUE(fs::exists(dir / "out" / "a.bmp"));
     EXPECT_EQ(read("out/b.bmp").width(), 4);
+}
+
+TEST_F(CliTest, ABatchGivesEveryInputItsOutcomeNamedAndExitsWithTheWorst) {
+    const std::string a = writeInput("a.bmp", testing::makeVariedPicture(3, 3));
+    const std::string b = writeInput("b.bmp", testing::makeVariedPicture(3, 3));
+    const std::string c = writeInput("c.bmp", testing::makeVariedPicture(3, 3));
+    std::ofstream(dir / "bad.pcx") << "not a pcx";
+    fs::create_directories(dir / "out");
+    fs::create_symlink("/dev/full", dir / "out" / "b.bmp"); // a full disk for this one output
+    const std::vector<std::string> args{"apply", "--effect",  "Monotone", a, path("bad.pcx"), b,
+                                        c,       "--out-dir", path("out")};
+    ASSERT_EQ(run(args), 2);
+    EXPECT_TRUE(fs::exists(dir / "out" / "a.bmp"));
+    EXPECT_TRUE(fs::exists(dir / "out" / "c.bmp"));
+    std::vector<std::string> lines;
+    std::istringstream messages(err.str());
+    for (std::string line; std::getline(messages, line);)
+        lines.push_back(line);
+    ASSERT_EQ(lines.size(), 2u) << err.str();
+    EXPECT_NE(lines[0].find("bad.pcx"), std::string::npos) << lines[0];
+    EXPECT_NE(lines[1].find(b), std::string::npos) << lines[1];
+
+    // On a terminal each input also gets a progress line first.
+    err.str("");
+    ASSERT_EQ(cli::runCli(args, out, err, decoder, nullptr, true), 2);
+    const std::string shown = err.str();
+    EXPECT_EQ(shown.rfind("[1/4] a.bmp\n[2/4] bad.pcx\n", 0), 0u) << shown;
+    EXPECT_NE(shown.find("[4/4] c.bmp\n"), std::string::npos) << shown;
+}
+
+TEST_F(CliTest, ADamagedPngInsideAnIconGivesOneLineOnly) {
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    QImage picture(16, 16, QImage::Format_ARGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(&buffer, "PNG"));
+    const qsizetype idat = png.indexOf("IDAT");
+    ASSERT_GT(idat, 0);
+    png[idat + 6] = static_cast<char>(png[idat + 6] ^ 0x5A); // inside the compressed data
+    QByteArray ico("\0\0\1\0\1\0", 6);
+    const std::uint32_t size = static_cast<std::uint32_t>(png.size());
+    const char entry[16] = {
+        16, 16, 0,  0, 1, 0, 32, 0, static_cast<char>(size & 0xFF), static_cast<char>(size >> 8),
+        0,  0,  22, 0, 0, 0};
+    ico.append(entry, 16);
+    ico.append(png);
+    std::ofstream(dir / "broken.ico", std::ios::binary).write(ico.data(), ico.size());
+    const std::string command = std::string(LUMIRAN_CLI_PATH) + " convert " + path("broken.ico") +
+                                " -o " + path("out.bmp") + " 2>" + path("err.txt");
+    EXPECT_NE(std::system(command.c_str()), 0);
+    std::ifstream in(dir / "err.txt");
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].find("libpng"), std::string::npos) << lines[0];
+    EXPECT_EQ(lines[0].rfind("lumiran-cli: ", 0), 0u) << lines[0];
 }
 
 TEST_F(CliTest, UsageErrorsExitTwoWithOneLineAndWriteNothing) {

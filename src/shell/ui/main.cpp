@@ -26,13 +26,9 @@ int main(int argc, char** argv) {
     frame.show();
     if (splash) splash->raise();
 
-    // A store that could not be read is kept aside before the exit writes it anew.
-    QString keptCopy;
-    if (store.unreadable() || !frame.settingsProblems().empty()) keptCopy = store.keepCopy();
-    if (store.unreadable() && frame.settingsProblems().empty()) {
-        frame.reportSettingsProblems({}, keptCopy);
-    } else {
-        frame.reportSettingsProblems(frame.settingsProblems(), keptCopy);
+    // A store that could not be read is kept before the exit could write over it.
+    if (store.unreadable() || !frame.settingsProblems().empty()) {
+        frame.reportSettingsProblems(frame.settingsProblems(), store.keepOriginal());
     }
     // The command line is one blank-separated string, as the program was given it.
     const QStringList arguments = QApplication::arguments().mid(1);

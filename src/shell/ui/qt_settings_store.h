@@ -18,16 +18,23 @@ class QtSettingsStore : public KeyValueStore {
                                                  const std::string& key) const override;
     void set(const std::string& section, const std::string& key, const std::string& value) override;
 
-    // The file could not be parsed at all.
-    [[nodiscard]] bool unreadable() const { return settings_.status() != QSettings::NoError; }
+    // The file is there but could not be taken as settings: it cannot be
+    // opened or read, is not text, or its folder is not a folder.
+    [[nodiscard]] bool unreadable() const { return unreadable_; }
     [[nodiscard]] QString fileName() const { return settings_.fileName(); }
-    // Keeps a copy of the file as it is beside it; returns the copy's name,
-    // or an empty string when there was nothing to keep or the copy failed.
-    QString keepCopy() const;
-    void sync() { settings_.sync(); }
+    // Keeps the file as it is and returns where it now is: a ".broken" copy
+    // beside it (the store then starts afresh), or, where no copy can be
+    // made, the original itself, which is then never written. Empty when
+    // there was nothing to keep.
+    QString keepOriginal();
+    void sync() {
+        if (!frozen_) settings_.sync();
+    }
 
   private:
     QSettings settings_;
+    bool unreadable_ = false;
+    bool frozen_ = false;
 };
 
 } // namespace lumiran

@@ -1,7 +1,10 @@
 #include "engine/picture_memory.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <mutex>
 #include <sys/mman.h>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -10,11 +13,68 @@ std::size_t roundedUp(std::size_t bytes) {
     return (bytes + HugePageBytes - 1) / HugePageBytes * HugePageBytes;
 }
 
+// Released mappings kept for reuse, the latest last; process-wide like the
+// heap it stands beside.
+class ReleasedMappings {
+  public:
+    static ReleasedMappings& instance() {
+        static ReleasedMappings mappings;
+        return mappings;
+    }
+
+    void setLimit(int count) {
+        const std::scoped_lock lock(mutex_);
+        limit_ = static_cast<std::size_t>(std::max(count, 0));
+        kept_.reserve(limit_); // keep then never allocates
+        while (kept_.size() > limit_)
+            dropOldest();
+    }
+
+    // A kept mapping of exactly size bytes, or null.
+    void* take(std::size_t size) {
+        const std::scoped_lock lock(mutex_);
+        const auto found = std::find_if(kept_.rbegin(), kept_.rend(),
+                                        [size](const Mapping& m) { return m.size == size; });
+        if (found == kept_.rend()) return nullptr;
+        void* memory = found->memory;
+        kept_.erase(std::next(found).base());
+        return memory;
+    }
+
+    // Keeps the mapping when kept ones are wanted; false when it is to go.
+    bool keep(void* memory, std::size_t size) {
+        const std::scoped_lock lock(mutex_);
+        if (limit_ == 0) return false;
+        if (kept_.size() == limit_) dropOldest();
+        kept_.push_back({memory, size});
+        return true;
+    }
+
+  private:
+    struct Mapping {
+        void* memory = nullptr;
+        std::size_t size = 0;
+    };
+    void dropOldest() {
+        munmap(kept_.front().memory, kept_.front().size);
+        kept_.erase(kept_.begin());
+    }
+
+    std::mutex mutex_;
+    std::size_t limit_ = 0;
+    std::vector<Mapping> kept_;
+};
+
 } // namespace
+
+void keepReleasedPictureMemory(int count) {
+    ReleasedMappings::instance().setLimit(count);
+}
 
 void* allocatePictureMemory(std::size_t bytes) {
     if (bytes < HugePageBytes) return ::operator new(bytes, std::nothrow);
     const std::size_t size = roundedUp(bytes);
+    if (void* kept = ReleasedMappings::instance().take(size)) return kept;
     // Mapped with one huge page to spare, then trimmed to a 2 MiB boundary
     // at both ends, so that every page of the buffer can be a huge page.
     void* mapped = mmap(nullptr, size + HugePageBytes, PROT_READ | PROT_WRITE,
@@ -37,7 +97,8 @@ void releasePictureMemory(void* memory, std::size_t bytes) noexcept {
         ::operator delete(memory);
         return;
     }
-    munmap(memory, roundedUp(bytes));
+    const std::size_t size = roundedUp(bytes);
+    if (!ReleasedMappings::instance().keep(memory, size)) munmap(memory, size);
 }
 
 } // namespace lumiran

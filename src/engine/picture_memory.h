@@ -13,6 +13,13 @@ namespace lumiran {
 [[nodiscard]] void* allocatePictureMemory(std::size_t bytes);
 void releasePictureMemory(void* memory, std::size_t bytes) noexcept;
 
+// Keeps up to count released mappings for reuse by the next allocations of
+// the same size, whose pages are then faulted in already (0, the default,
+// keeps none). The editor, which runs effect after effect on pictures of
+// one size, keeps a few; a one-shot command keeps none, so that a buffer it
+// no longer needs goes back at once.
+void keepReleasedPictureMemory(int count);
+
 // From this size on, picture memory is mapped on its own.
 inline constexpr std::size_t HugePageBytes = std::size_t{2} << 20;
 

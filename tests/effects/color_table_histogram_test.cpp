@@ -57,6 +57,30 @@ TEST(ColorTableFlattening, WhatTheTopLevelPushesOutFallsToZero) {
     EXPECT_EQ(plan.take(254), 0);
 }
 
+TEST(ColorTableFlattening, ACursorThatSkipsGoesOnAsTheOneThatTook) {
+    // A band of rows starts where the rows above it leave off: skipping n
+    // pixels of each level must hand out what taking them would have, also
+    // across the end of the plan and for levels that lend to others.
+    const HistogramFlattening plan(histogram({{0, 5}, {3, 1}, {7, 9}, {200, 4}}), 3);
+    for (const int skipped : {0, 1, 2, 4, 5, 9, 12}) {
+        HistogramFlattening::Cursor taking;
+        HistogramFlattening::Cursor skipping;
+        HistogramFlattening::Histogram counts{};
+        for (const int level : {0, 3, 7, 200}) {
+            for (int i = 0; i < skipped; ++i)
+                (void)taking.take(plan, level);
+            counts[static_cast<std::size_t>(level)] = skipped;
+        }
+        skipping.skip(plan, counts);
+        for (const int level : {0, 3, 7, 200}) {
+            for (int i = 0; i < 4; ++i) {
+                EXPECT_EQ(skipping.take(plan, level), taking.take(plan, level))
+                    << "level " << level << " after " << skipped;
+            }
+        }
+    }
+}
+
 TEST_F(ColorTableHistogram, EquationGivesEveryLevelOnceInRowOrderOnTheModesChannels) {
     // 16 x 16 = 256 pixels of one colour, Q = 1: the first pixel gets 255, the last 0.
     const Surface grey(16, 16, makePixel(90, 100, 110));

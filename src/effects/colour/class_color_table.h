@@ -115,15 +115,15 @@ class Class_ColorTable : public PixelFrame {
     // Histogram flattening for the modes on channels (1..8).
     void equaliseChannels(const ProcessRect& rect, std::int16_t selector);
     void equaliseAverage(const ProcessRect& rect);
+    [[nodiscard]] BandPlan flatteningBands(const ProcessRect& rect) const;
 
     // The rows of the rectangle as work(row, firstColumn, endColumn). In
     // order unless the caller knows its rows are independent: histograms
     // count into one table and flattening hands out levels in scan order.
     template <RowOrder Order = RowOrder::TopToBottom, typename RowWork>
     bool forEachRow(const ProcessRect& rect, RowWork&& work) {
-        return PixelFrame::forEachRow<Order>(rect, [&](int y, int begin, int end) {
-            work(ImageBits.row(y).data(), begin, end);
-        });
+        return PixelFrame::forEachRow<Order>(
+            rect, [&](int y, int begin, int end) { work(ImageBits.row(y).data(), begin, end); });
     }
 };
 

@@ -4,7 +4,10 @@
 #include "effects/colour/histogram_flattening.h"
 #include "engine/colour_models.h"
 
+#include <algorithm>
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -24,11 +27,64 @@ int lightnessOf(int r, int g, int b) {
     return lightness(m.max, m.min);
 }
 
-// The plan for one channel, made only when the channel takes part.
-std::optional<HistogramFlattening> planFor(bool selected, const Histogram& histogram,
-                                           std::int32_t perLevel) {
-    if (!selected) return std::nullopt;
-    return HistogramFlattening(histogram, perLevel);
+// One channel's flattening over bands of rows. The first pass counts each
+// band's histogram, every band on one thread; the plan is made from their
+// sum, and each band's cursor starts where the bands above it leave off. The
+// second pass so hands out the same levels as one pass in scan order, with
+// the bands on all cores.
+class BandedFlattening {
+  public:
+    explicit BandedFlattening(int bands) : counts_(static_cast<std::size_t>(bands)) {}
+
+    [[nodiscard]] Histogram& counts(int band) { return counts_[static_cast<std::size_t>(band)]; }
+
+    void makePlan(std::int32_t perLevel) {
+        Histogram total{};
+        for (const Histogram& band : counts_) {
+            for (std::size_t v = 0; v < total.size(); ++v)
+                total[v] += band[v];
+        }
+        plan_.emplace(total, perLevel);
+        cursors_.resize(counts_.size());
+        HistogramFlattening::Cursor running;
+        for (std::size_t band = 0; band < counts_.size(); ++band) {
+            cursors_[band] = running;
+            running.skip(*plan_, counts_[band]);
+        }
+    }
+
+    [[nodiscard]] int take(int band, int level) {
+        return cursors_[static_cast<std::size_t>(band)].take(*plan_, level);
+    }
+
+    // The plan and one band's cursor; empty for a channel that takes no part.
+    struct Lane {
+        const HistogramFlattening* plan = nullptr;
+        HistogramFlattening::Cursor* cursor = nullptr;
+        [[nodiscard]] int take(int level) const { return cursor->take(*plan, level); }
+    };
+    [[nodiscard]] Lane lane(int band) {
+        if (!plan_) return {};
+        return {&*plan_, &cursors_[static_cast<std::size_t>(band)]};
+    }
+
+  private:
+    std::vector<Histogram> counts_;
+    std::optional<HistogramFlattening> plan_;
+    std::vector<HistogramFlattening::Cursor> cursors_;
+};
+
+using Lane = BandedFlattening::Lane;
+
+// A band's row, each channel that takes part through its cursor.
+void flattenRow(std::span<Pixel> row, Lane red, Lane green, Lane blue) {
+    for (Pixel& p : row) {
+        int r = redOf(p), g = greenOf(p), b = blueOf(p);
+        if (red.plan != nullptr) r = red.take(r);
+        if (green.plan != nullptr) g = green.take(g);
+        if (blue.plan != nullptr) b = blue.take(b);
+        p = withColour(p, r, g, b);
+    }
 }
 
 } // namespace
@@ -48,21 +104,38 @@ void Class_ColorTable::Histgram_Equation(std::int16_t mode, std::int16_t left, s
     });
 }
 
+// Both passes share the rows out in the same bands; a few hundred at most,
+// so that the bands' histograms and cursors stay small.
+PixelFrame::BandPlan Class_ColorTable::flatteningBands(const ProcessRect& rect) const {
+    BandPlan plan = bandPlan(rect);
+    const int rows = std::max(1, loopEnd(rect.bottom) - rect.top);
+    constexpr int MaxBands = 256;
+    plan.bandRows = std::max(plan.bandRows, (rows + MaxBands - 1) / MaxBands);
+    return plan;
+}
+
 // Mode 0: the average grey, written to all three channels straight, without
 // clamp or calculation type.
 void Class_ColorTable::equaliseAverage(const ProcessRect& rect) {
-    Histogram histogram{};
-    const bool counted = forEachRow(rect, [&](Pixel* row, int begin, int end) {
+    const BandPlan bands = flatteningBands(rect);
+    const auto bandOf = [&](int y) { return (y - rect.top) / bands.bandRows; };
+    BandedFlattening grey(bandOf(std::max(loopEnd(rect.bottom) - 1, int{rect.top})) + 1);
+    const bool counted = rowsInBands(rect, bands, [&](int, int y, int begin, int end) {
+        Histogram& histogram = grey.counts(bandOf(y));
+        const Pixel* row = ImageBits.row(y).data();
         for (int x = begin; x < end; ++x) {
             ++histogram[static_cast<std::size_t>(
                 averageGrey(redOf(row[x]), greenOf(row[x]), blueOf(row[x])))];
         }
     });
     if (!counted) return;
-    HistogramFlattening plan(histogram, wantedPerLevel(rect));
-    forEachRow(rect, [&](Pixel* row, int begin, int end) {
+    grey.makePlan(wantedPerLevel(rect));
+    rowsInBands(rect, bands, [&](int, int y, int begin, int end) {
+        const int band = bandOf(y);
+        Pixel* row = ImageBits.row(y).data();
         for (int x = begin; x < end; ++x) {
-            const int k = plan.take(averageGrey(redOf(row[x]), greenOf(row[x]), blueOf(row[x])));
+            const int k =
+                grey.take(band, averageGrey(redOf(row[x]), greenOf(row[x]), blueOf(row[x])));
             row[x] = withColour(row[x], k, k, k);
         }
     });
@@ -73,23 +146,57 @@ void Class_ColorTable::equaliseAverage(const ProcessRect& rect) {
 void Class_ColorTable::equaliseChannels(const ProcessRect& rect, std::int16_t selector) {
     const bool brightness = selector == BrightnessSelector;
     const ChannelMask mask = selectedChannels(selector);
-    Histogram red{}, green{}, blue{}, light{};
-    const bool counted = forEachRow(rect, [&](Pixel* row, int begin, int end) {
-        for (int x = begin; x < end; ++x) {
-            const int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);
-            if (brightness) ++light[static_cast<std::size_t>(lightnessOf(r, g, b))];
-            if ((mask & Red) != 0) ++red[static_cast<std::size_t>(r)];
-            if ((mask & Green) != 0) ++green[static_cast<std::size_t>(g)];
-            if ((mask & Blue) != 0) ++blue[static_cast<std::size_t>(b)];
+    const bool withRed = (mask & Red) != 0, withGreen = (mask & Green) != 0,
+               withBlue = (mask & Blue) != 0;
+    const BandPlan bands = flatteningBands(rect);
+    const auto bandOf = [&](int y) { return (y - rect.top) / bands.bandRows; };
+    const int bandCount = bandOf(std::max(loopEnd(rect.bottom) - 1, int{rect.top})) + 1;
+    // A channel that takes no part keeps no bands.
+    BandedFlattening light(brightness ? bandCount : 0), red(withRed ? bandCount : 0),
+        green(withGreen ? bandCount : 0), blue(withBlue ? bandCount : 0);
+    const bool counted = rowsInBands(rect, bands, [&](int, int y, int begin, int end) {
+        const int band = bandOf(y);
+        const Pixel* row = ImageBits.row(y).data();
+        if (brightness) {
+            Histogram& h = light.counts(band);
+            for (int x = begin; x < end; ++x)
+                ++h[static_cast<std::size_t>(
+                    lightnessOf(redOf(row[x]), greenOf(row[x]), blueOf(row[x])))];
+        }
+        if (withRed) {
+            Histogram& h = red.counts(band);
+            for (int x = begin; x < end; ++x)
+                ++h[static_cast<std::size_t>(redOf(row[x]))];
+        }
+        if (withGreen) {
+            Histogram& h = green.counts(band);
+            for (int x = begin; x < end; ++x)
+                ++h[static_cast<std::size_t>(greenOf(row[x]))];
+        }
+        if (withBlue) {
+            Histogram& h = blue.counts(band);
+            for (int x = begin; x < end; ++x)
+                ++h[static_cast<std::size_t>(blueOf(row[x]))];
         }
     });
     if (!counted) return;
     const std::int32_t perLevel = wantedPerLevel(rect);
-    auto lightPlan = planFor(brightness, light, perLevel);
-    auto redPlan = planFor((mask & Red) != 0, red, perLevel);
-    auto greenPlan = planFor((mask & Green) != 0, green, perLevel);
-    auto bluePlan = planFor((mask & Blue) != 0, blue, perLevel);
-    forEachRow(rect, [&](Pixel* row, int begin, int end) {
+    if (brightness) light.makePlan(perLevel);
+    if (withRed) red.makePlan(perLevel);
+    if (withGreen) green.makePlan(perLevel);
+    if (withBlue) blue.makePlan(perLevel);
+    // Without the brightness form or a blend, every result is a level in
+    // range and the clamp changes nothing: the channels go straight through
+    // their cursors.
+    const bool straight = !brightness && calculationFlag() == 0;
+    rowsInBands(rect, bands, [&](int, int y, int begin, int end) {
+        const int band = bandOf(y);
+        Pixel* row = ImageBits.row(y).data();
+        if (straight) {
+            flattenRow(std::span(row + begin, row + end), red.lane(band), green.lane(band),
+                       blue.lane(band));
+            return;
+        }
         for (int x = begin; x < end; ++x) {
             const int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);
             Rgb16 v{static_cast<std::int16_t>(r), static_cast<std::int16_t>(g),
@@ -97,13 +204,13 @@ void Class_ColorTable::equaliseChannels(const ProcessRect& rect, std::int16_t se
             if (brightness) {
                 const int level = lightnessOf(r, g, b);
                 const double divisor = level == 0 ? 1 : level;
-                const double factor = lightPlan->take(level);
+                const double factor = light.take(band, level);
                 v = {scaledByBrightness(r, divisor, factor), scaledByBrightness(g, divisor, factor),
                      scaledByBrightness(b, divisor, factor)};
             }
-            if (redPlan) v.red = static_cast<std::int16_t>(redPlan->take(r));
-            if (greenPlan) v.green = static_cast<std::int16_t>(greenPlan->take(g));
-            if (bluePlan) v.blue = static_cast<std::int16_t>(bluePlan->take(b));
+            if (withRed) v.red = static_cast<std::int16_t>(red.take(band, r));
+            if (withGreen) v.green = static_cast<std::int16_t>(green.take(band, g));
+            if (withBlue) v.blue = static_cast<std::int16_t>(blue.take(band, b));
             v = finishPixel<ResultTail::Clamp>(r, g, b, v);
             row[x] = withColour(row[x], v.red, v.green, v.blue);
         }

@@ -1,5 +1,7 @@
 #include "effects/colour/histogram_flattening.h"
 
+#include <algorithm>
+
 namespace lumiran {
 
 HistogramFlattening::HistogramFlattening(const Histogram& histogram, std::int32_t perLevel) {
@@ -16,7 +18,6 @@ HistogramFlattening::HistogramFlattening(const Histogram& histogram, std::int32_
             pushExcessUp(k, perLevel, held);
         }
     }
-    cursor_.fill(Levels - 1);
 }
 
 // Levels above k hold only their own pixels yet: take them whole, in order,
@@ -58,13 +59,27 @@ void HistogramFlattening::pushExcessUp(int k, std::int32_t perLevel,
     held[static_cast<std::size_t>(k)] = perLevel;
 }
 
-int HistogramFlattening::take(int sourceLevel) {
-    int& k = cursor_[static_cast<std::size_t>(sourceLevel)];
-    while (k >= 0 && moves_[index(k, sourceLevel)] <= 0)
+bool HistogramFlattening::Cursor::moveDown(const HistogramFlattening& plan, int v) {
+    const auto at = static_cast<std::size_t>(v);
+    int k = level_[at] - 1;
+    while (k >= 0 && plan.moves_[index(k, v)] <= 0)
         --k;
-    if (k < 0) return 0;
-    --moves_[index(k, sourceLevel)];
-    return k;
+    level_[at] = static_cast<std::int16_t>(std::max(k, -1));
+    left_[at] = k < 0 ? 0 : plan.moves_[index(k, v)];
+    return k >= 0;
+}
+
+void HistogramFlattening::Cursor::skip(const HistogramFlattening& plan, const Histogram& taken) {
+    for (int v = 0; v < Levels; ++v) {
+        const auto at = static_cast<std::size_t>(v);
+        std::int32_t count = taken[at];
+        while (count > 0) {
+            if (left_[at] == 0 && !moveDown(plan, v)) break;
+            const std::int32_t step = std::min(left_[at], count);
+            left_[at] -= step;
+            count -= step;
+        }
+    }
 }
 
 } // namespace lumiran

@@ -18,12 +18,45 @@ class HistogramFlattening {
     // perLevel is the wanted count of every level.
     HistogramFlattening(const Histogram& histogram, std::int32_t perLevel);
 
-    // The new level of the next pixel of source level v, in row order: the
-    // highest level still planned for v. Pixels beyond the plan, those the
-    // top level pushed out, fall to 0.
-    [[nodiscard]] int take(int sourceLevel);
+    // Where the hand-out stands for every source level. Pixels of one
+    // source level get the highest level still planned for it, in row
+    // order; those beyond the plan, the ones the top level pushed out, fall
+    // to 0. A cursor only reads the plan, so a band of rows can start its
+    // own where the rows above it leave off (skip) and run beside them.
+    class Cursor {
+      public:
+        Cursor() { level_.fill(Levels); }
 
-    // Pixels of sourceLevel still planned for newLevel (256: pushed out).
+        // The new level of the next pixel of source level v.
+        [[nodiscard]] int take(const HistogramFlattening& plan, int v) {
+            const auto at = static_cast<std::size_t>(v);
+            if (left_[at] > 0) {
+                --left_[at];
+                return level_[at];
+            }
+            if (!moveDown(plan, v)) return 0;
+            --left_[at];
+            return level_[at];
+        }
+
+        // As if taken[v] pixels of every level v had been taken.
+        void skip(const HistogramFlattening& plan, const Histogram& taken);
+
+      private:
+        // On to the next lower level still planned for v; false past level 0.
+        bool moveDown(const HistogramFlattening& plan, int v);
+
+        // The level being handed out (Levels before the first, -1 after the
+        // last) and how many pixels it still takes: the plan is read only
+        // when a level runs out.
+        std::array<std::int16_t, Levels> level_{};
+        std::array<std::int32_t, Levels> left_{};
+    };
+
+    // The new level of the next pixel of source level v, in row order.
+    [[nodiscard]] int take(int sourceLevel) { return cursor_.take(*this, sourceLevel); }
+
+    // Pixels of sourceLevel planned for newLevel (256: pushed out).
     [[nodiscard]] std::int32_t planned(int newLevel, int sourceLevel) const {
         return moves_[index(newLevel, sourceLevel)];
     }
@@ -38,7 +71,7 @@ class HistogramFlattening {
 
     // One row per new level and one more for what the top level pushes out.
     std::vector<std::int32_t> moves_ = std::vector<std::int32_t>((Levels + 1) * Levels, 0);
-    std::array<int, Levels> cursor_{};
+    Cursor cursor_;
 };
 
 } // namespace lumiran

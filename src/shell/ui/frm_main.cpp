@@ -5,6 +5,7 @@
 #include "engine/calculation.h"
 #include "engine/drawing/blit.h"
 #include "engine/drawing/pixel_calls.h"
+#include "engine/picture_memory.h"
 #include "engine/raster_step.h"
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/load_dispatch.h"
@@ -65,6 +66,9 @@
 
 namespace lumiran {
 namespace {
+
+// Released picture mappings the editor keeps for its next run.
+constexpr int KeptPictureMappings = 4;
 
 // The open dialog's filter, as the program has always offered it.
 const char* const OpenFilter =
@@ -222,6 +226,10 @@ FrmMain::FrmMain(KeyValueStore& store, QtPictureDecoder& decoder)
       mdiArea_(new QMdiArea) {
     setObjectName("FrmMain");
     setWindowTitle("Lumiran");
+    // A run frees as many pictures as the next one makes (kept pictures,
+    // the effect's array, the screen's copy): kept mappings spare those
+    // their page faults, which cost more than the copies themselves.
+    keepReleasedPictureMemory(KeptPictureMappings);
     mdiArea_->setObjectName("MDIClient");
     setCentralWidget(mdiArea_);
     setAcceptDrops(true);

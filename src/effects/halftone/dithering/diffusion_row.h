@@ -10,6 +10,10 @@
 #include <type_traits>
 #include <utility>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace lumiran::diffusion {
 
 // Entry 0's new colour and the error each channel hands on.
@@ -47,6 +51,21 @@ struct Bounds {
     v = ((v & Lanes * 0xFF) | over * 0xFF) & ~(under * 0xFF);
     return (p & 0xFF000000u) | static_cast<Pixel>(v & 0xFFu) |
            static_cast<Pixel>((v >> 8) & 0xFF00u) | static_cast<Pixel>((v >> 16) & 0xFF0000u);
+}
+
+// The same for one shift s laid on all three colour bytes, given as the
+// bytes to add (s above 0) and to take away (s below 0): saturating byte
+// arithmetic clamps each channel as the sum would be.
+[[nodiscard, gnu::always_inline]] inline Pixel shiftedBy(Pixel p, Pixel add, Pixel take) {
+#if defined(__SSE2__)
+    __m128i v = _mm_cvtsi32_si128(static_cast<int>(p));
+    v = _mm_subs_epu8(_mm_adds_epu8(v, _mm_cvtsi32_si128(static_cast<int>(add))),
+                      _mm_cvtsi32_si128(static_cast<int>(take)));
+    return static_cast<Pixel>(_mm_cvtsi128_si32(v));
+#else
+    const int s = static_cast<int>(add & 0xFFu) - static_cast<int>(take & 0xFFu);
+    return shifted(p, s, s, s);
+#endif
 }
 
 // One share laid on a neighbour: each channel round(error * weight +
@@ -96,6 +115,25 @@ struct KernelShape {
             n += t.dy > 0 ? 1 : 0;
         return n;
     }();
+    // The columns the lower shares reach, from the pixel's own.
+    static constexpr int LowerLeft = [] {
+        int dx = 0;
+        for (const KernelTap& t : Spec.taps)
+            dx = t.dy > 0 ? std::min<int>(dx, t.dx) : dx;
+        return dx;
+    }();
+    static constexpr int LowerRight = [] {
+        int dx = 0;
+        for (const KernelTap& t : Spec.taps)
+            dx = t.dy > 0 ? std::max<int>(dx, t.dx) : dx;
+        return dx;
+    }();
+    static constexpr int LowerRows = [] {
+        int dy = 0;
+        for (const KernelTap& t : Spec.taps)
+            dy = std::max<int>(dy, t.dy);
+        return dy;
+    }();
     static constexpr std::array<std::size_t, LowerCount> Lower = [] {
         std::array<std::size_t, LowerCount> lower{};
         std::size_t n = 0;
@@ -141,6 +179,19 @@ class RowDiffusion {
                 if constexpr (Shape::Next >= 0) nextShare_[g] = kernel_.shift(Shape::Next, error);
                 if constexpr (Shape::SecondNext >= 0)
                     secondShare_[g] = kernel_.shift(Shape::SecondNext, error);
+                const Quantised q = quantise_(grey);
+                settledGrey_[g] =
+                    withColour(0, toChannel(q.red), toChannel(q.green), toChannel(q.blue));
+                bool exact = true;
+                for (std::size_t t = 0; t < Taps; ++t) {
+                    const int shift = kernel_.shift(t, error);
+                    exact = exact && shift != DiffusionKernel::NoShift;
+                    const auto bytes = [](int v) { return static_cast<Pixel>(v) * 0x010101u; };
+                    add_[t][g] = shift != DiffusionKernel::NoShift && shift > 0 ? bytes(shift) : 0;
+                    take_[t][g] =
+                        shift != DiffusionKernel::NoShift && shift < 0 ? bytes(-shift) : 0;
+                }
+                byShifts_[g] = exact;
             }
         }
     }
@@ -156,7 +207,15 @@ class RowDiffusion {
         }
         for (int x = bounds_.left; x < fastFrom; ++x)
             clampedStep(row, x, y);
-        inner(row, fastFrom, fastTo);
+        if constexpr (OneError) {
+            if (byGreyAlone_) {
+                innerByGrey(row, fastFrom, fastTo);
+            } else {
+                inner(row, fastFrom, fastTo);
+            }
+        } else {
+            inner(row, fastFrom, fastTo);
+        }
         for (int x = fastTo + 1; x < bounds_.right; ++x)
             clampedStep(row, x, y);
     }
@@ -232,6 +291,124 @@ class RowDiffusion {
             row[to + 2] = spreadInto<OneError>(row[to + 2], kernel_, second, before1);
     }
 
+    // inner for a grey quantised by its grey alone, with everything a grey
+    // leads to looked up in tables made once. The pixels of the lower rows
+    // that this row's shares reach are held in a window while they take
+    // them, each loaded before its first share and stored after its last,
+    // so that the shares follow one another in registers, in scan order.
+    void innerByGrey(Pixel* row, int from, int to) {
+        constexpr int next = Shape::Next;
+        constexpr int second = Shape::SecondNext;
+        constexpr int Left = Shape::LowerLeft;
+        constexpr int Width = Shape::LowerRight - Left + 1;
+        constexpr int Rows = Shape::LowerRows;
+        std::array<Pixel*, Rows> below{};
+        std::array<std::array<Pixel, Width>, Rows> window{};
+        for (int r = 0; r < Rows; ++r) {
+            below[r] = row + static_cast<std::ptrdiff_t>(r + 1) * width_;
+            for (int i = 0; i + 1 < Width; ++i)
+                window[r][i] = below[r][from + Left + i];
+        }
+        int grey1 = 0, grey2 = 0;
+        bool hasBefore1 = false, hasBefore2 = false;
+        for (int x = from; x <= to; ++x) {
+            for (int r = 0; r < Rows; ++r)
+                window[r][Width - 1] = below[r][x + Left + Width - 1];
+            const Pixel stored = row[x];
+            const int grey =
+                greyHeld(stored, second >= 0 && hasBefore2, grey2, next >= 0 && hasBefore1, grey1);
+            const auto g = static_cast<std::size_t>(grey);
+            row[x] = (stored & 0xFF000000u) | settledGrey_[g];
+            if (byShifts_[g]) {
+                [&]<std::size_t... I>(std::index_sequence<I...>) {
+                    ((shareInWindow<Shape::Lower[I]>(window, add_[Shape::Lower[I]][g],
+                                                     take_[Shape::Lower[I]][g])),
+                     ...);
+                }
+                (std::make_index_sequence<Shape::LowerCount>{});
+            } else {
+                const Quantised q = quantise_(grey);
+                [&]<std::size_t... I>(std::index_sequence<I...>) {
+                    ((exactInWindow<Shape::Lower[I]>(window, q)), ...);
+                }
+                (std::make_index_sequence<Shape::LowerCount>{});
+            }
+            for (int r = 0; r < Rows; ++r) {
+                below[r][x + Left] = window[r][0];
+                for (int i = 0; i + 1 < Width; ++i)
+                    window[r][i] = window[r][i + 1];
+            }
+            grey2 = grey1;
+            hasBefore2 = hasBefore1;
+            grey1 = grey;
+            hasBefore1 = true;
+        }
+        for (int r = 0; r < Rows; ++r) {
+            for (int i = 0; i + 1 < Width; ++i)
+                below[r][to + 1 + Left + i] = window[r][i];
+        }
+        // The held shares of the last pixels go on the pixels after the stretch.
+        if constexpr (second >= 0) {
+            if (hasBefore2)
+                row[to + 1] = spreadInto<true>(row[to + 1], kernel_, second, quantise_(grey2));
+        }
+        if constexpr (next >= 0)
+            row[to + 1] = spreadInto<true>(row[to + 1], kernel_, next, quantise_(grey1));
+        if constexpr (second >= 0)
+            row[to + 2] = spreadInto<true>(row[to + 2], kernel_, second, quantise_(grey1));
+    }
+
+    template <std::size_t Tap, typename Window>
+    [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel add, Pixel take) {
+        constexpr KernelTap t = Shape::Spec.taps[Tap];
+        Pixel& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
+        n = shiftedBy(n, add, take);
+    }
+
+    template <std::size_t Tap, typename Window>
+    [[gnu::always_inline]] void exactInWindow(Window& window, const Quantised& q) const {
+        constexpr KernelTap t = Shape::Spec.taps[Tap];
+        Pixel& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
+        n = spreadInto<true>(n, kernel_, Tap, q);
+    }
+
+    // The grey of entry 0 after the held shares of the pixels before, given
+    // by their greys: the one from two pixels before first. Laid on by
+    // saturating bytes, which needs no branch on where a channel is limited.
+    [[gnu::always_inline]] int greyHeld(Pixel stored, bool fromSecond, int grey2, bool fromNext,
+                                        int grey1) {
+        constexpr int NoShift = DiffusionKernel::NoShift;
+        const auto g2 = static_cast<std::size_t>(grey2), g1 = static_cast<std::size_t>(grey1);
+        // While no channel is limited, a shift s moves 30 r + 59 g + 11 b
+        // by 100 s and so the grey by exactly s: the usual case in a
+        // picture with smooth areas.
+        const int s2 = fromSecond ? secondShare_[g2] : 0;
+        const int s1 = fromNext ? nextShare_[g1] : 0;
+        const int r = redOf(stored), g = greenOf(stored), b = blueOf(stored);
+        const int hundredfold = 30 * r + 59 * g + 11 * b;
+        const int total = s2 + s1;
+        if (s1 != NoShift && s2 != NoShift && hundredfold % 100 != 50 &&
+            std::min({r, g, b}) + std::min(s2, total) >= 0 &&
+            std::max({r, g, b}) + std::max(s2, total) <= 255)
+            return (hundredfold + 50) / 100 + total;
+        Pixel p = stored;
+        if constexpr (Shape::SecondNext >= 0) {
+            if (fromSecond) {
+                p = secondShare_[g2] != NoShift
+                        ? shiftedBy(p, add_[Shape::SecondNext][g2], take_[Shape::SecondNext][g2])
+                        : spreadInto<true>(p, kernel_, Shape::SecondNext, quantise_(grey2));
+            }
+        }
+        if constexpr (Shape::Next >= 0) {
+            if (fromNext) {
+                p = nextShare_[g1] != NoShift
+                        ? shiftedBy(p, add_[Shape::Next][g1], take_[Shape::Next][g1])
+                        : spreadInto<true>(p, kernel_, Shape::Next, quantise_(grey1));
+            }
+        }
+        return ditherGrey(redOf(p), greenOf(p), blueOf(p));
+    }
+
     [[gnu::always_inline]] void spreadBelow(Pixel* self, std::size_t tap, const Quantised& q) {
         const KernelTap& t = Shape::Spec.taps[tap];
         Pixel* n = self + static_cast<std::ptrdiff_t>(t.dy) * width_ + t.dx;
@@ -277,8 +454,15 @@ class RowDiffusion {
     const DiffusionKernel& kernel_;
     Quantise& quantise_;
     bool byGreyAlone_;
+    static constexpr std::size_t Taps = Shape::Spec.taps.size();
     std::array<int, 256> nextShare_{};
     std::array<int, 256> secondShare_{};
+    // By grey: the new colour, and each share as the bytes to add and to
+    // take away; byShifts_ is false where some share rounds by the old value.
+    std::array<Pixel, 256> settledGrey_{};
+    std::array<std::array<Pixel, 256>, Taps> add_{};
+    std::array<std::array<Pixel, 256>, Taps> take_{};
+    std::array<bool, 256> byShifts_{};
 };
 
 } // namespace lumiran::diffusion

@@ -1,0 +1,119 @@
+// How long the editor keeps a person waiting on a large picture: a
+// per-pixel effect run through the frame as OK runs it, timed from the
+// call to the progress window showing, to the call returning to the event
+// loop, and to the result standing in the document's view.
+//
+//   QT_QPA_PLATFORM=offscreen lumiran_editor_timing [side] [runs]
+#include "catalogue/effect_dispatch.h"
+#include "effects/colour/class_color_op.h"
+#include "imagefiles/bitmap_writer.h"
+#include "platform/qt_picture_decoder.h"
+#include "shell/key_value_store.h"
+#include "shell/ui/frm_document.h"
+#include "shell/ui/frm_main.h"
+#include "shell/ui/frm_progress.h"
+#include "shell/ui/run_controller.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <sys/resource.h>
+#include <vector>
+
+namespace {
+
+using namespace lumiran;
+using Clock = std::chrono::steady_clock;
+
+double msSince(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// Monotone on the worker, in the shape the dialog's OK gives it.
+EffectBody monotone() {
+    return runInPlace<Class_ColorOp>([](Class_ColorOp& effect, const ProcessRect& r) {
+        effect.Gray_Effect(0, r.left, r.top, r.right, r.bottom);
+    });
+}
+
+Surface plasmaLike(int side) {
+    Surface s = Surface::uninitialised(side, side);
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x)
+            s.at(x, y) = makePixel((x >> 4) & 255, (y >> 4) & 255, ((x + y) >> 5) & 255);
+    }
+    return s;
+}
+
+// Processor time of the whole process, all threads: it depends less on
+// the machine's other load than the wall times do.
+double processorMs() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto ms = [](const timeval& t) { return t.tv_sec * 1e3 + t.tv_usec / 1e3; };
+    return ms(usage.ru_utime) + ms(usage.ru_stime);
+}
+
+double median(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v[v.size() / 2];
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    const int side = argc > 1 ? std::max(16, std::atoi(argv[1])) : 6000;
+    const int runs = argc > 2 ? std::max(1, std::atoi(argv[2])) : 5;
+    QTemporaryDir dir;
+    const QString path = dir.filePath("large.bmp");
+    saveBmp24(plasmaLike(side), path.toStdString());
+
+    MemoryStore store;
+    QtPictureDecoder decoder;
+    FrmMain frame(store, decoder);
+    frame.show();
+    FrmDocument* document = frame.openFile(path);
+    if (document == nullptr) {
+        std::fprintf(stderr, "the picture did not open\n");
+        return 1;
+    }
+    QApplication::processEvents();
+
+    std::vector<double> shown, returned, ended, result, processor;
+    for (int i = 0; i < runs; ++i) {
+        double windowAt = -1, endAt = -1;
+        const auto start = Clock::now();
+        const double processorBefore = processorMs();
+        const QMetaObject::Connection watch =
+            QObject::connect(&frame.runs(), &RunController::runningChanged, [&](bool running) {
+                frm_Progress* window = frame.runs().progressWindow();
+                if (running && window != nullptr && window->isVisible()) windowAt = msSince(start);
+            });
+        const QMetaObject::Connection end = QObject::connect(
+            &frame.runs(), &RunController::finished, [&] { endAt = msSince(start); });
+        if (!frame.runEffect(*document, monotone())) return 1;
+        const double back = msSince(start);
+        frame.runs().waitForEnd();
+        // The view takes the new picture in the handler of the end.
+        QApplication::processEvents();
+        const double done = msSince(start);
+        processor.push_back(processorMs() - processorBefore);
+        QObject::disconnect(watch);
+        QObject::disconnect(end);
+        ended.push_back(endAt);
+        shown.push_back(windowAt);
+        returned.push_back(back);
+        result.push_back(done);
+    }
+    std::printf("%dx%d Monotone through the frame, %d runs, median ms:\n", side, side, runs);
+    std::printf("  progress window shown  %8.1f\n", median(shown));
+    std::printf("  back in the event loop %8.1f\n", median(returned));
+    std::printf("  run ended, result made %8.1f\n", median(ended));
+    std::printf("  result in the view     %8.1f\n", median(result));
+    std::printf("  processor time         %8.1f\n", median(processor));
+    return 0;
+}

@@ -12,9 +12,11 @@
 
 namespace lumiran::fuzz {
 
-// Small enough that a lying header is refused long before it exhausts the
-// fuzzer's memory limit, large enough for every real seed.
-inline constexpr LoadLimits Limits{.maxBytes = 64 << 20};
+// Small enough that a header asking for a large picture is refused at once
+// (a picture the limits allow is decoded in full, even from a short body,
+// which at millions of pixels would slow a run to tens of inputs a second),
+// large enough for every seed.
+inline constexpr LoadLimits Limits{.maxBytes = 64 << 20, .maxPixels = 256 * 256};
 
 // Takes the percentages so that the readers' progress arithmetic runs.
 class DiscardingProgress : public ProgressSink {

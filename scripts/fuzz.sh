@@ -2,8 +2,10 @@
 # Builds the reader fuzz targets, and those of the platform's decoder and of
 # the metafile path, with clang, AddressSanitizer and
 # UndefinedBehaviorSanitizer, and runs each for SECONDS seconds on a fresh
-# copy of its seed corpus and of the hostile files of the test data. Exits non-zero when any target reports a finding
-# (crash, sanitizer report, uncaught exception, leak, timeout, memory limit).
+# copy of its seed corpus and of the hostile files of the test data. Ends
+# with a summary of the inputs each target ran, and how many a second. Exits
+# non-zero when any target reports a finding (crash, sanitizer report,
+# uncaught exception, leak, timeout, memory limit).
 #
 # usage: scripts/fuzz.sh [SECONDS]     (default 20)
 #   FUZZ_BUILD_DIR  build folder (default build-fuzz)
@@ -54,12 +56,14 @@ export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 export ASAN_OPTIONS=${ASAN_OPTIONS:-abort_on_error=0:detect_leaks=1}
 
 failed=()
+summary=()
 for format in $targets; do
     seeds=$(seed_folder "$format")
     work=$runs/$format
     if [ ! -d "$seeds" ]; then
         echo "fuzz.sh: no seed corpus for $format in $seeds" >&2
         failed+=("$format")
+        summary+=("$(printf '%-10s %10s %8s %8s  %s' "$format" - - - "no seeds")")
         continue
     fi
     rm -rf "$work"
@@ -69,11 +73,18 @@ for format in $targets; do
     log=$work/fuzz.log
     echo "== $format: fuzzing for $seconds s"
     status=0
+    started=$(date +%s)
     "$build/${format}_fuzzer" "$work/corpus" \
         -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=10 \
         -artifact_prefix="$work/findings/" -print_final_stats=1 >"$log" 2>&1 || status=$?
+    elapsed=$(($(date +%s) - started))
+    [ "$elapsed" -gt 0 ] || elapsed=1
     runs_done=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
     coverage=$(grep -o 'cov: [0-9]*' "$log" | tail -n 1 || true)
+    edges=${coverage#cov: }
+    rate=?
+    [ -n "$runs_done" ] && rate=$((runs_done / elapsed))
+    outcome="no finding"
     if [ "$status" -ne 0 ] || [ -n "$(ls -A "$work/findings")" ]; then
         echo "!! $format: finding (exit $status); log $log"
         grep -E -A 30 '^==[0-9]+==ERROR|runtime error|deadly signal|uncaught|terminate called|Test unit written' "$log" | head -n 60 || tail -n 40 "$log"
@@ -81,10 +92,17 @@ for format in $targets; do
             [ -e "$artifact" ] && echo "   reproduce: $build/${format}_fuzzer $artifact"
         done
         failed+=("$format")
+        outcome=FINDING
     else
         echo "   $format: no finding (${runs_done:-?} inputs, ${coverage:-cov: ?})"
     fi
+    summary+=("$(printf '%-10s %10s %8s %8s  %s' "$format" "${runs_done:-?}" "$rate" \
+        "${edges:-?}" "$outcome")")
 done
+
+echo "== summary ($seconds s a target)"
+printf '%-10s %10s %8s %8s  %s\n' target inputs inputs/s edges result
+for line in "${summary[@]}"; do echo "$line"; done
 
 if [ ${#failed[@]} -ne 0 ]; then
     echo "fuzz.sh: findings in: ${failed[*]}" >&2

@@ -19,24 +19,40 @@ class Class_PCXImageOp {
   public:
     [[nodiscard]] Surface PCXImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits = {});
+    // Throws the refusals the file's length and its first bytes decide,
+    // so that a huge file is refused before it is read.
+    static void refuseFromHead(std::span<const std::uint8_t> head, std::uint64_t fileSize,
+                               const LoadLimits& limits);
 };
 
 class Class_PPMImageOp {
   public:
     [[nodiscard]] Surface PPMImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits = {});
+    // Throws the refusals the file's length and its first bytes decide,
+    // so that a huge file is refused before it is read.
+    static void refuseFromHead(std::span<const std::uint8_t> head, std::uint64_t fileSize,
+                               const LoadLimits& limits);
 };
 
 class Class_TGAImageOp {
   public:
     [[nodiscard]] Surface TGAImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits = {});
+    // Throws the refusals the file's length and its first bytes decide,
+    // so that a huge file is refused before it is read.
+    static void refuseFromHead(std::span<const std::uint8_t> head, std::uint64_t fileSize,
+                               const LoadLimits& limits);
 };
 
 class Class_PCDImageOp {
   public:
     [[nodiscard]] Surface PCDImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits = {});
+    // Throws the refusals the file's length and its first bytes decide,
+    // so that a huge file is refused before it is read.
+    static void refuseFromHead(std::span<const std::uint8_t> head, std::uint64_t fileSize,
+                               const LoadLimits& limits);
 };
 
 } // namespace lumiran

@@ -1,5 +1,6 @@
 #include "imagefiles/load_dispatch.h"
 
+#include "imagefiles/file_head.h"
 #include "imagefiles/file_io.h"
 #include "imagefiles/image_file_error.h"
 #include "imagefiles/image_load_error.h"
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <utility>
 
 namespace lumiran {
 namespace {
@@ -36,14 +38,39 @@ std::string toLower(std::string_view text) {
     return lower;
 }
 
+// Enough for every reader's header; smaller files are read in one go.
+constexpr std::size_t HeadBytes = std::size_t{1} << 16;
+
+void refuseFromHead(LoadRoute route, const FileHead& head, const LoadLimits& limits) {
+    switch (route) {
+    case LoadRoute::Pcx:
+        return Class_PCXImageOp::refuseFromHead(head.bytes, head.fileSize, limits);
+    case LoadRoute::Ppm:
+        return Class_PPMImageOp::refuseFromHead(head.bytes, head.fileSize, limits);
+    case LoadRoute::Tga:
+        return Class_TGAImageOp::refuseFromHead(head.bytes, head.fileSize, limits);
+    case LoadRoute::Pcd:
+        return Class_PCDImageOp::refuseFromHead(head.bytes, head.fileSize, limits);
+    default:
+        return;
+    }
+}
+
+// The header and the file's length are looked at before the file is read,
+// so a file that is refused for its size or its header is never read whole.
 // File-system failures carry the runtime's numbers for them.
-std::vector<std::uint8_t> readForReader(const std::filesystem::path& path,
+std::vector<std::uint8_t> readForReader(const std::filesystem::path& path, LoadRoute route,
                                         const LoadLimits& limits) {
     std::error_code ec;
     if (!std::filesystem::exists(path, ec)) {
         throw ImageLoadError(53, "ファイルが見つかりません。", path.string() + ": no such file");
     }
     try {
+        FileHead head = readFileHead(path, HeadBytes);
+        if (head.whole()) return std::move(head.bytes);
+        if (head.fileSize > limits.maxBytes)
+            throw ImageFileError(path.string() + ": file too large");
+        refuseFromHead(route, head, limits);
         return readWholeFile(path, limits.maxBytes);
     } catch (const ImageFileError& e) {
         throw ImageLoadError(75, "パス名が無効です。", e.what());
@@ -86,7 +113,7 @@ std::optional<Surface> LoadImageFile(const std::filesystem::path& path, Platform
     default:
         break;
     }
-    const std::vector<std::uint8_t> file = readForReader(path, limits);
+    const std::vector<std::uint8_t> file = readForReader(path, route, limits);
     switch (route) {
     case LoadRoute::Pcx:
         return Class_PCXImageOp().PCXImageGet(file, progress, limits);

@@ -39,6 +39,17 @@ std::optional<PcdResolution> resolutionForLength(std::size_t length) {
     return std::nullopt;
 }
 
+PcdResolution resolutionOrRefusal(std::uint64_t length) {
+    const std::optional<PcdResolution> resolution =
+        length > LargestLength ? std::nullopt : resolutionForLength(length);
+    if (!resolution) {
+        throw ImageLoadError::refused("PCD: a file of " + std::to_string(length) +
+                                      " bytes is longer than any resolution it reads (at most " +
+                                      std::to_string(LargestLength) + " bytes)");
+    }
+    return *resolution;
+}
+
 // The runtime refuses a record position below 1.
 EffectError badRecordNumber() {
     return {63, "レコード番号が不正です。"};
@@ -91,17 +102,16 @@ void convertRow(std::span<const std::uint8_t> luma, std::span<const std::uint8_t
 
 } // namespace
 
+void Class_PCDImageOp::refuseFromHead(std::span<const std::uint8_t> /*head*/,
+                                      std::uint64_t fileSize, const LoadLimits& limits) {
+    const PcdResolution resolution = resolutionOrRefusal(fileSize);
+    limits.check(resolution.width, resolution.height, 3 + 4);
+}
+
 Surface Class_PCDImageOp::PCDImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits) {
     return guardedRead("PCD", [&] {
-        const std::optional<PcdResolution> resolution = resolutionForLength(file.size());
-        if (!resolution) {
-            throw ImageLoadError::refused(
-                "PCD: a file of " + std::to_string(file.size()) +
-                " bytes is longer than any resolution it reads (at most " +
-                std::to_string(LargestLength) + " bytes)");
-        }
-        const auto [width, height, readPosition] = *resolution;
+        const auto [width, height, readPosition] = resolutionOrRefusal(file.size());
         std::size_t cursor = streamStart(readPosition);
         // PixelData and the picture.
         limits.check(width, height, 3 + 4);

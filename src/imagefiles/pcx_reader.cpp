@@ -271,17 +271,26 @@ class PcxDecoding {
     std::int64_t rowsDone_ = 0;
 };
 
+void checkHeader(const PcxHeader& header, const LoadLimits& limits) {
+    if (header.ZsoftFlag != 10) {
+        throw ImageLoadError::refused("PCX: the first byte is " + std::to_string(header.ZsoftFlag) +
+                                      ", not 10");
+    }
+    limits.check(header.width(), header.height(), WorkingBytesPerPixel);
+}
+
 } // namespace
+
+void Class_PCXImageOp::refuseFromHead(std::span<const std::uint8_t> head,
+                                      std::uint64_t /*fileSize*/, const LoadLimits& limits) {
+    if (head.size() >= HeaderSize) checkHeader(readHeader(head), limits);
+}
 
 Surface Class_PCXImageOp::PCXImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits) {
     return guardedRead("PCX", [&] {
         const PcxHeader header = readHeader(file);
-        if (header.ZsoftFlag != 10) {
-            throw ImageLoadError::refused("PCX: the first byte is " +
-                                          std::to_string(header.ZsoftFlag) + ", not 10");
-        }
-        limits.check(header.width(), header.height(), WorkingBytesPerPixel);
+        checkHeader(header, limits);
         const Decoder decoder = chooseDecoder(header);
         ThreeBytePicture picture(header.width(), header.height());
         PcxDecoding(header, file, picture, progress).run(decoder);

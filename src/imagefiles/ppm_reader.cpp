@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace lumiran {
@@ -43,12 +44,20 @@ class FileBytes {
   public:
     explicit FileBytes(std::span<const std::uint8_t> file) : file_(file) {}
     [[nodiscard]] std::uint8_t operator[](std::size_t index) const {
-        return index < file_.size() ? file_[index] : 0;
+        return pastEnd(index) ? 0 : file_[index];
     }
-    [[nodiscard]] std::size_t size() const { return file_.size(); }
+    [[nodiscard]] bool pastEnd(std::size_t index) const {
+        const bool past = index >= file_.size();
+        readPastEnd_ = readPastEnd_ || past;
+        return past;
+    }
+    // Whether anything was looked for past the end: for the first part of a
+    // file, whether the rest could have changed what was read.
+    [[nodiscard]] bool readPastEnd() const { return readPastEnd_; }
 
   private:
     std::span<const std::uint8_t> file_;
+    mutable bool readPastEnd_ = false;
 };
 
 struct PpmHeader {
@@ -66,7 +75,7 @@ std::size_t commentLength(const FileBytes& bytes) {
     if (bytes[3] != '#') return 0;
     std::size_t length = 1;
     for (std::size_t i = 4;; ++i) {
-        if (i >= bytes.size()) throw ImageLoadError::refused("PPM: the comment line has no end");
+        if (bytes.pastEnd(i)) throw ImageLoadError::refused("PPM: the comment line has no end");
         ++length;
         if (bytes[i] == LineEnd) return length;
     }
@@ -233,18 +242,41 @@ const char* kindName(char kind) {
     }
 }
 
+void checkHeader(const PpmHeader& header, const LoadLimits& limits) {
+    limits.check(header.width, header.height, WorkingBytesPerPixel);
+    if (header.kind == '2' || header.kind == '4' || header.kind == '5') {
+        throw ImageLoadError::refused(std::string("PPM: kind ") + kindName(header.kind) +
+                                      " is not supported");
+    }
+}
+
 } // namespace
+
+void Class_PPMImageOp::refuseFromHead(std::span<const std::uint8_t> head,
+                                      std::uint64_t /*fileSize*/, const LoadLimits& limits) {
+    // The header is text of any length: it decides here only when it was
+    // read without looking past the head, so the whole file would give the
+    // same header, or the same error.
+    (void)guardedRead("PPM", [&] {
+        const FileBytes bytes(head);
+        std::optional<PpmHeader> header;
+        try {
+            header = readHeader(bytes);
+        } catch (...) {
+            if (bytes.readPastEnd()) return Surface();
+            throw;
+        }
+        if (!bytes.readPastEnd()) checkHeader(*header, limits);
+        return Surface();
+    });
+}
 
 Surface Class_PPMImageOp::PPMImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits) {
     return guardedRead("PPM", [&] {
         const FileBytes bytes(file);
         const PpmHeader header = readHeader(bytes);
-        limits.check(header.width, header.height, WorkingBytesPerPixel);
-        if (header.kind == '2' || header.kind == '4' || header.kind == '5') {
-            throw ImageLoadError::refused(std::string("PPM: kind ") + kindName(header.kind) +
-                                          " is not supported");
-        }
+        checkHeader(header, limits);
         ThreeBytePicture picture(header.width, header.height);
         PpmDecoding decoding(header, bytes, picture, progress);
         // Any other kind decodes nothing and shows the blank picture.

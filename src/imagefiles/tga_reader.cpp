@@ -107,23 +107,33 @@ Surface showPixels(const std::vector<std::uint8_t>& pixelData, int width, int he
     return picture;
 }
 
+void checkHeader(const TgaHeader& header, const LoadLimits& limits) {
+    const bool colourMapped = header.ImageFormat == 1;
+    if (!colourMapped && header.ImageFormat != 2) refuseFormat(header.ImageFormat);
+    if (colourMapped && header.ColorMapFormat == 0) {
+        throw ImageLoadError::refused(
+            "TGA: colour-mapped image (ImageFormat 1) without a colour map (ColorMapFormat 0)");
+    }
+    limits.check(header.Width, header.Height,
+                 colourMapped ? ColourMappedBytesPerPixel : TrueColourBytesPerPixel);
+}
+
 } // namespace
+
+void Class_TGAImageOp::refuseFromHead(std::span<const std::uint8_t> head,
+                                      std::uint64_t /*fileSize*/, const LoadLimits& limits) {
+    if (head.size() >= HeaderSize) checkHeader(readHeader(head), limits);
+}
 
 Surface Class_TGAImageOp::TGAImageGet(std::span<const std::uint8_t> file, ProgressSink* progress,
                                       const LoadLimits& limits) {
     return guardedRead("TGA", [&] {
         if (file.empty()) throw ImageLoadError::refused("TGA: the file is empty");
         const TgaHeader header = readHeader(file);
+        checkHeader(header, limits);
         const bool colourMapped = header.ImageFormat == 1;
-        if (!colourMapped && header.ImageFormat != 2) refuseFormat(header.ImageFormat);
-        if (colourMapped && header.ColorMapFormat == 0) {
-            throw ImageLoadError::refused(
-                "TGA: colour-mapped image (ImageFormat 1) without a colour map (ColorMapFormat 0)");
-        }
         const int width = header.Width;
         const int height = header.Height;
-        limits.check(width, height,
-                     colourMapped ? ColourMappedBytesPerPixel : TrueColourBytesPerPixel);
 
         // The arrays run from index 0 to Width times Height: one spare element.
         const std::size_t elements = static_cast<std::size_t>(width) * height + 1;

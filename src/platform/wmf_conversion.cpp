@@ -148,6 +148,13 @@ RecordSummary checkRecords(ByteReader& reader, std::span<const std::uint8_t> byt
         }
         summary.largestRecordWords = std::max(summary.largestRecordWords, words);
         if (function == META_EOF) {
+            // The walk ends at the first end record, but libwmf only at one of
+            // three words: a longer one would hand it records never checked.
+            if (words != minimumRecordWords) {
+                throw PictureRefusal("WMF: record " + std::to_string(index) + " at offset " +
+                                     std::to_string(offset) + " ends the metafile with " +
+                                     std::to_string(words) + " words instead of 3");
+            }
             summary.endOffset = offset + std::size_t{words} * 2;
             return summary;
         }

@@ -51,6 +51,9 @@ const std::vector<HostileCase> hostileCases = {
     {"emf-32767-frame.emf", 256 * 256, {}, 256, 256, "32767x32767"},
     // A header claiming a largest record of 3 GiB: libwmf would allocate it.
     {"wmf-huge-max-record.wmf", 256 * 256, {}, 256, 256, "20000x20000"},
+    // An end record longer than three words, with a cut-short pattern brush
+    // after it that libwmf would still play and loop on.
+    {"wmf-long-end-record.wmf", 1024 * 1024, {"record 0", "8 words instead of 3"}},
 };
 
 TEST(HostileFiles, EndInARefusalOrAPictureWithinTheLimits) {

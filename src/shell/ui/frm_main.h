@@ -129,7 +129,6 @@ class FrmMain : public QMainWindow {
     void showPictureInfo(FrmDocument& document);
 
     // The tools beside the documents.
-    [[nodiscard]] KeyValueStore& store() { return store_; }
     void showCapture();
     // A picture as a new document named `name`, with no folder.
     FrmDocument* openPictureAsDocument(const QImage& picture, const QString& name);

@@ -16,19 +16,9 @@ using C = Class_Composition;
 constexpr std::int16_t S = Side;
 
 void merge(benchmark::State& state, const std::function<void(C&)>& call) {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context(cancel, random);
-    context.composeImage = &bench::photoLikePicture();
-    C effect(context);
-    effect.ImageGetDiBits(bench::randomColourPicture());
-    effect.ImageGetDiBitsTrans(bench::randomColourPicture());
-    for (auto _ : state) {
-        cancel = 0;
-        call(effect);
-        benchmark::ClobberMemory();
-    }
-    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+    bench::runFetchedPasses<C>(
+        state, bench::randomColourPicture(), bench::randomColourPicture(),
+        [](RunContext& context) { context.composeImage = &bench::photoLikePicture(); }, call);
 }
 
 void BM_Composition_Mean(benchmark::State& state) {

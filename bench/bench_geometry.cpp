@@ -21,22 +21,7 @@ using bench::Side;
 // and on the two kept pictures the blit warps and transforms draw between.
 template <typename Class>
 void passes(benchmark::State& state, const std::function<void(Class&, Surface&, Surface&)>& call) {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context(cancel, random);
-    Surface kept0 = bench::randomColourPicture();
-    Surface kept1(Side, Side);
-    context.kept0 = &kept0;
-    context.kept1 = &kept1;
-    Class effect(context);
-    effect.ImageGetDiBits(kept0);
-    effect.ImageGetDiBitsTrans(kept0);
-    for (auto _ : state) {
-        cancel = 0;
-        call(effect, kept0, kept1);
-        benchmark::ClobberMemory();
-    }
-    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+    bench::runKeptPasses<Class>(state, call);
 }
 
 void warp(benchmark::State& state, const std::function<void(Class_Geometry&)>& call) {

@@ -14,22 +14,8 @@ using namespace lumiran;
 constexpr std::int16_t S = bench::Side;
 
 void geometry(benchmark::State& state, const std::function<void(Class_Geometry&)>& call) {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context(cancel, random);
-    Surface kept0 = bench::randomColourPicture();
-    Surface kept1(S, S);
-    context.kept0 = &kept0;
-    context.kept1 = &kept1;
-    Class_Geometry effect(context);
-    effect.ImageGetDiBits(kept0);
-    effect.ImageGetDiBitsTrans(kept0);
-    for (auto _ : state) {
-        cancel = 0;
-        call(effect);
-        benchmark::ClobberMemory();
-    }
-    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+    bench::runKeptPasses<Class_Geometry>(state,
+                                         [&](Class_Geometry& e, Surface&, Surface&) { call(e); });
 }
 
 void BM_Blocks_ScrollWrap(benchmark::State& state) {

@@ -47,17 +47,8 @@ void BM_Gradation_Blend(benchmark::State& state) {
 BENCHMARK(BM_Gradation_Blend)->Unit(benchmark::kMillisecond);
 
 void runLit(benchmark::State& state, const std::function<void(Class_HideEffect&)>& call) {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context(cancel, random);
-    Class_HideEffect effect(context);
-    effect.ImageGetDiBits(bench::photoLikePicture());
-    effect.ImageGetDiBitsTrans(bench::photoLikePicture());
-    for (auto _ : state) {
-        call(effect);
-        benchmark::ClobberMemory();
-    }
-    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+    bench::runFetchedPasses<Class_HideEffect>(
+        state, bench::photoLikePicture(), bench::photoLikePicture(), [](RunContext&) {}, call);
 }
 
 void BM_HideEffect_Ball(benchmark::State& state) {

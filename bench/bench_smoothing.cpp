@@ -14,18 +14,9 @@ using bench::Side;
 
 // Like bench::runPasses, with the separate destination fetched too.
 void runPass(benchmark::State& state, const std::function<void(Class_Soften&)>& call) {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context(cancel, random);
-    Class_Soften effect(context);
-    effect.ImageGetDiBits(bench::randomColourPicture());
-    effect.ImageGetDiBitsTrans(bench::randomColourPicture());
-    for (auto _ : state) {
-        cancel = 0;
-        call(effect);
-        benchmark::ClobberMemory();
-    }
-    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+    bench::runFetchedPasses<Class_Soften>(
+        state, bench::randomColourPicture(), bench::randomColourPicture(), [](RunContext&) {},
+        call);
 }
 
 // Kinds 3, 12: the 3x3 and 7x7 means; 0, 1 weighted; 10, 14 adaptive;

@@ -57,4 +57,41 @@ void runPasses(benchmark::State& state, const Surface& picture, Call call) {
     if (!context.failures.empty()) state.SkipWithError("the effect failed");
 }
 
+// The operation alone, repeated on ImageBits and TransBits fetched once from
+// image and trans; prepare(context) first points the context at what the
+// effect reads besides (kept or composed pictures).
+template <typename Class, typename Prepare, typename Call>
+void runFetchedPasses(benchmark::State& state, const Surface& image, const Surface& trans,
+                      Prepare prepare, Call call) {
+    CancelFlag cancel{0};
+    RandomGenerator random;
+    RunContext context(cancel, random);
+    prepare(context);
+    Class effect(context);
+    effect.ImageGetDiBits(image);
+    effect.ImageGetDiBitsTrans(trans);
+    for (auto _ : state) {
+        cancel = 0;
+        call(effect);
+        benchmark::ClobberMemory();
+    }
+    if (!context.failures.empty()) state.SkipWithError("the effect failed");
+}
+
+// As runFetchedPasses on the random picture in both arrays, with the two kept
+// pictures the blit warps and transforms draw between: call(effect, kept0,
+// kept1), kept picture 0 the random picture.
+template <typename Class, typename Call>
+void runKeptPasses(benchmark::State& state, Call call) {
+    Surface kept0 = randomColourPicture();
+    Surface kept1(Side, Side);
+    runFetchedPasses<Class>(
+        state, kept0, kept0,
+        [&](RunContext& context) {
+            context.kept0 = &kept0;
+            context.kept1 = &kept1;
+        },
+        [&](Class& effect) { call(effect, kept0, kept1); });
+}
+
 } // namespace lumiran::bench

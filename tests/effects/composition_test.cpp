@@ -1,7 +1,6 @@
 // The merges with the kept image: the shared area, the rules where they
 // can go wrong (bands, 16-bit squares, clamps), and the moves' limits.
-#include "effect_fixture.h"
-#include "effects/composition/class_composition.h"
+#include "composition_fixture.h"
 #include "test_support.h"
 
 namespace lumiran::testing {
@@ -9,14 +8,7 @@ namespace {
 
 using C = Class_Composition;
 
-struct Composition : EffectFixture<C> {
-    Surface kept;
-
-    Surface merge(const Surface& document, const Surface& keptImage, const Call& call) {
-        kept = keptImage;
-        context.composeImage = &kept;
-        return run(document, call);
-    }
+struct Composition : CompositionFixture {
     // One pixel of each picture through a per-pixel merge.
     Pixel one(Pixel document, Pixel keptPixel, const Call& call) {
         return merge(Surface(1, 1, document), Surface(1, 1, keptPixel), call).at(0, 0);

@@ -1,7 +1,6 @@
 // Hiding the kept image in a carrier and getting it back against the
 // untouched carrier.
-#include "effect_fixture.h"
-#include "effects/composition/class_composition.h"
+#include "composition_fixture.h"
 #include "test_support.h"
 
 namespace lumiran::testing {
@@ -9,24 +8,17 @@ namespace {
 
 using C = Class_Composition;
 
-struct Steganography : EffectFixture<C> {
-    Surface kept;
-
-    Surface withKept(const Surface& document, const Surface& keptImage, const Call& call) {
-        kept = keptImage;
-        context.composeImage = &kept;
-        return run(document, call);
-    }
+struct Steganography : CompositionFixture {
     // Hide `hidden` in the carrier, then extract against the carrier.
     Surface roundTrip(const Surface& carrier, const Surface& hidden, int type) {
-        const Surface changed = withKept(carrier, hidden, [type](C& e, const ProcessRect& r) {
+        const Surface changed = merge(carrier, hidden, [type](C& e, const ProcessRect& r) {
             e.Suteganography_Hide(static_cast<std::uint8_t>(type), r.left, r.top, r.right,
                                   r.bottom);
         });
         return extract(changed, carrier, type);
     }
     Surface extract(const Surface& document, const Surface& against, int type) {
-        return withKept(document, against, [type](C& e, const ProcessRect& r) {
+        return merge(document, against, [type](C& e, const ProcessRect& r) {
             e.Suteganography_Extraction(static_cast<std::uint8_t>(type), r.left, r.top, r.right,
                                         r.bottom);
         });
@@ -76,21 +68,20 @@ TEST_F(Steganography, HidingChangesChannelsWithinRange) {
     } cases[] = {{0, 254, 255, 255}, {0, 255, 255, 254}, {1, 249, 255, 253},
                  {1, 250, 255, 246}, {2, 246, 255, 253}, {2, 247, 255, 240}};
     for (const auto& c : cases) {
-        const Surface changed =
-            withKept(Surface(1, 1, makePixel(c.carrier, 0, 0)),
-                     Surface(1, 1, makePixel(c.hidden, c.hidden, c.hidden)),
-                     [&c](C& e, const ProcessRect& r) {
-                         e.Suteganography_Hide(static_cast<std::uint8_t>(c.type), r.left, r.top,
-                                               r.right, r.bottom);
-                     });
+        const Surface changed = merge(Surface(1, 1, makePixel(c.carrier, 0, 0)),
+                                      Surface(1, 1, makePixel(c.hidden, c.hidden, c.hidden)),
+                                      [&c](C& e, const ProcessRect& r) {
+                                          e.Suteganography_Hide(static_cast<std::uint8_t>(c.type),
+                                                                r.left, r.top, r.right, r.bottom);
+                                      });
         EXPECT_EQ(redOf(changed.at(0, 0)), c.expectedRed) << c.type << " " << c.carrier;
     }
     // Type 0 carries the picture in red alone.
     const Surface changed =
-        withKept(Surface(1, 1, makePixel(9, 9, 9)), Surface(1, 1, makePixel(255, 255, 255)),
-                 [](C& e, const ProcessRect& r) {
-                     e.Suteganography_Hide(0, r.left, r.top, r.right, r.bottom);
-                 });
+        merge(Surface(1, 1, makePixel(9, 9, 9)), Surface(1, 1, makePixel(255, 255, 255)),
+              [](C& e, const ProcessRect& r) {
+                  e.Suteganography_Hide(0, r.left, r.top, r.right, r.bottom);
+              });
     EXPECT_EQ(changed.at(0, 0), makePixel(10, 9, 9));
 }
 

@@ -10,6 +10,7 @@
 #include "shell/ui/surface_image.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
+#include "ui_test_support.h"
 
 #include <QAction>
 #include <QDir>
@@ -22,18 +23,12 @@
 #include <thread>
 
 using namespace lumiran;
+using ui_testing::currentDialog;
 
 class BrowseTest : public QObject {
     Q_OBJECT
 
     QtPictureDecoder decoder_;
-
-    static EffectDialog* currentDialog() {
-        for (QWidget* w : QApplication::topLevelWidgets()) {
-            if (auto* d = qobject_cast<EffectDialog*>(w); d != nullptr && d->isVisible()) return d;
-        }
-        return nullptr;
-    }
 
     // Opens the browser from a family's own "Browse..." row and waits for its page.
     static FrmBrowse* browse(FrmMain& frame, FrmDocument& doc, const char* menu) {

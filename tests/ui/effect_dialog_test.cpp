@@ -7,6 +7,7 @@
 #include "shell/ui/frm_document.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/run_controller.h"
+#include "ui_test_support.h"
 
 #include <QAction>
 #include <QLabel>
@@ -19,18 +20,12 @@
 #include <QtTest>
 
 using namespace lumiran;
+using ui_testing::currentDialog;
 
 class EffectDialogTest : public QObject {
     Q_OBJECT
 
     QtPictureDecoder decoder_;
-
-    static EffectDialog* currentDialog() {
-        for (QWidget* w : QApplication::topLevelWidgets()) {
-            if (auto* d = qobject_cast<EffectDialog*>(w); d != nullptr && d->isVisible()) return d;
-        }
-        return nullptr;
-    }
 
   private slots:
     void monotoneIsConfiguredFromTheTable() {

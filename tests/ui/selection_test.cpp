@@ -13,6 +13,7 @@
 #include "shell/ui/surface_image.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
+#include "ui_test_support.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -32,26 +33,7 @@ using namespace lumiran;
 
 namespace {
 
-// Answers every message box with its first button and keeps title and text.
-class MessageBoxAnswerer : public QObject {
-  public:
-    MessageBoxAnswerer() {
-        timer_.setInterval(20);
-        connect(&timer_, &QTimer::timeout, this, [this] {
-            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-                titles.append(box->windowTitle());
-                texts.append(box->text());
-                box->buttons().value(0)->click();
-            }
-        });
-        timer_.start();
-    }
-    QStringList titles;
-    QStringList texts;
-
-  private:
-    QTimer timer_;
-};
+using ui_testing::MessageBoxAnswerer;
 
 Surface gradient(int width, int height) {
     Surface s(width, height);

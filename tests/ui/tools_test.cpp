@@ -12,6 +12,7 @@
 #include "shell/ui/picture_view.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
+#include "ui_test_support.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -35,24 +36,7 @@ using namespace lumiran;
 
 namespace {
 
-// Answers every message box with its first button and keeps its text.
-class MessageBoxAnswerer : public QObject {
-  public:
-    MessageBoxAnswerer() {
-        timer_.setInterval(20);
-        connect(&timer_, &QTimer::timeout, this, [this] {
-            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-                texts.append(box->text());
-                box->buttons().value(0)->click();
-            }
-        });
-        timer_.start();
-    }
-    QStringList texts;
-
-  private:
-    QTimer timer_;
-};
+using ui_testing::MessageBoxAnswerer;
 
 Surface solid(int width, int height, Pixel colour) {
     return Surface(width, height, colour);

@@ -103,25 +103,25 @@ void registerPixelMoveBlocks(EffectDispatch& d) {
     d.add(DialogKind::Negative, 59, drawingSteps(crank, crank));
 }
 
+// The blurs: row 0 of the scroll type is the plain blur, rows 1.. the blur
+// maps 0.. in the direction picked.
+template <typename Plain, typename Mapped>
+EffectPlanner plainOrMapped(Plain plain, Mapped mapped) {
+    return warp([plain, mapped](Class_Geometry& e, V v, R r) {
+        if (v.color <= 0) {
+            (e.*plain)(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom);
+        } else {
+            (e.*mapped)(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
+                        row(v.color - 1));
+        }
+    });
+}
+
 void registerBlurs(EffectDispatch& d) {
-    // Blur: row 0 of the scroll type is the plain blur, rows 1.. the blur
-    // maps 0.. in the direction picked.
-    d.add(DialogKind::Emboss, 17, warp([](Class_Geometry& e, V v, R r) {
-              if (v.color <= 0) {
-                  e.Blur_Normal(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom);
-              } else {
-                  e.Blur_Circle(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
-                                row(v.color - 1));
-              }
-          }));
-    d.add(DialogKind::Emboss, 33, warp([](Class_Geometry& e, V v, R r) {
-              if (v.color <= 0) {
-                  e.Blur_Gaussian(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom);
-              } else {
-                  e.Blur_CircleSoften(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
-                                      row(v.color - 1));
-              }
-          }));
+    d.add(DialogKind::Emboss, 17,
+          plainOrMapped(&Class_Geometry::Blur_Normal, &Class_Geometry::Blur_Circle));
+    d.add(DialogKind::Emboss, 33,
+          plainOrMapped(&Class_Geometry::Blur_Gaussian, &Class_Geometry::Blur_CircleSoften));
     // Diffuse Outline: the direction list is the neighbour's kind.
     d.add(DialogKind::Emboss, 41, warp([](Class_Geometry& e, V v, R r) {
               if (second(v.color)) {

@@ -81,15 +81,21 @@ void Class_Geometry::Draw_BlurMap(std::uint8_t kind, std::int16_t size, std::int
     ProgressCount = 0;
 }
 
+std::vector<std::uint8_t> Class_Geometry::blurMapFirst(std::uint8_t mapKind, std::int16_t size,
+                                                       const ProcessRect& rect) {
+    std::vector<std::uint8_t> map;
+    Draw_BlurMap(mapKind, size, rect.left, rect.top, rect.right, rect.bottom, map);
+    if (context().progress != nullptr) context().progress->showCaption(SecondPassCaption);
+    return map;
+}
+
 void Class_Geometry::Blur_Circle(std::uint8_t direction, std::int16_t size, std::int16_t left,
                                  std::int16_t top, std::int16_t right, std::int16_t bottom,
                                  std::uint8_t mapKind) {
     guarded([&] {
         if (direction > 3 || mapKind > 11) return;
         const ProcessRect rect{left, top, right, bottom};
-        std::vector<std::uint8_t> map;
-        Draw_BlurMap(mapKind, size, left, top, right, bottom, map);
-        if (context().progress != nullptr) context().progress->showCaption(SecondPassCaption);
+        const std::vector<std::uint8_t> map = blurMapFirst(mapKind, size, rect);
         SetProgressRange(top, bottom);
         // The steps of Blur_Normal's direction, at the map's length.
         static constexpr std::array<std::array<blur::Tap, 2>, 4> steps{{
@@ -113,9 +119,7 @@ void Class_Geometry::Blur_CircleSoften(std::uint8_t kind, std::int16_t size, std
     guarded([&] {
         if (kind > 11 || mapKind > 11) return;
         const ProcessRect rect{left, top, right, bottom};
-        std::vector<std::uint8_t> map;
-        Draw_BlurMap(mapKind, size, left, top, right, bottom, map);
-        if (context().progress != nullptr) context().progress->showCaption(SecondPassCaption);
+        const std::vector<std::uint8_t> map = blurMapFirst(mapKind, size, rect);
         // Blur_Gaussian's offsets as unit steps; kind 8 along the row at d
         // and d / 2, 9..11 mirrored pairs.
         static constexpr std::array<std::array<blur::Tap, 4>, 12> steps{{

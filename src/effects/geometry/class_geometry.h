@@ -243,6 +243,14 @@ class Class_Geometry : public PixelFrame {
         explicit operator bool() const { return source != nullptr && target != nullptr; }
     };
     Pictures blitPictures(std::int16_t backgroundKind);
+    // The map of the map blurs as their first pass; the caption then names
+    // the second.
+    std::vector<std::uint8_t> blurMapFirst(std::uint8_t mapKind, std::int16_t size,
+                                           const ProcessRect& rect);
+    // Slope Horizontal and Slope Vertical: bands of the rectangle moved
+    // along one axis.
+    void slopeMove(bool horizontal, std::int16_t factor, const ProcessRect& rect,
+                   std::int16_t slope, std::int16_t backgroundKind);
     // One pass of the sample blurs: taps(x, y, taps) fills the sample
     // positions of a pixel, count is the pixel and its samples.
     template <typename Taps>

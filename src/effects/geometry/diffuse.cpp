@@ -15,6 +15,19 @@ int roundedMean(Pixel p) {
     return (redOf(p) + greenOf(p) + blueOf(p) + 1) / 3;
 }
 
+// The pixel moved by (dx, dy) from (x, y); an axis that leaves the span
+// keeps the pixel's own coordinate.
+template <typename Bounds>
+Pixel movedWithin(const Surface& image, const Bounds& span, int x, int y, int dx, int dy) {
+    return image.at(blur::within(x, x + dx, span.firstColumn, span.endColumn),
+                    blur::within(y, y + dy, span.firstRow, span.endRow));
+}
+
+Rgb16 colourOf(Pixel p) {
+    return {static_cast<std::int16_t>(redOf(p)), static_cast<std::int16_t>(greenOf(p)),
+            static_cast<std::int16_t>(blueOf(p))};
+}
+
 } // namespace
 
 void Class_Geometry::DiffuseOutline1(std::uint8_t kind, std::int16_t left, std::int16_t top,
@@ -27,18 +40,14 @@ void Class_Geometry::DiffuseOutline1(std::uint8_t kind, std::int16_t left, std::
         mapPixels<ResultTail::Clamp, Destination::Trans>(
             rect, [&](int x, int y, int& r, int& g, int& b) -> Rgb16 {
                 const int m = (r + g + b) / 3;
-                const Pixel n =
-                    ImageBits.at(blur::within(x, x + step.dx, span.firstColumn, span.endColumn),
-                                 blur::within(y, y + step.dy, span.firstRow, span.endRow));
+                const Pixel n = movedWithin(ImageBits, span, x, y, step.dx, step.dy);
                 const int m2 = roundedMean(n);
                 // The step in brightness towards the neighbour moves the
                 // sample along the neighbour's way: flat areas stay.
                 const int d = m - m2;
-                const Pixel s = ImageBits.at(
-                    blur::within(x, x + (step.dx != 0 ? d : 0), span.firstColumn, span.endColumn),
-                    blur::within(y, y + (step.dy != 0 ? d : 0), span.firstRow, span.endRow));
-                return {static_cast<std::int16_t>(redOf(s)), static_cast<std::int16_t>(greenOf(s)),
-                        static_cast<std::int16_t>(blueOf(s))};
+                const Pixel s =
+                    movedWithin(ImageBits, span, x, y, step.dx != 0 ? d : 0, step.dy != 0 ? d : 0);
+                return colourOf(s);
             });
     });
 }
@@ -52,16 +61,12 @@ void Class_Geometry::DiffuseOutline2(std::uint8_t kind, std::int16_t left, std::
         const blur::Tap step = Neighbours[kind];
         mapPixels<ResultTail::Clamp, Destination::Trans>(
             rect, [&](int x, int y, int&, int&, int& b) -> Rgb16 {
-                const Pixel n =
-                    ImageBits.at(blur::within(x, x + step.dx, span.firstColumn, span.endColumn),
-                                 blur::within(y, y + step.dy, span.firstRow, span.endRow));
+                const Pixel n = movedWithin(ImageBits, span, x, y, step.dx, step.dy);
                 const int m2 = roundedMean(n);
                 // Vertical always: the pixel's blue against the neighbour's
                 // mean bends the rows along the brightness edges.
-                const Pixel s =
-                    ImageBits.at(x, blur::within(y, y + (b - m2), span.firstRow, span.endRow));
-                return {static_cast<std::int16_t>(redOf(s)), static_cast<std::int16_t>(greenOf(s)),
-                        static_cast<std::int16_t>(blueOf(s))};
+                const Pixel s = movedWithin(ImageBits, span, x, y, 0, b - m2);
+                return colourOf(s);
             });
     });
 }
@@ -74,8 +79,7 @@ void Class_Geometry::Diffuse_Color(std::int16_t ratio, std::int16_t left, std::i
         const ProcessRect rect{left, top, right, bottom};
         const Span span = spanOf(rect);
         const auto sample = [&](int x, int y, int ox, int oy) {
-            return ImageBits.at(blur::within(x, x - ox, span.firstColumn, span.endColumn),
-                                blur::within(y, y - oy, span.firstRow, span.endRow));
+            return movedWithin(ImageBits, span, x, y, -ox, -oy);
         };
         mapPixels<ResultTail::Clamp, Destination::Trans>(
             rect, [&](int x, int y, int& r, int& g, int& b) -> Rgb16 {

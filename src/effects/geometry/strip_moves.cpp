@@ -202,28 +202,27 @@ void shear(Surface& target, const Surface& source, const ProcessRect& rect, bool
 
 } // namespace
 
+void Class_Geometry::slopeMove(bool horizontal, std::int16_t factor, const ProcessRect& rect,
+                               std::int16_t slope, std::int16_t backgroundKind) {
+    guarded([&] {
+        const Pictures p = blitPictures(backgroundKind);
+        if (!p || !validRect(rect.left, rect.top, rect.right, rect.bottom)) return;
+        shear(
+            *p.target, *p.source, rect, horizontal, factor, slope != 0,
+            [this](int bands) { SetProgressRange(0, bands); }, [this] { return finishRow(); });
+    });
+}
+
 void Class_Geometry::Slope_Horizontal(std::int16_t factor, std::int16_t left, std::int16_t top,
                                       std::int16_t right, std::int16_t bottom, std::int16_t slope,
                                       std::int16_t backgroundKind) {
-    guarded([&] {
-        const Pictures p = blitPictures(backgroundKind);
-        if (!p || !validRect(left, top, right, bottom)) return;
-        shear(
-            *p.target, *p.source, {left, top, right, bottom}, true, factor, slope != 0,
-            [this](int bands) { SetProgressRange(0, bands); }, [this] { return finishRow(); });
-    });
+    slopeMove(true, factor, {left, top, right, bottom}, slope, backgroundKind);
 }
 
 void Class_Geometry::Slope_Vertical(std::int16_t factor, std::int16_t left, std::int16_t top,
                                     std::int16_t right, std::int16_t bottom, std::int16_t slope,
                                     std::int16_t backgroundKind) {
-    guarded([&] {
-        const Pictures p = blitPictures(backgroundKind);
-        if (!p || !validRect(left, top, right, bottom)) return;
-        shear(
-            *p.target, *p.source, {left, top, right, bottom}, false, factor, slope != 0,
-            [this](int bands) { SetProgressRange(0, bands); }, [this] { return finishRow(); });
-    });
+    slopeMove(false, factor, {left, top, right, bottom}, slope, backgroundKind);
 }
 
 void Class_Geometry::Transform_Jagged(std::int16_t value, std::int16_t step, std::int16_t direction,

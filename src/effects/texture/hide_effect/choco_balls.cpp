@@ -109,22 +109,12 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
         SetProgressRange(0, blockRows);
         if (blockRows == 0) return;
         const int blockColumns = (extent.endColumn - 1 - extent.firstColumn) / size + 1;
-        // Origins reach one past the last column and row, as the random
-        // mosaic's do; the fold brings such a block back onto the edge.
-        const double across = extent.endColumn - extent.firstColumn + 1;
-        const double down = extent.endRow - extent.firstRow + 1;
         std::vector<int> rows(size);
         std::vector<int> columns(size);
         for (int k = 0; k < blockRows; ++k) {
-            for (int m = 0; m < blockColumns; ++m) {
-                const int x0 =
-                    roundTo<std::int32_t>(across * context().random.next() + extent.firstColumn);
-                const int y0 =
-                    roundTo<std::int32_t>(down * context().random.next() + extent.firstRow);
-                mosaic::foldAxis(y0, extent.firstRow, extent.endRow, rows);
-                mosaic::foldAxis(x0, extent.firstColumn, extent.endColumn, columns);
-                shadeBlock(x0, y0, rows, columns, type, lighting);
-            }
+            mosaic::forEachRandomBlockInRow(
+                extent, blockColumns, context().random, rows, columns,
+                [&](int x0, int y0) { shadeBlock(x0, y0, rows, columns, type, lighting); });
             if (!finishRow()) return;
         }
     });

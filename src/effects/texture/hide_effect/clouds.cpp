@@ -129,36 +129,29 @@ void Class_HideEffect::MonochromeNoise(std::uint8_t width, std::uint8_t height, 
         SetProgressRange(0, blockRows);
         if (blockRows == 0) return;
         const int blockColumns = (extent.endColumn - 1 - extent.firstColumn) / width + 1;
-        const double across = extent.endColumn - extent.firstColumn + 1;
-        const double down = extent.endRow - extent.firstRow + 1;
         const int lift = type == 0 ? side / 2 : side / 2 * 3 / 2;
         std::vector<int> rows(height);
         std::vector<int> columns(width);
         for (int k = 0; k < blockRows; ++k) {
-            for (int m = 0; m < blockColumns; ++m) {
-                const int x0 =
-                    roundTo<std::int32_t>(across * context().random.next() + extent.firstColumn);
-                const int y0 =
-                    roundTo<std::int32_t>(down * context().random.next() + extent.firstRow);
-                mosaic::foldAxis(y0, extent.firstRow, extent.endRow, rows);
-                mosaic::foldAxis(x0, extent.firstColumn, extent.endColumn, columns);
-                for (int i = 0; i < height; ++i) {
-                    for (int j = 0; j < width; ++j) {
-                        if (redOf(stamp.at(j, i)) != 255) continue;
-                        const int x = columns[static_cast<std::size_t>(j)];
-                        const int y = rows[static_cast<std::size_t>(i)];
-                        if (x < 0 || y < 0) continue;
-                        Pixel& p = ImageBits.at(x, y);
-                        const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-                        const Rgb16 v =
-                            finishPixel<ResultTail::Clamp>(r, g, b,
-                                                           {static_cast<std::int16_t>(r + lift),
-                                                            static_cast<std::int16_t>(g + lift),
-                                                            static_cast<std::int16_t>(b + lift)});
-                        p = withColour(p, v.red, v.green, v.blue);
+            mosaic::forEachRandomBlockInRow(
+                extent, blockColumns, context().random, rows, columns, [&](int, int) {
+                    for (int i = 0; i < height; ++i) {
+                        for (int j = 0; j < width; ++j) {
+                            if (redOf(stamp.at(j, i)) != 255) continue;
+                            const int x = columns[static_cast<std::size_t>(j)];
+                            const int y = rows[static_cast<std::size_t>(i)];
+                            if (x < 0 || y < 0) continue;
+                            Pixel& p = ImageBits.at(x, y);
+                            const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+                            const Rgb16 v = finishPixel<ResultTail::Clamp>(
+                                r, g, b,
+                                {static_cast<std::int16_t>(r + lift),
+                                 static_cast<std::int16_t>(g + lift),
+                                 static_cast<std::int16_t>(b + lift)});
+                            p = withColour(p, v.red, v.green, v.blue);
+                        }
                     }
-                }
-            }
+                });
             if (!finishRow()) return;
         }
     });

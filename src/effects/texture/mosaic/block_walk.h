@@ -4,6 +4,7 @@
 // rectangle, each block's cells folded onto the last row and column where
 // they run past the rectangle, and the block's mean over its cells.
 #include "engine/calculation.h"
+#include "engine/numeric.h"
 #include "engine/pixel.h"
 #include "engine/surface.h"
 
@@ -90,6 +91,24 @@ void forEachBlockInRow(const Extent& extent, const BlockGrid& grid, int k, std::
         foldAxis(y0, extent.firstRow, extent.endRow, rows);
         foldAxis(x0, extent.firstColumn, extent.endColumn, columns);
         visit(m);
+    }
+}
+
+// Row k of a scattered walk: blockColumns blocks, each at an origin drawn
+// from random (x, then y) over the extent and one past its last column and
+// row; the fold brings such a block back onto the edge. visit(x0, y0) after
+// each fold.
+template <typename Random, typename Visit>
+void forEachRandomBlockInRow(const Extent& extent, int blockColumns, Random& random,
+                             std::span<int> rows, std::span<int> columns, Visit&& visit) {
+    const double across = extent.endColumn - extent.firstColumn + 1;
+    const double down = extent.endRow - extent.firstRow + 1;
+    for (int m = 0; m < blockColumns; ++m) {
+        const int x0 = roundTo<std::int32_t>(across * random.next() + extent.firstColumn);
+        const int y0 = roundTo<std::int32_t>(down * random.next() + extent.firstRow);
+        foldAxis(y0, extent.firstRow, extent.endRow, rows);
+        foldAxis(x0, extent.firstColumn, extent.endColumn, columns);
+        visit(x0, y0);
     }
 }
 

@@ -13,6 +13,7 @@ packages=(
     libbenchmark-dev
     qt6-base-dev
     qt6-svg-dev
+    qt6-image-formats-plugins
     qt6-translations-l10n
     libwmf-dev
     libemf2svg-dev

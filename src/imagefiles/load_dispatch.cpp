@@ -22,13 +22,27 @@ struct RouteEntry {
 };
 
 constexpr std::array routes{
-    RouteEntry{"bmp", LoadRoute::Platform}, RouteEntry{"ico", LoadRoute::Platform},
-    RouteEntry{"rle", LoadRoute::Platform}, RouteEntry{"wmf", LoadRoute::Platform},
-    RouteEntry{"emf", LoadRoute::Platform}, RouteEntry{"jpg", LoadRoute::Platform},
-    RouteEntry{"gif", LoadRoute::Platform}, RouteEntry{"cur", LoadRoute::Platform},
-    RouteEntry{"pcx", LoadRoute::Pcx},      RouteEntry{"ppm", LoadRoute::Ppm},
-    RouteEntry{"pgm", LoadRoute::Ppm},      RouteEntry{"pbm", LoadRoute::Ppm},
-    RouteEntry{"tga", LoadRoute::Tga},      RouteEntry{"pcd", LoadRoute::Pcd},
+    RouteEntry{"bmp", LoadRoute::Platform},
+    RouteEntry{"ico", LoadRoute::Platform},
+    RouteEntry{"rle", LoadRoute::Platform},
+    RouteEntry{"wmf", LoadRoute::Platform},
+    RouteEntry{"emf", LoadRoute::Platform},
+    RouteEntry{"jpg", LoadRoute::Platform},
+    RouteEntry{"gif", LoadRoute::Platform},
+    RouteEntry{"cur", LoadRoute::Platform},
+    RouteEntry{"pcx", LoadRoute::Pcx},
+    RouteEntry{"ppm", LoadRoute::Ppm},
+    RouteEntry{"pgm", LoadRoute::Ppm},
+    RouteEntry{"pbm", LoadRoute::Ppm},
+    RouteEntry{"tga", LoadRoute::Tga},
+    RouteEntry{"pcd", LoadRoute::Pcd},
+    // Today's formats and spellings, all through the platform's decoder.
+    RouteEntry{"jpeg", LoadRoute::Platform},
+    RouteEntry{"jpe", LoadRoute::Platform},
+    RouteEntry{"png", LoadRoute::Platform},
+    RouteEntry{"tif", LoadRoute::Platform},
+    RouteEntry{"tiff", LoadRoute::Platform},
+    RouteEntry{"webp", LoadRoute::Platform},
 };
 
 std::string toLower(std::string_view text) {

@@ -16,7 +16,7 @@ namespace lumiran {
 [[nodiscard]] std::string FileExtension(std::string_view path);
 
 // The platform's picture decoder for the formats the program does not read
-// itself (BMP, ICO, RLE, WMF, EMF, JPEG, GIF, cursors). Kept behind an
+// itself (BMP, ICO, RLE, WMF, EMF, JPEG, GIF, cursors, PNG, TIFF, WebP). Kept behind an
 // interface so the core needs no GUI library.
 class PlatformDecoder {
   public:

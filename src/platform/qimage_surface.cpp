@@ -26,6 +26,26 @@ Surface surfaceFromImage(const QImage& image) {
     return picture;
 }
 
+Surface surfaceOverWhite(const QImage& image) {
+    if (!image.hasAlphaChannel()) return surfaceFromImage(image);
+    const QImage straight = image.convertToFormat(QImage::Format_ARGB32);
+    if (straight.isNull()) throw std::bad_alloc();
+    const auto over = [](int colour, int alpha) {
+        return (colour * alpha + 255 * (255 - alpha) + 127) / 255;
+    };
+    Surface picture(straight.width(), straight.height());
+    for (int y = 0; y < straight.height(); ++y) {
+        const auto* line = reinterpret_cast<const QRgb*>(straight.constScanLine(y));
+        auto row = picture.row(y);
+        for (int x = 0; x < straight.width(); ++x) {
+            const int alpha = qAlpha(line[x]);
+            row[x] = makePixel(over(qRed(line[x]), alpha), over(qGreen(line[x]), alpha),
+                               over(qBlue(line[x]), alpha));
+        }
+    }
+    return picture;
+}
+
 void requireGraphicsApplication() {
     // Text needs the fonts of a running graphics application; without one Qt
     // would abort the process.

@@ -12,6 +12,8 @@ namespace lumiran {
 // Copies a decoded image into a picture. Transparent and translucent pixels
 // are composited over black, the program's default background colour.
 [[nodiscard]] Surface surfaceFromImage(const QImage& image);
+// The same with transparency laid over white, as a picture viewer shows it.
+[[nodiscard]] Surface surfaceOverWhite(const QImage& image);
 
 // Throws PictureRefusal unless a QGuiApplication runs, which drawing (and
 // even reading) SVG text needs.

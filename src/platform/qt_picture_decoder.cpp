@@ -36,9 +36,15 @@ constexpr int fileNotFoundNumber = 53;
 constexpr const char* fileNotFoundDescription = "ファイルが見つかりません。";
 
 // Qt's names of the raster kinds the platform's decoder reads; anything
-// else Qt could read (PNG, SVG, PPM...) is refused as the platform would.
+// else Qt could read (SVG, PPM...) is refused as the platform would.
 constexpr std::array<std::string_view, 6> acceptedRasterFormats{"bmp",  "ico", "cur",
                                                                 "jpeg", "jpg", "gif"};
+
+// Today's kinds, read only from files named as one of them, so a PNG named
+// ".bmp" is still refused as the platform always did. Their transparency is
+// laid over white, as a picture viewer shows it.
+constexpr std::array<std::string_view, 3> todaysRasterFormats{"png", "tiff", "webp"};
+constexpr std::array<std::string_view, 4> todaysExtensions{"png", "tif", "tiff", "webp"};
 
 ImageLoadError invalidPicture(const fs::path& path, const std::string& reason) {
     return {invalidPictureNumber, invalidPictureDescription, path.string() + ": " + reason};
@@ -59,9 +65,16 @@ std::vector<std::uint8_t> readPictureFile(const fs::path& path, const LoadLimits
     }
 }
 
-bool acceptedRaster(const QByteArray& format) {
+bool todaysRaster(const QByteArray& format) {
     const std::string_view name(format.constData(), static_cast<std::size_t>(format.size()));
-    return std::ranges::find(acceptedRasterFormats, name) != acceptedRasterFormats.end();
+    return std::ranges::find(todaysRasterFormats, name) != todaysRasterFormats.end();
+}
+
+bool acceptedRaster(const QByteArray& format, std::string_view extension) {
+    const std::string_view name(format.constData(), static_cast<std::size_t>(format.size()));
+    if (std::ranges::find(acceptedRasterFormats, name) != acceptedRasterFormats.end()) return true;
+    return todaysRaster(format) &&
+           std::ranges::find(todaysExtensions, extension) != todaysExtensions.end();
 }
 
 // Qt's own allocation guard, set to the share of the limits that the
@@ -110,8 +123,8 @@ class ProgressBuffer : public QBuffer {
     std::exception_ptr failure_;
 };
 
-Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limits,
-                     ProgressSink* progress) {
+Surface decodeRaster(std::span<const std::uint8_t> bytes, const std::string& extension,
+                     const LoadLimits& limits, ProgressSink* progress) {
     QByteArray data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
                                               static_cast<qsizetype>(bytes.size()));
     ProgressBuffer buffer(&data, progress);
@@ -122,9 +135,10 @@ Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limi
     reader.setAllocationLimit(allocationLimitMiB(limits));
     const QByteArray format = reader.format();
     if (format.isEmpty()) {
-        throw PictureRefusal("not a BMP, icon, cursor, JPEG, GIF or metafile picture");
+        throw PictureRefusal(
+            "not a BMP, icon, cursor, JPEG, GIF, PNG, TIFF, WebP or metafile picture");
     }
-    if (!acceptedRaster(format)) {
+    if (!acceptedRaster(format, extension)) {
         throw PictureRefusal("a " + format.toUpper().toStdString() +
                              " picture, which is not read here");
     }
@@ -159,7 +173,7 @@ Surface decodeRaster(std::span<const std::uint8_t> bytes, const LoadLimits& limi
         throw PictureRefusal(kind + ": " + reader.errorString().toStdString());
     }
     checkPictureSize(limits, image.width(), image.height());
-    return surfaceFromImage(image);
+    return todaysRaster(format) ? surfaceOverWhite(image) : surfaceFromImage(image);
 }
 
 } // namespace
@@ -172,7 +186,7 @@ Surface decodePicture(std::span<const std::uint8_t> bytes, const std::string& ex
     // goes to the metafile readers, which can say what is wrong with it.
     if (extension == "wmf") return renderWindowsMetafile(bytes, limits, progress);
     if (extension == "emf") return renderEnhancedMetafile(bytes, limits, progress);
-    return decodeRaster(bytes, limits, progress);
+    return decodeRaster(bytes, extension, limits, progress);
 }
 
 Surface QtPictureDecoder::LoadPicture(const fs::path& path, const std::string& extension,

@@ -28,7 +28,10 @@ TEST(LoadRoute, ReadersByLowerCaseExtension) {
     EXPECT_EQ(routeForExtension("cur"), LoadRoute::Platform);
     // "dib" stands in the open filter but not in the dispatch.
     EXPECT_EQ(routeForExtension("dib"), LoadRoute::Blank);
-    EXPECT_EQ(routeForExtension("png"), LoadRoute::Blank);
+    for (const char* today : {"png", "tif", "tiff", "webp", "jpeg", "jpe"})
+        EXPECT_EQ(routeForExtension(today), LoadRoute::Platform) << today;
+    EXPECT_EQ(routeForExtension("svg"), LoadRoute::Blank);
+    EXPECT_EQ(routeForExtension("jp"), LoadRoute::Blank);
 }
 
 class RecordingSink : public ProgressSink {

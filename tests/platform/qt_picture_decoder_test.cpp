@@ -222,6 +222,70 @@ TEST_F(QtPictureDecoderTest, ReadsJpegApproximately) {
     expectPrefixesSafe(jpeg, "jpg", false);
 }
 
+// Today's formats: lossless ones read back exactly, under every name they
+// go by; their transparency is laid over white.
+struct TodaysFormat {
+    const char* name;
+    const char* arguments;
+};
+
+TEST_F(QtPictureDecoderTest, ReadsTodaysLosslessFormatsExactly) {
+    SKIP_WITHOUT_IMAGEMAGICK();
+    for (const auto& [name, arguments] :
+         {TodaysFormat{"picture.png", ""}, TodaysFormat{"picture.tif", "-compress lzw"},
+          TodaysFormat{"picture.tiff", ""},
+          TodaysFormat{"picture.webp", "-define webp:lossless=true"}}) {
+        SCOPED_TRACE(name);
+        const Bytes file = convert(knownPicture(), arguments, name);
+        EXPECT_TRUE(load(name).sameColours(knownPicture()));
+        if (std::string_view(name) == "picture.png") expectPrefixesSafe(file, "png", false);
+    }
+}
+
+TEST_F(QtPictureDecoderTest, TodaysFormatsLayTransparencyOverWhite) {
+    SKIP_WITHOUT_IMAGEMAGICK();
+    // Crimson fully transparent, and the whole picture at half opacity.
+    for (const char* name : {"alpha.png", "alpha.tiff", "alpha.webp"}) {
+        SCOPED_TRACE(name);
+        convert(knownPicture(),
+                "-alpha set -transparent 'rgb(220,20,60)' -channel A -evaluate multiply 0.5 "
+                "+channel -define webp:lossless=true",
+                name);
+        const Surface loaded = load(name);
+        const Surface source = knownPicture();
+        ASSERT_TRUE(loaded.sameSize(source));
+        for (int y = 0; y < source.height(); ++y) {
+            for (int x = 0; x < source.width(); ++x) {
+                const Pixel p = source.at(x, y);
+                const auto half = [](int c) { return (c + 255 + 1) / 2; };
+                const Rgb8 expected = p == toPixel(palette[2])
+                                          ? Rgb8{255, 255, 255}
+                                          : Rgb8{static_cast<std::uint8_t>(half(redOf(p))),
+                                                 static_cast<std::uint8_t>(half(greenOf(p))),
+                                                 static_cast<std::uint8_t>(half(blueOf(p)))};
+                EXPECT_TRUE(nearColour(loaded.at(x, y), expected, 1)) << x << "," << y;
+            }
+        }
+    }
+}
+
+TEST_F(QtPictureDecoderTest, TodaysFormatsOnlyUnderTheirOwnNames) {
+    SKIP_WITHOUT_IMAGEMAGICK();
+    const Bytes png = convert(knownPicture(), "", "picture.png");
+    write("png.gif", png);
+    expectRefused("png.gif", invalidPicture, "PNG");
+    // Any of today's names will do for any of today's kinds.
+    write("png.webp", png);
+    EXPECT_TRUE(load("png.webp").sameColours(knownPicture()));
+}
+
+TEST_F(QtPictureDecoderTest, TodaysFormatsStayWithinThePixelLimit) {
+    SKIP_WITHOUT_IMAGEMAGICK();
+    convert(Surface(300, 200), "", "wide.png");
+    decoder = QtPictureDecoder(LoadLimits{.maxPixels = 100 * 100});
+    expectRefused("wide.png", invalidPicture, "too large");
+}
+
 // --- Metafiles ----------------------------------------------------------
 
 struct MetafileFrame {

@@ -78,7 +78,10 @@ const char* const OpenFilter =
     "(*.rle)|*.rle|Windows Metafile (*.wmf)|*.wmf|Enhanced Metafile (*.emf)|*.emf|Jpeg File "
     "(*.jpg)|*.jpg|Zsoft Paintbrush (*.pcx)|*.pcx|Portable PixelMap (*.ppm)|*.ppm|Windows "
     "Cursors (*.cur)|*.cur|Truevision Targa (*.tga)|*.tga|Kodak Photo CD (*.pcd)|*.pcd|All "
-    "File|*.*|";
+    "File|*.*|"
+    // Today's formats, after the rows the program has always offered.
+    "Portable Network Graphics (*.png)|*.png|Tagged Image File (*.tif;*.tiff)|*.tif;*.tiff|WebP "
+    "(*.webp)|*.webp|Jpeg File (*.jpeg;*.jpe)|*.jpeg;*.jpe|";
 
 // The "label|mask|label|mask|" filter turned into Qt's "label (masks);;..." form.
 QString qtFilter() {
@@ -94,8 +97,8 @@ QString qtFilter() {
 
 // The masks of the folder list that the stepping through a folder uses.
 QStringList folderPattern() {
-    return {"*.bmp", "*.dib", "*.ico", "*.rle", "*.wmf", "*.emf",
-            "*.pcx", "*.ppm", "*.tga", "*.jpg", "*.gif", "*.pcd"};
+    return {"*.bmp", "*.dib", "*.ico", "*.rle", "*.wmf", "*.emf",  "*.pcx",  "*.ppm",  "*.tga",
+            "*.jpg", "*.gif", "*.pcd", "*.png", "*.tif", "*.tiff", "*.webp", "*.jpeg", "*.jpe"};
 }
 
 // Shows the load percentage in a document's progress entry; the reader runs

@@ -72,8 +72,8 @@ std::string patternOfRow(std::string_view row) {
     return std::string(row.substr(open + 1, close - open - 1));
 }
 
-const std::array<const char*, 14>& viewerPatternRows() {
-    static constexpr std::array<const char*, 14> rows = {
+const std::array<const char*, 18>& viewerPatternRows() {
+    static constexpr std::array<const char*, 18> rows = {
         "(*.bmp;*.dib;*.ico;*.rle;*.wmf;*.emf;*.pcx;*.ppm;*.tga;*.jpg;*.gif;*.pcd)",
         "Windows Bitmap (*.bmp)",
         "Device Independent Bitmap (*.dib)",
@@ -87,7 +87,12 @@ const std::array<const char*, 14>& viewerPatternRows() {
         "Windows Cursors (*.cur)",
         "Truevision Targa (*.tga)",
         "Kodak Photo CD (*.pcd)",
-        "All File"};
+        "All File",
+        // Today's formats, after the rows the program has always offered.
+        "Portable Network Graphics (*.png)",
+        "Tagged Image File (*.tif;*.tiff)",
+        "WebP (*.webp)",
+        "Jpeg File (*.jpeg;*.jpe)"};
     return rows;
 }
 

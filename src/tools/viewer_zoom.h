@@ -50,7 +50,7 @@ inline constexpr double MaxShownSide = 32767;
 [[nodiscard]] std::string patternOfRow(std::string_view row);
 
 // The rows of the pattern combo: the open dialog's labels.
-[[nodiscard]] const std::array<const char*, 14>& viewerPatternRows();
+[[nodiscard]] const std::array<const char*, 18>& viewerPatternRows();
 
 // Folder and file name joined by one separator.
 [[nodiscard]] std::string joinViewerPath(std::string_view folder, std::string_view name);

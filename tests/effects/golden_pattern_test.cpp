@@ -7,7 +7,7 @@ namespace lumiran::testing {
 INSTANTIATE_TEST_SUITE_P(
     Pattern, GoldenDefaults,
     ::testing::Values(
-        Golden{"Color Spread", "b3f86f9405334739"},
+        Golden{"Color Spread", "b3f86f9405334739"}, Golden{"Sakuramai", "8718e0887e3256ca"},
         Golden{"Shade Pattern Color", "cf8a8fe54b95f44e"},
         Golden{"Checked Pattern", "6546f146c22a78a2"}, Golden{"Sin Light", "da382cf9cfe0e157"},
         Golden{"Smoke Pattern", "2194011ff30e9ee9"}, Golden{"Cycle 1", "e9ea422d71aba8cf"},

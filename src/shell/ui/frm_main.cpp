@@ -1416,7 +1416,7 @@ void FrmMain::LoadImageViewer() {
     const auto loader = [this](const QString& path, QAction* progress) {
         ViewerLoad result;
         QApplication::setOverrideCursor(Qt::WaitCursor);
-        LoadedPicture loaded = loadOnWorker(path, decoder_, progress);
+        LoadedPicture loaded = loadOnWorker(path, decoder_, loadLimits(), progress, viewer_);
         QApplication::restoreOverrideCursor();
         QCoreApplication::sendPostedEvents(progress);
         if (loaded.failure) {

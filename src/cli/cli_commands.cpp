@@ -29,7 +29,12 @@ class RunFailure : public std::runtime_error {
 };
 
 // The message the editor would show, with the reason behind it.
-std::string describeLoadError(const ImageLoadError& error) {
+std::string describeLoadError(const ImageLoadError& error, const std::string& path) {
+    // The program's own refusals carry no error number: the detail, named
+    // by its file, says it all.
+    if (error.number() == 0) {
+        return error.detail().starts_with(path) ? error.detail() : path + ": " + error.detail();
+    }
     std::string text = errorTitle(error.number());
     if (!error.description().empty()) text += " " + error.description();
     return text + ": " + error.detail();
@@ -79,7 +84,7 @@ Surface loadPicture(const std::string& path, PlatformDecoder& decoder, const Loa
     } catch (const LoadCancelled&) {
         throw Interrupted();
     } catch (const ImageLoadError& error) {
-        throw UsageError(describeLoadError(error));
+        throw UsageError(describeLoadError(error, path));
     }
     // Steps that report nothing (drawing a metafile) end before the stop.
     if (setting.stopRequested()) throw Interrupted();
@@ -303,7 +308,7 @@ int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream
             printEffectList(out, cl.list);
             return ExitOk;
         }
-        LoadSetting setting{.interrupted = interrupted, .err = &err};
+        LoadSetting setting{.limits = {}, .interrupted = interrupted, .err = &err};
         setting.limits.maxPixels = cl.maxPixels;
         if (cl.command == "convert") return runConvert(cl, out, decoder, setting);
         return runApply(cl, out, err, decoder, setting, showProgress);

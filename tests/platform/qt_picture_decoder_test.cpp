@@ -4,10 +4,12 @@
 #include "imagefiles/file_io.h"
 #include "imagefiles/image_load_error.h"
 #include "platform/qt_picture_decoder.h"
+#include "platform/stderr_capture.h"
 #include "test_support.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -15,6 +17,8 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -555,6 +559,28 @@ TEST_F(QtPictureDecoderTest, RefusesHugeDeclaredSizesBeforeDecoding) {
     tight.maxBytes = 200;
     decoder = QtPictureDecoder(tight);
     expectRefused("small.bmp", encodeBmp24(knownPicture()), "too large");
+}
+
+// What the decoder libraries print straight to stderr (libpng's default
+// error handler does) ends up in the capture, which the editor shows under
+// a failed load's details; after it stderr is the process's own again.
+TEST(StderrCaptureTest, TakesWhatIsPrintedAndPutsStderrBack) {
+    const int before = ::dup(2);
+    {
+        StderrCapture capture;
+        std::fprintf(stderr, "libpng error: IDAT: incorrect data check\n");
+        ASSERT_EQ(::write(2, "second\n", 7), 7);
+        EXPECT_EQ(capture.finish(), "libpng error: IDAT: incorrect data check\nsecond\n");
+        EXPECT_EQ(capture.finish(), "");
+    }
+    // The same file as before stands behind descriptor 2.
+    struct stat was {};
+    struct stat now {};
+    ASSERT_EQ(::fstat(before, &was), 0);
+    ASSERT_EQ(::fstat(2, &now), 0);
+    EXPECT_EQ(was.st_ino, now.st_ino);
+    EXPECT_EQ(was.st_dev, now.st_dev);
+    ::close(before);
 }
 
 } // namespace

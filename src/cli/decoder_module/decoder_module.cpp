@@ -3,34 +3,11 @@
 #include "cli/decoder_module/decoder_module.h"
 
 #include "platform/qt_picture_decoder.h"
+#include "platform/stderr_capture.h"
 
 #include <QGuiApplication>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
-
-// Decoder libraries (libpng's default error handler among them) print to
-// the process's stderr directly, past Qt's message handler: while one
-// decodes, stderr goes nowhere, so the tool's own line stays the only one.
-class StderrSilenced {
-  public:
-    StderrSilenced() : saved_(::dup(2)) {
-        const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-        if (saved_ >= 0 && null >= 0) ::dup2(null, 2);
-        if (null >= 0) ::close(null);
-    }
-    ~StderrSilenced() {
-        if (saved_ < 0) return;
-        ::dup2(saved_, 2);
-        ::close(saved_);
-    }
-    StderrSilenced(const StderrSilenced&) = delete;
-    StderrSilenced& operator=(const StderrSilenced&) = delete;
-
-  private:
-    int saved_;
-};
 
 class ModuleDecoder : public lumiran::PlatformDecoder {
   public:
@@ -40,7 +17,9 @@ class ModuleDecoder : public lumiran::PlatformDecoder {
                                                const std::string& extension,
                                                lumiran::ProgressSink* progress,
                                                const lumiran::LoadLimits& limits) override {
-        const StderrSilenced quiet;
+        // The decoders' own chatter stays off the tool's stderr: its own
+        // line is the only one.
+        const lumiran::StderrCapture quiet;
         return decoder_.LoadPicture(path, extension, progress, limits);
     }
 

@@ -10,6 +10,7 @@
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/load_dispatch.h"
 #include "platform/qt_picture_decoder.h"
+#include "platform/stderr_capture.h"
 #include "shell/area_tool.h"
 #include "shell/clipboard_paste.h"
 #include "shell/string_table.h"
@@ -142,7 +143,16 @@ struct LoadedPicture {
     QImage shown;
     std::exception_ptr failure;
     std::string note;
+    // What the decoder libraries printed, shown under a failure's details.
+    std::string decoderMessages;
 };
+
+// A failure's details, and below them what the decoders printed.
+QString loadFailureDetail(const ImageLoadError& error, const LoadedPicture& loaded) {
+    QString detail = qs(error.detail());
+    if (!loaded.decoderMessages.empty()) detail += "\n\n" + qs(loaded.decoderMessages);
+    return detail;
+}
 
 // A load that takes longer than this offers its percentage and a cancel in
 // a window of its own.
@@ -159,7 +169,14 @@ LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, const
     QEventLoop wait;
     std::thread worker([&] {
         try {
-            loaded.picture = LoadImageFile(path.toStdString(), &decoder, &sink, limits);
+            StderrCapture decoderMessages;
+            try {
+                loaded.picture = LoadImageFile(path.toStdString(), &decoder, &sink, limits);
+            } catch (...) {
+                loaded.decoderMessages = decoderMessages.finish();
+                throw;
+            }
+            loaded.decoderMessages = decoderMessages.finish();
             // Steps after the last percentage (making the picture, drawing a
             // metafile) have no cancel point: a cancel during them still counts.
             sink.throwIfStopped();
@@ -867,7 +884,7 @@ FrmDocument* FrmMain::openFile(const QString& path) {
         }
         QMessageBox box(QMessageBox::Warning, qs(errorTitle(failure->number())),
                         qs(failure->description()), QMessageBox::Ok, this);
-        box.setDetailedText(qs(failure->detail()));
+        box.setDetailedText(loadFailureDetail(*failure, loaded));
         box.exec();
         // The document that was to hold it goes again; the others stay as they were.
         doc->closeWindow();
@@ -1425,7 +1442,7 @@ void FrmMain::LoadImageViewer() {
             } catch (const ImageLoadError& error) {
                 result.title = qs(errorTitle(error.number()));
                 result.text = qs(error.description());
-                result.detail = qs(error.detail());
+                result.detail = loadFailureDetail(error, loaded);
             } catch (const std::bad_alloc&) {
                 const EffectError memory = EffectError::outOfMemory();
                 result.title = qs(errorTitle(memory.number()));

@@ -102,6 +102,10 @@ Surface renderEnhancedMetafile(std::span<const std::uint8_t> bytes, const LoadLi
     const double spanX = std::max<double>(1.0, static_cast<double>(width - 1));
     const double spanY = std::max<double>(1.0, static_cast<double>(height - 1));
     std::vector<char> contents(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
+    // The header's description is text nobody sees, and the converter reads
+    // it wherever its offset points, past the file if need be: the copy it
+    // gets has none.
+    std::fill(contents.begin() + 60, contents.begin() + 68, char{0});
     char noNamespace[] = "";
     generatorOptions options{};
     options.nameSpace = noNamespace;

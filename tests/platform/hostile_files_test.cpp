@@ -54,6 +54,9 @@ const std::vector<HostileCase> hostileCases = {
     // An end record longer than three words, with a cut-short pattern brush
     // after it that libwmf would still play and loop on.
     {"wmf-long-end-record.wmf", 1024 * 1024, {"record 0", "8 words instead of 3"}},
+    // A header description whose offset points past the file: the converter
+    // read it there; it gets a copy without one.
+    {"emf-description-past-the-end.emf", 1024 * 1024, {"not valid"}},
 };
 
 TEST(HostileFiles, EndInARefusalOrAPictureWithinTheLimits) {

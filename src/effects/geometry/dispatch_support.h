@@ -7,6 +7,7 @@
 #include "engine/numeric.h"
 
 #include <utility>
+#include <vector>
 
 namespace lumiran {
 
@@ -33,40 +34,39 @@ EffectPlanner warp(Call call) {
     return dispatch::withTrans<Class_Geometry>(call);
 }
 
-// The warps that draw from kept picture 0 onto kept picture 1 themselves.
+// A call that draws from kept picture 0 onto kept picture 1 itself.
 template <typename Call>
-EffectPlanner drawing(Call call) {
-    return [call](V values) {
-        return EffectPlan::ready([call, values](EffectInvocation& run) {
-            run.context.kept0 = &run.keptPicture0;
-            run.context.kept1 = &run.keptPicture1;
-            Class_Geometry effect(run.context);
-            call(effect, values, run.rect);
-        });
+EffectBody drawingBody(Call call, const ControlValues& values) {
+    return [call, values](EffectInvocation& run) {
+        run.context.kept0 = &run.keptPicture0;
+        run.context.kept1 = &run.keptPicture1;
+        Class_Geometry effect(run.context);
+        call(effect, values, run.rect);
     };
 }
 
-// Several calls in a row, each drawing from the result of the one before
-// (the first from kept picture 0) onto kept picture 1; a cancel or failure
-// ends the row.
-template <typename... Calls>
-EffectPlanner drawingSteps(Calls... calls) {
+// The warps that draw from kept picture 0 onto kept picture 1 themselves.
+template <typename Call>
+EffectPlanner drawing(Call call) {
+    return [call](V values) { return EffectPlan::ready(drawingBody(call, values)); };
+}
+
+// Several calls in a row as one sequence. The first draws over the
+// background as a lone call does; each later one draws from the result of
+// the one before over that same result, as the calls of one routine do.
+template <typename First, typename... Rest>
+EffectPlanner drawingSteps(First first, Rest... rest) {
     return [=](V values) {
-        return EffectPlan::ready([=](EffectInvocation& run) {
-            Surface previous;
-            bool first = true;
-            const auto step = [&](const auto& call) {
-                if (run.context.cancelled()) return;
-                if (!first) previous = run.keptPicture1;
-                run.context.kept0 = first ? &run.keptPicture0 : &previous;
-                run.context.kept1 = &run.keptPicture1;
-                Class_Geometry effect(run.context);
-                call(effect, values, run.rect);
-                first = false;
-            };
-            (step(calls), ...);
-            run.context.kept0 = &run.keptPicture0;
-        });
+        std::vector<EffectBody> steps{drawingBody(first, values)};
+        const auto overPrevious = [&](const auto& call) {
+            steps.emplace_back(
+                ReplacingBody{[draw = drawingBody(call, values)](EffectInvocation& run) {
+                    run.keptPicture1 = run.keptPicture0;
+                    draw(run);
+                }});
+        };
+        (overPrevious(rest), ...);
+        return EffectPlan::ready(runInSequence(std::move(steps)));
     };
 }
 

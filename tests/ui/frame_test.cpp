@@ -629,6 +629,15 @@ class FrameTest : public QObject {
         QTextBrowser* help = frame.helpWindow();
         QVERIFY(help != nullptr && help->isVisible());
         QVERIFY(help->toPlainText().contains(QStringLiteral("元に戻す")));
+
+        // The English page is built in beside it, section for section.
+        const auto sections = [](const QString& resource) {
+            QFile page(resource);
+            if (!page.open(QIODevice::ReadOnly)) return -1;
+            return int(QString::fromUtf8(page.readAll()).count("<h2>"));
+        };
+        QVERIFY(sections(":/help/index.html") > 0);
+        QCOMPARE(sections(":/help/index_en.html"), sections(":/help/index.html"));
     }
 
     // The progress window is up before the snapshot and the copies; a large

@@ -126,14 +126,18 @@ TEST_F(Diffusion, FixedAndRandomErrorsKeepOnlyTheSign) {
     const Surface picture = noisePicture(19, 11, 3);
     const ProcessRect whole = ProcessRect::wholePicture(19, 11);
     for (std::int16_t filter = 0; filter < 4; ++filter) {
-        for (const bool mono : {true, false}) {
-            Surface expected = picture;
-            literalDiffusion(expected, whole, DiffusionKernels[filter], mono, levelTable(2),
-                             [](int old, int fresh) { return old - fresh >= 0 ? 42 : -42; });
-            EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorFixed>(filter, rect,
-                                                                           mono ? 0 : 1, 2, 42)),
-                      expected)
-                << "fixed, filter " << filter;
+        // 500 puts shares on the lower rows beyond what a signed byte holds.
+        for (const std::int16_t size : {42, 500}) {
+            for (const bool mono : {true, false}) {
+                Surface expected = picture;
+                literalDiffusion(
+                    expected, whole, DiffusionKernels[filter], mono, levelTable(2),
+                    [size](int old, int fresh) { return old - fresh >= 0 ? size : -size; });
+                EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorFixed>(
+                                           filter, rect, mono ? 0 : 1, 2, size)),
+                          expected)
+                    << "fixed " << size << ", filter " << filter;
+            }
         }
 
         // One draw a pixel in mono, of 255 / level * rnd + 1.

@@ -16,13 +16,17 @@ void registerBinarizationEffects(EffectDispatch& d) {
     auto add = [&d](DialogKind dialog, int code, auto call) {
         d.add(dialog, code, dispatch::withTrans<Class_Binarization>(call));
     };
-    add(DialogKind::Negative, 2, [](E& e, V v, R r) {
+    // The thresholds read only the pixel they write: one array.
+    auto addInPlace = [&d](DialogKind dialog, int code, auto call) {
+        d.add(dialog, code, dispatch::inPlace<Class_Binarization>(call));
+    };
+    addInPlace(DialogKind::Negative, 2, [](E& e, V v, R r) {
         e.Binarization(slider(v, 1), value16(v.color), r.left, r.top, r.right, r.bottom);
     });
     // The call's constant True reaches nothing the effect tells; the type
     // row is the mode (0 every result, 1 only white), the colour row the
     // channel.
-    add(DialogKind::Emboss, 46, [](E& e, V v, R r) {
+    addInPlace(DialogKind::Emboss, 46, [](E& e, V v, R r) {
         e.TransformationBinarize(slider(v, 1), r.left, r.top, r.right, r.bottom, value16(v.eType),
                                  value16(v.color));
     });
@@ -56,7 +60,7 @@ void registerBinarizationEffects(EffectDispatch& d) {
                                     r.left, r.top, r.right, r.bottom, value16(v.check));
     });
     // The row passes black as the colour.
-    add(DialogKind::Emboss, 42, [](E& e, V v, R r) {
+    addInPlace(DialogKind::Emboss, 42, [](E& e, V v, R r) {
         e.DrawingColorBinarization(slider(v, 1), value16(v.eType), value16(v.color), r.left, r.top,
                                    r.right, r.bottom, 0, 0, 0);
     });

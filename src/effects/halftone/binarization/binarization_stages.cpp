@@ -7,6 +7,10 @@ bool Class_Binarization::arraysReady() const {
     return !ImageBits.empty() && ImageBits.sameSize(TransBits);
 }
 
+bool Class_Binarization::resultReady() const {
+    return !ImageBits.empty() && (TransBits.empty() || ImageBits.sameSize(TransBits));
+}
+
 bool Class_Binarization::reachStage(int percent) {
     RunContext& run = context();
     if (run.progressFlag == 1) {

@@ -33,10 +33,10 @@ void Class_Binarization::Binarization(std::int16_t threshold, std::int16_t kind,
                                       std::int16_t top, std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        if (!arraysReady()) return;
+        if (!resultReady()) return;
         const int t = threshold;
         auto test = [t](int v) { return v < t ? 0 : 255; };
-        auto run = [&](auto rule) { mapPixels<ResultTail::Clamp, Destination::Trans>(rect, rule); };
+        auto run = [&](auto rule) { mapOwnPixels(rect, rule); };
         // Chosen channels take the test of one value, the others stay.
         auto testInto = [test](Channels chosen, int value, int r, int g, int b) {
             return replaced(chosen, test(value), r, g, b);

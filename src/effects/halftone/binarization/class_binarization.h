@@ -9,7 +9,11 @@ namespace lumiran {
 
 // Bilevel effects: thresholds, dilation and erosion, 8-connected border
 // following and feature points. Reads ImageBits, writes TransBits; both are
-// fetched from the same picture and TransBits is written back.
+// fetched from the same picture and TransBits is written back. The
+// thresholds (Binarization, DrawingColorBinarization, TransformationBinarize)
+// read nothing but the pixel they write: when no TransBits was fetched they
+// work in ImageBits itself, which is then written back, so a run holds one
+// array the picture's size, not two.
 //
 // The luminance of this class weighs 0.299, 0.587, 0.114. Measures of the
 // border and feature effects: 0 luminance, 1 round((r + g + b) / 3), 2 r,
@@ -68,6 +72,19 @@ class Class_Binarization : public PixelFrame {
 
   private:
     [[nodiscard]] bool arraysReady() const;
+    // For the thresholds: ImageBits fetched, TransBits not fetched or of its size.
+    [[nodiscard]] bool resultReady() const;
+
+    // A threshold's rule over the rectangle, into TransBits or, without
+    // it, back into ImageBits.
+    template <typename Rule>
+    void mapOwnPixels(const ProcessRect& rect, Rule&& rule) {
+        if (TransBits.empty()) {
+            mapPixels<ResultTail::Clamp, Destination::InPlace>(rect, rule);
+        } else {
+            mapPixels<ResultTail::Clamp, Destination::Trans>(rect, rule);
+        }
+    }
 
     void morphology(std::int16_t shape, const ProcessRect& rect, std::int16_t channel, bool dilate,
                     std::int16_t threshold);

@@ -10,12 +10,12 @@ void Class_Binarization::DrawingColorBinarization(std::int16_t threshold, std::i
                                                   std::uint8_t green, std::uint8_t blue) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        if (!arraysReady() || kind < 0 || kind > 3) return;
+        if (!resultReady() || kind < 0 || kind > 3) return;
         const int t = threshold;
         const Rgb16 colour{red, green, blue};
         // Form 1 keeps the source where form 0 puts black or white.
         const bool keepSource = form != 0;
-        mapPixels<ResultTail::Clamp, Destination::Trans>(rect, [=](int r, int g, int b) {
+        mapOwnPixels(rect, [=](int r, int g, int b) {
             const Rgb16 source{static_cast<std::int16_t>(r), static_cast<std::int16_t>(g),
                                static_cast<std::int16_t>(b)};
             auto plain = [&](std::int16_t grey) {

@@ -9,14 +9,14 @@ void Class_Binarization::TransformationBinarize(std::int16_t threshold, std::int
                                                 std::int16_t channel) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        if (!arraysReady()) return;
+        if (!resultReady()) return;
         const int t = threshold;
         const bilevel::Channels chosen = bilevel::chosenChannels(channel);
         // Mode 0 writes every result, -1 only the black ones, 1 only the
         // white ones; any other mode writes none.
         const bool writeBlack = mode == 0 || mode == -1;
         const bool writeWhite = mode == 0 || mode == 1;
-        mapPixels<ResultTail::Clamp, Destination::Trans>(rect, [=](int r, int g, int b) {
+        mapOwnPixels(rect, [=](int r, int g, int b) {
             const bool white = (r + g + b) / 3 >= t;
             const bool write = white ? writeWhite : writeBlack;
             return bilevel::replaced(write ? chosen : 0, white ? 255 : 0, r, g, b);

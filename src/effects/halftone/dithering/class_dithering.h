@@ -17,6 +17,11 @@ struct Bounds;
 // and two local-mean thresholders. Reads ImageBits, writes TransBits; both
 // are fetched from the same picture and TransBits is written back.
 //
+// The ordered dithers, the error diffusions and the random dither read
+// nothing but the pixel they write, or work in the result alone: when no
+// TransBits was fetched they work in ImageBits itself, which is then
+// written back, so a run holds one array the picture's size, not two.
+//
 // Colour mode 0 works on the luminance grey round(0.3 r + 0.59 g + 0.11 b)
 // and writes it to all three channels; any other mode works per channel.
 // The rectangle is used as far as it lies in the picture.
@@ -82,6 +87,11 @@ class Class_Dithering : public PixelFrame {
 
     // Both arrays fetched and of one size: the effects write nothing otherwise.
     [[nodiscard]] bool arraysReady() const;
+    // For the effects that can work in one array: ImageBits fetched, and
+    // TransBits either not fetched or of its size.
+    [[nodiscard]] bool resultReady() const;
+    // The array those effects write: TransBits, or ImageBits without it.
+    [[nodiscard]] Surface& result() { return TransBits.empty() ? ImageBits : TransBits; }
 
     template <int CellSize>
     void orderedDither(std::int16_t type, std::int16_t adjust, const ProcessRect& rect,

@@ -68,6 +68,38 @@ struct Bounds {
 #endif
 }
 
+// A lower row's pixel while a row's shares go on it. With SSE2 its colour
+// bytes are held less 128 in a vector register, so that one signed
+// saturating addition of a share (-128..127 in each colour byte, 0 in the
+// spare byte) limits each channel to 0..255 as the sum would be.
+#if defined(__SSE2__)
+struct Held {
+    __m128i bytes;
+};
+[[nodiscard, gnu::always_inline]] inline Held hold(Pixel p) {
+    return {_mm_xor_si128(_mm_cvtsi32_si128(static_cast<int>(p)), _mm_cvtsi32_si128(0x808080))};
+}
+[[nodiscard, gnu::always_inline]] inline Pixel release(Held h) {
+    return static_cast<Pixel>(
+        _mm_cvtsi128_si32(_mm_xor_si128(h.bytes, _mm_cvtsi32_si128(0x808080))));
+}
+[[nodiscard, gnu::always_inline]] inline Held sharedOn(Held h, Pixel shareBytes) {
+    return {_mm_adds_epi8(h.bytes, _mm_cvtsi32_si128(static_cast<int>(shareBytes)))};
+}
+#else
+using Held = Pixel;
+[[nodiscard]] inline Held hold(Pixel p) {
+    return p;
+}
+[[nodiscard]] inline Pixel release(Held h) {
+    return h;
+}
+[[nodiscard]] inline Held sharedOn(Held h, Pixel shareBytes) {
+    const int s = static_cast<std::int8_t>(shareBytes & 0xFFu);
+    return shifted(h, s, s, s);
+}
+#endif
+
 // One share laid on a neighbour: each channel round(error * weight +
 // old), limited to 0..255. With OneError the three errors are equal.
 template <bool OneError>
@@ -185,7 +217,12 @@ class RowDiffusion {
                 bool exact = true;
                 for (std::size_t t = 0; t < Taps; ++t) {
                     const int shift = kernel_.shift(t, error);
-                    exact = exact && shift != DiffusionKernel::NoShift;
+                    // A share the held bytes cannot carry goes the exact way.
+                    exact = exact && shift != DiffusionKernel::NoShift && shift >= INT8_MIN &&
+                            shift <= INT8_MAX;
+                    shareBytes_[t][g] =
+                        exact ? static_cast<Pixel>(static_cast<std::uint8_t>(shift)) * 0x010101u
+                              : 0;
                     const auto bytes = [](int v) { return static_cast<Pixel>(v) * 0x010101u; };
                     add_[t][g] = shift != DiffusionKernel::NoShift && shift > 0 ? bytes(shift) : 0;
                     take_[t][g] =
@@ -303,17 +340,17 @@ class RowDiffusion {
         constexpr int Width = Shape::LowerRight - Left + 1;
         constexpr int Rows = Shape::LowerRows;
         std::array<Pixel*, Rows> below{};
-        std::array<std::array<Pixel, Width>, Rows> window{};
+        std::array<std::array<Held, Width>, Rows> window{};
         for (int r = 0; r < Rows; ++r) {
             below[r] = row + static_cast<std::ptrdiff_t>(r + 1) * width_;
             for (int i = 0; i + 1 < Width; ++i)
-                window[r][i] = below[r][from + Left + i];
+                window[r][i] = hold(below[r][from + Left + i]);
         }
         int grey1 = 0, grey2 = 0;
         bool hasBefore1 = false, hasBefore2 = false;
         for (int x = from; x <= to; ++x) {
             for (int r = 0; r < Rows; ++r)
-                window[r][Width - 1] = below[r][x + Left + Width - 1];
+                window[r][Width - 1] = hold(below[r][x + Left + Width - 1]);
             const Pixel stored = row[x];
             const int grey =
                 greyHeld(stored, second >= 0 && hasBefore2, grey2, next >= 0 && hasBefore1, grey1);
@@ -321,8 +358,7 @@ class RowDiffusion {
             row[x] = (stored & 0xFF000000u) | settledGrey_[g];
             if (byShifts_[g]) {
                 [&]<std::size_t... I>(std::index_sequence<I...>) {
-                    ((shareInWindow<Shape::Lower[I]>(window, add_[Shape::Lower[I]][g],
-                                                     take_[Shape::Lower[I]][g])),
+                    ((shareInWindow<Shape::Lower[I]>(window, shareBytes_[Shape::Lower[I]][g])),
                      ...);
                 }
                 (std::make_index_sequence<Shape::LowerCount>{});
@@ -334,7 +370,7 @@ class RowDiffusion {
                 (std::make_index_sequence<Shape::LowerCount>{});
             }
             for (int r = 0; r < Rows; ++r) {
-                below[r][x + Left] = window[r][0];
+                below[r][x + Left] = release(window[r][0]);
                 for (int i = 0; i + 1 < Width; ++i)
                     window[r][i] = window[r][i + 1];
             }
@@ -345,7 +381,7 @@ class RowDiffusion {
         }
         for (int r = 0; r < Rows; ++r) {
             for (int i = 0; i + 1 < Width; ++i)
-                below[r][to + 1 + Left + i] = window[r][i];
+                below[r][to + 1 + Left + i] = release(window[r][i]);
         }
         // The held shares of the last pixels go on the pixels after the stretch.
         if constexpr (second >= 0) {
@@ -359,17 +395,17 @@ class RowDiffusion {
     }
 
     template <std::size_t Tap, typename Window>
-    [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel add, Pixel take) {
+    [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel shareBytes) {
         constexpr KernelTap t = Shape::Spec.taps[Tap];
-        Pixel& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
-        n = shiftedBy(n, add, take);
+        Held& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
+        n = sharedOn(n, shareBytes);
     }
 
     template <std::size_t Tap, typename Window>
     [[gnu::always_inline]] void exactInWindow(Window& window, const Quantised& q) const {
         constexpr KernelTap t = Shape::Spec.taps[Tap];
-        Pixel& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
-        n = spreadInto<true>(n, kernel_, Tap, q);
+        Held& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
+        n = hold(spreadInto<true>(release(n), kernel_, Tap, q));
     }
 
     // The grey of entry 0 after the held shares of the pixels before, given
@@ -463,6 +499,9 @@ class RowDiffusion {
     std::array<std::array<Pixel, 256>, Taps> add_{};
     std::array<std::array<Pixel, 256>, Taps> take_{};
     std::array<bool, 256> byShifts_{};
+    // By grey, where byShifts_: each share as a signed byte in the three
+    // colour bytes, for the held pixels of the lower rows.
+    std::array<std::array<Pixel, 256>, Taps> shareBytes_{};
 };
 
 } // namespace lumiran::diffusion

@@ -13,27 +13,32 @@ void registerDitheringEffects(EffectDispatch& d) {
     auto add = [&d](DialogKind dialog, int code, auto call) {
         d.add(dialog, code, dispatch::withTrans<Class_Dithering>(call));
     };
+    // The effects that read only the pixel they write, or work in the
+    // result alone, run in the one array the source is fetched into.
+    auto addInPlace = [&d](DialogKind dialog, int code, auto call) {
+        d.add(dialog, code, dispatch::inPlace<Class_Dithering>(call));
+    };
     // The ordered dithers: the type list, S2 the adjust, the colour row
     // the mode, S1 the level.
-    add(DialogKind::Level, 7, [](Class_Dithering& e, V v, R r) {
+    addInPlace(DialogKind::Level, 7, [](Class_Dithering& e, V v, R r) {
         e.OrderedDither4x4(value16(v.eType), slider(v, 2), r.left, r.top, r.right, r.bottom,
                            value16(v.color), slider(v, 1));
     });
-    add(DialogKind::Level, 9, [](Class_Dithering& e, V v, R r) {
+    addInPlace(DialogKind::Level, 9, [](Class_Dithering& e, V v, R r) {
         e.OrderedDither8x8(value16(v.eType), slider(v, 2), r.left, r.top, r.right, r.bottom,
                            value16(v.color), slider(v, 1));
     });
-    add(DialogKind::Emboss, 28, [](Class_Dithering& e, V v, R r) {
+    addInPlace(DialogKind::Emboss, 28, [](Class_Dithering& e, V v, R r) {
         e.Dither_ErrorDiffuse(value16(v.eType), r.left, r.top, r.right, r.bottom, value16(v.color),
                               slider(v, 1));
     });
     // Random Dither is filter 0; Random Error Diffusion takes the filter
     // row plus one.
-    add(DialogKind::Negative, 29, [](Class_Dithering& e, V v, R r) {
+    addInPlace(DialogKind::Negative, 29, [](Class_Dithering& e, V v, R r) {
         e.Dither_ErrorDiffuseRandom(0, r.left, r.top, r.right, r.bottom, value16(v.color),
                                     slider(v, 1));
     });
-    add(DialogKind::Emboss, 29, [](Class_Dithering& e, V v, R r) {
+    addInPlace(DialogKind::Emboss, 29, [](Class_Dithering& e, V v, R r) {
         e.Dither_ErrorDiffuseRandom(value16(v.eType + 1), r.left, r.top, r.right, r.bottom,
                                     value16(v.color), slider(v, 1));
     });
@@ -48,7 +53,7 @@ void registerDitheringEffects(EffectDispatch& d) {
     add(DialogKind::Negative, 31, [](Class_Dithering& e, V v, R r) {
         e.DotsPatternMethod(r.left, r.top, r.right, r.bottom, value16(v.color), slider(v, 1));
     });
-    add(DialogKind::Level, 8, [](Class_Dithering& e, V v, R r) {
+    addInPlace(DialogKind::Level, 8, [](Class_Dithering& e, V v, R r) {
         e.Dither_ErrorFixed(value16(v.eType), r.left, r.top, r.right, r.bottom, value16(v.color),
                             slider(v, 1), slider(v, 2));
     });
@@ -58,7 +63,7 @@ void registerDitheringEffects(EffectDispatch& d) {
         e.DinamicThresholding(0, slider(v, 1), slider(v, 2), v.sliders[2] / 10, v.sliders[3] / 10,
                               r.left, r.top, r.right, r.bottom);
     });
-    add(DialogKind::Emboss, 43, [](Class_Dithering& e, V v, R r) {
+    addInPlace(DialogKind::Emboss, 43, [](Class_Dithering& e, V v, R r) {
         e.Dither_ErrorDiffuseColorPaint(value16(v.eType), r.left, r.top, r.right, r.bottom,
                                         value16(v.color), slider(v, 1));
     });

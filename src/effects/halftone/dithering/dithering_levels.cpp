@@ -6,6 +6,10 @@ bool Class_Dithering::arraysReady() const {
     return !ImageBits.empty() && ImageBits.sameSize(TransBits);
 }
 
+bool Class_Dithering::resultReady() const {
+    return !ImageBits.empty() && (TransBits.empty() || ImageBits.sameSize(TransBits));
+}
+
 void Class_Dithering::BuildLevelTable(std::int16_t level, std::int16_t colourMode) {
     const LevelTable table = levelTable(level);
     if (colourMode == 0) {

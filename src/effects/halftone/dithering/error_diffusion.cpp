@@ -19,7 +19,7 @@ void Class_Dithering::rowsOf(int kernel, const ProcessRect& rect, const diffusio
                              bool byGreyAlone) {
     diffusion::withFilter(kernel, [&](auto filter) {
         diffusion::RowDiffusion<OneError, decltype(filter)::value, Quantise> rows(
-            TransBits.pixels().data(), TransBits.width(), bounds, prepared, quantise, byGreyAlone);
+            result().pixels().data(), result().width(), bounds, prepared, quantise, byGreyAlone);
         forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
     });
 }
@@ -28,10 +28,10 @@ void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, st
                               ErrorSize size, std::int16_t fixedError) {
     BuildLevelTable(level, mono ? 0 : 1);
     SetProgressRange(rect.top, rect.bottom);
-    if (!arraysReady()) return;
+    if (!resultReady()) return;
     const Span span = spanOf(rect);
     const DiffusionKernel prepared(DiffusionKernels[static_cast<std::size_t>(kernel)],
-                                   TransBits.width());
+                                   result().width());
     const diffusion::Bounds bounds{span.firstColumn, span.firstRow, span.endColumn, span.endRow};
     RandomGenerator& random = context().random;
     const double randomScale = 255.0 / level;
@@ -73,10 +73,10 @@ void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, st
 
 void Class_Dithering::diffuseColorPaint(int kernel, const ProcessRect& rect) {
     SetProgressRange(rect.top, rect.bottom);
-    if (!arraysReady()) return;
+    if (!resultReady()) return;
     const Span span = spanOf(rect);
     const DiffusionKernel prepared(DiffusionKernels[static_cast<std::size_t>(kernel)],
-                                   TransBits.width());
+                                   result().width());
     const diffusion::Bounds bounds{span.firstColumn, span.firstRow, span.endColumn, span.endRow};
     // The grey indexes all three tables; each channel hands on the grey
     // minus its own table value.

@@ -119,6 +119,9 @@ TEST_F(Emboss, StampedReliefsRepeatAndKeepTheirFrame) {
     auto fields = [](Op& e, const ProcessRect& r) {
         e.ForceFields(0, r.left, r.top, r.right, r.bottom, 22, 5);
     };
+    // One weight per pixel, +d and -d: a flat picture has no relief under
+    // any stamp, only the offset laid over it.
+    const Surface flat(40, 30, makePixel(60, 90, 120));
     for (const auto& call : {Call(wall), Call(fields)}) {
         random = RandomGenerator{};
         const Surface first = runTrans(picture, call);
@@ -127,6 +130,11 @@ TEST_F(Emboss, StampedReliefsRepeatAndKeepTheirFrame) {
         EXPECT_TRUE(first.sameColours(second));
         EXPECT_FALSE(first.sameColours(picture));
         EXPECT_TRUE(unchangedOutside(first, picture, 3, 3, 37, 27));
+        const Surface relief = runTrans(flat, call);
+        for (int y = 3; y < 27; ++y) {
+            for (int x = 3; x < 37; ++x)
+                ASSERT_EQ(colourAt(relief, x, y), (Colour{94, 109, 124})) << x << "," << y;
+        }
     }
     // Without stamps every weight is 0: the offset laid over the picture.
     const Surface plain = runTrans(picture, [](Op& e, const ProcessRect& r) {

@@ -73,15 +73,48 @@ INSTANTIATE_TEST_SUITE_P(
                                  {0, 0, -2, -2, 2, -2, 2, 2, 0}}),
     [](const auto& testInfo) { return std::string(testInfo.param.name); });
 
-TEST_F(EdgeFilters, TheFirstWindowOfEachColumnTakesItsCentreFromTheTopRow) {
-    // Rows 40, 80, 120, 160; a kernel of the centre alone.
+TEST_F(EdgeFilters, TheEnteringWindowHoldsTheTopRowAsCentreThenAsTopEntry) {
+    // Rows 10, 20, 30, 40, 50 in red. The first window of a column reads its
+    // centre from the top row; sliding down, that entry becomes the second
+    // window's top entry. Expected red of rows 1, 2, 3.
     const Surface picture =
-        makePicture(3, 4, [](int, int y) { return makePixel(40 * (y + 1), 0, 0); });
-    const Surface result = runTrans(picture, [](Class_Edge& e, const ProcessRect& r) {
-        e.Edge_Matrix9(1, 0, 0, 0, 0, 0, 0, 0, 0, r.left, r.top, r.right, r.bottom);
-    });
-    EXPECT_EQ(colourAt(result, 1, 1)[0], 40);  // the row above
-    EXPECT_EQ(colourAt(result, 1, 2)[0], 120); // its own
+        makePicture(3, 5, [](int, int y) { return makePixel(10 * (y + 1), 0, 0); });
+    struct Case {
+        const char* name;
+        std::function<void(Class_Edge&, const ProcessRect&)> call;
+        std::array<int, 3> red;
+    };
+    const Case cases[] = {
+        {"centre alone",
+         [](auto& e, auto& r) {
+             e.Edge_Matrix9(1, 0, 0, 0, 0, 0, 0, 0, 0, r.left, r.top, r.right, r.bottom);
+         },
+         {10, 30, 40}},
+        {"top alone",
+         [](auto& e, auto& r) {
+             e.Edge_Matrix9(0, 0, 1, 0, 0, 0, 0, 0, 0, r.left, r.top, r.right, r.bottom);
+         },
+         {10, 10, 30}},
+        // Gx = abs(2 (c2 - c7) - c8 - c6 + c3 + c1): 80, then 100 with the
+        // stale top.
+        {"Sobel Gx",
+         [](auto& e, auto& r) { e.Edge_Sobel(0, r.left, r.top, r.right, r.bottom, 0); },
+         {80, 100, 80}},
+        // 5 below less 3 elsewhere: 240, the stale top lifts it past 255.
+        {"Kirsch 180",
+         [](auto& e, auto& r) { e.Edge_Kirsch(180, r.left, r.top, r.right, r.bottom); },
+         {240, 255, 240}},
+        // The bottom row less the top row: 60, then 70.
+        {"Extraction 1",
+         [](auto& e, auto& r) { e.Edge_Extraction(1, r.left, r.top, r.right, r.bottom, 1); },
+         {60, 70, 60}},
+    };
+    for (const Case& c : cases) {
+        const Surface result = runTrans(picture, c.call);
+        for (int y = 1; y <= 3; ++y)
+            EXPECT_EQ(colourAt(result, 1, y)[0], c.red[static_cast<std::size_t>(y - 1)])
+                << c.name << " row " << y;
+    }
 }
 
 TEST_F(EdgeFilters, AFlatPictureGivesBlackInEveryExtractionDirection) {

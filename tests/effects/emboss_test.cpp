@@ -21,7 +21,8 @@ struct Emboss : NeighbourhoodFixture<Op> {
 
 TEST_F(Emboss, EachDirectionWeighsItsTwoSamples) {
     // A bright pixel of 10 on black, d = 2: the pixel that has it as A at
-    // distance 2 gets 128 + 2 * 10, the one that has it as B 128 - 2 * 10.
+    // distance 2 gets 128 + 2 * 10, the one that has it as B 128 - 2 * 10,
+    // and the pixel itself, its own centre sample of weight 1, 128 + 10.
     Surface picture(9, 9, makePixel(0, 0, 0));
     picture.at(4, 4) = makePixel(10, 10, 10);
     const std::array<std::pair<std::pair<int, int>, std::pair<int, int>>, 8> samples{{
@@ -39,22 +40,23 @@ TEST_F(Emboss, EachDirectionWeighsItsTwoSamples) {
         const auto [a, b] = samples[direction];
         EXPECT_EQ(colourAt(result, 4 - 2 * a.first, 4 - 2 * a.second)[0], 148) << int{direction};
         EXPECT_EQ(colourAt(result, 4 - 2 * b.first, 4 - 2 * b.second)[0], 108) << int{direction};
-        EXPECT_EQ(colourAt(result, 4, 4)[0], 128) << int{direction};
+        EXPECT_EQ(colourAt(result, 4, 4)[0], 138) << int{direction};
     }
 }
 
 TEST_F(Emboss, KindsFinishAFlatPicture) {
-    // The sums are 0; with the offsets 128.
+    // A and B cancel; the centre weighs 1, so the sums are the channel plus
+    // the offsets 128, clipped: 255, 228, 255.
     const Surface flat(5, 5, makePixel(200, 100, 200));
     const std::array<Colour, 8> expected{{
-        {128, 128, 128}, // as it stands
-        {0, 0, 0},       // without the offsets
-        {110, 255, 110}, // the sine of t = c: 0.861 and 2.278 times 128
-        {227, 177, 227}, // the mean 128 turns white, halved with the channel
-        {164, 114, 164},
-        {199, 99, 199},
-        {164, 114, 164},
-        {200, 100, 200}, // the relief's mean 128 shifts nothing
+        {255, 228, 255}, // as it stands
+        {200, 100, 200}, // without the offsets: the centre alone
+        {220, 255, 220}, // the sine of t = c: 0.861 times 255, 2.278 times 228
+        {227, 177, 227}, // the mean 246 turns white, halved with the channel
+        {227, 164, 227},
+        {72, 0, 72}, // c - sum + 127
+        {223, 173, 223},
+        {255, 218, 255}, // shifted by the relief's mean 246 less 128
     }};
     for (std::uint8_t kind = 0; kind < 8; ++kind) {
         EXPECT_EQ(colourAt(emboss(flat, 0, 0, kind), 2, 2), expected[kind]) << int{kind};
@@ -63,7 +65,8 @@ TEST_F(Emboss, KindsFinishAFlatPicture) {
 
 TEST_F(Emboss, ColourKindsChangeTheSamples) {
     // A step from black to (200, 100, 50), direction 0 and no offsets: the
-    // pixel left of the step sees the colour as A and black as B.
+    // pixel left of the step sees the colour as A and black as B and as its
+    // centre; a lightened channel lifts the black centre and B alike.
     const Surface step =
         makePicture(3, 1, [](int x, int) { return x == 2 ? makePixel(200, 100, 50) : 0u; });
     const std::array<Colour, 7> expected{{
@@ -71,9 +74,9 @@ TEST_F(Emboss, ColourKindsChangeTheSamples) {
         {200, 100, 50},
         {124, 124, 124}, // the luminance rule, 124.5 to even
         {116, 116, 116},
-        {100, 100, 50}, // red lightened on both sides: 227 - 127
-        {200, 50, 50},
-        {200, 100, 25},
+        {227, 100, 50}, // red lightened: 127 + 227 - 127
+        {200, 177, 50},
+        {200, 100, 152},
     }};
     for (std::uint8_t colourKind = 0; colourKind < 7; ++colourKind) {
         EXPECT_EQ(colourAt(emboss(step, 0, colourKind, 1), 1, 0), expected[colourKind])
@@ -82,10 +85,11 @@ TEST_F(Emboss, ColourKindsChangeTheSamples) {
 }
 
 TEST_F(Emboss, SamplesAreClampedToTheRectangleNotThePicture) {
-    const Surface row = makePicture(4, 1, [](int x, int) { return makePixel(50 * (x + 1), 0, 0); });
+    // Red 10, 20, 30, 40: centre + A - B + 128.
+    const Surface row = makePicture(4, 1, [](int x, int) { return makePixel(10 * (x + 1), 0, 0); });
     const Surface whole = emboss(row, 0, 0, 0);
-    EXPECT_EQ(colourAt(whole, 0, 0)[0], 100 - 50 + 128);
-    EXPECT_EQ(colourAt(whole, 1, 0)[0], 150 - 50 + 128);
+    EXPECT_EQ(colourAt(whole, 0, 0)[0], 10 + 20 - 10 + 128);
+    EXPECT_EQ(colourAt(whole, 1, 0)[0], 20 + 30 - 10 + 128);
     const Surface inner = runTrans(
         row,
         [](Op& e, const ProcessRect& r) {
@@ -93,8 +97,8 @@ TEST_F(Emboss, SamplesAreClampedToTheRectangleNotThePicture) {
         },
         ProcessRect{1, 0, 3, 1});
     // Column 1 is the rectangle's left edge: its B is itself.
-    EXPECT_EQ(colourAt(inner, 1, 0)[0], 150 - 100 + 128);
-    EXPECT_EQ(colourAt(inner, 2, 0)[0], 150 - 100 + 128);
+    EXPECT_EQ(colourAt(inner, 1, 0)[0], 20 + 30 - 20 + 128);
+    EXPECT_EQ(colourAt(inner, 2, 0)[0], 30 + 30 - 20 + 128);
     EXPECT_TRUE(unchangedOutside(inner, row, 1, 0, 3, 1));
 }
 
@@ -115,6 +119,9 @@ TEST_F(Emboss, StampedReliefsRepeatAndKeepTheirFrame) {
     auto fields = [](Op& e, const ProcessRect& r) {
         e.ForceFields(0, r.left, r.top, r.right, r.bottom, 22, 5);
     };
+    // One weight per pixel, +d and -d: a flat picture has no relief under
+    // any stamp, only the offset laid over it.
+    const Surface flat(40, 30, makePixel(60, 90, 120));
     for (const auto& call : {Call(wall), Call(fields)}) {
         random = RandomGenerator{};
         const Surface first = runTrans(picture, call);
@@ -123,6 +130,11 @@ TEST_F(Emboss, StampedReliefsRepeatAndKeepTheirFrame) {
         EXPECT_TRUE(first.sameColours(second));
         EXPECT_FALSE(first.sameColours(picture));
         EXPECT_TRUE(unchangedOutside(first, picture, 3, 3, 37, 27));
+        const Surface relief = runTrans(flat, call);
+        for (int y = 3; y < 27; ++y) {
+            for (int x = 3; x < 37; ++x)
+                ASSERT_EQ(colourAt(relief, x, y), (Colour{94, 109, 124})) << x << "," << y;
+        }
     }
     // Without stamps every weight is 0: the offset laid over the picture.
     const Surface plain = runTrans(picture, [](Op& e, const ProcessRect& r) {

@@ -16,7 +16,8 @@ namespace lumiran {
 // order (upper left, top, upper right, left, right, lower left, bottom,
 // lower right). Their window enters each column with its centre entry read
 // from the rectangle's top row, one row too high: the first row of
-// results sees the row above in place of its own pixel.
+// results sees the row above in place of its own pixel, and the window,
+// shifting that entry up, gives it to the second row as its top entry.
 class Class_Edge : public NeighbourhoodFrame {
   public:
     using NeighbourhoodFrame::NeighbourhoodFrame;

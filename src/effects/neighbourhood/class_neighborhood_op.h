@@ -73,9 +73,10 @@ class Class_NeighborhoodOp : public NeighbourhoodFrame {
     void ShadingLast(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
                      std::int16_t red, std::int16_t green, std::int16_t blue);
 
-    // Relief from two samples at distance d in the direction 0..7, weighted
-    // +d and -d; colour kind 0..6 changes the samples, kind 0..7 finishes.
-    // Samples are means over size x size pixels.
+    // Relief from the pixel (weight 1) and two samples at distance d in the
+    // direction 0..7, weighted +d and -d; colour kind 0..6 changes the
+    // samples, kind 0..7 finishes with the source pixel. Samples are means
+    // over size x size pixels.
     void Embossing(std::uint8_t direction, std::uint8_t colourKind, std::uint8_t kind,
                    std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
                    std::int16_t d, std::int16_t offsetRed, std::int16_t offsetGreen,

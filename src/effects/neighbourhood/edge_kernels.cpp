@@ -50,13 +50,14 @@ struct Taps {
     const Pixel* middle;
     const Pixel* below;
     const Pixel* centre; // the row the centre entry is read from
+    const Pixel* top;    // the row the top entry (position 2) is read from
 };
 
 [[gnu::always_inline]] inline int kernelSum(const Kernel& k, const Taps& t, int x, int shift) {
     auto v = [shift](const Pixel* row, int at) {
         return static_cast<int>((row[at] >> shift) & 0xFFu);
     };
-    return wrap16(k[0] * v(t.centre, x) + k[1] * v(t.above, x - 1) + k[2] * v(t.above, x) +
+    return wrap16(k[0] * v(t.centre, x) + k[1] * v(t.above, x - 1) + k[2] * v(t.top, x) +
                   k[3] * v(t.above, x + 1) + k[4] * v(t.middle, x - 1) + k[5] * v(t.middle, x + 1) +
                   k[6] * v(t.below, x - 1) + k[7] * v(t.below, x) + k[8] * v(t.below, x + 1));
 }
@@ -80,10 +81,13 @@ void Class_Edge::convolve(const Kernel& kernel, const ProcessRect& rect) {
     SetProgressRange(rect.top, rect.bottom);
     forEachRow(rect, [&](int y, int, int) {
         if (!inner.containsRow(y)) return;
+        // The column's entering window takes its centre from the top row;
+        // sliding down, the window shifts that entry up, so the second pixel
+        // of the column sees it again as its top entry.
         const Taps taps{ImageBits.row(y - 1).data(), ImageBits.row(y).data(),
                         ImageBits.row(y + 1).data(),
-                        // The column's entering window takes its centre from the top row.
-                        ImageBits.row(y == inner.firstRow ? area.firstRow : y).data()};
+                        ImageBits.row(y == inner.firstRow ? area.firstRow : y).data(),
+                        ImageBits.row(y == inner.firstRow + 1 ? area.firstRow : y - 1).data()};
         if (!blending()) {
             clampedKernelRow(kernel, taps, TransBits.row(y).data(), inner.firstColumn,
                              inner.endColumn);

@@ -56,15 +56,19 @@ class EmbossRule {
         }
     }
 
-    [[nodiscard]] Rgb16 operator()(Pixel sampleA, Pixel sampleB, Pixel sampleCentre) const {
+    // The centre sample weighs 1, A +d and B -d; the finishes mix the sums
+    // with the source pixel's own channels.
+    [[nodiscard]] Rgb16 operator()(Pixel sampleA, Pixel sampleB, Pixel sampleCentre,
+                                   Pixel source) const {
         const IntRgb a = sampleColour(colourKind_, sampleA);
         const IntRgb b = sampleColour(colourKind_, sampleB);
-        const IntRgb s = sampleColour(colourKind_, sampleCentre);
+        const IntRgb c = sampleColour(colourKind_, sampleCentre);
+        const IntRgb s = channelsOf(source);
         // The sums are 16-bit fields; kind 1 takes them without the offsets.
         const IntRgb offset = kind_ == 1 ? IntRgb{} : offset_;
-        const IntRgb sum{clip(wrap16(a.r * d_ - b.r * d_ + offset.r)),
-                         clip(wrap16(a.g * d_ - b.g * d_ + offset.g)),
-                         clip(wrap16(a.b * d_ - b.b * d_ + offset.b))};
+        const IntRgb sum{clip(wrap16(c.r + a.r * d_ - b.r * d_ + offset.r)),
+                         clip(wrap16(c.g + a.g * d_ - b.g * d_ + offset.g)),
+                         clip(wrap16(c.b + a.b * d_ - b.b * d_ + offset.b))};
         switch (kind_) {
         case 2:
             return {sine(sum.r, s.r), sine(sum.g, s.g), sine(sum.b, s.b)};
@@ -105,16 +109,18 @@ class EmbossRule {
 // Kinds 0 and 1 on plain samples without a blend: the relief alone, with
 // vector operations.
 void plainReliefRow(const Pixel* __restrict rowA, int ax, const Pixel* __restrict rowB, int bx,
-                    Pixel* __restrict out, int from, int to, int d, IntRgb offset) {
-    auto channel = [d](Pixel pa, Pixel pb, int shift, int add) {
+                    const Pixel* __restrict centre, Pixel* __restrict out, int from, int to, int d,
+                    IntRgb offset) {
+    auto channel = [d](Pixel pa, Pixel pb, Pixel pc, int shift, int add) {
         const int va = static_cast<int>((pa >> shift) & 0xFFu);
         const int vb = static_cast<int>((pb >> shift) & 0xFFu);
-        return static_cast<Pixel>(clip(wrap16(va * d - vb * d + add))) << shift;
+        const int vc = static_cast<int>((pc >> shift) & 0xFFu);
+        return static_cast<Pixel>(clip(wrap16(vc + va * d - vb * d + add))) << shift;
     };
     for (int x = from; x < to; ++x) {
-        const Pixel a = rowA[x + ax], b = rowB[x + bx];
-        out[x] = (out[x] & 0xFF000000u) | channel(a, b, 16, offset.r) | channel(a, b, 8, offset.g) |
-                 channel(a, b, 0, offset.b);
+        const Pixel a = rowA[x + ax], b = rowB[x + bx], c = centre[x];
+        out[x] = (out[x] & 0xFF000000u) | channel(a, b, c, 16, offset.r) |
+                 channel(a, b, c, 8, offset.g) | channel(a, b, c, 0, offset.b);
     }
 }
 
@@ -198,16 +204,17 @@ void Class_NeighborhoodOp::Embossing(std::uint8_t direction, std::uint8_t colour
             const Pixel* source = ImageBits.row(y).data();
             auto clamped = [&](int x) {
                 storeTrans(x, y, source[x],
-                           rule(rowA[clampX(x + ax)], rowB[clampX(x + bx)], centre[x]));
+                           rule(rowA[clampX(x + ax)], rowB[clampX(x + bx)], centre[x], source[x]));
             };
             for (int x = area.firstColumn; x < from; ++x)
                 clamped(x);
             if (plain) {
-                plainReliefRow(rowA, ax, rowB, bx, TransBits.row(y).data(), from, to, d,
+                plainReliefRow(rowA, ax, rowB, bx, centre, TransBits.row(y).data(), from, to, d,
                                kind == 1 ? IntRgb{} : offset);
             } else {
                 for (int x = from; x < to; ++x)
-                    storeTrans(x, y, source[x], rule(rowA[x + ax], rowB[x + bx], centre[x]));
+                    storeTrans(x, y, source[x],
+                               rule(rowA[x + ax], rowB[x + bx], centre[x], source[x]));
             }
             for (int x = to; x < area.endColumn; ++x)
                 clamped(x);

@@ -47,11 +47,10 @@ std::vector<std::uint8_t> stampMap(RandomGenerator& random, const Area& area, in
 } // namespace
 
 // Stage 2, over the interior from 3 pixels inside the rectangle: the map's
-// grey t at each sample gives its weight d = round(t / divisor), +d at the
+// grey t under the pixel gives the weight d = round(t / divisor), +d at the
 // sample A of the direction and -d at B, and the mean m of the three sums
-// is laid over the pixel as (m + offset + c) / 2. Inside a stamp this is
-// the picture's relief at the stamp's strength; across a stamp's edge the
-// weights differ, so the stamps stand out as blocks even on a flat picture.
+// is laid over the pixel as (m + offset + c) / 2: the picture's relief at
+// the strength of the stamp it lies under, none where no stamp fell.
 void Class_NeighborhoodOp::wallRelief(const WallRelief& wall, const ProcessRect& rect) {
     const Area area = areaOf(rect);
     const std::vector<std::uint8_t> map =
@@ -75,11 +74,11 @@ void Class_NeighborhoodOp::wallRelief(const WallRelief& wall, const ProcessRect&
         for (int x = inner.firstColumn; x < inner.endColumn; ++x) {
             const int xa = clampX(x + pair.a.dx * wall.distance);
             const int xb = clampX(x + pair.b.dx * wall.distance);
-            const int da = weight(xa, ya), db = weight(xb, yb);
+            const int d = weight(x, y);
             const Pixel a = ImageBits.at(xa, ya), b = ImageBits.at(xb, yb);
             const int m =
-                (wrap16(redOf(a) * da - redOf(b) * db) + wrap16(greenOf(a) * da - greenOf(b) * db) +
-                 wrap16(blueOf(a) * da - blueOf(b) * db)) /
+                (wrap16(redOf(a) * d - redOf(b) * d) + wrap16(greenOf(a) * d - greenOf(b) * d) +
+                 wrap16(blueOf(a) * d - blueOf(b) * d)) /
                 3;
             const Pixel s = source[x];
             auto channel = [m](int offset, int c) {

@@ -138,17 +138,14 @@ TEST_F(BlockMoves, CrankWalksThereAndBack) {
     EXPECT_EQ(redOf(mixed.at(11, 2)), 6); // beyond: 11 / 2, half to even
 }
 
-// Slope: each band (one row here, the picture being wider than high) lies
-// (band * factor + width) / width further than the one before, rounded,
-// from the top; the other way from the bottom. The vertical form is the
-// same with the axes exchanged.
+// Slope: bands of height / width + 1 rows, each (band * factor + width) /
+// width further than the one before, an integer quotient, from the top; the
+// other way from the bottom. The vertical form exchanges the axes.
 TEST_F(BlockMoves, SlopeAdvancesByTheBandRule) {
-    // Factor 6 on 20 across: 1.3 a band, so 0, 1.3, 2.6, .. 9.1 round to
-    // these (6.5 half to even).
-    const int shifts[] = {0, 1, 3, 4, 5, 6, 8, 9};
+    // 12 across and 30 along: bands of 3, each (3 * 6 + 12) / 12 = 2 further.
     for (const bool horizontal : {true, false}) {
         for (const std::int16_t slope : {std::int16_t{0}, std::int16_t{-1}}) {
-            const Surface picture = horizontal ? positionPicture(20, 8) : positionPicture(8, 20);
+            const Surface picture = horizontal ? positionPicture(12, 30) : positionPicture(30, 12);
             const Surface result =
                 drawn(picture, background(picture), [=](Class_Geometry& e, const ProcessRect& r) {
                     if (horizontal) {
@@ -157,11 +154,14 @@ TEST_F(BlockMoves, SlopeAdvancesByTheBandRule) {
                         e.Slope_Vertical(6, r.left, r.top, r.right, r.bottom, slope, 1);
                     }
                 });
-            for (int k = 0; k < 8; ++k) {
-                const int shift = shifts[slope == 0 ? k : 7 - k];
-                const Pixel p = horizontal ? result.at(2 + shift, k) : result.at(k, 2 + shift);
-                EXPECT_EQ(placeOf(p), (horizontal ? SourcePlace{2, k} : SourcePlace{k, 2}))
-                    << horizontal << " slope " << slope << " band " << k;
+            for (int along = 0; along < 30; ++along) {
+                const int k = along / 3;
+                const int shift = 2 * (slope == 0 ? k : 9 - k);
+                if (shift >= 12) continue;
+                const Pixel p =
+                    horizontal ? result.at(1 + shift, along) : result.at(along, 1 + shift);
+                EXPECT_EQ(placeOf(p), (horizontal ? SourcePlace{1, along} : SourcePlace{along, 1}))
+                    << horizontal << " slope " << slope << " at " << along;
             }
         }
     }

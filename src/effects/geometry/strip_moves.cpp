@@ -177,20 +177,20 @@ namespace {
 
 // The shear of Slope: bands of rows (rows false: bands of columns), each
 // (band * factor + across) / across further than the one before it from
-// one edge; setRange gets the number of bands.
+// one edge, in integer steps; setRange gets the number of bands.
 void shear(Surface& target, const Surface& source, const ProcessRect& rect, bool rows, int factor,
            bool fromFarEdge, const std::function<void(int)>& setRange,
            const std::function<bool()>& finishBand) {
     const int width = rect.right - rect.left, height = rect.bottom - rect.top;
-    const int extent = rows ? height : width, across = rows ? width : height;
-    const int band = extent / std::max(across, 1) + 1;
+    const int extent = rows ? height : width, across = std::max(rows ? width : height, 1);
+    const int band = extent / across + 1;
     const int bands = (extent + band - 1) / band;
-    const double advance =
-        (static_cast<double>(band) * factor + across) / static_cast<double>(std::max(across, 1));
+    const std::int64_t advance = (static_cast<std::int64_t>(band) * factor + across) / across;
     setRange(bands);
     for (int k = 0, t = 0; t < extent; ++k, t += band) {
         const int size = std::min(band, extent - t);
-        const int shift = roundTo<std::int32_t>((fromFarEdge ? bands - 1 - k : k) * advance);
+        const auto shift = static_cast<int>(
+            std::clamp<std::int64_t>((fromFarEdge ? bands - 1 - k : k) * advance, -65536, 65536));
         if (rows) {
             BitBlt(target, rect.left + shift, rect.top + t, width, size, source, rect.left,
                    rect.top + t, SRCCOPY);

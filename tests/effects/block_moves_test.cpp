@@ -138,6 +138,35 @@ TEST_F(BlockMoves, CrankWalksThereAndBack) {
     EXPECT_EQ(redOf(mixed.at(11, 2)), 6); // beyond: 11 / 2, half to even
 }
 
+// Slope: bands of height / width + 1 rows, each (band * factor + width) /
+// width further than the one before, an integer quotient, from the top; the
+// other way from the bottom. The vertical form exchanges the axes.
+TEST_F(BlockMoves, SlopeAdvancesByTheBandRule) {
+    // 12 across and 30 along: bands of 3, each (3 * 6 + 12) / 12 = 2 further.
+    for (const bool horizontal : {true, false}) {
+        for (const std::int16_t slope : {std::int16_t{0}, std::int16_t{-1}}) {
+            const Surface picture = horizontal ? positionPicture(12, 30) : positionPicture(30, 12);
+            const Surface result =
+                drawn(picture, background(picture), [=](Class_Geometry& e, const ProcessRect& r) {
+                    if (horizontal) {
+                        e.Slope_Horizontal(6, r.left, r.top, r.right, r.bottom, slope, 1);
+                    } else {
+                        e.Slope_Vertical(6, r.left, r.top, r.right, r.bottom, slope, 1);
+                    }
+                });
+            for (int along = 0; along < 30; ++along) {
+                const int k = along / 3;
+                const int shift = 2 * (slope == 0 ? k : 9 - k);
+                if (shift >= 12) continue;
+                const Pixel p =
+                    horizontal ? result.at(1 + shift, along) : result.at(along, 1 + shift);
+                EXPECT_EQ(placeOf(p), (horizontal ? SourcePlace{1, along} : SourcePlace{along, 1}))
+                    << horizontal << " slope " << slope << " at " << along;
+            }
+        }
+    }
+}
+
 // Bad sizes, 1x1 pictures and rectangles beyond the picture: no crash, no
 // read outside the arrays, nothing drawn for a size of 0.
 TEST_F(BlockMoves, BadSizesAndRectangles) {

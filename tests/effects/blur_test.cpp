@@ -191,6 +191,32 @@ TEST_F(Blurs, DiffuseOutlineMovesOnlyAtEdges) {
     EXPECT_EQ(result.at(5, 2), step.at(5, 2));
 }
 
+// The below-right neighbour of a pixel on the last column or row lies
+// outside: the pixel itself stands in for it, not the pixel below or to the
+// right, so there is no step to follow. Brighter pixels sit where the
+// per-axis neighbour would be, markers where the step would lead.
+TEST_F(Blurs, DiffuseOutlineNeighbourOutsideIsThePixel) {
+    Surface picture(9, 9, makePixel(40, 40, 40));
+    picture.at(8, 5) = makePixel(43, 43, 43);
+    picture.at(4, 8) = makePixel(43, 43, 43);
+    for (const auto& [x, y] : {std::pair{5, 1}, {8, 1}, {0, 5}, {3, 5}})
+        picture.at(x, y) = makePixel(200, 0, 0);
+    struct Case {
+        int type, x, y;
+    };
+    for (const Case c : {Case{1, 8, 4}, {2, 8, 4}, {1, 3, 8}, {2, 3, 8}}) {
+        const Surface result = warp(picture, [&](Class_Geometry& e, const ProcessRect& r) {
+            if (c.type == 1) {
+                e.DiffuseOutline1(2, r.left, r.top, r.right, r.bottom);
+            } else {
+                e.DiffuseOutline2(2, r.left, r.top, r.right, r.bottom);
+            }
+        });
+        EXPECT_EQ(result.at(c.x, c.y), picture.at(c.x, c.y))
+            << "type " << c.type << " at " << c.x << "," << c.y;
+    }
+}
+
 // 1x1 pictures and rectangles beyond the picture: every sample stays in the
 // array, and a single pixel has only itself to mix with.
 TEST_F(Blurs, BadRectangles) {

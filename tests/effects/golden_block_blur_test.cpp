@@ -10,8 +10,8 @@ INSTANTIATE_TEST_SUITE_P(
     GeometryBlocks, GoldenDefaults,
     ::testing::Values(
         Golden{"Scroll", "6d1b6d4d8a32da3e"}, Golden{"Gradually Enlarge", "cde23504158fcba1"},
-        Golden{"Notches", "bd10c64dbaf21640"}, Golden{"Slope", "4329d8a3a1186aed"},
-        Golden{"Slope", "3d85973e30e0dafa", 0, 1}, Golden{"Random Circle", "1c61c4ad7200bcaf"},
+        Golden{"Notches", "bd10c64dbaf21640"}, Golden{"Slope", "7ea54ee8c9ee7587"},
+        Golden{"Slope", "b2eeb719f504a9c1", 0, 1}, Golden{"Random Circle", "1c61c4ad7200bcaf"},
         Golden{"Random Circle", "b77bcec62be77c96", 14},
         Golden{"Block Replace", "0e9506032f2e92ee"},
         Golden{"Block Replace", "531fbebca71b0662", 1, 2},

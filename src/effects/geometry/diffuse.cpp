@@ -23,6 +23,15 @@ Pixel movedWithin(const Surface& image, const Bounds& span, int x, int y, int dx
                     blur::within(y, y + dy, span.firstRow, span.endRow));
 }
 
+// The neighbour of the kind, or the pixel itself when the neighbour lies
+// outside: the whole position falls back, not each axis.
+template <typename Bounds>
+Pixel neighbourOf(const Surface& image, const Bounds& span, int x, int y, blur::Tap step) {
+    const int nx = x + step.dx, ny = y + step.dy;
+    const bool inside = nx < span.endColumn && ny < span.endRow;
+    return image.at(inside ? nx : x, inside ? ny : y);
+}
+
 Rgb16 colourOf(Pixel p) {
     return {static_cast<std::int16_t>(redOf(p)), static_cast<std::int16_t>(greenOf(p)),
             static_cast<std::int16_t>(blueOf(p))};
@@ -40,7 +49,7 @@ void Class_Geometry::DiffuseOutline1(std::uint8_t kind, std::int16_t left, std::
         mapPixels<ResultTail::Clamp, Destination::Trans>(
             rect, [&](int x, int y, int& r, int& g, int& b) -> Rgb16 {
                 const int m = (r + g + b) / 3;
-                const Pixel n = movedWithin(ImageBits, span, x, y, step.dx, step.dy);
+                const Pixel n = neighbourOf(ImageBits, span, x, y, step);
                 const int m2 = roundedMean(n);
                 // The step in brightness towards the neighbour moves the
                 // sample along the neighbour's way: flat areas stay.
@@ -61,7 +70,7 @@ void Class_Geometry::DiffuseOutline2(std::uint8_t kind, std::int16_t left, std::
         const blur::Tap step = Neighbours[kind];
         mapPixels<ResultTail::Clamp, Destination::Trans>(
             rect, [&](int x, int y, int&, int&, int& b) -> Rgb16 {
-                const Pixel n = movedWithin(ImageBits, span, x, y, step.dx, step.dy);
+                const Pixel n = neighbourOf(ImageBits, span, x, y, step);
                 const int m2 = roundedMean(n);
                 // Vertical always: the pixel's blue against the neighbour's
                 // mean bends the rows along the brightness edges.

@@ -175,20 +175,22 @@ void Class_Geometry::Notches(std::int16_t left, std::int16_t top, std::int16_t r
 
 namespace {
 
-// The shear of Slope: bands of rows (rows false: bands of columns) whose
-// shift grows by a quarter of the factor per row from one edge; setRange
-// gets the number of bands.
+// The shear of Slope: bands of rows (rows false: bands of columns), each
+// (band * factor + across) / across further than the one before it from
+// one edge, in integer steps; setRange gets the number of bands.
 void shear(Surface& target, const Surface& source, const ProcessRect& rect, bool rows, int factor,
            bool fromFarEdge, const std::function<void(int)>& setRange,
            const std::function<bool()>& finishBand) {
     const int width = rect.right - rect.left, height = rect.bottom - rect.top;
-    const int extent = rows ? height : width, across = rows ? width : height;
-    const int band = extent / std::max(across, 1) + 1;
-    setRange((extent + band - 1) / band);
-    for (int t = 0; t < extent; t += band) {
+    const int extent = rows ? height : width, across = std::max(rows ? width : height, 1);
+    const int band = extent / across + 1;
+    const int bands = (extent + band - 1) / band;
+    const std::int64_t advance = (static_cast<std::int64_t>(band) * factor + across) / across;
+    setRange(bands);
+    for (int k = 0, t = 0; t < extent; ++k, t += band) {
         const int size = std::min(band, extent - t);
-        const int distance = fromFarEdge ? extent - t - size : t;
-        const int shift = distance * factor / 4;
+        const auto shift = static_cast<int>(
+            std::clamp<std::int64_t>((fromFarEdge ? bands - 1 - k : k) * advance, -65536, 65536));
         if (rows) {
             BitBlt(target, rect.left + shift, rect.top + t, width, size, source, rect.left,
                    rect.top + t, SRCCOPY);

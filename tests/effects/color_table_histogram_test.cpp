@@ -2,7 +2,9 @@
 // that follows it pixel by pixel.
 #include "color_table_fixture.h"
 #include "effects/colour/histogram_flattening.h"
+#include "shell/string_table.h"
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -109,6 +111,26 @@ TEST_F(ColorTableHistogram, EquationOnAnEvenRampChangesNothingAndBothPassesCount
     });
     EXPECT_EQ(rows, 8);
     EXPECT_EQ(out, ramp);
+}
+
+// The progress window says the histogram is being surveyed before any row
+// is counted, in every mode.
+TEST_F(ColorTableHistogram, EquationNamesTheSurveyBeforeTheFirstRow) {
+    struct Events : ProgressSink {
+        std::vector<int> seen; // caption ids, and -1 for each percentage
+        void showPercent(int) override { seen.push_back(-1); }
+        void showCaption(int id) override { seen.push_back(id); }
+    };
+    for (const int mode : {0, 1, 8}) {
+        Events events;
+        context.progress = &events;
+        run(makeVariedPicture(4, 3), op<&E::Histgram_Equation>(mode, rect));
+        context.progress = nullptr;
+        ASSERT_EQ(events.seen.size(), 7u) << mode; // one caption, two passes of three rows
+        EXPECT_EQ(events.seen.front(), 3441) << mode;
+        EXPECT_EQ(std::count(events.seen.begin(), events.seen.end(), 3441), 1) << mode;
+    }
+    EXPECT_EQ(LoadResString(3441), "ﾋｽﾄｸﾞﾗﾑ調査中...");
 }
 
 TEST_F(ColorTableHistogram, EquationOnASmallRectangleSpreadsTowardTheLowestLevels) {

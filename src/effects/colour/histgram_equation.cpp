@@ -14,6 +14,8 @@ namespace {
 
 using Histogram = HistogramFlattening::Histogram;
 
+constexpr int SurveyCaption = 3441; // "ﾋｽﾄｸﾞﾗﾑ調査中..."
+
 // The wanted count per level: the rectangle's area, not the pixels that lie
 // in the picture, over 256.
 std::int32_t wantedPerLevel(const ProcessRect& rect) {
@@ -96,6 +98,7 @@ void Class_ColorTable::Histgram_Equation(std::int16_t mode, std::int16_t left, s
         // Both passes step the one range: the bar runs on past 100 in the
         // second, as it did.
         SetProgressRange(rect.top, rect.bottom);
+        if (context().progress != nullptr) context().progress->showCaption(SurveyCaption);
         if (mode == 0) {
             equaliseAverage(rect);
         } else {

@@ -40,10 +40,13 @@ struct SmokeColour {
                        waves.secondSine ? std::sin(second) : std::cos(second));
     }
     [[nodiscard]] Rgb16 ofWaves(double a, double b) const {
-        const double product = a * b;
-        const double t = form == 0 ? (product + 1) / 2 : product > DotLevel ? 1.0 : 0.0;
+        const double t = level(a * b);
         return {roundTo<std::int16_t>(t * red), roundTo<std::int16_t>(t * green),
                 roundTo<std::int16_t>(t * blue)};
+    }
+    // 0..1, or NaN where a period of 0 made the waves NaN.
+    [[nodiscard]] double level(double product) const {
+        return form == 0 ? (product + 1) / 2 : product > DotLevel ? 1.0 : 0.0;
     }
 };
 
@@ -75,14 +78,19 @@ void Class_Pattern::Smoke(std::uint8_t type, std::uint8_t form, std::int16_t lef
                                                  : axis(s.firstRow, s.endRow, p1, w.firstSine);
             blendPatternRows(rect, weight, [&](int y, int first, int end, pattern::RowColours p) {
                 const double down = rows[static_cast<std::size_t>(y - s.firstRow)];
-                for (int x = first; x < end; ++x) {
-                    const double across = columns[static_cast<std::size_t>(x - s.firstColumn)];
-                    const Rgb16 c =
-                        w.firstAcross ? colour.ofWaves(across, down) : colour.ofWaves(down, across);
-                    const auto i = static_cast<std::size_t>(x - first);
-                    p.red[i] = c.red;
-                    p.green[i] = c.green;
-                    p.blue[i] = c.blue;
+                const double* across = columns.data() + (first - s.firstColumn);
+                const auto count = static_cast<std::size_t>(end - first);
+                std::vector<double> t(count);
+                for (std::size_t i = 0; i < count; ++i)
+                    t[i] = colour.level(across[i] * down);
+                // Within 0..1 a level times a 16-bit colour stays in range.
+                for (const double v : t) {
+                    if (v != v) throw EffectError::overflow();
+                }
+                for (std::size_t i = 0; i < count; ++i) {
+                    p.red[i] = roundInRange<std::int16_t>(t[i] * red);
+                    p.green[i] = roundInRange<std::int16_t>(t[i] * green);
+                    p.blue[i] = roundInRange<std::int16_t>(t[i] * blue);
                 }
             });
             return;

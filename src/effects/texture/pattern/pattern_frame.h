@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -101,16 +102,17 @@ void Class_Pattern::blendPatternRows(const ProcessRect& rect, std::int16_t weigh
     const bool blend = calculationFlag() > 0;
     forEachRow<Order>(rect, [&](int y, int first, int end) {
         const auto count = static_cast<std::size_t>(end - first);
-        std::vector<std::int16_t> colours(3 * count);
-        pattern::RowColours p{{colours.data(), count},
-                              {colours.data() + count, count},
-                              {colours.data() + 2 * count, count}};
+        // Every value is written by fillRow: no clearing.
+        const auto colours = std::make_unique_for_overwrite<std::int16_t[]>(3 * count);
+        pattern::RowColours p{{colours.get(), count},
+                              {colours.get() + count, count},
+                              {colours.get() + 2 * count, count}};
         fillRow(y, first, end, p);
         Pixel* row = ImageBits.row(y).data() + first;
         if (blend) {
-            blendRow<true>(row, colours.data(), static_cast<int>(count), weight);
+            blendRow<true>(row, colours.get(), static_cast<int>(count), weight);
         } else {
-            blendRow<false>(row, colours.data(), static_cast<int>(count), weight);
+            blendRow<false>(row, colours.get(), static_cast<int>(count), weight);
         }
     });
 }
@@ -144,14 +146,15 @@ void Class_Pattern::paintBands(const ProcessRect& rect, int period, std::uint8_t
     if (period == 0) throw EffectError::divisionByZero();
     const bool blend = calculationFlag() > 0;
     forEachRow(rect, [&](int y, int first, int end) {
-        std::vector<double> m(static_cast<std::size_t>(end - first));
-        rowMeasure(y, first, end, m.data());
+        const auto m =
+            std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(end - first));
+        rowMeasure(y, first, end, m.get());
         Pixel* row = ImageBits.row(y).data() + first;
         const pattern::Bands bands(period, red, green, blue, weight);
         if (blend) {
-            paintBandRow<true>(bands, row, m.data(), end - first);
+            paintBandRow<true>(bands, row, m.get(), end - first);
         } else {
-            paintBandRow<false>(bands, row, m.data(), end - first);
+            paintBandRow<false>(bands, row, m.get(), end - first);
         }
     });
 }
@@ -168,13 +171,21 @@ void Class_Pattern::paintBandRow(const pattern::Bands& shared, Pixel* __restrict
     const double c0 = shared.colour(0), c1 = shared.colour(1), c2 = shared.colour(2);
     // The weight blend keeps the low 16 bits of its products, so 16-bit
     // values give the same blends.
-    std::vector<std::int16_t> colours(static_cast<std::size_t>(count) * 3);
-    std::int16_t* __restrict p = colours.data();
+    const auto colours =
+        std::make_unique_for_overwrite<std::int16_t[]>(static_cast<std::size_t>(count) * 3);
+    std::int16_t* __restrict p = colours.get();
+    const double inverse = 1 / period;
     for (int i = 0; i < count; ++i) {
         const double whole = pattern::roundedWhole(m[i]);
-        // The quotient truncated through a 64-bit integer: std::trunc keeps
-        // the compiler from vectorising.
-        const double quotient = static_cast<double>(static_cast<std::int64_t>(whole / period));
+        // The truncated quotient through a 64-bit integer (std::trunc keeps
+        // the compiler from vectorising), from the product with the
+        // reciprocal, which is at most one off: moved so that the residue
+        // takes the sign of the measure and stays below the period.
+        double quotient = static_cast<double>(static_cast<std::int64_t>(whole * inverse));
+        const double rest = whole - period * quotient;
+        const double toward = (whole < 0) != (period < 0) ? -1.0 : 1.0;
+        quotient += std::abs(rest) >= std::abs(period) ? toward : 0.0;
+        quotient -= rest != 0 && (rest < 0) != (whole < 0) ? toward : 0.0;
         const double residue = whole - period * quotient;
         p[i] = wrap16(roundInRange<std::int32_t>(std::abs(c0 - step * residue)));
         p[count + i] = wrap16(roundInRange<std::int32_t>(std::abs(c1 - step * residue)));

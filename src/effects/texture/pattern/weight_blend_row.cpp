@@ -33,16 +33,25 @@ __m512i channelWords(__m512i first, __m512i second, int shift) {
 }
 
 // weightBlend in 16-bit lanes (the products and the sum wrap as its fields
-// do), then clamped: the quotient truncated by the multiply-high of 10, the
-// rest rounded half to even.
+// do), then clamped. A sum of 0..32767 rounds as (sum + 5) / 10 by the
+// unsigned multiply-high, a tie going back to the even neighbour; otherwise
+// the quotient is truncated and the rest rounded half to even.
 __m512i blendWords(__m512i pattern, __m512i source, __m512i patternWeight, __m512i sourceWeight) {
     const __m512i one = _mm512_set1_epi16(1);
+    const __m512i ten = _mm512_set1_epi16(10);
     const __m512i sum = _mm512_add_epi16(_mm512_mullo_epi16(patternWeight, pattern),
                                          _mm512_mullo_epi16(sourceWeight, source));
-    __m512i q =
-        _mm512_sub_epi16(_mm512_srai_epi16(_mm512_mulhi_epi16(sum, _mm512_set1_epi16(26215)), 2),
+    __m512i q;
+    if (_mm512_movepi16_mask(sum) == 0) {
+        const __m512i y = _mm512_add_epi16(sum, _mm512_set1_epi16(5));
+        q = _mm512_srli_epi16(_mm512_mulhi_epu16(y, _mm512_set1_epi16(-13107)), 3); // 52429
+        const __mmask32 tie = _mm512_cmpeq_epi16_mask(_mm512_mullo_epi16(q, ten), y);
+        q = _mm512_mask_sub_epi16(q, tie & _mm512_test_epi16_mask(q, one), q, one);
+        return _mm512_min_epi16(q, _mm512_set1_epi16(255));
+    }
+    q = _mm512_sub_epi16(_mm512_srai_epi16(_mm512_mulhi_epi16(sum, _mm512_set1_epi16(26215)), 2),
                          _mm512_srai_epi16(sum, 15));
-    const __m512i rest = _mm512_sub_epi16(sum, _mm512_mullo_epi16(q, _mm512_set1_epi16(10)));
+    const __m512i rest = _mm512_sub_epi16(sum, _mm512_mullo_epi16(q, ten));
     const __mmask32 odd = _mm512_test_epi16_mask(q, one);
     const __mmask32 up = _mm512_cmpgt_epi16_mask(rest, _mm512_set1_epi16(5)) |
                          (_mm512_cmpeq_epi16_mask(rest, _mm512_set1_epi16(5)) & odd);

@@ -104,6 +104,10 @@ class ChannelTable {
     ByteTable high_;
 };
 
+// Shifts name every lane rather than leave the unmasked form's undefined
+// source, which GCC takes for a read of an uninitialised value.
+constexpr __mmask16 Every32 = 0xFFFF;
+
 // Byte lanes of the elements: blue, green, red, spare.
 constexpr __mmask64 BlueLanes = 0x1111111111111111ull;
 constexpr __mmask64 GreenLanes = BlueLanes << 1;
@@ -118,7 +122,7 @@ template <int Red, int Green, int Blue, int Divisor>
 __m512i weightedKeys(__m512i pixels, __mmask16& halfway) {
     const __m512i bytePairs = _mm512_set1_epi32(0x00FF00FF);
     const __m512i blueRed = _mm512_and_si512(pixels, bytePairs);
-    const __m512i green = _mm512_and_si512(_mm512_srli_epi32(pixels, 8), bytePairs);
+    const __m512i green = _mm512_and_si512(_mm512_maskz_srli_epi32(Every32, pixels, 8), bytePairs);
     const __m512i v =
         _mm512_add_epi32(_mm512_madd_epi16(blueRed, _mm512_set1_epi32((Red << 16) | Blue)),
                          _mm512_madd_epi16(green, _mm512_set1_epi32(Green)));
@@ -126,12 +130,14 @@ __m512i weightedKeys(__m512i pixels, __mmask16& halfway) {
     __m512i q;
     if constexpr (Divisor == 100) {
         // x / 100 for x below 43690.
-        q = _mm512_srli_epi32(_mm512_mullo_epi32(x, _mm512_set1_epi32(5243)), 19);
+        q = _mm512_maskz_srli_epi32(Every32, _mm512_mullo_epi32(x, _mm512_set1_epi32(5243)), 19);
     } else {
         static_assert(Divisor == 1000);
         // (x / 8) / 125 for x / 8 below 59074.
-        q = _mm512_srli_epi32(_mm512_mullo_epi32(_mm512_srli_epi32(x, 3), _mm512_set1_epi32(33555)),
-                              22);
+        q = _mm512_maskz_srli_epi32(
+            Every32,
+            _mm512_mullo_epi32(_mm512_maskz_srli_epi32(Every32, x, 3), _mm512_set1_epi32(33555)),
+            22);
     }
     halfway = _mm512_cmpeq_epi32_mask(_mm512_mullo_epi32(q, _mm512_set1_epi32(Divisor)), x);
     return q;
@@ -143,9 +149,9 @@ __m512i keysOf(__m512i pixels, const Pixel* at) {
     __m512i keys;
     if constexpr (Key == ToneKey::GreenBlueDeficit) {
         const __m512i byteMask = _mm512_set1_epi32(0xFF);
-        const __m512i sum =
-            _mm512_add_epi32(_mm512_and_si512(pixels, byteMask),
-                             _mm512_and_si512(_mm512_srli_epi32(pixels, 8), byteMask));
+        const __m512i sum = _mm512_add_epi32(
+            _mm512_and_si512(pixels, byteMask),
+            _mm512_and_si512(_mm512_maskz_srli_epi32(Every32, pixels, 8), byteMask));
         return _mm512_sub_epi32(_mm512_set1_epi32(510), sum);
     } else if constexpr (Key == ToneKey::PseudoGrey) {
         keys = weightedKeys<299, 587, 114, 1000>(pixels, halfway);
@@ -189,7 +195,8 @@ void applyVector(std::span<Pixel> pixels, const ToneTables& t) {
         const __m512i index = _mm512_shuffle_epi8(keys, spread);
         __mmask64 above = 0;
         if constexpr (Wide) {
-            above = _mm512_movepi8_mask(_mm512_shuffle_epi8(_mm512_srli_epi32(keys, 1), spread));
+            above = _mm512_movepi8_mask(
+                _mm512_shuffle_epi8(_mm512_maskz_srli_epi32(Every32, keys, 1), spread));
         }
         const __m512i raised =
             perChannel(raiseRed(index, above), raiseGreen(index, above), raiseBlue(index, above));

@@ -22,14 +22,26 @@ void blendScalar(Pixel* row, const std::int16_t* p, int count, int from, int wei
 
 #ifdef LUMIRAN_BLEND_WORDS
 
-// One channel of 32 pixels as 16-bit lanes.
-__m512i channelWords(__m512i first, __m512i second, int shift) {
+// Shifts and conversions name every lane rather than leave the unmasked
+// forms' undefined source, which GCC takes for an uninitialised read.
+constexpr __mmask16 Every32 = 0xFFFF;
+constexpr __mmask32 Every16 = 0xFFFFFFFF;
+
+// Word indices of a permute: lane i takes word i * halfSteps / 2 + offset.
+__m512i wordIndices(int halfSteps, int offset) {
+    alignas(64) std::int16_t index[32];
+    for (int i = 0; i < 32; ++i)
+        index[i] = static_cast<std::int16_t>(i * halfSteps / 2 + offset);
+    return _mm512_load_si512(index);
+}
+
+// One channel of 32 pixels as 16-bit lanes: the low words of both vectors'
+// elements, in order.
+__m512i channelWords(__m512i first, __m512i second, int shift, __m512i lowWords) {
     const __m512i byte = _mm512_set1_epi32(0xFF);
-    const __m256i low =
-        _mm512_cvtepi32_epi16(_mm512_and_si512(_mm512_srli_epi32(first, shift), byte));
-    const __m256i high =
-        _mm512_cvtepi32_epi16(_mm512_and_si512(_mm512_srli_epi32(second, shift), byte));
-    return _mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
+    return _mm512_permutex2var_epi16(
+        _mm512_and_si512(_mm512_maskz_srli_epi32(Every32, first, shift), byte), lowWords,
+        _mm512_and_si512(_mm512_maskz_srli_epi32(Every32, second, shift), byte));
 }
 
 // weightBlend in 16-bit lanes (the products and the sum wrap as its fields
@@ -44,13 +56,15 @@ __m512i blendWords(__m512i pattern, __m512i source, __m512i patternWeight, __m51
     __m512i q;
     if (_mm512_movepi16_mask(sum) == 0) {
         const __m512i y = _mm512_add_epi16(sum, _mm512_set1_epi16(5));
-        q = _mm512_srli_epi16(_mm512_mulhi_epu16(y, _mm512_set1_epi16(-13107)), 3); // 52429
+        q = _mm512_maskz_srli_epi16(Every16, _mm512_mulhi_epu16(y, _mm512_set1_epi16(-13107)),
+                                    3); // 52429
         const __mmask32 tie = _mm512_cmpeq_epi16_mask(_mm512_mullo_epi16(q, ten), y);
         q = _mm512_mask_sub_epi16(q, tie & _mm512_test_epi16_mask(q, one), q, one);
         return _mm512_min_epi16(q, _mm512_set1_epi16(255));
     }
-    q = _mm512_sub_epi16(_mm512_srai_epi16(_mm512_mulhi_epi16(sum, _mm512_set1_epi16(26215)), 2),
-                         _mm512_srai_epi16(sum, 15));
+    q = _mm512_sub_epi16(
+        _mm512_maskz_srai_epi16(Every16, _mm512_mulhi_epi16(sum, _mm512_set1_epi16(26215)), 2),
+        _mm512_maskz_srai_epi16(Every16, sum, 15));
     const __m512i rest = _mm512_sub_epi16(sum, _mm512_mullo_epi16(q, ten));
     const __mmask32 odd = _mm512_test_epi16_mask(q, one);
     const __mmask32 up = _mm512_cmpgt_epi16_mask(rest, _mm512_set1_epi16(5)) |
@@ -62,11 +76,12 @@ __m512i blendWords(__m512i pattern, __m512i source, __m512i patternWeight, __m51
     return _mm512_min_epi16(_mm512_max_epi16(q, _mm512_setzero_si512()), _mm512_set1_epi16(255));
 }
 
-// Words 0..15 or 16..31 of a channel as 32-bit lanes, shifted into place.
-__m512i placed(__m512i words, int half, int shift) {
-    const __m256i part =
-        half == 0 ? _mm512_castsi512_si256(words) : _mm512_extracti64x4_epi64(words, 1);
-    return _mm512_slli_epi32(_mm512_cvtepu16_epi32(part), shift);
+// Words 0..15 or 16..31 of a channel as 32-bit lanes, shifted into place:
+// spread picks word k + 16 half for element k, the high words stay 0.
+__m512i placed(__m512i words, __m512i spread, int shift) {
+    constexpr __mmask32 lowWords = 0x55555555;
+    return _mm512_maskz_slli_epi32(Every32, _mm512_maskz_permutexvar_epi16(lowWords, spread, words),
+                                   shift);
 }
 
 #endif
@@ -79,22 +94,26 @@ void blendRowClamped(Pixel* row, const std::int16_t* p, int count, int weight) {
     const __m512i patternWeight = _mm512_set1_epi16(static_cast<std::int16_t>(10 - weight));
     const __m512i sourceWeight = _mm512_set1_epi16(static_cast<std::int16_t>(weight));
     const __m512i spare = _mm512_set1_epi32(static_cast<int>(0xFF000000u));
+    const __m512i lowWords = wordIndices(4, 0);
+    // Element k takes word k (or k + 16) into its low half.
+    const __m512i spreads[2] = {wordIndices(1, 0), wordIndices(1, 16)};
     for (; i + 32 <= count; i += 32) {
         const __m512i first = _mm512_loadu_si512(row + i);
         const __m512i second = _mm512_loadu_si512(row + i + 16);
-        const __m512i red = blendWords(_mm512_loadu_si512(p + i), channelWords(first, second, 16),
-                                       patternWeight, sourceWeight);
+        const __m512i red =
+            blendWords(_mm512_loadu_si512(p + i), channelWords(first, second, 16, lowWords),
+                       patternWeight, sourceWeight);
         const __m512i green =
-            blendWords(_mm512_loadu_si512(p + count + i), channelWords(first, second, 8),
+            blendWords(_mm512_loadu_si512(p + count + i), channelWords(first, second, 8, lowWords),
                        patternWeight, sourceWeight);
         const __m512i blue =
-            blendWords(_mm512_loadu_si512(p + 2 * count + i), channelWords(first, second, 0),
-                       patternWeight, sourceWeight);
+            blendWords(_mm512_loadu_si512(p + 2 * count + i),
+                       channelWords(first, second, 0, lowWords), patternWeight, sourceWeight);
         for (int half = 0; half < 2; ++half) {
             const __m512i source = half == 0 ? first : second;
-            const __m512i colour =
-                _mm512_or_si512(_mm512_or_si512(placed(red, half, 16), placed(green, half, 8)),
-                                placed(blue, half, 0));
+            const __m512i colour = _mm512_or_si512(
+                _mm512_or_si512(placed(red, spreads[half], 16), placed(green, spreads[half], 8)),
+                placed(blue, spreads[half], 0));
             _mm512_storeu_si512(row + i + 16 * half,
                                 _mm512_or_si512(_mm512_and_si512(source, spare), colour));
         }

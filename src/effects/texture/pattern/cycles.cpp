@@ -3,6 +3,7 @@
 #include "effects/texture/pattern/pattern_frame.h"
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
 namespace lumiran {
@@ -145,18 +146,23 @@ class CycleWaves {
 // t is NaN (a period of 0) or within 0..1, so t times a 16-bit colour stays
 // in range; NaN is the conversion's overflow error.
 void checkCombined(const std::vector<double>& t) {
-    for (const double v : t) {
-        if (v != v) throw EffectError::overflow();
-    }
+    bool notANumber = false;
+    for (const double v : t)
+        notANumber |= v != v;
+    if (notANumber) throw EffectError::overflow();
+}
+
+// A row of t times a colour into one channel's values.
+void scaleRow(const std::vector<double>& t, int colour, std::span<std::int16_t> out) {
+    const double* __restrict in = t.data();
+    std::int16_t* __restrict values = out.data();
+    for (std::size_t i = 0; i < t.size(); ++i)
+        values[i] = roundInRange<std::int16_t>(in[i] * colour);
 }
 
 // A centre at 50 percent of the rectangle, as FF4 places it.
 double centreOf(std::int16_t low, std::int16_t high) {
     return roundTo<std::int32_t>((high - low) / 100.0 * 50 + low);
-}
-
-std::int16_t scaled(double t, int colour) {
-    return roundInRange<std::int16_t>(t * colour);
 }
 
 } // namespace
@@ -176,11 +182,9 @@ void Class_Pattern::FF1(std::uint8_t type, std::uint8_t combination, std::int16_
             std::vector<double> t(static_cast<std::size_t>(end - first));
             waves.row(combination, y, first, end, t.data());
             checkCombined(t);
-            for (std::size_t i = 0; i < t.size(); ++i) {
-                p.red[i] = scaled(t[i], red);
-                p.green[i] = scaled(t[i], green);
-                p.blue[i] = scaled(t[i], blue);
-            }
+            scaleRow(t, red, p.red);
+            scaleRow(t, green, p.green);
+            scaleRow(t, blue, p.blue);
         });
     });
 }
@@ -208,8 +212,7 @@ void Class_Pattern::FF2(std::uint8_t type, std::uint8_t combination, std::int16_
             for (std::size_t c = 0; c < 3; ++c) {
                 channels[c].row(combination, y, first, end, t.data());
                 checkCombined(t);
-                for (std::size_t i = 0; i < t.size(); ++i)
-                    out[c][i] = scaled(t[i], 255);
+                scaleRow(t, 255, out[c]);
             }
         });
     });

@@ -2,6 +2,7 @@
 #include "effects/texture/pattern/pattern_frame.h"
 
 #include <array>
+#include <span>
 #include <vector>
 
 namespace lumiran {
@@ -84,13 +85,18 @@ void Class_Pattern::Smoke(std::uint8_t type, std::uint8_t form, std::int16_t lef
                 for (std::size_t i = 0; i < count; ++i)
                     t[i] = colour.level(across[i] * down);
                 // Within 0..1 a level times a 16-bit colour stays in range.
-                for (const double v : t) {
-                    if (v != v) throw EffectError::overflow();
-                }
-                for (std::size_t i = 0; i < count; ++i) {
-                    p.red[i] = roundInRange<std::int16_t>(t[i] * red);
-                    p.green[i] = roundInRange<std::int16_t>(t[i] * green);
-                    p.blue[i] = roundInRange<std::int16_t>(t[i] * blue);
+                bool notANumber = false;
+                for (const double v : t)
+                    notANumber |= v != v;
+                if (notANumber) throw EffectError::overflow();
+                const double* __restrict levels = t.data();
+                const int colours[3] = {red, green, blue};
+                const std::span<std::int16_t> out[3] = {p.red, p.green, p.blue};
+                for (std::size_t c = 0; c < 3; ++c) {
+                    std::int16_t* __restrict values = out[c].data();
+                    const int colourOf = colours[c];
+                    for (std::size_t i = 0; i < count; ++i)
+                        values[i] = roundInRange<std::int16_t>(levels[i] * colourOf);
                 }
             });
             return;

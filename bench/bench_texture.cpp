@@ -86,6 +86,58 @@ void BM_Pattern_ColorSway1(benchmark::State& state) {
 }
 BENCHMARK(BM_Pattern_ColorSway1)->Unit(benchmark::kMillisecond);
 
+void BM_Pattern_ColorSway(benchmark::State& state) {
+    const auto sway = static_cast<int>(state.range(0));
+    patternPass(state, [sway](Class_Pattern& e) {
+        const auto call = sway == 2   ? &Class_Pattern::Color_Sway2
+                          : sway == 3 ? &Class_Pattern::Color_Sway3
+                                      : &Class_Pattern::Color_Sway4;
+        (e.*call)(0, 0, 0, 0, Side, Side, 138, 170, 128, 170, 118, 170);
+    });
+}
+BENCHMARK(BM_Pattern_ColorSway)->Arg(2)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_FF1(benchmark::State& state) {
+    patternPass(state,
+                [](Class_Pattern& e) { e.FF1(0, 0, 0, 0, Side, Side, 40, 60, 255, 128, 64, 0); });
+}
+BENCHMARK(BM_Pattern_FF1)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_FF2(benchmark::State& state) {
+    patternPass(state,
+                [](Class_Pattern& e) { e.FF2(0, 0, 0, 0, Side, Side, 40, 60, 50, 70, 60, 80, 0); });
+}
+BENCHMARK(BM_Pattern_FF2)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_FF3(benchmark::State& state) {
+    patternPass(state, [](Class_Pattern& e) {
+        e.FF3(0, 0, 0, 0, Side, Side, 138, 170, 128, 170, 118, 170, 2);
+    });
+}
+BENCHMARK(BM_Pattern_FF3)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_ColorTile2(benchmark::State& state) {
+    patternPass(state, [](Class_Pattern& e) {
+        e.ColorTile2(0, 0, 0, Side, Side, 128, 128, 255, 10, 40, 32, 2, 5);
+    });
+}
+BENCHMARK(BM_Pattern_ColorTile2)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_CheckedPattern(benchmark::State& state) {
+    const auto operation = static_cast<std::uint8_t>(state.range(0));
+    patternPass(state, [operation](Class_Pattern& e) {
+        e.CheckedPattern(true, 16, 16, 0, 0, Side, Side, operation);
+    });
+}
+BENCHMARK(BM_Pattern_CheckedPattern)->Arg(0)->Arg(8)->Unit(benchmark::kMillisecond);
+
+void BM_Pattern_SmokeRandom(benchmark::State& state) {
+    patternPass(state, [](Class_Pattern& e) {
+        e.Smoke(0, 0, 0, 0, Side, Side, 12, 42, 118, 128, 138, 2, true);
+    });
+}
+BENCHMARK(BM_Pattern_SmokeRandom)->Unit(benchmark::kMillisecond);
+
 void BM_Pattern_SinLight(benchmark::State& state) {
     patternPass(state, [](Class_Pattern& e) {
         e.Smoke(0, 0, 0, 0, Side, Side, 12, 42, 118, 128, 138, 2, false);

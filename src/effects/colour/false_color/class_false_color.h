@@ -1,5 +1,6 @@
 #pragma once
 
+#include "effects/colour/false_color/tone_tables.h"
 #include "engine/pixel_frame.h"
 
 #include <cstdint>
@@ -57,6 +58,19 @@ class Class_FalseColor : public PixelFrame {
                         std::int16_t bottom);
 
   private:
+    // The recolourings' loop where the calculation type does not blend: the
+    // tables over every row, rows on all cores. Returns false where it
+    // blends, for the caller's rule per pixel.
+    bool recolour(const ProcessRect& rect, ToneKey key, const ToneTables& tables) {
+        if (calculationFlag() > 0) return false;
+        SetProgressRange(rect.top, rect.bottom);
+        forEachRow(rect, [&](int y, int first, int end) {
+            applyToneTables(ImageBits.row(y).subspan(static_cast<std::size_t>(first),
+                                                     static_cast<std::size_t>(end - first)),
+                            key, tables);
+        });
+        return true;
+    }
     void tint(bool blue, std::uint8_t type, std::int16_t adjust, std::uint8_t choice,
               const ProcessRect& rect);
     template <typename Colour>

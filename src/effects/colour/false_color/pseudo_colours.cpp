@@ -1,9 +1,11 @@
+#include "effects/colour/channel_lookup.h"
 #include "effects/colour/color_op_support.h"
 #include "effects/colour/colour_selector.h"
 #include "effects/colour/false_color/class_false_color.h"
 #include "effects/colour/false_color/pseudo_colour_bands.h"
 #include "engine/colour_models.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -28,17 +30,20 @@ using GreyTables = std::array<std::array<int, 256>, 3>;
 void Class_FalseColor::FalseColor(std::int16_t left, std::int16_t top, std::int16_t right,
                                   std::int16_t bottom, std::uint8_t type) {
     guarded([&] {
-        // One result per grey, so the loop is a lookup; a table per channel
-        // so that the lookups vectorise as gathers.
+        // One result per grey, so the loop is a lookup.
+        ToneTables tables;
         GreyTables byGrey{};
         for (int y = 0; y < 256; ++y) {
             const BandOffsets offsets = pseudoColourOffsets(type, y);
-            for (std::size_t c = 0; c < 3; ++c)
+            for (std::size_t c = 0; c < 3; ++c) {
                 byGrey[c][static_cast<std::size_t>(y)] = y + offsets[c];
+                tables.set(c, y, wrap16(y + offsets[c]));
+            }
         }
-        mapPixels<ResultTail::Clamp>({left, top, right, bottom}, [&byGrey](int r, int g, int b) {
-            const auto y =
-                static_cast<std::size_t>(roundInRange<int>(0.587 * g + 0.299 * r + 0.114 * b));
+        const ProcessRect rect{left, top, right, bottom};
+        if (recolour(rect, ToneKey::PseudoGrey, tables)) return;
+        mapPixels<ResultTail::Clamp>(rect, [&byGrey](int r, int g, int b) {
+            const auto y = static_cast<std::size_t>(pseudoGrey(r, g, b));
             return Channels{byGrey[0][y], byGrey[1][y], byGrey[2][y]}.fields();
         });
     });
@@ -51,14 +56,21 @@ void Class_FalseColor::FluorescenceRevision(std::uint8_t type, std::int16_t adju
         const auto& offsets = FluorescentOffsets[type < FluorescentOffsets.size() ? type : 0];
         // 255 + adjust - 2 R' for each grey of the complements.
         GreyTables shift{};
+        ToneTables tables;
+        // A sum that can leave 16 bits wraps before the clamp: no table.
+        bool wraps = false;
         for (int y = 0; y < 256; ++y) {
             const double e = y / 255.0 * (255 - adjust);
             for (std::size_t c = 0; c < 3; ++c) {
-                shift[c][static_cast<std::size_t>(y)] =
-                    255 + adjust - 2 * roundTo<std::int16_t>(e + offsets[c]);
+                const int s = 255 + adjust - 2 * roundTo<std::int16_t>(e + offsets[c]);
+                shift[c][static_cast<std::size_t>(y)] = s;
+                tables.shift(c, y, s);
+                wraps = wraps || s < -32768 || s > 32767 - 255;
             }
         }
-        mapPixels<ResultTail::Clamp>({left, top, right, bottom}, [&shift](int r, int g, int b) {
+        const ProcessRect rect{left, top, right, bottom};
+        if (!wraps && recolour(rect, ToneKey::ComplementLuma, tables)) return;
+        mapPixels<ResultTail::Clamp>(rect, [&shift](int r, int g, int b) {
             const auto y = static_cast<std::size_t>(luminanceY(255 - r, 255 - g, 255 - b));
             return Channels{r + shift[0][y], g + shift[1][y], b + shift[2][y]}.fields();
         });
@@ -82,21 +94,25 @@ void Class_FalseColor::Retrospection(std::uint8_t form, double adjust, std::uint
             }
             byGrey[static_cast<std::size_t>(y)] = c;
         }
-        if (selector == 0) {
-            GreyTables tables{};
-            for (std::size_t y = 0; y < 256; ++y) {
-                tables[0][y] = byGrey[y].red;
-                tables[1][y] = byGrey[y].green;
-                tables[2][y] = byGrey[y].blue;
-            }
-            mapPixels<ResultTail::Clamp>(
-                {left, top, right, bottom}, [&tables](int r, int g, int b) {
-                    const auto y = static_cast<std::size_t>(luminanceY(255 - r, 255 - g, 255 - b));
-                    return Channels{tables[0][y], tables[1][y], tables[2][y]}.fields();
-                });
-            return;
-        }
         const ChannelMask selected = selectedChannels(selector);
+        if (selector != BrightnessSelector) {
+            ToneTables tables;
+            const ChannelMask masks[3] = {Red, Green, Blue};
+            for (std::size_t c = 0; c < 3; ++c) {
+                if (!(selected & masks[c])) {
+                    tables.keep(c);
+                    continue;
+                }
+                for (int y = 0; y < 256; ++y) {
+                    const Channels& level = byGrey[static_cast<std::size_t>(y)];
+                    tables.set(c, y,
+                               wrap16(c == 0   ? level.red
+                                      : c == 1 ? level.green
+                                               : level.blue));
+                }
+            }
+            if (recolour({left, top, right, bottom}, ToneKey::ComplementLuma, tables)) return;
+        }
         mapPixels<ResultTail::Clamp>(
             {left, top, right, bottom}, [&byGrey, selected, selector](int r, int g, int b) {
                 const Channels c =
@@ -132,6 +148,22 @@ void Class_FalseColor::Color_Adjusten(std::uint8_t, std::uint8_t type, std::int1
                 return t;
             };
             const auto reds = table(red), greens = table(green), blues = table(blue);
+            if (calculationFlag() == 0) {
+                ChannelLookup lookup;
+                for (std::size_t c = 0; c < 256; ++c) {
+                    lookup.red[c] = static_cast<std::uint8_t>(std::clamp<int>(reds[c], 0, 255));
+                    lookup.green[c] = static_cast<std::uint8_t>(std::clamp<int>(greens[c], 0, 255));
+                    lookup.blue[c] = static_cast<std::uint8_t>(std::clamp<int>(blues[c], 0, 255));
+                }
+                SetProgressRange(rect.top, rect.bottom);
+                forEachRow(rect, [&](int y, int first, int end) {
+                    applyChannelLookup(
+                        ImageBits.row(y).subspan(static_cast<std::size_t>(first),
+                                                 static_cast<std::size_t>(end - first)),
+                        lookup);
+                });
+                return;
+            }
             mapPixels<ResultTail::Clamp>(rect, [&](int r, int g, int b) {
                 return Rgb16{reds[static_cast<std::size_t>(r)], greens[static_cast<std::size_t>(g)],
                              blues[static_cast<std::size_t>(b)]};
@@ -139,6 +171,13 @@ void Class_FalseColor::Color_Adjusten(std::uint8_t, std::uint8_t type, std::int1
             return;
         }
         const int times = type;
+        ToneTables tables;
+        for (int y = 0; y < 256; ++y) {
+            tables.set(0, y, wrap16(std::abs(red - y) * times));
+            tables.set(1, y, wrap16(std::abs(green - y) * times));
+            tables.set(2, y, wrap16(std::abs(blue - y) * times));
+        }
+        if (recolour(rect, ToneKey::Luma, tables)) return;
         mapPixels<ResultTail::Clamp>(rect, [=](int r, int g, int b) {
             const int y = luminanceY(r, g, b);
             return Channels{std::abs(red - y) * times, std::abs(green - y) * times,

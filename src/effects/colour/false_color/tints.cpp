@@ -84,28 +84,28 @@ void Class_FalseColor::tint(bool blue, std::uint8_t type, std::int16_t adjust, s
         table[key] = type == 0 ? typeZeroLevels(static_cast<int>(key), adjust)
                                : complementLevels(type, static_cast<int>(key), adjust);
     }
-    // The usual case, the plain choice with no level overflowing: one
-    // table per result channel, so the loop vectorises as gathers.
+    // Without a level overflowing, each channel is the tint's level or the
+    // source's by a table of the key; the lightness choice stays per pixel.
     const bool overflows = std::ranges::any_of(table, &TintLevels::overflow);
-    if (choice == 0 && !overflows) {
-        std::array<std::vector<int>, 3> channels;
-        for (auto& c : channels)
-            c.reserve(table.size());
-        for (const TintLevels& levels : table) {
-            const Rgb16 v = assign(blue, type, levels);
-            channels[0].push_back(v.red);
-            channels[1].push_back(v.green);
-            channels[2].push_back(v.blue);
+    if (!overflows && choice != 1) {
+        ToneTables tables;
+        for (std::size_t key = 0; key < table.size(); ++key) {
+            const Rgb16 v = assign(blue, type, table[key]);
+            const int k = static_cast<int>(key);
+            tables.set(0, k, v.red);
+            tables.set(1, k, v.green);
+            tables.set(2, k, v.blue);
         }
-        const int* reds = channels[0].data();
-        const int* greens = channels[1].data();
-        const int* blues = channels[2].data();
-        mapPixels<ResultTail::Clamp>(rect, [=](int r, int g, int b) {
-            const auto key = static_cast<std::size_t>(
-                type == 0 ? 510 - b - g : luminanceY(255 - r, 255 - g, 255 - b));
-            return Channels{reds[key], greens[key], blues[key]}.fields();
-        });
-        return;
+        // Choices 2..4 keep the source but in red, green or blue.
+        if (choice >= 2 && choice <= 4) {
+            for (std::size_t c = 0; c < 3; ++c) {
+                if (c != static_cast<std::size_t>(choice - 2)) tables.keep(c);
+            }
+        }
+        if (recolour(rect, type == 0 ? ToneKey::GreenBlueDeficit : ToneKey::ComplementLuma,
+                     tables)) {
+            return;
+        }
     }
     mapPixels<ResultTail::Clamp>(
         rect, [&table, blue, type, choice](int, int, int& r, int& g, int& b) {

@@ -152,6 +152,16 @@ class Class_Pattern : public PixelFrame {
     // the three channels, which the weight blend mixes with the source.
     template <RowOrder Order = RowOrder::AnyOrder, typename Pattern>
     void blendPattern(const ProcessRect& rect, std::int16_t weight, Pattern&& pattern);
+    // The same a row at a time: fillRow(y, first, end, colours) gives P for
+    // the columns first..end-1 of row y, from tables of the row and the
+    // columns where it can; the blends then run over the row in one loop.
+    template <RowOrder Order = RowOrder::AnyOrder, typename FillRow>
+    void blendPatternRows(const ProcessRect& rect, std::int16_t weight, FillRow&& fillRow);
+    // The weight blend and the post-step over a row, p holding the row's
+    // red, green and blue pattern values one after the other.
+    template <bool Blend>
+    void blendRow(Pixel* __restrict row, const std::int16_t* __restrict p, int count,
+                  int weight) const;
     // The banded effects: rowMeasure(y, first, end, m) gives m for the
     // columns first..end-1 of row y, whole numbers in floating point whose
     // range the caller has checked; each goes through the band rule of the

@@ -3,6 +3,8 @@
 #include "effects/texture/pattern/pattern_frame.h"
 
 #include <algorithm>
+#include <span>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -38,30 +40,129 @@ WavePair wavesOf(std::uint8_t type, double dx, double dy, double h, double v) {
     }
 }
 
-// 0..1 from the pair: 0 the product, 1 the sum, 2 the difference, 3 the
-// larger, 4 the smaller.
-double combined(std::uint8_t combination, const WavePair& w) {
+// Sines and cosines of one axis's offsets from the centre over a period,
+// once a column or a row: types 0..3 pair them without a wave per pixel.
+struct AxisWaves {
+    std::vector<double> sine;
+    std::vector<double> cosine;
+};
+
+AxisWaves axisWaves(int first, int end, double centre, double period) {
+    AxisWaves w;
+    for (int v = first; v < end; ++v) {
+        const double angle = (v - centre) * Pi / period;
+        w.sine.push_back(std::sin(angle));
+        w.cosine.push_back(std::cos(angle));
+    }
+    return w;
+}
+
+// 0..1 from the pair, for a row of pairs: 0 the product, 1 the sum, 2 the
+// difference, 3 the larger, 4 the smaller. One loop per combination.
+template <typename PairAt>
+void combineRow(std::uint8_t combination, int count, double* __restrict t, PairAt pairAt) {
     switch (combination) {
     case 1:
-        return (w.a + w.b + 2) / 4;
+        for (int i = 0; i < count; ++i) {
+            const WavePair w = pairAt(i);
+            t[i] = (w.a + w.b + 2) / 4;
+        }
+        return;
     case 2:
-        return std::abs(w.a - w.b) / 2;
+        for (int i = 0; i < count; ++i) {
+            const WavePair w = pairAt(i);
+            t[i] = std::abs(w.a - w.b) / 2;
+        }
+        return;
     case 3:
-        return (std::max(w.a, w.b) + 1) / 2;
+        for (int i = 0; i < count; ++i) {
+            const WavePair w = pairAt(i);
+            t[i] = (std::max(w.a, w.b) + 1) / 2;
+        }
+        return;
     case 4:
-        return (std::min(w.a, w.b) + 1) / 2;
+        for (int i = 0; i < count; ++i) {
+            const WavePair w = pairAt(i);
+            t[i] = (std::min(w.a, w.b) + 1) / 2;
+        }
+        return;
     default:
-        return (w.a * w.b + 1) / 2;
+        for (int i = 0; i < count; ++i) {
+            const WavePair w = pairAt(i);
+            t[i] = (w.a * w.b + 1) / 2;
+        }
+        return;
     }
+}
+
+// The combined waves of one type a row at a time. Types 0..3 pair one wave
+// of each axis: from tables of the columns and the rows, no wave per pixel.
+class CycleWaves {
+  public:
+    CycleWaves(std::uint8_t type, double cx, double cy, double h, double v, int firstColumn,
+               int endColumn, int firstRow, int endRow)
+        : type_(type), cx_(cx), cy_(cy), h_(h), v_(v), firstColumn_(firstColumn),
+          firstRow_(firstRow) {
+        if (type_ < 4) {
+            across_ = axisWaves(firstColumn, endColumn, cx, h);
+            down_ = axisWaves(firstRow, endRow, cy, v);
+        }
+    }
+
+    // t for the columns first..end-1 of row y.
+    void row(std::uint8_t combination, int y, int first, int end, double* t) const {
+        const int count = end - first;
+        if (type_ >= 4) {
+            return combineRow(combination, count, t, [&](int i) {
+                return wavesOf(type_, first + i - cx_, y - cy_, h_, v_);
+            });
+        }
+        const auto i0 = static_cast<std::size_t>(first - firstColumn_);
+        const auto j = static_cast<std::size_t>(y - firstRow_);
+        const double* as = across_.sine.data() + i0;
+        const double* ac = across_.cosine.data() + i0;
+        const double ds = down_.sine[j], dc = down_.cosine[j];
+        switch (type_) {
+        case 0:
+            return combineRow(combination, count, t, [&](int i) { return WavePair{as[i], ds}; });
+        case 1:
+            return combineRow(combination, count, t, [&](int i) { return WavePair{ac[i], dc}; });
+        case 2:
+            return combineRow(combination, count, t, [&](int i) { return WavePair{as[i], dc}; });
+        default:
+            return combineRow(combination, count, t, [&](int i) {
+                return WavePair{(as[i] + dc) / 2, (ac[i] + ds) / 2};
+            });
+        }
+    }
+
+  private:
+    std::uint8_t type_;
+    double cx_, cy_, h_, v_;
+    int firstColumn_, firstRow_;
+    AxisWaves across_, down_;
+};
+
+// t is NaN (a period of 0) or within 0..1, so t times a 16-bit colour stays
+// in range; NaN is the conversion's overflow error.
+void checkCombined(const std::vector<double>& t) {
+    bool notANumber = false;
+    for (const double v : t)
+        notANumber |= v != v;
+    if (notANumber) throw EffectError::overflow();
+}
+
+// A row of t times a colour into one channel's values.
+void scaleRow(const std::vector<double>& t, int colour, std::span<std::int16_t> out) {
+    const double* __restrict in = t.data();
+    std::int16_t* __restrict values = out.data();
+    for (std::size_t i = 0; i < t.size(); ++i)
+        values[i] = roundInRange<std::int16_t>(in[i] * colour);
 }
 
 // A centre at 50 percent of the rectangle, as FF4 places it.
 double centreOf(std::int16_t low, std::int16_t high) {
     return roundTo<std::int32_t>((high - low) / 100.0 * 50 + low);
-}
-
-std::int16_t scaled(double t, int colour) {
-    return roundTo<std::int16_t>(t * colour);
 }
 
 } // namespace
@@ -73,10 +174,17 @@ void Class_Pattern::FF1(std::uint8_t type, std::uint8_t combination, std::int16_
     guarded([&] {
         const double cx = centreOf(left, right);
         const double cy = centreOf(top, bottom);
-        blendPattern({left, top, right, bottom}, weight, [&](int x, int y) {
-            const double t =
-                combined(combination, wavesOf(type, x - cx, y - cy, horizontal, vertical));
-            return Rgb16{scaled(t, red), scaled(t, green), scaled(t, blue)};
+        const ProcessRect rect{left, top, right, bottom};
+        const Span s = spanOf(rect);
+        const CycleWaves waves(type, cx, cy, horizontal, vertical, s.firstColumn, s.endColumn,
+                               s.firstRow, s.endRow);
+        blendPatternRows(rect, weight, [&](int y, int first, int end, pattern::RowColours p) {
+            std::vector<double> t(static_cast<std::size_t>(end - first));
+            waves.row(combination, y, first, end, t.data());
+            checkCombined(t);
+            scaleRow(t, red, p.red);
+            scaleRow(t, green, p.green);
+            scaleRow(t, blue, p.blue);
         });
     });
 }
@@ -90,13 +198,22 @@ void Class_Pattern::FF2(std::uint8_t type, std::uint8_t combination, std::int16_
     guarded([&] {
         const double cx = centreOf(left, right);
         const double cy = centreOf(top, bottom);
-        blendPattern({left, top, right, bottom}, weight, [&](int x, int y) {
-            const auto channel = [&](double h, double v) {
-                return scaled(combined(combination, wavesOf(type, x - cx, y - cy, h, v)), 255);
-            };
-            return Rgb16{channel(redHorizontal, redVertical),
-                         channel(greenHorizontal, greenVertical),
-                         channel(blueHorizontal, blueVertical)};
+        const ProcessRect rect{left, top, right, bottom};
+        const Span s = spanOf(rect);
+        auto wavesWith = [&](double h, double v) {
+            return CycleWaves(type, cx, cy, h, v, s.firstColumn, s.endColumn, s.firstRow, s.endRow);
+        };
+        const CycleWaves channels[3] = {wavesWith(redHorizontal, redVertical),
+                                        wavesWith(greenHorizontal, greenVertical),
+                                        wavesWith(blueHorizontal, blueVertical)};
+        blendPatternRows(rect, weight, [&](int y, int first, int end, pattern::RowColours p) {
+            std::vector<double> t(static_cast<std::size_t>(end - first));
+            const std::span<std::int16_t> out[3] = {p.red, p.green, p.blue};
+            for (std::size_t c = 0; c < 3; ++c) {
+                channels[c].row(combination, y, first, end, t.data());
+                checkCombined(t);
+                scaleRow(t, 255, out[c]);
+            }
         });
     });
 }

@@ -3,10 +3,13 @@
 // The per-pixel frame of Class_Pattern's colour fields: the weight blend and
 // the band rule. Included by the units of its operations.
 #include "effects/texture/pattern/class_pattern.h"
+#include "effects/texture/pattern/weight_blend_row.h"
 #include "engine/numeric.h"
 
 #include <cmath>
 #include <cstdlib>
+#include <memory>
+#include <span>
 #include <vector>
 
 namespace lumiran {
@@ -67,6 +70,13 @@ class Bands {
 // them: std::sqrt may set errno, so the compiler keeps it scalar.
 void squareRoots(const double* in, double* out, int count);
 
+// A row of pattern values P, one span per channel.
+struct RowColours {
+    std::span<std::int16_t> red;
+    std::span<std::int16_t> green;
+    std::span<std::int16_t> blue;
+};
+
 // A value of 0 raised to 1, as the banded effects take x and y.
 [[nodiscard]] inline int atLeastOne(int v) {
     return v == 0 ? 1 : v;
@@ -85,6 +95,46 @@ void Class_Pattern::blendPattern(const ProcessRect& rect, std::int16_t weight, P
         });
 }
 
+template <RowOrder Order, typename FillRow>
+void Class_Pattern::blendPatternRows(const ProcessRect& rect, std::int16_t weight,
+                                     FillRow&& fillRow) {
+    SetProgressRange(rect.top, rect.bottom);
+    const bool blend = calculationFlag() > 0;
+    forEachRow<Order>(rect, [&](int y, int first, int end) {
+        const auto count = static_cast<std::size_t>(end - first);
+        // Every value is written by fillRow: no clearing.
+        const auto colours = std::make_unique_for_overwrite<std::int16_t[]>(3 * count);
+        pattern::RowColours p{{colours.get(), count},
+                              {colours.get() + count, count},
+                              {colours.get() + 2 * count, count}};
+        fillRow(y, first, end, p);
+        Pixel* row = ImageBits.row(y).data() + first;
+        if (blend) {
+            blendRow<true>(row, colours.get(), static_cast<int>(count), weight);
+        } else {
+            blendRow<false>(row, colours.get(), static_cast<int>(count), weight);
+        }
+    });
+}
+
+template <bool Blend>
+void Class_Pattern::blendRow(Pixel* __restrict row, const std::int16_t* __restrict p, int count,
+                             int weight) const {
+    if constexpr (!Blend) {
+        pattern::blendRowClamped(row, p, count, weight);
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        const Pixel source = row[i];
+        const int r = redOf(source), g = greenOf(source), b = blueOf(source);
+        const Rgb16 v{pattern::weightBlend(p[i], r, weight),
+                      pattern::weightBlend(p[count + i], g, weight),
+                      pattern::weightBlend(p[2 * count + i], b, weight)};
+        const Rgb16 out = endPixel<ResultTail::Clamp, Blend>(r, g, b, v);
+        row[i] = withColour(source, out.red, out.green, out.blue);
+    }
+}
+
 template <typename RowMeasure>
 void Class_Pattern::paintBands(const ProcessRect& rect, int period, std::uint8_t red,
                                std::uint8_t green, std::uint8_t blue, std::int16_t weight,
@@ -96,14 +146,15 @@ void Class_Pattern::paintBands(const ProcessRect& rect, int period, std::uint8_t
     if (period == 0) throw EffectError::divisionByZero();
     const bool blend = calculationFlag() > 0;
     forEachRow(rect, [&](int y, int first, int end) {
-        std::vector<double> m(static_cast<std::size_t>(end - first));
-        rowMeasure(y, first, end, m.data());
+        const auto m =
+            std::make_unique_for_overwrite<double[]>(static_cast<std::size_t>(end - first));
+        rowMeasure(y, first, end, m.get());
         Pixel* row = ImageBits.row(y).data() + first;
         const pattern::Bands bands(period, red, green, blue, weight);
         if (blend) {
-            paintBandRow<true>(bands, row, m.data(), end - first);
+            paintBandRow<true>(bands, row, m.get(), end - first);
         } else {
-            paintBandRow<false>(bands, row, m.data(), end - first);
+            paintBandRow<false>(bands, row, m.get(), end - first);
         }
     });
 }
@@ -118,27 +169,28 @@ void Class_Pattern::paintBandRow(const pattern::Bands& shared, Pixel* __restrict
     const double period = shared.period();
     const double step = shared.step();
     const double c0 = shared.colour(0), c1 = shared.colour(1), c2 = shared.colour(2);
-    std::vector<std::int32_t> colours(static_cast<std::size_t>(count) * 3);
-    std::int32_t* __restrict p = colours.data();
+    // The weight blend keeps the low 16 bits of its products, so 16-bit
+    // values give the same blends.
+    const auto colours =
+        std::make_unique_for_overwrite<std::int16_t[]>(static_cast<std::size_t>(count) * 3);
+    std::int16_t* __restrict p = colours.get();
+    const double inverse = 1 / period;
     for (int i = 0; i < count; ++i) {
         const double whole = pattern::roundedWhole(m[i]);
-        // The quotient truncated through a 64-bit integer: std::trunc keeps
-        // the compiler from vectorising.
-        const double quotient = static_cast<double>(static_cast<std::int64_t>(whole / period));
+        // The truncated quotient through a 64-bit integer (std::trunc keeps
+        // the compiler from vectorising), from the product with the
+        // reciprocal, which is at most one off: moved so that the residue
+        // takes the sign of the measure and stays below the period.
+        double quotient = static_cast<double>(static_cast<std::int64_t>(whole * inverse));
+        const double rest = whole - period * quotient;
+        const double toward = (whole < 0) != (period < 0) ? -1.0 : 1.0;
+        quotient += std::abs(rest) >= std::abs(period) ? toward : 0.0;
+        quotient -= rest != 0 && (rest < 0) != (whole < 0) ? toward : 0.0;
         const double residue = whole - period * quotient;
-        p[i] = roundInRange<std::int32_t>(std::abs(c0 - step * residue));
-        p[count + i] = roundInRange<std::int32_t>(std::abs(c1 - step * residue));
-        p[2 * count + i] = roundInRange<std::int32_t>(std::abs(c2 - step * residue));
+        p[i] = wrap16(roundInRange<std::int32_t>(std::abs(c0 - step * residue)));
+        p[count + i] = wrap16(roundInRange<std::int32_t>(std::abs(c1 - step * residue)));
+        p[2 * count + i] = wrap16(roundInRange<std::int32_t>(std::abs(c2 - step * residue)));
     }
-    const int weight = shared.weight();
-    for (int i = 0; i < count; ++i) {
-        const Pixel source = row[i];
-        const int r = redOf(source), g = greenOf(source), b = blueOf(source);
-        const Rgb16 v{pattern::weightBlend(p[i], r, weight),
-                      pattern::weightBlend(p[count + i], g, weight),
-                      pattern::weightBlend(p[2 * count + i], b, weight)};
-        const Rgb16 out = endPixel<ResultTail::Clamp, Blend>(r, g, b, v);
-        row[i] = withColour(source, out.red, out.green, out.blue);
-    }
+    blendRow<Blend>(row, p, count, shared.weight());
 }
 } // namespace lumiran

@@ -69,13 +69,19 @@ void Class_Pattern::ColorSpread(std::uint8_t type, std::int16_t left, std::int16
             // Green, (round(a + b) \ 2) mod 255, at every pixel; the ramps
             // are largest at one end, which bounds the sum's range.
             pattern::checkMeasure(largestOf(a) + largestOf(b));
-            blendPattern(rect, weight, [&](int x, int y) {
-                const int i = x - s.firstColumn;
+            blendPatternRows(rect, weight, [&](int y, int first, int end, pattern::RowColours p) {
                 const int j = y - s.firstRow;
-                const int g =
-                    static_cast<std::int32_t>(pattern::roundedWhole(a[i] + b[j])) / 2 % 255;
-                return Rgb16{static_cast<std::int16_t>(across[0][i]), static_cast<std::int16_t>(g),
-                             static_cast<std::int16_t>(down[2][j])};
+                const double rowRamp = b[j];
+                const auto blueOfRow = static_cast<std::int16_t>(down[2][j]);
+                const int* reds = across[0].data() + (first - s.firstColumn);
+                const double* ramp = a.data() + (first - s.firstColumn);
+                for (int i = 0; i < end - first; ++i) {
+                    p.red[i] = static_cast<std::int16_t>(reds[i]);
+                    p.green[i] = static_cast<std::int16_t>(
+                        static_cast<std::int32_t>(pattern::roundedWhole(ramp[i] + rowRamp)) / 2 %
+                        255);
+                    p.blue[i] = blueOfRow;
+                }
             });
             return;
         }
@@ -100,12 +106,16 @@ void Class_Pattern::ColorSpread(std::uint8_t type, std::int16_t left, std::int16
             std::fill(down[2].begin(), down[2].end(), blue);
             break;
         }
-        blendPattern(rect, weight, [&](int x, int y) {
-            const int i = x - s.firstColumn;
+        blendPatternRows(rect, weight, [&](int y, int first, int end, pattern::RowColours p) {
             const int j = y - s.firstRow;
-            return Rgb16{static_cast<std::int16_t>(across[0][i] + down[0][j]),
-                         static_cast<std::int16_t>(across[1][i] + down[1][j]),
-                         static_cast<std::int16_t>(across[2][i] + down[2][j])};
+            const std::span<std::int16_t> out[3] = {p.red, p.green, p.blue};
+            for (std::size_t c = 0; c < 3; ++c) {
+                const int* column = across[c].data() + (first - s.firstColumn);
+                const int row = down[c][j];
+                std::int16_t* __restrict values = out[c].data();
+                for (int i = 0; i < end - first; ++i)
+                    values[i] = static_cast<std::int16_t>(column[i] + row);
+            }
         });
     });
 }

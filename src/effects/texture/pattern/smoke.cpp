@@ -2,6 +2,8 @@
 #include "effects/texture/pattern/pattern_frame.h"
 
 #include <array>
+#include <span>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -35,12 +37,17 @@ struct SmokeColour {
     [[nodiscard]] Rgb16 at(int x, int y, double p1, double p2) const {
         const double first = (waves.firstAcross ? x : y) / p1;
         const double second = (waves.firstAcross ? y : x) / p2;
-        const double a = waves.firstSine ? std::sin(first) : std::cos(first);
-        const double b = waves.secondSine ? std::sin(second) : std::cos(second);
-        const double product = a * b;
-        const double t = form == 0 ? (product + 1) / 2 : product > DotLevel ? 1.0 : 0.0;
+        return ofWaves(waves.firstSine ? std::sin(first) : std::cos(first),
+                       waves.secondSine ? std::sin(second) : std::cos(second));
+    }
+    [[nodiscard]] Rgb16 ofWaves(double a, double b) const {
+        const double t = level(a * b);
         return {roundTo<std::int16_t>(t * red), roundTo<std::int16_t>(t * green),
                 roundTo<std::int16_t>(t * blue)};
+    }
+    // 0..1, or NaN where a period of 0 made the waves NaN.
+    [[nodiscard]] double level(double product) const {
+        return form == 0 ? (product + 1) / 2 : product > DotLevel ? 1.0 : 0.0;
     }
 };
 
@@ -54,8 +61,44 @@ void Class_Pattern::Smoke(std::uint8_t type, std::uint8_t form, std::int16_t lef
         const SmokeColour colour{SmokeTypes[type % SmokeTypes.size()], form, red, green, blue};
         const ProcessRect rect{left, top, right, bottom};
         if (!random) {
-            blendPattern(rect, weight,
-                         [&](int x, int y) { return colour.at(x, y, horizontal, vertical); });
+            // Each wave follows one axis: once a column and once a row.
+            const Span s = spanOf(rect);
+            const SmokeWaves w = colour.waves;
+            auto axis = [](int first, int end, double period, bool sine) {
+                std::vector<double> values;
+                for (int v = first; v < end; ++v)
+                    values.push_back(sine ? std::sin(v / period) : std::cos(v / period));
+                return values;
+            };
+            const double p1 = horizontal, p2 = vertical;
+            const std::vector<double> columns =
+                w.firstAcross ? axis(s.firstColumn, s.endColumn, p1, w.firstSine)
+                              : axis(s.firstColumn, s.endColumn, p2, w.secondSine);
+            const std::vector<double> rows = w.firstAcross
+                                                 ? axis(s.firstRow, s.endRow, p2, w.secondSine)
+                                                 : axis(s.firstRow, s.endRow, p1, w.firstSine);
+            blendPatternRows(rect, weight, [&](int y, int first, int end, pattern::RowColours p) {
+                const double down = rows[static_cast<std::size_t>(y - s.firstRow)];
+                const double* across = columns.data() + (first - s.firstColumn);
+                const auto count = static_cast<std::size_t>(end - first);
+                std::vector<double> t(count);
+                for (std::size_t i = 0; i < count; ++i)
+                    t[i] = colour.level(across[i] * down);
+                // Within 0..1 a level times a 16-bit colour stays in range.
+                bool notANumber = false;
+                for (const double v : t)
+                    notANumber |= v != v;
+                if (notANumber) throw EffectError::overflow();
+                const double* __restrict levels = t.data();
+                const int colours[3] = {red, green, blue};
+                const std::span<std::int16_t> out[3] = {p.red, p.green, p.blue};
+                for (std::size_t c = 0; c < 3; ++c) {
+                    std::int16_t* __restrict values = out[c].data();
+                    const int colourOf = colours[c];
+                    for (std::size_t i = 0; i < count; ++i)
+                        values[i] = roundInRange<std::int16_t>(levels[i] * colourOf);
+                }
+            });
             return;
         }
         // Two periods drawn for every pixel, in the order of the pixels.

@@ -149,4 +149,94 @@ Coordinates applyLaw(const SwayLaw& law, double x, double y, double amplitude, d
     return c;
 }
 
+SwayField::SwayField(const SwayLaw& law, double amplitude, double wave, int firstColumn,
+                     int endColumn)
+    : law_(law), amplitude_(amplitude), wave_(wave), firstColumn_(firstColumn) {
+    for (int x = firstColumn; x < endColumn; ++x) {
+        for (std::uint8_t s = 0; s < law.count; ++s) {
+            for (std::uint8_t t = 0; t < law.steps[s].count; ++t) {
+                const WaveTerm& w = law.steps[s].terms[t];
+                columnTerms_.push_back(w.of == Axis::X ? term(w, x) : 0);
+            }
+            for (std::uint8_t t = law.steps[s].count; t < 2; ++t)
+                columnTerms_.push_back(0);
+        }
+        for (std::uint8_t s = law.count; s < 3; ++s) {
+            columnTerms_.push_back(0);
+            columnTerms_.push_back(0);
+        }
+    }
+    // Which coordinates u and v depend on, step by step: x for u and y for
+    // v to begin with, then those of every term.
+    bool uOnY = false, vOnX = false;
+    for (std::uint8_t s = 0; s < law.count; ++s) {
+        const LawStep& step = law.steps[s];
+        bool onX = step.sets == Axis::U, onY = step.sets == Axis::V;
+        for (std::uint8_t t = 0; t < step.count; ++t) {
+            switch (step.terms[t].of) {
+            case Axis::X:
+                onX = true;
+                break;
+            case Axis::Y:
+                onY = true;
+                break;
+            case Axis::U:
+                onX = true;
+                onY = onY || uOnY;
+                break;
+            case Axis::V:
+                onY = true;
+                onX = onX || vOnX;
+                break;
+            }
+        }
+        if (step.sets == Axis::U) {
+            uOnY = onY;
+        } else {
+            vOnX = onX;
+        }
+    }
+    uFollowsX_ = !uOnY;
+    vFollowsY_ = !vOnX;
+}
+
+double SwayField::term(const WaveTerm& t, double of) const {
+    return amplitude_ * waveOf(t.wave, of * K / wave_);
+}
+
+SwayField::RowTerms SwayField::rowTerms(double y) const {
+    RowTerms row{};
+    for (std::uint8_t s = 0; s < law_.count; ++s) {
+        for (std::uint8_t t = 0; t < law_.steps[s].count; ++t) {
+            const WaveTerm& w = law_.steps[s].terms[t];
+            if (w.of == Axis::Y) row[s * 2u + t] = term(w, y);
+        }
+    }
+    return row;
+}
+
+Coordinates SwayField::at(int x, double y, const RowTerms& row) const {
+    const double* column = columnTerms_.data() + static_cast<std::size_t>(x - firstColumn_) * Terms;
+    Coordinates c{static_cast<double>(x), y};
+    for (std::uint8_t s = 0; s < law_.count; ++s) {
+        const LawStep& step = law_.steps[s];
+        double value = 0;
+        for (std::uint8_t t = 0; t < step.count; ++t) {
+            const WaveTerm& w = step.terms[t];
+            const std::size_t k = s * 2u + t;
+            const double v = w.of == Axis::X   ? column[k]
+                             : w.of == Axis::Y ? row[k]
+                             : w.of == Axis::U ? term(w, c.u)
+                                               : term(w, c.v);
+            value = value + v;
+        }
+        if (step.sets == Axis::U) {
+            c.u = value + x;
+        } else {
+            c.v = value + y;
+        }
+    }
+    return c;
+}
+
 } // namespace lumiran::pattern

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace lumiran::pattern {
 
@@ -39,5 +40,34 @@ struct Coordinates {
 };
 [[nodiscard]] Coordinates applyLaw(const SwayLaw& law, double x, double y, double amplitude,
                                    double wave);
+
+// applyLaw over a rectangle with the terms of x worked out once a column and
+// those of y once a row: only the terms of u and v remain per pixel.
+class SwayField {
+  public:
+    static constexpr std::size_t Terms = 6; // steps times terms a step
+
+    SwayField(const SwayLaw& law, double amplitude, double wave, int firstColumn, int endColumn);
+
+    // The law's terms of y for one row.
+    using RowTerms = std::array<double, Terms>;
+    [[nodiscard]] RowTerms rowTerms(double y) const;
+    [[nodiscard]] Coordinates at(int x, double y, const RowTerms& row) const;
+
+    // Whether u depends on x alone and v on y alone.
+    [[nodiscard]] bool uFollowsX() const { return uFollowsX_; }
+    [[nodiscard]] bool vFollowsY() const { return vFollowsY_; }
+
+  private:
+    [[nodiscard]] double term(const WaveTerm& t, double of) const;
+
+    SwayLaw law_;
+    double amplitude_;
+    double wave_;
+    int firstColumn_;
+    std::vector<double> columnTerms_;
+    bool uFollowsX_ = true;
+    bool vFollowsY_ = true;
+};
 
 } // namespace lumiran::pattern

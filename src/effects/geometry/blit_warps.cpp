@@ -144,6 +144,13 @@ bool blockFits(int x, int y, const Surface& picture) {
     return x >= 0 && y >= 0 && x <= picture.width() - 2 && y <= picture.height() - 2;
 }
 
+// Where a 2 x 2 block goes, and whether it lies wholly inside the target.
+struct BlockPlace {
+    int x = 0;
+    int y = 0;
+    bool fits = false;
+};
+
 // A 2 x 2 block from `from` (rows `stride` apart) onto the target at (x, y).
 void copyBlock(Surface& target, int x, int y, const Pixel* from, std::size_t stride) {
     Pixel* to = &target.at(x, y);
@@ -225,38 +232,71 @@ void Class_Geometry::Nebura(double radius, std::int16_t shift, std::int16_t left
         const int columns = (wrap16(right - left) + 1) / 2;
         SetProgressRange(0, std::max(columns, 0));
         std::vector<double> t, s, c;
+        std::vector<BlockPlace> places;
         const bool apart = source != target;
         const Pixel* from = source->pixels().data();
         const auto sourceWidth = static_cast<std::size_t>(source->width());
+        const auto targetWidth = static_cast<std::size_t>(target->width());
         for (int x = left; x < right; x += 2) {
             const double dx = x - cx;
-            // Blocks wholly inside both pictures are copied here; the
-            // others go through BitBlt, which clips them.
-            const bool sourceColumnsFit = apart && x >= 0 && x + 2 <= source->width();
             t.clear();
             for (int y = top; y < bottom; y += 2) {
                 const double dy = y - cy;
                 t.push_back(std::sqrt(dx * dx + dy * dy) / (radius / 4) / GeometryPi);
             }
-            s.resize(t.size());
-            c.resize(t.size());
+            const std::size_t n = t.size();
+            s.resize(n);
+            c.resize(n);
             trig::sinCos(t, s, c);
-            for (std::size_t k = 0; k < t.size(); ++k) {
-                const int y = top + 2 * static_cast<int>(k);
-                const double dy = y - cy;
-                double mx = dx * s[k] + cx - dy * c[k] + shift;
-                double my = dx * c[k] + cy + dy * s[k] + shift * 0.5;
-                mx = mx > lastColumn ? lastColumn : mx < left ? left : mx;
-                my = my > lastRow ? lastRow : my < top ? top : my;
-                const int tx = roundTo<std::int32_t>(mx), ty = roundTo<std::int32_t>(my);
-                if (blockFits(tx, ty, *target) && sourceColumnsFit && y >= 0 &&
-                    y + 2 <= source->height()) {
-                    copyBlock(*target, tx, ty, from + static_cast<std::size_t>(y) * sourceWidth + x,
-                              sourceWidth);
-                } else {
-                    BitBlt(*target, tx, ty, 2, 2, *source, x, y, SRCCOPY);
-                }
+            // The places of the column's blocks first, then the copies: the
+            // copies wait on memory, and knowing the places lets them be
+            // fetched ahead.
+            for (std::size_t k = 0; k < n; ++k) {
+                const double dy = top + 2 * static_cast<double>(k) - cy;
+                const double mx = dx * s[k] + cx - dy * c[k] + shift;
+                const double my = dx * c[k] + cy + dy * s[k] + shift * 0.5;
+                s[k] = mx > lastColumn ? lastColumn : mx < left ? left : mx;
+                c[k] = my > lastRow ? lastRow : my < top ? top : my;
             }
+            places.resize(n);
+            // Blocks wholly inside both pictures are copied here; the
+            // others go through BitBlt, which clips them.
+            const bool sourceColumnsFit = apart && x >= 0 && x + 2 <= source->width();
+            const auto draw = [&](std::size_t count) {
+                constexpr std::size_t Ahead = 8;
+                for (std::size_t k = 0; k < count; ++k) {
+                    if (k + Ahead < count && places[k + Ahead].fits) {
+                        const BlockPlace& next = places[k + Ahead];
+                        const std::size_t at =
+                            static_cast<std::size_t>(next.y) * targetWidth + next.x;
+                        __builtin_prefetch(target->pixels().data() + at, 1);
+                        __builtin_prefetch(target->pixels().data() + at + targetWidth, 1);
+                    }
+                    const int y = top + 2 * static_cast<int>(k);
+                    const BlockPlace& place = places[k];
+                    if (place.fits && sourceColumnsFit && y >= 0 && y + 2 <= source->height()) {
+                        copyBlock(*target, place.x, place.y,
+                                  from + static_cast<std::size_t>(y) * sourceWidth + x,
+                                  sourceWidth);
+                    } else {
+                        BitBlt(*target, place.x, place.y, 2, 2, *source, x, y, SRCCOPY);
+                    }
+                }
+            };
+            std::size_t ready = 0;
+            try {
+                for (; ready < n; ++ready) {
+                    const int tx = roundTo<std::int32_t>(s[ready]);
+                    const int ty = roundTo<std::int32_t>(c[ready]);
+                    places[ready] = {tx, ty, blockFits(tx, ty, *target)};
+                }
+            } catch (const EffectError&) {
+                // The blocks before the one that failed are drawn, as they
+                // would be one at a time.
+                draw(ready);
+                throw;
+            }
+            draw(n);
             if (!finishRow()) return;
         }
     });

@@ -32,25 +32,20 @@ struct Step {
 constexpr std::array<Step, 8> LightTravel{
     {{0, 1}, {0, -1}, {1, 0}, {-1, 0}, {1, 1}, {-1, 1}, {1, -1}, {-1, -1}}};
 
-// The ripple's nine types as x' = x + ax[Y] fx(x, y), y' = y + ay[Y] fy(x, y),
-// Y the kept image's level (0..10). Types 0..5: ax = A / 10, ay = A / 16 of
-// A = wrap16(Y S), f of k t, t = sqrt(0.6 dx^2 + dy^2), which depends on dx
+// The values of the ripple's nine types, x' = x + ax fx(x, y), y' = y + ay
+// fy(x, y) with ax and ay of the kept image's level (see rippleSources).
+// Types 0..5: f of k t, t = sqrt(0.6 dx^2 + dy^2), which depends on dx
 // through its size only, so each distance's values serve both sides of the
-// centre; 6..8: ax = ay = Y, fx of the row, fy of the column. The library's
+// centre; 6..8: fx of the row, fy of the column. The library's
 // functions are called once per distance or column instead of per pixel;
 // each pixel's arithmetic is the formula's, so the result is the same.
 class RippleField {
   public:
-    static constexpr int Levels = 11;
-
-    RippleField(int type, int S, double cx, double cy, int firstColumn, int endColumn)
-        : type_(type), S_(S), k_(1.0 - S / 100.0), cx_(cx), cy_(cy), first_(firstColumn),
+    RippleField(int type, int S, double cx, double cy, int firstColumn, int endColumn, bool moveX,
+                bool moveY)
+        : type_(type), S_(S), moveX_(moveX), moveY_(moveY), k_(1.0 - S / 100.0), cx_(cx), cy_(cy),
+          first_(firstColumn),
           columns_(static_cast<std::size_t>(std::max(endColumn - firstColumn, 0))) {
-        for (int Y = 0; Y < Levels; ++Y) {
-            const double A = wrap16(Y * S);
-            ax_[Y] = type >= 6 ? Y : A / 10;
-            ay_[Y] = type >= 6 ? Y : A / 16;
-        }
         fx_.resize(columns_);
         fy_.resize(columns_);
         if (type >= 6) {
@@ -62,8 +57,18 @@ class RippleField {
     // Moves the pixels in place: whether this type moves them at all.
     [[nodiscard]] bool moves() const { return type_ <= 8; }
 
-    // fx and fy of row y, one per column.
+    // fx and fy of row y, one per column; 0 on an axis that stays.
     void fillRow(int y) {
+        valuesOf(y);
+        if (!moveX_) std::fill(fx_.begin(), fx_.end(), 0.0);
+        if (!moveY_) std::fill(fy_.begin(), fy_.end(), 0.0);
+    }
+
+    [[nodiscard]] std::span<const double> fx() const { return fx_; }
+    [[nodiscard]] std::span<const double> fy() const { return fy_; }
+
+  private:
+    void valuesOf(int y) {
         if (type_ >= 6) {
             const double v = f(static_cast<double>(y) / (S_ + 1));
             std::fill(fx_.begin(), fx_.end(), v);
@@ -112,30 +117,56 @@ class RippleField {
         }
     }
 
-    [[nodiscard]] std::span<const double> ax() const { return ax_; }
-    [[nodiscard]] std::span<const double> ay() const { return ay_; }
-    [[nodiscard]] std::span<const double> fx() const { return fx_; }
-    [[nodiscard]] std::span<const double> fy() const { return fy_; }
-
-  private:
     [[nodiscard]] double f(double angle) const {
         return type_ == 6 ? std::sin(angle) : type_ == 7 ? std::cos(angle) : std::tan(angle);
     }
 
     int type_;
     int S_;
+    bool moveX_, moveY_;
     double k_;
     double cx_, cy_;
     int first_;
     std::size_t columns_;
-    std::array<double, Levels> ax_{}, ay_{};
     std::vector<double> fx_, fy_, byDistanceX_, byDistanceY_;
 };
 
-// A coordinate outside 0..last goes back to where it came from.
+// A coordinate outside 0..last goes back to where it came from; a select
+// rather than a branch, so the ripple's rows vectorise.
 [[nodiscard]] int placed(double moved, int original, int last) {
-    if (!(moved >= 0 && moved <= last)) return original;
-    return roundInRange<int>(moved);
+    const bool inside = (moved >= 0) & (moved <= last);
+    return roundInRange<int>(inside ? moved : original);
+}
+
+// What a row of the ripple's sources needs besides its values.
+struct RippleRow {
+    int left, y, S, lastX, lastY;
+    std::uint32_t width;
+};
+
+// The source index of each pixel of a row: x' = x + aX fx, y' = y + aY fy
+// with a = Y (by level, types 6..8) or A / 10 and A / 16 of A = wrap16(Y S).
+// An axis that stays has values of 0, which leave every coordinate in place.
+// Apart from the class's members, so that nothing the stores reach can
+// alias what the loop reads, and it vectorises.
+template <bool ByLevel>
+void rippleSources(const RippleRow row, const Pixel* __restrict keptRow,
+                   const double* __restrict fx, const double* __restrict fy,
+                   std::span<std::uint32_t> sources) {
+    std::uint32_t* __restrict index = sources.data();
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        const Pixel k = keptRow[i];
+        const int Y =
+            roundInRange<int>((0.587 * greenOf(k) + 0.299 * redOf(k) + 0.114 * blueOf(k)) / 26.0);
+        const int x = row.left + static_cast<int>(i);
+        const double A = wrap16(Y * row.S);
+        const double aX = ByLevel ? static_cast<double>(Y) : A / 10;
+        const double aY = ByLevel ? static_cast<double>(Y) : A / 16;
+        const int movedX = placed(x + aX * fx[i], x, row.lastX);
+        const int movedY = placed(row.y + aY * fy[i], row.y, row.lastY);
+        index[i] =
+            static_cast<std::uint32_t>(movedY) * row.width + static_cast<std::uint32_t>(movedX);
+    }
 }
 
 } // namespace
@@ -207,31 +238,38 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
         if (type >= 6 && type <= 8 && S + 1 == 0) throw EffectError::divisionByZero();
         const double cx = roundInRange<int>(limits.lastX / 2.0);
         const double cy = roundInRange<int>(limits.lastY / 2.0);
-        RippleField field(type, S, cx, cy, area.left, area.right);
         const bool moveX = direction != 1, moveY = direction != 2;
+        const bool byLevel = type >= 6;
         const auto width = static_cast<std::uint32_t>(ImageBits.width());
         const auto columns = static_cast<std::size_t>(std::max(area.right - area.left, 0));
-        std::vector<std::uint32_t> index(columns);
-        for (int y = area.top; y < area.bottom; ++y) {
+        // Each worker has its own field and row of sources.
+        struct Scratch {
+            RippleField field;
+            std::vector<std::uint32_t> index;
+        };
+        const BandPlan plan = bandPlan(area);
+        const int workers = std::max(plan.workers, 1);
+        std::vector<Scratch> scratch;
+        scratch.reserve(static_cast<std::size_t>(workers));
+        for (int w = 0; w < workers; ++w)
+            scratch.push_back({RippleField(type, S, cx, cy, area.left, area.right, moveX, moveY),
+                               std::vector<std::uint32_t>(columns)});
+        const auto rowOf = [&](Scratch& own, int y) {
             Pixel* out = TransBits.row(y).data() + area.left;
             const Pixel* keptRow = kept.row(y).data() + area.left;
+            std::uint32_t* index = own.index.data();
+            RippleField& field = own.field;
             if (field.moves()) {
                 field.fillRow(y);
                 const double* fx = field.fx().data();
                 const double* fy = field.fy().data();
-                const double* ax = field.ax().data();
-                const double* ay = field.ay().data();
                 // First every pixel's source, then the copies, which wait on
                 // memory and so overlap.
-                for (std::size_t i = 0; i < columns; ++i) {
-                    const Pixel k = keptRow[i];
-                    const int Y = roundInRange<int>(
-                        (0.587 * greenOf(k) + 0.299 * redOf(k) + 0.114 * blueOf(k)) / 26.0);
-                    const int x = area.left + static_cast<int>(i);
-                    const int sx = moveX ? placed(x + ax[Y] * fx[i], x, limits.lastX) : x;
-                    const int sy = moveY ? placed(y + ay[Y] * fy[i], y, limits.lastY) : y;
-                    index[i] =
-                        static_cast<std::uint32_t>(sy) * width + static_cast<std::uint32_t>(sx);
+                const RippleRow row{area.left, y, S, limits.lastX, limits.lastY, width};
+                if (byLevel) {
+                    rippleSources<true>(row, keptRow, fx, fy, {index, columns});
+                } else {
+                    rippleSources<false>(row, keptRow, fx, fy, {index, columns});
                 }
             } else {
                 for (std::size_t i = 0; i < columns; ++i)
@@ -241,13 +279,41 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
             const Pixel* source = ImageBits.pixels().data();
             for (std::size_t i = 0; i < columns; ++i)
                 out[i] = source[index[i]];
-            // Its own progress: the share of the rows done, with the events let in.
+        };
+        // Its own progress: the share of the rows done, with the events let
+        // in. Rows finish out of order on several threads, so the share
+        // counts finished rows; on one thread that is the row's own y.
+        int finished = 0;
+        const auto endOfRow = [&] {
+            const int y = area.top + finished++;
             if (context().progressFlag == 1 && context().progress != nullptr) {
                 context().progress->showPercent(
                     roundInRange<int>(static_cast<double>(y) / (limits.lastY + 1) * 100));
             }
-            if (context().cancelled()) return;
+            return !context().cancelled();
+        };
+        if (workers == 1) {
+            for (int y = area.top; y < area.bottom; ++y) {
+                rowOf(scratch.front(), y);
+                if (!endOfRow()) return;
+            }
+            return;
         }
+        RowBands bands(area.top, area.bottom, plan.bandRows);
+        context().workers().run(workers, [&](int worker) {
+            for (RowBands::Band band = bands.claim(); !band.empty(); band = bands.claim()) {
+                for (int y = band.begin; y < band.end; ++y) {
+                    if (!bands.mayStart(y)) return;
+                    rowOf(scratch[static_cast<std::size_t>(worker)], y);
+                    const std::scoped_lock lock(bands.rowEnd());
+                    if (!endOfRow()) {
+                        bands.cancel();
+                        return;
+                    }
+                }
+            }
+        });
+        (void)bands.finish();
     });
 }
 

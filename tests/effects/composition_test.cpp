@@ -201,6 +201,66 @@ TEST_F(Composition, DiffuseMovesRightAndDownWithinTheSmallerPicture) {
     EXPECT_EQ(redOf(result.at(6, 0)), 6); // outside the shared area: untouched
 }
 
+// The merges that move pixels write their own row of the result only, so
+// rows on several threads give the one-thread picture; the ripple's own
+// progress still rises to the same end.
+TEST(CompositionThreads, MovingMergesGiveTheOneThreadPictureOnSeveral) {
+    struct Percents : ProgressSink {
+        std::vector<int> seen;
+        void showPercent(int percent) override { seen.push_back(percent); }
+    };
+    const Surface document = makeVariedPicture(40, 30);
+    const Surface keptImage = makePicture(
+        35, 33, [](int x, int y) { return makePixel(x * 37 % 256, y * 53 % 256, (x + y) * 11); });
+    const std::pair<const char*, Merge> moves[] = {
+        {"Diffuse 0",
+         [](C& e, const ProcessRect& r) {
+             e.Composite_Diffuse(0, 0, r.left, r.top, r.right, r.bottom);
+         }},
+        {"Diffuse 2",
+         [](C& e, const ProcessRect& r) {
+             e.Composite_Diffuse(0, 2, r.left, r.top, r.right, r.bottom);
+         }},
+        {"Ripple 0",
+         [](C& e, const ProcessRect& r) {
+             e.Composite_Coordinate(0, 0, 44, r.left, r.top, r.right, r.bottom);
+         }},
+        {"Ripple 4",
+         [](C& e, const ProcessRect& r) {
+             e.Composite_Coordinate(4, 1, -60, r.left, r.top, r.right, r.bottom);
+         }},
+        {"Ripple 8",
+         [](C& e, const ProcessRect& r) {
+             e.Composite_Coordinate(8, 2, 3, r.left, r.top, r.right, r.bottom);
+         }},
+    };
+    const auto runOn = [&](const Merge& call, int threads, Percents& percents) {
+        CancelFlag cancel{0};
+        RandomGenerator random;
+        RunContext context(cancel, random);
+        context.threading = {.threads = threads, .bandPixels = 1};
+        context.progress = &percents;
+        Surface kept = keptImage;
+        context.composeImage = &kept;
+        C effect(context);
+        effect.ImageGetDiBits(document);
+        effect.ImageGetDiBitsTrans(document);
+        call(effect, ProcessRect{3, 2, 38, 31});
+        Surface result;
+        effect.ImageSetDiBitsTrans(result);
+        return result;
+    };
+    for (const auto& [name, call] : moves) {
+        Percents one, several;
+        const Surface expected = runOn(call, 1, one);
+        EXPECT_NE(expected, document) << name;
+        EXPECT_EQ(runOn(call, 3, several), expected) << name;
+        EXPECT_TRUE(std::ranges::is_sorted(several.seen)) << name;
+        EXPECT_EQ(several.seen.size(), one.seen.size()) << name;
+        EXPECT_EQ(several.seen.back(), one.seen.back()) << name;
+    }
+}
+
 TEST_F(Composition, RasterLaysTheKeptImageAsItIsStretchedOrTiled) {
     const Surface document(6, 4, makePixel(0, 0, 0));
     const Surface two =

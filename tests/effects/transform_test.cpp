@@ -4,6 +4,7 @@
 #include "engine/drawing/colour_ref.h"
 #include "geometry_fixture.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace lumiran::testing {
@@ -140,6 +141,42 @@ TEST_F(GeometryFixture, SineWarpMovesWholeColumnsAndLeavesTheUncoveredAsItWas) {
         e.Wave_Sin(0, 5, 20, 1, 0, r.left, r.top, r.right, r.bottom);
     });
     EXPECT_EQ(placeOf(rows.at(10, 5)), (SourcePlace{5, 5}));
+}
+
+Surface transposed(const Surface& s) {
+    return makePicture(s.height(), s.width(), [&](int x, int y) { return s.at(y, x); });
+}
+
+// Columns are drawn in blocks, rows one at a time; on the transposed
+// picture the two must agree, clipping included (rectangles beyond every
+// side, reversed, huge tangent shifts).
+TEST_F(GeometryFixture, SineWarpColumnsMatchRowsOfTheTransposedPicture) {
+    const Surface picture = makeVariedPicture(150, 70);
+    const Surface target(150, 70, makePixel(9, 9, 9));
+    struct Case {
+        ProcessRect rect;
+        std::int16_t amplitude;
+        std::uint8_t kind; // 0 sin, 1 cos, 2 tan, 3 both
+    };
+    const Case cases[] = {{{0, 0, 150, 70}, 30, 0},   {{-20, -9, 170, 85}, 30, 1},
+                          {{140, 60, 5, 3}, 12, 0},   {{3, 2, 148, 69}, 200, 3},
+                          {{0, 0, 150, 70}, 1000, 2}, {{-70, 10, 20, 40}, 8, 3}};
+    for (const Case& c : cases) {
+        for (const std::uint8_t mode : {0, 2, 6}) {
+            const ProcessRect& r = c.rect;
+            const Surface columns = drawn(picture, target, [&](G& e, const ProcessRect&) {
+                e.Wave_Sin(4, c.amplitude, 17, mode, c.kind, r.left, r.top, r.right, r.bottom);
+            });
+            const Surface rows =
+                drawn(transposed(picture), transposed(target), [&](G& e, const ProcessRect&) {
+                    e.Wave_Sin(4, c.amplitude, 17, mode + 1, c.kind, r.top, r.left, r.bottom,
+                               r.right);
+                });
+            EXPECT_TRUE(std::ranges::equal(transposed(rows).pixels(), columns.pixels()))
+                << r.left << "," << r.top << "," << r.right << "," << r.bottom << " mode "
+                << int{mode} << " kind " << int{c.kind};
+        }
+    }
 }
 
 TEST_F(GeometryFixture, NeburaDrawsOnBlackAndOnlyWithinItsRectangle) {

@@ -4,7 +4,11 @@
 #include "effects/geometry/warp_rows.h"
 #include "engine/drawing/drawing.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstdlib>
+#include <span>
 
 namespace lumiran {
 namespace {
@@ -44,6 +48,119 @@ double waveShift(int form, int kind, double offset, double amplitude, double per
     }
 }
 
+constexpr int ShiftBlock = 64;
+
+// An unscaled StretchBlt (same extents, same signs: an extent counts back
+// from its origin when negative) as the BitBlt it amounts to, without the
+// stretch's per-pixel mapping. A target origin far outside the picture is
+// held where it still lies outside.
+void moveStrip(Surface& target, std::int64_t x, std::int64_t y, int width, int height,
+               const Surface& source, int xSrc, int ySrc) {
+    constexpr std::int64_t Far = std::int64_t{1} << 30;
+    if (width < 0) {
+        x += width;
+        xSrc += width;
+        width = -width;
+    }
+    if (height < 0) {
+        y += height;
+        ySrc += height;
+        height = -height;
+    }
+    BitBlt(target, static_cast<int>(std::clamp(x, -Far, Far)),
+           static_cast<int>(std::clamp(y, -Far, Far)), width, height, source, xSrc, ySrc, SRCCOPY);
+}
+
+// The columns firstColumn, firstColumn + 1, .. of source copied onto
+// target, each moved down by its shift: what a 1 x height copy of each
+// column does, clipped to both pictures as that copy is, drawn row by row.
+// Source and target must be different pictures.
+void shiftColumns(Surface& target, const Surface& source, int firstColumn,
+                  std::span<const std::int32_t> shifts, int top, int height) {
+    if (height == 0) return;
+    const std::int64_t spanTop = height > 0 ? top : std::int64_t{top} + height;
+    const std::int64_t rows = std::abs(std::int64_t{height});
+    const int columns = std::min(target.width(), source.width());
+    // The target rows each column reaches.
+    struct Run {
+        int column;
+        std::int64_t shift;
+        std::int64_t begin;
+        std::int64_t end;
+    };
+    std::array<Run, ShiftBlock> runs{};
+    std::size_t count = 0;
+    std::int64_t firstRow = target.height(), endRow = 0;
+    for (std::size_t k = 0; k < shifts.size(); ++k) {
+        const int column = firstColumn + static_cast<int>(k);
+        if (column < 0 || column >= columns) continue;
+        const std::int64_t shift = shifts[k];
+        const std::int64_t at = spanTop + shift;
+        const std::int64_t begin = std::max<std::int64_t>({at, 0, shift});
+        const std::int64_t end = std::min<std::int64_t>(
+            {at + rows, target.height(), std::int64_t{source.height()} + shift});
+        if (begin >= end) continue;
+        runs[count++] = {column, shift, begin, end};
+        firstRow = std::min(firstRow, begin);
+        endRow = std::max(endRow, end);
+    }
+    const std::span<const Run> reached(runs.data(), count);
+    const Pixel* from = source.pixels().data();
+    const auto sourceWidth = static_cast<std::int64_t>(source.width());
+    // Rows that every column reaches are copied without a test; in them,
+    // column k of the block reads offsets[k] elements after the row's start.
+    constexpr std::int64_t Ahead = 16;
+    std::int64_t allBegin = firstRow, allEnd = endRow;
+    std::array<int, ShiftBlock> placed{};
+    std::array<std::int64_t, ShiftBlock> offsets{};
+    for (std::size_t k = 0; k < count; ++k) {
+        allBegin = std::max(allBegin, runs[k].begin);
+        allEnd = std::min(allEnd, runs[k].end);
+        placed[k] = runs[k].column;
+        offsets[k] = runs[k].column - runs[k].shift * sourceWidth;
+    }
+    for (std::int64_t y = firstRow; y < endRow; ++y) {
+        Pixel* out = target.row(static_cast<int>(y)).data();
+        const std::int64_t start = y * sourceWidth;
+        if (y >= allBegin && y + Ahead < allEnd) {
+            // The columns' next lines are fetched ahead: each column
+            // reads another row, which no prefetcher foresees.
+            const std::int64_t ahead = start + Ahead * sourceWidth;
+            for (std::size_t k = 0; k < count; k += 4)
+                __builtin_prefetch(from + ahead + offsets[k]);
+            for (std::size_t k = 0; k < count; ++k)
+                out[placed[k]] = from[start + offsets[k]];
+            continue;
+        }
+        for (const Run& run : reached) {
+            if (y >= run.begin && y < run.end)
+                out[run.column] = from[(y - run.shift) * sourceWidth + run.column];
+        }
+    }
+}
+
+// Whether a 2 x 2 block at (x, y) lies wholly inside the picture.
+bool blockFits(int x, int y, const Surface& picture) {
+    return x >= 0 && y >= 0 && x <= picture.width() - 2 && y <= picture.height() - 2;
+}
+
+// Where a 2 x 2 block goes, and whether it lies wholly inside the target.
+struct BlockPlace {
+    int x = 0;
+    int y = 0;
+    bool fits = false;
+};
+
+// A 2 x 2 block from `from` (rows `stride` apart) onto the target at (x, y).
+void copyBlock(Surface& target, int x, int y, const Pixel* from, std::size_t stride) {
+    Pixel* to = &target.at(x, y);
+    const auto width = static_cast<std::size_t>(target.width());
+    to[0] = from[0];
+    to[1] = from[1];
+    to[width] = from[stride];
+    to[width + 1] = from[stride + 1];
+}
+
 } // namespace
 
 void Class_Geometry::Wave_Sin(std::int16_t offset, std::int16_t amplitude, std::int16_t period,
@@ -58,17 +175,46 @@ void Class_Geometry::Wave_Sin(std::int16_t offset, std::int16_t amplitude, std::
         const int first = alongRows ? top : left;
         const int end = alongRows ? bottom : right;
         SetProgressRange(first, end);
-        for (int i = first; i < end; ++i) {
-            const int shift =
-                roundTo<std::int32_t>(waveShift(mode / 2, kind, offset, amplitude, period, i));
-            // Columns and rows are copied whole; what they uncover keeps
-            // the target's earlier content.
-            if (alongRows) {
-                StretchBlt(*target, left + shift, i, width, 1, *source, left, i, width, 1, SRCCOPY);
-            } else {
-                StretchBlt(*target, i, top + shift, 1, height, *source, i, top, 1, height, SRCCOPY);
+        const auto shiftOf = [&](int i) {
+            return roundTo<std::int32_t>(waveShift(mode / 2, kind, offset, amplitude, period, i));
+        };
+        // Columns and rows are copied whole; what they uncover keeps the
+        // target's earlier content.
+        if (alongRows || source == target) {
+            for (int i = first; i < end; ++i) {
+                const std::int64_t shift = shiftOf(i);
+                if (alongRows) {
+                    moveStrip(*target, left + shift, i, width, 1, *source, left, i);
+                } else {
+                    moveStrip(*target, i, top + shift, 1, height, *source, i, top);
+                }
+                if (!finishRow()) return;
             }
-            if (!finishRow()) return;
+            return;
+        }
+        // Columns go a block at a time, each block row by row: a column
+        // alone reaches a new cache line in every row. The columns of a
+        // block are apart, so the order of their pixels does not matter.
+        std::array<std::int32_t, ShiftBlock> shifts{};
+        for (int block = first; block < end; block += ShiftBlock) {
+            const int count = std::min(ShiftBlock, end - block);
+            int ready = 0;
+            const auto drawReady = [&] {
+                shiftColumns(*target, *source, block, std::span(shifts).first(ready), top, height);
+                for (int k = 0; k < ready; ++k)
+                    if (!finishRow()) return false;
+                return true;
+            };
+            try {
+                for (; ready < count; ++ready)
+                    shifts[ready] = shiftOf(block + ready);
+            } catch (const EffectError&) {
+                // The columns before the failing one are drawn, as they
+                // would be one at a time.
+                drawReady();
+                throw;
+            }
+            if (!drawReady()) return;
         }
     });
 }
@@ -86,6 +232,11 @@ void Class_Geometry::Nebura(double radius, std::int16_t shift, std::int16_t left
         const int columns = (wrap16(right - left) + 1) / 2;
         SetProgressRange(0, std::max(columns, 0));
         std::vector<double> t, s, c;
+        std::vector<BlockPlace> places;
+        const bool apart = source != target;
+        const Pixel* from = source->pixels().data();
+        const auto sourceWidth = static_cast<std::size_t>(source->width());
+        const auto targetWidth = static_cast<std::size_t>(target->width());
         for (int x = left; x < right; x += 2) {
             const double dx = x - cx;
             t.clear();
@@ -93,19 +244,59 @@ void Class_Geometry::Nebura(double radius, std::int16_t shift, std::int16_t left
                 const double dy = y - cy;
                 t.push_back(std::sqrt(dx * dx + dy * dy) / (radius / 4) / GeometryPi);
             }
-            s.resize(t.size());
-            c.resize(t.size());
+            const std::size_t n = t.size();
+            s.resize(n);
+            c.resize(n);
             trig::sinCos(t, s, c);
-            for (std::size_t k = 0; k < t.size(); ++k) {
-                const int y = top + 2 * static_cast<int>(k);
-                const double dy = y - cy;
-                double mx = dx * s[k] + cx - dy * c[k] + shift;
-                double my = dx * c[k] + cy + dy * s[k] + shift * 0.5;
-                mx = mx > lastColumn ? lastColumn : mx < left ? left : mx;
-                my = my > lastRow ? lastRow : my < top ? top : my;
-                BitBlt(*target, roundTo<std::int32_t>(mx), roundTo<std::int32_t>(my), 2, 2, *source,
-                       x, y, SRCCOPY);
+            // The places of the column's blocks first, then the copies: the
+            // copies wait on memory, and knowing the places lets them be
+            // fetched ahead.
+            for (std::size_t k = 0; k < n; ++k) {
+                const double dy = top + 2 * static_cast<double>(k) - cy;
+                const double mx = dx * s[k] + cx - dy * c[k] + shift;
+                const double my = dx * c[k] + cy + dy * s[k] + shift * 0.5;
+                s[k] = mx > lastColumn ? lastColumn : mx < left ? left : mx;
+                c[k] = my > lastRow ? lastRow : my < top ? top : my;
             }
+            places.resize(n);
+            // Blocks wholly inside both pictures are copied here; the
+            // others go through BitBlt, which clips them.
+            const bool sourceColumnsFit = apart && x >= 0 && x + 2 <= source->width();
+            const auto draw = [&](std::size_t count) {
+                constexpr std::size_t Ahead = 8;
+                for (std::size_t k = 0; k < count; ++k) {
+                    if (k + Ahead < count && places[k + Ahead].fits) {
+                        const BlockPlace& next = places[k + Ahead];
+                        const std::size_t at =
+                            static_cast<std::size_t>(next.y) * targetWidth + next.x;
+                        __builtin_prefetch(target->pixels().data() + at, 1);
+                        __builtin_prefetch(target->pixels().data() + at + targetWidth, 1);
+                    }
+                    const int y = top + 2 * static_cast<int>(k);
+                    const BlockPlace& place = places[k];
+                    if (place.fits && sourceColumnsFit && y >= 0 && y + 2 <= source->height()) {
+                        copyBlock(*target, place.x, place.y,
+                                  from + static_cast<std::size_t>(y) * sourceWidth + x,
+                                  sourceWidth);
+                    } else {
+                        BitBlt(*target, place.x, place.y, 2, 2, *source, x, y, SRCCOPY);
+                    }
+                }
+            };
+            std::size_t ready = 0;
+            try {
+                for (; ready < n; ++ready) {
+                    const int tx = roundTo<std::int32_t>(s[ready]);
+                    const int ty = roundTo<std::int32_t>(c[ready]);
+                    places[ready] = {tx, ty, blockFits(tx, ty, *target)};
+                }
+            } catch (const EffectError&) {
+                // The blocks before the one that failed are drawn, as they
+                // would be one at a time.
+                draw(ready);
+                throw;
+            }
+            draw(n);
             if (!finishRow()) return;
         }
     });

@@ -30,7 +30,9 @@ namespace lumiran {
 
 namespace {
 
-constexpr int RowRole = Qt::UserRole; // the menu row's object name
+// A node's identity: a root's menu array ("ColorNo"), a child's menu row
+// ("ColorNo3", empty for a separator).
+constexpr int RowRole = Qt::UserRole;
 constexpr int Gap = 8;
 constexpr int CaptionHeight = 20;
 
@@ -109,7 +111,7 @@ void FrmBrowse::buildMenus() {
     browse->addSeparator();
     browse->addAction("Close", this, &QWidget::close);
 
-    QMenu* tree = menuBar()->addMenu(QStringLiteral("ﾂﾘｰ"));
+    QMenu* tree = menuBar()->addMenu(res(ids::BrowseTreeMenu));
     tree->setObjectName("mnuTreeView");
     QAction* collapse = tree->addAction("Node Collapse", this, &FrmBrowse::nodeCollapse);
     QAction* collapseAll = tree->addAction("All Node Collapse", this, &FrmBrowse::allNodeCollapse);
@@ -194,6 +196,7 @@ void FrmBrowse::buildTree() {
         const EffectFamily* family = findFamily(sub->objectName().toStdString());
         if (family == nullptr || family->browseCategoryId == 0) continue;
         auto* root = new QTreeWidgetItem(TreeView1, {sub->title()});
+        root->setData(0, RowRole, sub->objectName());
         root->setIcon(0, style()->standardIcon(QStyle::SP_DirIcon));
         const QList<QAction*> rows = sub->actions();
         for (qsizetype i = 0; i + 2 < rows.size(); ++i) {
@@ -262,11 +265,12 @@ void FrmBrowse::nodeSelected(QTreeWidgetItem* item) {
     showPage(root, first);
 }
 
-void FrmBrowse::TreeViewNodeExpand(const QString& text) {
-    // GetNodeNumber: the first root with this text, else the first root.
+void FrmBrowse::TreeViewNodeExpand(const QString& familyMenu) {
+    // GetNodeNumber: the root of this family, else the first root.
     QTreeWidgetItem* found = nullptr;
     for (int i = 0; i < TreeView1->topLevelItemCount() && found == nullptr; ++i) {
-        if (TreeView1->topLevelItem(i)->text(0) == text) found = TreeView1->topLevelItem(i);
+        QTreeWidgetItem* root = TreeView1->topLevelItem(i);
+        if (root->data(0, RowRole).toString() == familyMenu) found = root;
     }
     if (found == nullptr && TreeView1->topLevelItemCount() > 0) found = TreeView1->topLevelItem(0);
     if (found == nullptr) return;
@@ -358,11 +362,16 @@ void FrmBrowse::thumbnailClicked(int index) {
     if (frame_.busy() || text.isEmpty() || text == QStringLiteral("-") ||
         thumbnails_[static_cast<std::size_t>(index)].isNull() || !document_)
         return;
-    const QString parentText = pageRoot_->text(0);
+    const int child = firstChild_ + index;
+    if (child >= pageRoot_->childCount()) return;
+    // The row is found by its identity: captions differ between languages
+    // and two rows of a family may read alike.
+    const QString family = pageRoot_->data(0, RowRole).toString();
+    const QString row = pageRoot_->child(child)->data(0, RowRole).toString();
     if (windowState() & Qt::WindowMaximized) showNormal();
     hide();
     stopWork();
-    document_->BrowseToPreviewMain(parentText, text);
+    document_->BrowseToPreviewMain(family, row);
     close();
 }
 

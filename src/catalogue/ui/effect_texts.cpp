@@ -1,0 +1,32 @@
+#include "catalogue/ui/effect_texts.h"
+
+#include "shell/ui/ui_text.h"
+
+namespace lumiran {
+namespace {
+
+// An entry without an English caption (two composition rows) reads as its
+// key's English.
+QString englishKey(const EffectEntry& entry) {
+    return qs(englishEffectName(entry));
+}
+
+} // namespace
+
+QString effectMenuText(const EffectEntry& entry, InterfaceLanguage language) {
+    if (language == InterfaceLanguage::English) {
+        return entry.caption.empty() ? englishKey(entry) : qs(entry.caption);
+    }
+    const QString text =
+        entry.stringId != 0 ? qs(LoadResString(entry.stringId)) : qs(entry.caption);
+    return text.isEmpty() ? qs(entry.key) : text;
+}
+
+QString effectTitleText(const EffectEntry& entry, InterfaceLanguage language) {
+    if (language == InterfaceLanguage::English) {
+        return qs(englishEffectName(entry));
+    }
+    return qs(entry.windowTitle());
+}
+
+} // namespace lumiran

@@ -309,6 +309,9 @@ void EffectDialog::configure(const EffectEntry& entry) {
         for (std::string_view row : spec->rows)
             list->addItem(shown(row));
         list->setCurrentRow(0);
+        // Every row whole, without a sideways scroll: English rows run longer.
+        list->setMinimumWidth(list->sizeHintForColumn(0) + 2 * list->frameWidth() +
+                              list->verticalScrollBar()->sizeHint().width() + 4);
     };
     fill(typeFrame_, ETypeList, entry.list(ListKind::E));
     fill(colorFrame_, ColorList, entry.list(ListKind::C));

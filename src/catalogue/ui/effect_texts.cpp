@@ -15,7 +15,10 @@ QString englishKey(const EffectEntry& entry) {
 
 QString effectMenuText(const EffectEntry& entry, InterfaceLanguage language) {
     if (language == InterfaceLanguage::English) {
-        return entry.caption.empty() ? englishKey(entry) : qs(entry.caption);
+        // "Sobel & Rosenfeld Filter": an ampersand before a blank is the
+        // word, not an accelerator ("Mean(&M)" keeps its own).
+        QString text = entry.caption.empty() ? englishKey(entry) : qs(entry.caption);
+        return text.replace(QStringLiteral("& "), QStringLiteral("&& "));
     }
     const QString text =
         entry.stringId != 0 ? qs(LoadResString(entry.stringId)) : qs(entry.caption);

@@ -23,6 +23,8 @@
 #include <QStyle>
 #include <QToolBar>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -34,7 +36,6 @@ namespace {
 // ("ColorNo3", empty for a separator).
 constexpr int RowRole = Qt::UserRole;
 constexpr int Gap = 8;
-constexpr int CaptionHeight = 20;
 
 QString colourCss(Rgb8 c) {
     return QStringLiteral("rgb(%1,%2,%3)").arg(c.red).arg(c.green).arg(c.blue);
@@ -74,6 +75,8 @@ FrmBrowse::FrmBrowse(FrmMain& frame, FrmDocument& document, KeyValueStore& store
         auto* label = new QLabel(page_);
         label->setObjectName(QStringLiteral("Label1_%1").arg(i));
         label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+        // A name wider than its box goes on to a second line.
+        label->setWordWrap(true);
         Image1[static_cast<std::size_t>(i)] = image;
         Label1[static_cast<std::size_t>(i)] = label;
     }
@@ -82,11 +85,20 @@ FrmBrowse::FrmBrowse(FrmMain& frame, FrmDocument& document, KeyValueStore& store
     split->addWidget(TreeView1);
     split->addWidget(Picture1);
     split->setStretchFactor(1, 1);
-    split->setSizes({220, std::max(200, settings_.width - 220)});
     setCentralWidget(split);
 
     buildMenus();
     buildTree();
+    // The tree as wide as its longest row (English names run longer than
+    // the Japanese ones), at least 220 pixels and at most half the window.
+    int widest = 0;
+    for (QTreeWidgetItemIterator it(TreeView1); *it; ++it)
+        widest = std::max(widest, TreeView1->fontMetrics().horizontalAdvance((*it)->text(0)));
+    const int treeWidth =
+        std::clamp(widest + 2 * TreeView1->indentation() + TreeView1->iconSize().width() +
+                       TreeView1->verticalScrollBar()->sizeHint().width() + 16,
+                   220, std::max(220, settings_.width / 2));
+    split->setSizes({treeWidth, std::max(200, settings_.width - treeWidth)});
     applyColours();
     BrowseImageSetAddIn();
     connect(TreeView1, &QTreeWidget::itemClicked, this,
@@ -201,8 +213,10 @@ void FrmBrowse::buildTree() {
         const QList<QAction*> rows = sub->actions();
         for (qsizetype i = 0; i + 2 < rows.size(); ++i) {
             QAction* row = rows[i];
-            auto* child =
-                new QTreeWidgetItem(root, {row->isSeparator() ? QStringLiteral("-") : row->text()});
+            // A doubled ampersand is the menu's way of showing one.
+            QString text = row->isSeparator() ? QStringLiteral("-") : row->text();
+            text.replace(QStringLiteral("&&"), QStringLiteral("&"));
+            auto* child = new QTreeWidgetItem(root, {text});
             child->setData(0, RowRole, row->objectName());
             child->setIcon(0, style()->standardIcon(QStyle::SP_FileIcon));
         }
@@ -223,15 +237,20 @@ void FrmBrowse::ImageSizeAdjust() {
     for (int i = 0; i < BrowsePageSize; ++i) {
         Image1[static_cast<std::size_t>(i)]->resize(std::max(1, placement_.width),
                                                     std::max(1, placement_.height));
-        Label1[static_cast<std::size_t>(i)]->resize(settings_.imageWidth, CaptionHeight);
+        Label1[static_cast<std::size_t>(i)]->resize(settings_.imageWidth, captionHeight());
     }
     layoutPage();
+}
+
+int FrmBrowse::captionHeight() const {
+    // Two lines: English names are often wider than a box.
+    return 2 * Label1[0]->fontMetrics().lineSpacing() + 4;
 }
 
 void FrmBrowse::layoutPage() {
     // As many boxes across as the page's width allows.
     const int cellWidth = settings_.imageWidth + Gap;
-    const int cellHeight = settings_.imageHeight + CaptionHeight + Gap;
+    const int cellHeight = settings_.imageHeight + captionHeight() + Gap;
     const int across = std::max(1, (Picture1->viewport()->width() - Gap) / cellWidth);
     int used = 0;
     for (int i = 0; i < BrowsePageSize; ++i) {

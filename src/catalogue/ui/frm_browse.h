@@ -85,6 +85,8 @@ class FrmBrowse : public QMainWindow {
     void BrowseImageSetAddIn();
     void ImageSizeAdjust();
     void showPage(QTreeWidgetItem* root, int firstChild);
+    // The room under a thumbnail for its name.
+    [[nodiscard]] int captionHeight() const;
     void layoutPage();
     void stopWork();
     void thumbnailReady(int generation, int index, QImage picture);

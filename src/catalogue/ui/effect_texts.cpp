@@ -3,21 +3,13 @@
 #include "shell/ui/ui_text.h"
 
 namespace lumiran {
-namespace {
-
-// An entry without an English caption (two composition rows) reads as its
-// key's English.
-QString englishKey(const EffectEntry& entry) {
-    return qs(englishEffectName(entry));
-}
-
-} // namespace
 
 QString effectMenuText(const EffectEntry& entry, InterfaceLanguage language) {
     if (language == InterfaceLanguage::English) {
         // "Sobel & Rosenfeld Filter": an ampersand before a blank is the
         // word, not an accelerator ("Mean(&M)" keeps its own).
-        QString text = entry.caption.empty() ? englishKey(entry) : qs(entry.caption);
+        // An entry without a caption (two composition rows) reads as its key's English.
+        QString text = entry.caption.empty() ? qs(englishEffectName(entry)) : qs(entry.caption);
         return text.replace(QStringLiteral("& "), QStringLiteral("&& "));
     }
     const QString text =
@@ -26,10 +18,8 @@ QString effectMenuText(const EffectEntry& entry, InterfaceLanguage language) {
 }
 
 QString effectTitleText(const EffectEntry& entry, InterfaceLanguage language) {
-    if (language == InterfaceLanguage::English) {
-        return qs(englishEffectName(entry));
-    }
-    return qs(entry.windowTitle());
+    return language == InterfaceLanguage::English ? qs(englishEffectName(entry))
+                                                  : qs(entry.windowTitle());
 }
 
 } // namespace lumiran

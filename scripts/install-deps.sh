@@ -15,6 +15,7 @@ packages=(
     qt6-svg-dev
     qt6-image-formats-plugins
     qt6-translations-l10n
+    zlib1g-dev
     libwmf-dev
     libemf2svg-dev
     imagemagick

@@ -7,11 +7,6 @@
 namespace lumiran {
 namespace {
 
-struct TextPair {
-    std::string_view japanese;
-    std::string_view english;
-};
-
 #include "catalogue/english_texts.inc"
 
 // Sorted by the Japanese bytes: the lookup is a binary search and a text has
@@ -24,6 +19,10 @@ static_assert(std::ranges::adjacent_find(englishTexts, std::ranges::greater_equa
 std::string_view englishFor(std::string_view japanese) {
     const auto it = std::ranges::lower_bound(englishTexts, japanese, {}, &TextPair::japanese);
     return it != englishTexts.end() && it->japanese == japanese ? it->english : std::string_view{};
+}
+
+std::span<const TextPair> allEnglishTexts() {
+    return englishTexts;
 }
 
 } // namespace lumiran

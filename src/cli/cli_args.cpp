@@ -36,17 +36,20 @@ std::vector<std::string> splitCommas(const std::string& option, const std::strin
     return parts;
 }
 
-// The program writes Windows bitmaps only, so any other extension would
-// name the file falsely.
-void requireBitmapName(const std::string& option, const std::string& path) {
-    std::string extension = std::filesystem::path(path).extension().string();
-    std::ranges::transform(extension, extension.begin(), [](char c) {
+std::string lowerAscii(std::string text) {
+    std::ranges::transform(text, text.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
-    if (extension != ".bmp") {
-        throw UsageError(option + " " + path +
-                         ": lumiran-cli writes only Windows bitmaps; give a name ending in .bmp");
-    }
+    return text;
+}
+
+// Any other extension would name the file falsely, and a missing one is not
+// guessed at.
+OutputFormat requireWritableName(const std::string& option, const std::string& path) {
+    if (const auto format = outputFormatOf(path)) return *format;
+    throw UsageError(option + " " + path +
+                     ": lumiran-cli writes Windows bitmaps and PNG; give a name ending in .bmp "
+                     "or .png");
 }
 
 ListOptions parseListOptions(const std::vector<std::string>& args) {
@@ -80,17 +83,30 @@ ListOptions parseListOptions(const std::vector<std::string>& args) {
 
 } // namespace
 
+std::optional<OutputFormat> outputFormatOf(const std::string& path) {
+    const std::string extension = lowerAscii(std::filesystem::path(path).extension().string());
+    if (extension == ".bmp") return OutputFormat::Bmp;
+    if (extension == ".png") return OutputFormat::Png;
+    return std::nullopt;
+}
+
+const char* extensionOf(OutputFormat format) {
+    return format == OutputFormat::Png ? ".png" : ".bmp";
+}
+
 std::string usageText() {
     return "usage:\n"
            "  lumiran-cli list [--available] [--family NAME] [--keys] [--compact | --json]\n"
-           "  lumiran-cli apply --effect NAME [controls] [run options] INPUT -o OUTPUT.bmp\n"
+           "  lumiran-cli apply --effect NAME [controls] [run options] INPUT -o OUTPUT.bmp|.png\n"
            "  lumiran-cli apply --effect NAME [controls] [run options] INPUT... --out-dir DIR\n"
-           "  lumiran-cli convert INPUT -o OUTPUT.bmp [--bits 24|8|1] [--max-pixels WxH]\n"
+           "              [--format bmp|png]\n"
+           "  lumiran-cli convert INPUT -o OUTPUT.bmp|.png [--bits 24|8|1] [--max-pixels WxH]\n"
            "NAME:        an effect's caption or key as list shows it (any width, any case)\n"
            "list:        English captions and texts; --keys: the effects' keys and the\n"
            "             program's own (Japanese) texts; --json always carries both\n"
            "controls:    --s1 V .. --s8 V  --e ROW  --c ROW  --g ROW  --k 0|1  --rgb R,G,B\n"
            "run options: --calc N  --raster N  --rect L,T,R,B  --kept FILE  --bits 24|8|1\n"
+           "             (--bits is a bitmap's depth; PNG is always written at 24 bits)\n"
            "             --max-pixels WxH|N  (largest picture read; default 16384x16384)\n";
 }
 
@@ -98,6 +114,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& args) {
     if (args.empty()) throw UsageError("no command given (list, apply, convert)");
     CommandLine cl;
     cl.command = args[0];
+    std::optional<OutputFormat> formatGiven;
+    bool bitsGiven = false;
     if (cl.command == "list") {
         cl.list = parseListOptions(args);
         return cl;
@@ -145,6 +163,7 @@ CommandLine parseCommandLine(const std::vector<std::string>& args) {
             cl.keptFile = value();
         } else if (arg == "--bits") {
             cl.bits = static_cast<int>(parseInteger(arg, value(), 1, 24));
+            bitsGiven = true;
             if (cl.bits != 24 && cl.bits != 8 && cl.bits != 1) {
                 throw UsageError("--bits: must be 24, 8 or 1");
             }
@@ -159,6 +178,10 @@ CommandLine parseCommandLine(const std::vector<std::string>& args) {
             cl.output = value();
         } else if (arg == "--out-dir") {
             cl.outDir = value();
+        } else if (arg == "--format") {
+            const std::string& name = value();
+            formatGiven = outputFormatOf("x." + name);
+            if (!formatGiven) throw UsageError("--format: must be bmp or png");
         } else if (arg.starts_with("-") && arg.size() > 1) {
             throw UsageError("unknown option '" + arg + "'");
         } else {
@@ -167,11 +190,23 @@ CommandLine parseCommandLine(const std::vector<std::string>& args) {
     }
 
     if (cl.inputs.empty()) throw UsageError("no input picture given");
-    if (!cl.output.empty()) requireBitmapName("-o", cl.output);
+    if (!cl.output.empty()) {
+        cl.format = requireWritableName("-o", cl.output);
+        if (formatGiven && *formatGiven != cl.format) {
+            throw UsageError("--format " + std::string(extensionOf(*formatGiven) + 1) +
+                             " does not match -o " + cl.output);
+        }
+    } else if (formatGiven) {
+        cl.format = *formatGiven;
+    }
+    if (cl.format == OutputFormat::Png && bitsGiven && cl.bits != 24) {
+        throw UsageError("--bits " + std::to_string(cl.bits) +
+                         ": PNG is written at 24 bits; 8 and 1 are bitmap depths");
+    }
     if (cl.command == "convert") {
         if (!cl.effect.empty()) throw UsageError("convert takes no --effect");
         if (cl.inputs.size() != 1 || cl.output.empty()) {
-            throw UsageError("convert needs one INPUT and -o OUTPUT.bmp");
+            throw UsageError("convert needs one INPUT and -o OUTPUT.bmp or OUTPUT.png");
         }
         return cl;
     }

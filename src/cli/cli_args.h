@@ -28,6 +28,15 @@ struct ControlOverrides {
     std::optional<Rgb8> processColor;
 };
 
+// The kinds of file the tool writes; a bitmap unless asked otherwise.
+enum class OutputFormat { Bmp, Png };
+
+// The kind a file name's extension (any case) names; nothing for any other.
+[[nodiscard]] std::optional<OutputFormat> outputFormatOf(const std::string& path);
+
+// ".bmp" or ".png".
+[[nodiscard]] const char* extensionOf(OutputFormat format);
+
 // What `list` prints and how.
 struct ListOptions {
     bool json = false;          // a JSON array instead of text
@@ -46,6 +55,8 @@ struct CommandLine {
     std::optional<AreaRect> rect;
     std::string keptFile;
     int bits = 24;
+    // From -o's extension, or --format for the files of --out-dir.
+    OutputFormat format = OutputFormat::Bmp;
     std::vector<std::string> inputs;
     std::string output;
     std::string outDir;

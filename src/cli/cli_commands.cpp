@@ -8,6 +8,7 @@
 #include "imagefiles/image_file_error.h"
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/load_dispatch.h"
+#include "imagefiles/png_writer.h"
 #include "shell/effect_run.h"
 #include "shell/string_table.h"
 #include "shell/ui_string_ids.h"
@@ -95,9 +96,11 @@ Surface loadPicture(const std::string& path, PlatformDecoder& decoder, const Loa
     return std::move(*picture);
 }
 
-void savePicture(const Surface& picture, const std::string& path, int bits) {
+void savePicture(const Surface& picture, const std::string& path, OutputFormat format, int bits) {
     try {
-        if (bits == 8) {
+        if (format == OutputFormat::Png) {
+            savePng24(picture, path);
+        } else if (bits == 8) {
             const int result = Save256(picture, path, true);
             if (result == Save256TooManyColours) {
                 throw RunFailure(std::string(LoadResString(ids::SaveFailed)) + " " + path +
@@ -223,7 +226,7 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err, Platfo
         std::set<fs::path> seen;
         for (const std::string& input : cl.inputs) {
             fs::path target = fs::path(cl.outDir) / fs::path(input).stem();
-            target += ".bmp";
+            target += extensionOf(cl.format);
             if (!seen.insert(target).second) {
                 throw UsageError("two inputs would both be written to " + target.string());
             }
@@ -272,7 +275,7 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err, Platfo
                 exitCode = std::max(exitCode, ExitFailed);
                 continue;
             }
-            savePicture(document.picture, outputs[i].string(), cl.bits);
+            savePicture(document.picture, outputs[i].string(), cl.format, cl.bits);
             out << outputs[i].string() << '\n';
         } catch (const UsageError& error) {
             report(error.what(), ExitUsage);
@@ -289,7 +292,7 @@ int runConvert(const CommandLine& cl, std::ostream& out, PlatformDecoder& decode
                const LoadSetting& setting) {
     checkOutputFolder(cl.output);
     const Surface picture = loadPicture(cl.inputs.front(), decoder, setting);
-    savePicture(picture, cl.output, cl.bits);
+    savePicture(picture, cl.output, cl.format, cl.bits);
     out << cl.output << '\n';
     return ExitOk;
 }

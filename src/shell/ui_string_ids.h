@@ -113,6 +113,8 @@ constexpr int StatusUndone = 5149;
 constexpr int SaveTooManyColours = 5151;
 constexpr int SaveEmptyPicture = 5153;
 constexpr int SaveCannotWrite = 5155;
+// The save dialog's fourth row.
+constexpr int SavePng = 5801;
 
 // The area tools: status texts and the tools menu.
 constexpr int ToolSelecting = 5271;

@@ -550,25 +550,75 @@ TEST_F(CliTest, UnknownNamesGetTheNearestNamesAndAPointerToList) {
     }
 }
 
-TEST_F(CliTest, OutputsMustBeBitmapsByName) {
-    const std::string input = writeInput("in.bmp", testing::makeVariedPicture(3, 3));
-    const std::pair<const char*, bool> names[] = {
-        {"a.png", false},     {"a.jpg", false}, {"a", false},
-        {"a.bmp.png", false}, {"a.bmp", true},  {"b.BMP", true},
+// The first bytes of a file; empty when there is none.
+std::string signatureOf(const fs::path& file) {
+    std::string head(4, '\0');
+    std::ifstream in(file, std::ios::binary);
+    if (!in.read(head.data(), 4)) return "";
+    return head;
+}
+
+TEST_F(CliTest, OutputsAreBitmapsOrPngByName) {
+    const Surface picture = testing::makeVariedPicture(3, 3);
+    const std::string input = writeInput("in.bmp", picture);
+    const std::string png = "\x89PNG";
+    // The name, and the kind written: empty when the name is refused.
+    const std::pair<const char*, std::string> names[] = {
+        {"a.png", png},  {"b.PNG", png}, {"a.bmp.png", png}, {"a.bmp", "BM"},
+        {"b.BMP", "BM"}, {"a.jpg", ""},  {"a", ""},          {"a.png.jpg", ""},
     };
-    for (const auto& [name, accepted] : names) {
+    for (const auto& [name, kind] : names) {
         for (const std::string command : {"apply", "convert"}) {
             std::vector<std::string> args{command, input, "-o", path(name)};
             if (command == "apply") args.insert(args.begin() + 1, {"--effect", "Monotone"});
-            EXPECT_EQ(run(args), accepted ? cli::ExitOk : cli::ExitUsage) << command << " " << name;
-            EXPECT_EQ(fs::exists(dir / name), accepted) << command << " " << name;
-            if (!accepted) {
-                EXPECT_NE(err.str().find("give a name ending in .bmp"), std::string::npos)
+            EXPECT_EQ(run(args), kind.empty() ? cli::ExitUsage : cli::ExitOk)
+                << command << " " << name;
+            EXPECT_EQ(signatureOf(dir / name).substr(0, kind.size()), kind)
+                << command << " " << name;
+            if (kind.empty()) {
+                EXPECT_FALSE(fs::exists(dir / name)) << command << " " << name;
+                EXPECT_NE(err.str().find("give a name ending in .bmp or .png"), std::string::npos)
                     << err.str();
+            } else if (command == "convert") {
+                EXPECT_TRUE(read(name).sameColours(picture)) << name;
             }
             fs::remove(dir / name);
         }
     }
+}
+
+TEST_F(CliTest, FormatNamesTheKindOfABatchAndPngHasNoOtherDepth) {
+    const Surface a = testing::makeVariedPicture(5, 3);
+    const std::string inputs[] = {writeInput("a.bmp", a),
+                                  writeInput("b.bmp", testing::makeVariedPicture(2, 7))};
+    fs::create_directories(dir / "out");
+    ASSERT_EQ(run({"apply", "--effect", "Monotone", inputs[0], inputs[1], "--out-dir", path("out"),
+                   "--format", "png"}),
+              0)
+        << err.str();
+    EXPECT_EQ(signatureOf(dir / "out" / "b.png"), "\x89PNG");
+    EXPECT_TRUE(read("out/a.png").sameColours(expectedGray(a, 0)));
+    EXPECT_FALSE(fs::exists(dir / "out" / "a.bmp"));
+
+    struct Refusal {
+        std::vector<std::string> options;
+        const char* message;
+    };
+    const Refusal refusals[] = {
+        {{"--format", "gif", "--out-dir", path("out")}, "--format: must be bmp or png"},
+        {{"--format", "bmp", "-o", path("x.png")}, "--format bmp does not match -o"},
+        {{"--bits", "8", "-o", path("x.png")}, "--bits 8: PNG is written at 24 bits"},
+        {{"--bits", "1", "--format", "png", "--out-dir", path("out")}, "--bits 1: PNG"},
+    };
+    for (const Refusal& r : refusals) {
+        std::vector<std::string> args{"apply", "--effect", "Monotone", inputs[0]};
+        args.insert(args.end(), r.options.begin(), r.options.end());
+        EXPECT_EQ(run(args), cli::ExitUsage) << r.message;
+        EXPECT_NE(err.str().find(r.message), std::string::npos) << err.str();
+    }
+    EXPECT_FALSE(fs::exists(dir / "x.png"));
+    // 24 bits is what PNG holds, so asking for it is fine.
+    EXPECT_EQ(run({"convert", inputs[0], "--bits", "24", "-o", path("x.png")}), 0) << err.str();
 }
 
 } // namespace

@@ -104,5 +104,29 @@ TEST_F(DlaTest, CurvesStayInsideTheirRectangle) {
     }
 }
 
+TEST_F(DlaTest, TheCurvesUnitIsTheRoundedQuotient) {
+    // Hilbert at depth 2 spans 3 units: 62 / 3 rounds to 21, a curve of 63
+    // pixels that the clip cuts to the whole side (20 would leave one free).
+    struct Case {
+        int side;
+        int span;
+    };
+    for (const Case c : {Case{62, 62}, Case{61, 61}, Case{64, 64}}) {
+        Surface picture(c.side, c.side);
+        Class_DLA dla(context);
+        dla.Draw_CurveStart(picture, 2, 0, 0, 0, static_cast<std::int16_t>(c.side),
+                            static_cast<std::int16_t>(c.side), 255, 0, 0, 1);
+        int first = c.side, last = -1;
+        for (int y = 0; y < c.side; ++y) {
+            for (int x = 0; x < c.side; ++x) {
+                if (redOf(picture.at(x, y)) == 0) continue;
+                first = std::min(first, x);
+                last = std::max(last, x);
+            }
+        }
+        EXPECT_EQ(last - first + 1, c.span) << c.side;
+    }
+}
+
 } // namespace
 } // namespace lumiran::testing

@@ -99,6 +99,38 @@ TEST_F(HideEffectTest, ChocoBallsShadeTheBlockMeanInsideTheirSphereOnly) {
     EXPECT_EQ(balls.at(15, 8), picture.at(15, 8));
 }
 
+TEST_F(HideEffectTest, FoldedCellsOfAnEdgeBlockArePaintedByTheirUnfoldedPlace) {
+    // 11 x 11 in blocks of 8: the second block in each direction has three
+    // real cells, 0 to 2, and cells 3 to 7 fold onto the last one. On a
+    // uniform picture every block has the same mean, so the folded pixel
+    // shows the last painting cell of the first block.
+    struct Case {
+        const char* name;
+        void (*call)(E&, const ProcessRect&);
+        int lastCell;     // the last cell of a block row or column that paints
+        int cornerColumn; // where that row of cells last paints
+    };
+    const Case cases[] = {
+        {"Choco Ball",
+         [](E& e, const ProcessRect& r) {
+             e.Mosaic_Shading(8, r.left, r.top, r.right, r.bottom, 0, 0, 0, 10, 1, 0);
+         },
+         7, 5},
+        {"Glowing Pixel",
+         [](E& e, const ProcessRect& r) {
+             e.Mosaic_Glowing(8, 8, r.left, r.top, r.right, r.bottom, 0, 0);
+         },
+         6, 6},
+    };
+    for (const Case& c : cases) {
+        const Surface painted = run<E>(uniformPicture(11, 11, 120, 120, 120), c.call, true);
+        EXPECT_EQ(painted.at(10, 3), painted.at(c.lastCell, 3)) << c.name;
+        EXPECT_EQ(painted.at(3, 10), painted.at(3, c.lastCell)) << c.name;
+        EXPECT_EQ(painted.at(10, 10), painted.at(c.cornerColumn, c.lastCell)) << c.name;
+        EXPECT_NE(painted.at(10, 3), painted.at(2, 3)) << c.name; // not its own cell 2
+    }
+}
+
 TEST_F(HideEffectTest, InkDiscsLiftThePictureByHalfTheBlock) {
     for (const auto& [type, lift] : {std::pair{0, 10}, std::pair{1, 15}}) {
         const Surface noisy = run<E>(uniformPicture(60, 40, 100, 100, 100),

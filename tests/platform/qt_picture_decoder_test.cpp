@@ -3,6 +3,7 @@
 #include "imagefiles/byte_io.h"
 #include "imagefiles/file_io.h"
 #include "imagefiles/image_load_error.h"
+#include "imagefiles/png_writer.h"
 #include "platform/qt_picture_decoder.h"
 #include "platform/stderr_capture.h"
 #include "test_support.h"
@@ -270,6 +271,21 @@ TEST_F(QtPictureDecoderTest, TodaysFormatsLayTransparencyOverWhite) {
                 EXPECT_TRUE(nearColour(loaded.at(x, y), expected, 1)) << x << "," << y;
             }
         }
+    }
+}
+
+TEST_F(QtPictureDecoderTest, WrittenPngReadsBackAsTheBitmapOfTheSamePicture) {
+    // Widths around the bitmap's four-byte row padding, which PNG rows do not have.
+    for (const auto& [width, height] :
+         {std::pair{1, 1}, {1, 4}, {2, 3}, {3, 2}, {4, 1}, {5, 5}, {7, 3}, {33, 2}}) {
+        const Surface picture = testing::makePicture(width, height, [](int x, int y) {
+            return makePixel(x * 40 + y, 255 - x * 7, y * 50, 0xAA); // spare byte set
+        });
+        savePng24(picture, dir / "picture.png");
+        saveBmp24(picture, dir / "picture.bmp");
+        const Surface png = load("picture.png");
+        EXPECT_TRUE(png.sameColours(picture)) << width << "x" << height;
+        EXPECT_TRUE(png.sameColours(load("picture.bmp"))) << width << "x" << height;
     }
 }
 

@@ -42,6 +42,7 @@
 #include <chrono>
 #include <functional>
 #include <thread>
+#include <tuple>
 
 using namespace lumiran;
 
@@ -553,6 +554,40 @@ class FrameTest : public QObject {
         QVERIFY(!QFile::exists(dir_.filePath("many.bmp")));
     }
 
+    void thePngRowWritesAPngUnderAPngName() {
+        // The extension follows the row: swapped between the two kinds, added
+        // when missing, any other kept as typed.
+        const std::tuple<QString, SaveDepth, QString> names[] = {
+            {"/d/a.bmp", SaveDepth::Png, "/d/a.png"},
+            {"/d/a.BMP", SaveDepth::Png, "/d/a.png"},
+            {"/d/a.png", SaveDepth::Bits8, "/d/a.bmp"},
+            {"/d/a.png", SaveDepth::Png, "/d/a.png"},
+            {"/d/a", SaveDepth::Png, "/d/a.png"},
+            {"/d/a", SaveDepth::Bits1, "/d/a.bmp"},
+            {"/d/a.dib", SaveDepth::Png, "/d/a.dib"},
+            {"/d.png/a", SaveDepth::Bits24, "/d.png/a.bmp"},
+        };
+        for (const auto& [path, depth, expected] : names)
+            QCOMPARE(pathForDepth(path, depth), expected);
+
+        const Surface picture = gradient(13, 5); // odd width: bitmap rows are padded
+        frm_PictureSave dialog(picture, dir_.filePath("g.bmp"), 9);
+        auto* name = dialog.findChild<QLineEdit*>("Text1");
+        dialog.findChild<QRadioButton*>("Option1_3")->setChecked(true);
+        QCOMPARE(name->text(), dir_.filePath("g.png"));
+        MessageBoxAnswerer ok(QMessageBox::Ok);
+        dialog.Command1_Click();
+        QCOMPARE(ok.texts, QStringList{res(ids::SaveDone)});
+        QCOMPARE(dialog.savedPath(), dir_.filePath("g.png"));
+        QVERIFY(!QFile::exists(dir_.filePath("g.bmp")));
+        QFile png(dialog.savedPath());
+        QVERIFY(png.open(QIODevice::ReadOnly));
+        QCOMPARE(png.read(4), QByteArray("\x89PNG"));
+        QVERIFY(decoder_.LoadPicture(dialog.savedPath().toStdString(), "png").sameColours(picture));
+        dialog.findChild<QRadioButton*>("Option1_0")->setChecked(true);
+        QCOMPARE(name->text(), dir_.filePath("g.bmp"));
+    }
+
     void newWindowsStayInsideAndCascadeShowsThePictures() {
         MemoryStore store;
         FrmMain frame(store, decoder_);
@@ -594,6 +629,15 @@ class FrameTest : public QObject {
         QTextBrowser* help = frame.helpWindow();
         QVERIFY(help != nullptr && help->isVisible());
         QVERIFY(help->toPlainText().contains(QStringLiteral("元に戻す")));
+
+        // The English page is built in beside it, section for section.
+        const auto sections = [](const QString& resource) {
+            QFile page(resource);
+            if (!page.open(QIODevice::ReadOnly)) return -1;
+            return int(QString::fromUtf8(page.readAll()).count("<h2>"));
+        };
+        QVERIFY(sections(":/help/index.html") > 0);
+        QCOMPARE(sections(":/help/index_en.html"), sections(":/help/index.html"));
     }
 
     // The stored choice sets the language unless LUMIRAN_LANG names one; a

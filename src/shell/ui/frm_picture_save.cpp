@@ -3,6 +3,7 @@
 #include "imagefiles/bitmap_writer.h"
 #include "imagefiles/image_file_error.h"
 #include "imagefiles/load_dispatch.h"
+#include "imagefiles/png_writer.h"
 #include "shell/ui/dialogs/dialogs.h"
 #include "shell/ui/dialogs/frm_pictureinfo.h"
 #include "shell/ui/ui_text.h"
@@ -35,6 +36,9 @@ SaveResult savePictureFile(const Surface& picture, const QString& path, SaveDept
         case SaveDepth::Bits1:
             if (SaveMonoImage(target, picture) != 1) code = Save256EmptyPicture;
             break;
+        case SaveDepth::Png:
+            savePng24(picture, target);
+            break;
         }
         if (code == Save256Success) return {true, {}};
         if (code == Save256TooManyColours) {
@@ -49,6 +53,16 @@ SaveResult savePictureFile(const Surface& picture, const QString& path, SaveDept
         if (picture.empty()) return {false, res(ids::SaveEmptyPicture)};
         return {false, res(ids::SaveCannotWrite) + "\n" + path + "\n" + qs(error.what())};
     }
+}
+
+QString pathForDepth(const QString& path, SaveDepth depth) {
+    const bool png = depth == SaveDepth::Png;
+    const QString wanted = png ? "png" : "bmp";
+    const QString other = png ? "bmp" : "png";
+    const QString extension = QString::fromStdString(FileExtension(path.toStdString()));
+    if (extension.isEmpty()) return path.endsWith('.') ? path + wanted : path + '.' + wanted;
+    if (extension.compare(other, Qt::CaseInsensitive) != 0) return path;
+    return path.left(path.size() - extension.size()) + wanted;
 }
 
 QString proposedSaveName(const QString& folder, const QString& name) {
@@ -73,27 +87,43 @@ frm_PictureSave::frm_PictureSave(const Surface& picture, const QString& suggeste
     save->setObjectName("Command1");
     save->setDefault(true);
     auto* cancel = new QPushButton(res(ids::ButtonCancel));
-    const int captions[3] = {ids::SaveDepth24, ids::SaveDepth8, ids::SaveDepth1};
+    const int captions[4] = {ids::SaveDepth24, ids::SaveDepth8, ids::SaveDepth1, ids::SavePng};
     auto* layout = new QGridLayout(this);
     layout->addWidget(new QLabel(res(ids::SaveFileName)), 0, 0);
     layout->addWidget(Text1, 0, 1);
     layout->addWidget(browse, 0, 2);
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 4; ++i) {
         Option1[i] = new QRadioButton(res(captions[i]));
         Option1[i]->setObjectName(QString("Option1_%1").arg(i));
         layout->addWidget(Option1[i], i + 1, 1);
     }
     Option1[0]->setChecked(true);
-    layout->addWidget(save, 4, 1, Qt::AlignRight);
-    layout->addWidget(cancel, 4, 2);
+    // From now on the name shows the kind that will be written.
+    for (QRadioButton* option : Option1) {
+        connect(option, &QRadioButton::toggled, this, [this](bool on) {
+            if (on && !Text1->text().trimmed().isEmpty()) {
+                Text1->setText(pathForDepth(Text1->text(), chosenDepth()));
+            }
+        });
+    }
+    layout->addWidget(save, 5, 1, Qt::AlignRight);
+    layout->addWidget(cancel, 5, 2);
     connect(browse, &QPushButton::clicked, this, [this] {
+        const QString filter = chosenDepth() == SaveDepth::Png ? "*.png" : "*.bmp";
         const QString chosen =
-            QFileDialog::getSaveFileName(this, res(ids::SaveTitle), Text1->text(), "*.bmp");
+            QFileDialog::getSaveFileName(this, res(ids::SaveTitle), Text1->text(), filter);
         if (!chosen.isEmpty()) Text1->setText(chosen);
     });
     connect(save, &QPushButton::clicked, this, &frm_PictureSave::Command1_Click);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     ApplyFontSize(*this, fontSize);
+}
+
+SaveDepth frm_PictureSave::chosenDepth() const {
+    if (Option1[1]->isChecked()) return SaveDepth::Bits8;
+    if (Option1[2]->isChecked()) return SaveDepth::Bits1;
+    if (Option1[3]->isChecked()) return SaveDepth::Png;
+    return SaveDepth::Bits24;
 }
 
 void frm_PictureSave::Command1_Click() {
@@ -102,7 +132,8 @@ void frm_PictureSave::Command1_Click() {
         QMessageBox::warning(this, res(ids::SaveTitle), res(ids::SaveBadPath));
         return;
     }
-    if (FileExtension(path.toStdString()).empty()) path += ".bmp";
+    const SaveDepth depth = chosenDepth();
+    path = pathForDepth(path, depth);
     if (QFileInfo::exists(path)) {
         const auto answer =
             QMessageBox::question(this, res(ids::SaveConfirmTitle), path + res(ids::SaveExists),
@@ -113,9 +144,6 @@ void frm_PictureSave::Command1_Click() {
         }
         // The old file is replaced only once the new one is complete.
     }
-    SaveDepth depth = SaveDepth::Bits24;
-    if (Option1[1]->isChecked()) depth = SaveDepth::Bits8;
-    if (Option1[2]->isChecked()) depth = SaveDepth::Bits1;
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const SaveResult result = savePictureFile(picture_, path, depth);
     QApplication::restoreOverrideCursor();

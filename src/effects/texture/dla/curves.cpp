@@ -90,10 +90,12 @@ void Class_DLA::Draw_CurveStart(Surface& picture, std::int16_t depth, std::uint8
             minY = std::min(minY, p.y);
             maxY = std::max(maxY, p.y);
         }
-        // The unit from the larger side over the curve's extent in steps.
+        // The unit: the larger side over the curve's extent in steps,
+        // rounded, so a curve may overhang the rectangle by up to half a
+        // unit a step; the clip cuts the overhang.
         const int larger = std::max(right - left, bottom - top);
         const double extent = std::max({maxX - minX, maxY - minY, 1.0});
-        const double u = std::max(1.0, std::floor(larger / extent));
+        const double u = std::max(1, roundTo<std::int32_t>(larger / extent));
         const double offsetX = left + ((right - left) - (maxX - minX) * u) / 2 - minX * u;
         const double offsetY = top + ((bottom - top) - (maxY - minY) * u) / 2 - minY * u;
 

@@ -27,21 +27,22 @@ mosaic::Extent extentOf(const ProcessRect& rect, const Surface& picture) {
 } // namespace
 
 // Cells inside the sphere take the lit colour of the block's mean (type 0)
-// or of their own pixel (any other type); cells outside it, and the cells
-// the fold repeats, are left to the picture.
-void Class_HideEffect::shadeBlock(int x0, int y0, std::span<const int> rows,
-                                  std::span<const int> columns, std::int16_t type,
-                                  const Lighting& lighting) {
+// or of their own pixel (any other type); cells outside it are left to the
+// picture. A folded cell keeps its unfolded place in the sphere, so the
+// edge row or column it lands on is painted as often as it folds, the last
+// cell inside the sphere winning.
+void Class_HideEffect::shadeBlock(std::span<const int> rows, std::span<const int> columns,
+                                  std::int16_t type, const Lighting& lighting) {
     const int height = static_cast<int>(rows.size());
     const int width = static_cast<int>(columns.size());
     const Rgb16 mean = mosaic::blockMean(ImageBits, rows, columns);
     const double radius = std::min(width, height) / 2.0;
     for (int i = 0; i < height; ++i) {
         const int y = rows[static_cast<std::size_t>(i)];
-        if (y != y0 + i) continue;
+        if (y == mosaic::SkippedCell) continue;
         for (int j = 0; j < width; ++j) {
             const int x = columns[static_cast<std::size_t>(j)];
-            if (x != x0 + j) continue;
+            if (x == mosaic::SkippedCell) continue;
             const hide::Shade shade = hide::sphereShade(lighting.light, j - (width - 1) / 2.0,
                                                         i - (height - 1) / 2.0, radius);
             if (!shade.inside) continue;
@@ -64,11 +65,8 @@ void Class_HideEffect::shadedWalk(const ProcessRect& rect, const mosaic::BlockGr
     std::vector<int> rows(static_cast<std::size_t>(grid.height));
     std::vector<int> columns(static_cast<std::size_t>(grid.width));
     for (int k = 0; k < blockRows; ++k) {
-        const int y0 = extent.firstRow + grid.firstRow + k * grid.stepY;
-        mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int m) {
-            const int x0 = extent.firstColumn - grid.rowShift[k & 1] + m * grid.stepX;
-            shadeBlock(x0, y0, rows, columns, type, lighting);
-        });
+        mosaic::forEachBlockInRow(extent, grid, k, rows, columns,
+                                  [&](int) { shadeBlock(rows, columns, type, lighting); });
         if (!finishRow()) return;
     }
 }
@@ -114,7 +112,7 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
         for (int k = 0; k < blockRows; ++k) {
             mosaic::forEachRandomBlockInRow(
                 extent, blockColumns, context().random, rows, columns,
-                [&](int x0, int y0) { shadeBlock(x0, y0, rows, columns, type, lighting); });
+                [&](int, int) { shadeBlock(rows, columns, type, lighting); });
             if (!finishRow()) return;
         }
     });
@@ -134,17 +132,14 @@ void Class_HideEffect::Mosaic_Glowing(std::uint8_t width, std::uint8_t height, s
         std::vector<int> rows(height);
         std::vector<int> columns(width);
         for (int k = 0; k < blockRows; ++k) {
-            const int y0 = extent.firstRow + k * height;
-            mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int m) {
-                const int x0 = extent.firstColumn + m * width;
+            mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int) {
                 const Rgb16 mean = mosaic::blockMean(ImageBits, rows, columns);
-                // The block's edge cells stay, the inner ones glow.
+                // The block's edge cells stay, the inner ones glow; folded
+                // cells glow by their unfolded place, the last one winning.
                 for (int i = 1; i <= height - 2; ++i) {
                     const int y = rows[static_cast<std::size_t>(i)];
-                    if (y != y0 + i) continue;
                     for (int j = 1; j <= width - 2; ++j) {
                         const int x = columns[static_cast<std::size_t>(j)];
-                        if (x != x0 + j) continue;
                         const double d = std::hypot(j - middleX, i - middleY);
                         const double fall = d == 0 ? 0 : 300 / farthest * d;
                         const Rgb16 glow{roundTo<std::int16_t>(mean.red - fall),

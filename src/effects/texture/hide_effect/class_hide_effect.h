@@ -114,8 +114,8 @@ class Class_HideEffect : public PixelFrame {
     void shadedWalk(const ProcessRect& rect, const mosaic::BlockGrid& grid, std::int16_t type,
                     const hide::Lighting& lighting);
     // One block as a sphere of radius size / 2 around its middle.
-    void shadeBlock(int x0, int y0, std::span<const int> rows, std::span<const int> columns,
-                    std::int16_t type, const hide::Lighting& lighting);
+    void shadeBlock(std::span<const int> rows, std::span<const int> columns, std::int16_t type,
+                    const hide::Lighting& lighting);
     // Every pixel of the rectangle in the tiling of spheres of radius q:
     // inside a sphere the lit colour of the source its lens(dx, dy, cx, cy)
     // names, outside the background.

@@ -1,6 +1,7 @@
 #include "catalogue/effect_table.h"
 
 #include "catalogue/name_folding.h"
+#include "shell/string_table.h"
 
 #include <algorithm>
 #include <cctype>
@@ -98,6 +99,12 @@ std::string effectName(const EffectEntry& effect) {
     return effect.caption.empty() ? std::string(effect.key) : withoutAccelerator(effect.caption);
 }
 
+std::string englishEffectName(const EffectEntry& effect) {
+    if (!effect.caption.empty()) return withoutAccelerator(effect.caption);
+    const std::string_view english = LoadResString(effect.stringId, InterfaceLanguage::English);
+    return std::string(effect.stringId != 0 && !english.empty() ? english : effect.key);
+}
+
 const EffectEntry* findEffect(std::string_view name) {
     // Two composition entries have no caption; an empty name finds nothing.
     if (name.empty()) return nullptr;
@@ -111,6 +118,9 @@ const EffectEntry* findEffect(std::string_view name) {
     // "Mean" finds the menu caption "Mean(&M)": the accelerator is not part of the name.
     for (const EffectEntry& e : table) {
         if (equalsIgnoringCase(withoutAccelerator(e.caption), name)) return &e;
+    }
+    for (const EffectEntry& e : table) {
+        if (e.caption.empty() && equalsIgnoringCase(englishEffectName(e), name)) return &e;
     }
     // Typed with the other width: "モノトーン" for "ﾓﾉﾄｰﾝ", "Ｍｏｎｏｔｏｎｅ".
     const std::string folded = foldedName(name);

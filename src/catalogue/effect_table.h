@@ -90,7 +90,12 @@ struct EffectEntry {
 // ("Mean" for "Mean(&M)"), or the key where there is no caption.
 [[nodiscard]] std::string effectName(const EffectEntry& effect);
 
-// By key, or by English caption ignoring case; the first in menu order
+// The name in English: the caption without its accelerator, or, for the
+// entries without a caption, the English of the key's string.
+[[nodiscard]] std::string englishEffectName(const EffectEntry& effect);
+
+// By key, or by English caption ignoring case (or the English name of an
+// entry without a caption); the first in menu order
 // wins. A name that matches neither as typed is compared after NFKC, so
 // full-width and half-width forms both find the effect.
 [[nodiscard]] const EffectEntry* findEffect(std::string_view name);

@@ -62,14 +62,17 @@ ListOptions parseListOptions(const std::vector<std::string>& args) {
             options.compact = true;
         } else if (arg == "--available") {
             options.availableOnly = true;
+        } else if (arg == "--keys") {
+            options.keys = true;
         } else if (arg == "--family") {
             if (i + 1 >= args.size() || args[i + 1].empty()) {
                 throw UsageError("list --family: a family name is missing");
             }
             options.family = args[++i];
         } else {
-            throw UsageError("list takes --available, --family NAME, --compact and --json, not '" +
-                             arg + "'");
+            throw UsageError(
+                "list takes --available, --family NAME, --keys, --compact and --json, not '" + arg +
+                "'");
         }
     }
     if (options.json && options.compact) {
@@ -93,12 +96,14 @@ const char* extensionOf(OutputFormat format) {
 
 std::string usageText() {
     return "usage:\n"
-           "  lumiran-cli list [--available] [--family NAME] [--compact | --json]\n"
+           "  lumiran-cli list [--available] [--family NAME] [--keys] [--compact | --json]\n"
            "  lumiran-cli apply --effect NAME [controls] [run options] INPUT -o OUTPUT.bmp|.png\n"
            "  lumiran-cli apply --effect NAME [controls] [run options] INPUT... --out-dir DIR\n"
            "              [--format bmp|png]\n"
            "  lumiran-cli convert INPUT -o OUTPUT.bmp|.png [--bits 24|8|1] [--max-pixels WxH]\n"
            "NAME:        an effect's caption or key as list shows it (any width, any case)\n"
+           "list:        English captions and texts; --keys: the effects' keys and the\n"
+           "             program's own (Japanese) texts; --json always carries both\n"
            "controls:    --s1 V .. --s8 V  --e ROW  --c ROW  --g ROW  --k 0|1  --rgb R,G,B\n"
            "run options: --calc N  --raster N  --rect L,T,R,B  --kept FILE  --bits 24|8|1\n"
            "             (--bits is a bitmap's depth; PNG is always written at 24 bits)\n"

@@ -42,6 +42,7 @@ struct ListOptions {
     bool json = false;          // a JSON array instead of text
     bool compact = false;       // one line per effect
     bool availableOnly = false; // only effects this version can run
+    bool keys = false;          // the keys and the catalogue's own texts, not English
     std::string family;         // only this family (caption or menu); empty: all
 };
 

@@ -2,6 +2,7 @@
 
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
+#include "catalogue/english_texts.h"
 #include "catalogue/name_folding.h"
 
 #include <algorithm>
@@ -23,27 +24,34 @@ std::string_view availability(bool available) {
     return available ? "available" : "not available in this version";
 }
 
-// The two composition entries without a caption go by their key.
-std::string_view heading(const EffectEntry& effect) {
-    return effect.caption.empty() ? effect.key : effect.caption;
+// A text of the catalogue as the list shows it: the English where there is
+// one, unless the program's own texts were asked for.
+std::string_view text(std::string_view japanese, bool keys) {
+    if (keys) return japanese;
+    const std::string_view english = englishFor(japanese);
+    return english.empty() ? japanese : english;
 }
 
-void printBlock(std::ostream& out, const EffectEntry& effect) {
-    out << heading(effect) << '\n';
+void printBlock(std::ostream& out, const EffectEntry& effect, bool keys) {
+    if (keys) {
+        out << effect.key << '\n';
+        out << "  name:    " << englishEffectName(effect) << '\n';
+    } else {
+        out << englishEffectName(effect) << '\n';
+    }
     out << "  family:  " << effect.family << " (" << effect.menu << " " << effect.index << ")\n";
-    out << "  key:     " << effect.key << '\n';
     out << "  dialog:  " << dialogName(effect.dialog) << ", code " << effect.code << '\n';
     out << "  status:  " << availability(isAvailable(effect)) << '\n';
     for (const SliderSpec& s : effect.sliders) {
         out << "  slider " << s.number << ": ";
-        if (!s.label.empty()) out << s.label << ' ';
+        if (!s.label.empty()) out << text(s.label, keys) << ' ';
         out << s.min << ".." << s.max << ", default " << s.defaultValue << '\n';
     }
     for (const ListSpec& l : effect.lists) {
         out << "  list " << listLetter(l.kind) << ":  ";
-        if (!l.caption.empty()) out << l.caption << ": ";
+        if (!l.caption.empty()) out << text(l.caption, keys) << ": ";
         for (std::size_t i = 0; i < l.rows.size(); ++i)
-            out << (i ? " | " : "") << l.rows[i];
+            out << (i ? " | " : "") << text(l.rows[i], keys);
         out << '\n';
     }
 }
@@ -83,6 +91,7 @@ void printObject(std::ostream& out, const EffectEntry& effect) {
     out << "{\"family\":" << jsonString(effect.family) << ",\"menu\":" << jsonString(effect.menu)
         << ",\"index\":" << effect.index << ",\"caption\":" << jsonString(effect.caption)
         << ",\"key\":" << jsonString(effect.key)
+        << ",\"name\":" << jsonString(englishEffectName(effect))
         << ",\"dialog\":" << jsonString(dialogName(effect.dialog)) << ",\"code\":" << effect.code
         << ",\"available\":" << (available ? "true" : "false")
         << ",\"availability\":" << jsonString(availability(available)) << ",\"sliders\":[";
@@ -118,19 +127,25 @@ void pad(std::ostream& out, std::string_view text, std::size_t width) {
     out << text << std::string(width - std::min(width, columns(text)), ' ') << "  ";
 }
 
-// One line an effect: family, the name to type, key, and a note where it
-// cannot run.
-void printLines(std::ostream& out, const std::vector<const EffectEntry*>& effects) {
+// One line an effect: family, the name to type (the English name, or the
+// key), and a note where it cannot run.
+void printLines(std::ostream& out, const std::vector<const EffectEntry*>& effects, bool keys) {
+    const auto name = [keys](const EffectEntry& e) {
+        return keys ? std::string(e.key) : englishEffectName(e);
+    };
     std::size_t familyWidth = 0, nameWidth = 0;
     for (const EffectEntry* e : effects) {
         familyWidth = std::max(familyWidth, columns(e->family));
-        nameWidth = std::max(nameWidth, columns(effectName(*e)));
+        nameWidth = std::max(nameWidth, columns(name(*e)));
     }
     for (const EffectEntry* e : effects) {
         pad(out, e->family, familyWidth);
-        pad(out, effectName(*e), nameWidth);
-        out << e->key;
-        if (!isAvailable(*e)) out << "  (" << availability(false) << ')';
+        if (isAvailable(*e)) {
+            out << name(*e);
+        } else {
+            pad(out, name(*e), nameWidth);
+            out << '(' << availability(false) << ')';
+        }
         out << '\n';
     }
 }
@@ -160,7 +175,7 @@ void printEffectList(std::ostream& out, const ListOptions& options) {
         effects.push_back(&e);
     }
     if (options.compact) {
-        printLines(out, effects);
+        printLines(out, effects, options.keys);
         return;
     }
     if (options.json) {
@@ -174,7 +189,7 @@ void printEffectList(std::ostream& out, const ListOptions& options) {
     }
     for (std::size_t i = 0; i < effects.size(); ++i) {
         if (i > 0) out << '\n';
-        printBlock(out, *effects[i]);
+        printBlock(out, *effects[i], options.keys);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "engine/random_generator.h"
 #include "engine/run_context.h"
 #include "engine/surface.h"
+#include "shell/interface_language.h"
 #include "shell/undo_stack.h"
 
 #include <cstdint>
@@ -34,6 +35,9 @@ struct ProgramState {
     RandomGenerator random;
     UndoStack undo{5};
     KeepStore keep;
+    // The language of this session's texts, from the options or LUMIRAN_LANG;
+    // the editor's text lookup follows the translator made from it.
+    InterfaceLanguage language = InterfaceLanguage::Japanese;
 };
 
 } // namespace lumiran

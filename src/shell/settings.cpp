@@ -135,6 +135,10 @@ SettingsReadResult readSettings(const KeyValueStore& store, ScreenSize screen) {
     s.RasterOpFlag = in.byte("RasterOpFlag", 0);
     s.LoadingAmountLimitation = in.byte("LoadingAmountLimitation", 0);
     s.MaxLoadPixels = in.pixelLimit("MaxLoadPixels", s.MaxLoadPixels);
+    if (const auto language = store.get(SettingsSection, "InterfaceLanguage")) {
+        s.interfaceLanguage =
+            parseInterfaceLanguage(*language).value_or(InterfaceLanguage::Japanese);
+    }
 
     if (!result.problems.empty()) {
         const auto problems = std::move(result.problems);
@@ -173,6 +177,8 @@ void writeSettings(KeyValueStore& store, const Settings& s) {
     put("Font Size", decimal(s.FontSize));
     put("Vasion", "0.49");
     store.set(LimitsSection, "MaxLoadPixels", std::to_string(s.MaxLoadPixels));
+    // The program's own, after the keys it has always written.
+    put("InterfaceLanguage", std::string(interfaceLanguageCode(s.interfaceLanguage)));
 }
 
 } // namespace lumiran

@@ -2,6 +2,7 @@
 
 #include "engine/pixel.h"
 #include "imagefiles/load_limits.h"
+#include "shell/interface_language.h"
 #include "shell/key_value_store.h"
 #include "shell/load_history.h"
 
@@ -36,6 +37,10 @@ struct Settings {
     std::uint8_t LoadingAmountLimitation = 0;
     // The most pixels a picture read may have; kept across starts.
     std::int64_t MaxLoadPixels = LoadLimits::DefaultMaxPixels;
+    // The language chosen in the options, under a key of its own: "Language"
+    // keeps the value it has always been written with. A value that names no
+    // language reads as Japanese and is not a problem of the store.
+    InterfaceLanguage interfaceLanguage = InterfaceLanguage::Japanese;
 
     [[nodiscard]] bool firstStart() const { return Vasion == 0; }
 };

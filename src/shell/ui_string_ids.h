@@ -184,4 +184,13 @@ constexpr int PrintMarginTop = 5633;
 constexpr int PrintMarginRight = 5635;
 constexpr int PrintMarginBottom = 5637;
 
+// The interface language (the options' "Interface" tab) and the browser's
+// tree menu.
+constexpr int InterfaceLanguageLabel = 5701;
+constexpr int LanguageJapanese = 5703;
+constexpr int LanguageEnglish = 5705;
+constexpr int LanguageNextStart = 5707;
+constexpr int LanguageFromEnvironment = 5709;
+constexpr int BrowseTreeMenu = 5711;
+
 } // namespace lumiran::ids

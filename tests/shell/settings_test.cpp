@@ -1,6 +1,8 @@
 #include "shell/settings.h"
 
 #include <gtest/gtest.h>
+#include <optional>
+#include <string>
 
 namespace lumiran {
 namespace {
@@ -75,7 +77,7 @@ TEST(Settings, ExitWritesInTheFixedOrder) {
     MemoryStore store;
     writeSettings(store, defaultSettings(Screen));
     const auto& order = store.writeOrder();
-    ASSERT_EQ(order.size(), 4u + 11u + 6u + 1u + 5u + 4u + 1u);
+    ASSERT_EQ(order.size(), 4u + 11u + 6u + 1u + 5u + 4u + 1u + 1u);
     EXPECT_EQ(order.front(), "MainLeft");
     EXPECT_EQ(order[4], "LoadImage1");
     EXPECT_EQ(order[14], "OpenFolder");
@@ -83,8 +85,9 @@ TEST(Settings, ExitWritesInTheFixedOrder) {
     EXPECT_EQ(order[21], "ProcessBarType");
     EXPECT_EQ(order[22], "AutoFlag");
     EXPECT_EQ(order[26], "Language");
-    EXPECT_EQ(order[order.size() - 2], "Vasion");
-    EXPECT_EQ(order.back(), "MaxLoadPixels");
+    EXPECT_EQ(order[order.size() - 3], "Vasion");
+    EXPECT_EQ(order[order.size() - 2], "MaxLoadPixels");
+    EXPECT_EQ(order.back(), "InterfaceLanguage");
 }
 
 TEST(Settings, AnotherStoredVersionCountsAsAFirstStart) {
@@ -108,6 +111,57 @@ TEST(Settings, ACorruptValueFallsBackToAllDefaultsAndIsReported) {
     EXPECT_EQ(read.problems[1].key, "Font Size");
     EXPECT_EQ(read.settings.MaxUndoCount, 5);
     EXPECT_TRUE(read.settings.firstStart());
+}
+
+// The language keeps a key of its own: "Language" stays "1" whatever is
+// chosen, and a stored value that names no language reads as Japanese
+// without spoiling the other settings.
+TEST(Settings, InterfaceLanguageRoundTripsAndABadValueIsJapanese) {
+    struct Case {
+        std::optional<std::string> stored; // nothing: the key is missing
+        InterfaceLanguage read;
+    };
+    const Case cases[] = {
+        {std::nullopt, InterfaceLanguage::Japanese}, {"ja", InterfaceLanguage::Japanese},
+        {"en", InterfaceLanguage::English},          {" EN ", InterfaceLanguage::English},
+        {"english", InterfaceLanguage::Japanese},    {"", InterfaceLanguage::Japanese},
+        {"1", InterfaceLanguage::Japanese},          {"fr", InterfaceLanguage::Japanese},
+    };
+    for (const Case& c : cases) {
+        MemoryStore store;
+        store.set("Settings", "Vasion", "0.49");
+        store.set("Settings", "MaxUndoCount", "9");
+        if (c.stored) store.set("Settings", "InterfaceLanguage", *c.stored);
+        const SettingsReadResult read = readSettings(store, Screen);
+        const std::string label = c.stored.value_or("(missing)");
+        EXPECT_TRUE(read.problems.empty()) << label;
+        EXPECT_EQ(read.settings.interfaceLanguage, c.read) << label;
+        EXPECT_EQ(read.settings.MaxUndoCount, 9) << label;
+
+        writeSettings(store, read.settings);
+        EXPECT_EQ(store.get("Settings", "Language"), "1") << label;
+        EXPECT_EQ(store.get("Settings", "InterfaceLanguage"),
+                  c.read == InterfaceLanguage::English ? "en" : "ja")
+            << label;
+    }
+}
+
+// LUMIRAN_LANG wins over the stored choice when it names a language.
+TEST(InterfaceLanguage, TheEnvironmentWinsWhenItNamesALanguage) {
+    using enum InterfaceLanguage;
+    struct Case {
+        InterfaceLanguage stored;
+        const char* environment;
+        InterfaceLanguage chosen;
+    };
+    const Case cases[] = {{Japanese, nullptr, Japanese}, {English, nullptr, English},
+                          {Japanese, "en", English},     {English, "ja", Japanese},
+                          {English, "JA", Japanese},     {English, "", English},
+                          {Japanese, "de", Japanese},    {English, "en_US.UTF-8", English}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(chooseInterfaceLanguage(c.stored, c.environment), c.chosen)
+            << (c.environment ? c.environment : "(unset)");
+    }
 }
 
 TEST(LoadHistory, NewPathsGoFirstAndKnownOnesStay) {

@@ -2,6 +2,7 @@
 // thumbnails, the click into an effect's dialog and its settings.
 #include "catalogue/browse_thumbnails.h"
 #include "catalogue/ui/effect_dialog.h"
+#include "catalogue/ui/effect_texts.h"
 #include "catalogue/ui/frm_browse.h"
 #include "platform/qt_picture_decoder.h"
 #include "shell/ui/frm_document.h"
@@ -190,6 +191,47 @@ class BrowseTest : public QObject {
         QCOMPARE(dialog->code(), entry->code);
         QCOMPARE(dialog->windowTitle(), qs(entry->windowTitle()));
         QTRY_VERIFY(frame.effectBrowser() == nullptr);
+    }
+
+    // Started in English the browser shows no Japanese, opens on the family
+    // whose "Browse..." was chosen, and a click runs the row it shows, found
+    // by its identity rather than by its English caption.
+    void englishBrowserOpensTheFamilyAndTheDialogOfTheClickedRow() {
+        ui_testing::InterfaceLanguageEnvironment language("en");
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        QVERIFY(doc != nullptr);
+        for (const char* family : {"ColorNo", "EdgeDetectionNo", "TransformNo"}) {
+            FrmBrowse* browser = browse(frame, *doc, family);
+            QVERIFY(browser != nullptr);
+            QTreeWidgetItem* root = browser->pageRoot();
+            QCOMPARE(root->text(0), qs(findFamily(family)->caption));
+            for (const QString& text : ui_testing::shownTexts(*browser))
+                QVERIFY2(!ui_testing::hasJapanese(text), qPrintable(text));
+            keep(*browser, QString("en_browse_%1").arg(family));
+
+            // The last finished thumbnail of the page, away from row 0.
+            int clicked = -1;
+            for (int i = 0; i < std::min(root->childCount(), BrowsePageSize); ++i) {
+                if (!browser->thumbnail(i).isNull()) clicked = i;
+            }
+            QVERIFY(clicked > 0);
+            const EffectEntry* entry = effectOfMenuRow(
+                root->child(clicked)->data(0, Qt::UserRole).toString().toStdString());
+            QVERIFY(entry != nullptr);
+            QCOMPARE(browser->caption(clicked).text(),
+                     effectMenuText(*entry, InterfaceLanguage::English).replace("&&", "&"));
+            QTest::mouseClick(&browser->image(clicked), Qt::LeftButton);
+            EffectDialog* dialog = currentDialog();
+            QVERIFY(dialog != nullptr);
+            QCOMPARE(dialog->objectName(), dialogObjectName(entry->dialog));
+            QCOMPARE(dialog->code(), entry->code);
+            QCOMPARE(dialog->windowTitle(), qs(englishEffectName(*entry)));
+            dialog->close();
+            QTRY_VERIFY(frame.effectBrowser() == nullptr);
+            QTRY_VERIFY(currentDialog() == nullptr);
+        }
     }
 
     void effectMenuBrowseOpensTheFirstFamilyAndSettingsRoundTrip() {

@@ -89,6 +89,7 @@ void compareEdited(const Settings& actual, const Settings& expected) {
     QCOMPARE(actual.AutoPreview, expected.AutoPreview);
     QVERIFY(actual.backColor == expected.backColor);
     QVERIFY(actual.drawingColor == expected.drawingColor);
+    QVERIFY(actual.interfaceLanguage == expected.interfaceLanguage);
 }
 
 // Sets every control of the options to values unlike unusualSettings().
@@ -102,6 +103,7 @@ void editEveryTab(QDialog& dialog) {
     child<QSpinBox>(dialog, "MaxLoadSide").setValue(2000);
     child<QSpinBox>(dialog, "FontSize").setValue(72);
     child<QCheckBox>(dialog, "AutoPreview").setChecked(true);
+    child<QComboBox>(dialog, "InterfaceLanguage").setCurrentIndex(1);
     child<ColourChooser>(dialog, "BackColor").setColour({10, 20, 30});
     child<ColourChooser>(dialog, "DrawingColor").setColour({40, 50, 60});
 }
@@ -154,6 +156,7 @@ class DialogsTest : public QObject {
         expected.AutoPreview = 1;
         expected.backColor = {10, 20, 30};
         expected.drawingColor = {40, 50, 60};
+        expected.interfaceLanguage = InterfaceLanguage::English;
         compareEdited(settings, expected);
     }
 

@@ -640,6 +640,52 @@ class FrameTest : public QObject {
         QCOMPARE(sections(":/help/index_en.html"), sections(":/help/index.html"));
     }
 
+    // The stored choice sets the language unless LUMIRAN_LANG names one; a
+    // stored value that names none is Japanese. Help follows the language.
+    void languageComesFromTheEnvironmentThenTheStore() {
+        struct Case {
+            const char* stored; // null: no key
+            const char* environment;
+            InterfaceLanguage language;
+        };
+        const Case cases[] = {
+            {nullptr, nullptr, InterfaceLanguage::Japanese},
+            {"en", nullptr, InterfaceLanguage::English},
+            {"klingon", nullptr, InterfaceLanguage::Japanese},
+            {"en", "ja", InterfaceLanguage::Japanese},
+            {nullptr, "en", InterfaceLanguage::English},
+            {"ja", "xx", InterfaceLanguage::Japanese},
+        };
+        for (const Case& c : cases) {
+            const QByteArray old = qgetenv("LUMIRAN_LANG");
+            if (c.environment) {
+                qputenv("LUMIRAN_LANG", c.environment);
+            } else {
+                qunsetenv("LUMIRAN_LANG");
+            }
+            MemoryStore store;
+            if (c.stored) store.set("Settings", "InterfaceLanguage", c.stored);
+            {
+                FrmMain frame(store, decoder_);
+                QVERIFY(frame.state().language == c.language);
+                const QMenu* file = frame.findChild<QMenu*>("mnuFile");
+                QVERIFY(file != nullptr);
+                QCOMPARE(file->title(), qs(LoadResString(ids::MenuImage, c.language)));
+                frame.showHelp();
+                QTextBrowser* help = frame.helpWindow();
+                QVERIFY(help != nullptr);
+                const bool englishPage = c.language == InterfaceLanguage::English &&
+                                         QFile::exists(":/help/index_en.html");
+                QCOMPARE(help->source().path(), englishPage ? QString("/help/index_en.html")
+                                                            : QString("/help/index.html"));
+            }
+            qputenv("LUMIRAN_LANG", old);
+            if (old.isEmpty()) qunsetenv("LUMIRAN_LANG");
+        }
+        // Japanese again: the English translator went with its frame.
+        QCOMPARE(res(ids::MenuImage), qs(LoadResString(ids::MenuImage)));
+    }
+
     // The progress window is up before the snapshot and the copies; a large
     // load shows its percentage in the menu bar.
     void largePicturesShowProgressFromTheStart() {

@@ -19,6 +19,7 @@
 #include "shell/ui/frm_progress.h"
 #include "shell/ui/frm_viewer.h"
 #include "shell/ui/picture_view.h"
+#include "ui_test_support.h"
 
 #include <QDir>
 #include <QMenu>
@@ -32,20 +33,52 @@ class TourTest : public QObject {
     Q_OBJECT
 
     QtPictureDecoder decoder_;
+    // Set for the English tour: every kept window is checked for Japanese.
+    bool english_ = false;
+    std::set<std::string> catalogue_ = ui_testing::catalogueTexts();
+    // The catalogue texts that still show in Japanese, for the report.
+    QStringList gaps_;
 
-    static void keep(QWidget& window, const QString& name) {
+    void keep(QWidget& window, const QString& name) {
         window.show();
         QApplication::processEvents();
         QVERIFY(!window.windowTitle().isEmpty() || name == "frame" || name.startsWith("menu"));
         const QString dir = qEnvironmentVariable("LUMIRAN_SCREENSHOT_DIR");
-        if (!dir.isEmpty()) window.grab().save(QDir(dir).filePath(name + ".png"));
+        const QString file = (english_ ? "en_" : "") + name + ".png";
+        if (!dir.isEmpty()) window.grab().save(QDir(dir).filePath(file));
+        if (!english_) return;
+        for (const QString& text : ui_testing::shownTexts(window)) {
+            if (!ui_testing::hasJapanese(text)) continue;
+            if (ui_testing::isCatalogueTextWithoutEnglish(text, catalogue_)) {
+                if (!gaps_.contains(text)) gaps_ << text;
+                continue;
+            }
+            QFAIL(qPrintable(name + ": Japanese text \"" + text + "\""));
+        }
     }
 
+    void tour();
+
   private slots:
-    void everyWindowComesUp() {
+    void everyWindowComesUp() { tour(); }
+
+    // Started in English, no window shows Japanese but for catalogue texts
+    // the catalogue's English table does not have yet (listed, not failed).
+    void everyWindowComesUpInEnglish() {
+        ui_testing::InterfaceLanguageEnvironment language("en");
+        english_ = true;
+        tour();
+        english_ = false;
+        if (!gaps_.isEmpty()) qInfo() << "catalogue texts without English:" << gaps_;
+    }
+};
+
+void TourTest::tour() {
+    {
         MemoryStore store;
         FrmMain frame(store, decoder_);
         frame.resize(900, 650);
+        keep(frame, "frame_empty");
         FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
         QVERIFY(doc != nullptr);
         keep(frame, "frame");
@@ -114,7 +147,7 @@ class TourTest : public QObject {
         viewer->showView(1);
         keep(*viewer, "frm_Viewer_list");
     }
-};
+}
 
 QTEST_MAIN(TourTest)
 #include "tour_test.moc"

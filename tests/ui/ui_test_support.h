@@ -2,14 +2,29 @@
 
 // What the editor's window tests share: answering the message boxes a step
 // raises, and finding the effect dialog that is up.
+#include "catalogue/effect_table.h"
+#include "catalogue/english_texts.h"
 #include "catalogue/ui/effect_dialog.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
+#include <QSpinBox>
 #include <QStringList>
+#include <QTabWidget>
 #include <QTimer>
+#include <QTreeWidget>
 #include <QWidget>
+#include <algorithm>
+#include <set>
+#include <string>
 
 namespace lumiran::ui_testing {
 
@@ -40,6 +55,105 @@ inline EffectDialog* currentDialog() {
         if (auto* d = qobject_cast<EffectDialog*>(w); d != nullptr && d->isVisible()) return d;
     }
     return nullptr;
+}
+
+// LUMIRAN_LANG for as long as this lives: a frame made meanwhile speaks it.
+class InterfaceLanguageEnvironment {
+  public:
+    explicit InterfaceLanguageEnvironment(const char* code)
+        : had_(qEnvironmentVariableIsSet("LUMIRAN_LANG")), old_(qgetenv("LUMIRAN_LANG")) {
+        qputenv("LUMIRAN_LANG", code);
+    }
+    ~InterfaceLanguageEnvironment() {
+        if (had_) {
+            qputenv("LUMIRAN_LANG", old_);
+        } else {
+            qunsetenv("LUMIRAN_LANG");
+        }
+    }
+    InterfaceLanguageEnvironment(const InterfaceLanguageEnvironment&) = delete;
+    InterfaceLanguageEnvironment& operator=(const InterfaceLanguageEnvironment&) = delete;
+
+  private:
+    bool had_;
+    QByteArray old_;
+};
+
+// Kana, CJK symbols and ideographs, full-width forms and half-width katakana.
+inline bool hasJapanese(const QString& text) {
+    return std::ranges::any_of(text, [](QChar c) {
+        const char16_t u = c.unicode();
+        return (u >= 0x3000 && u <= 0x30FF) || (u >= 0x3400 && u <= 0x9FFF) ||
+               (u >= 0xFF00 && u <= 0xFFEF);
+    });
+}
+
+// Every text a window shows a user: its title, its menus (with submenus)
+// and tool tips, labels, buttons, frames, list and tree rows, tabs.
+inline QStringList shownTexts(QWidget& window) {
+    QStringList texts{window.windowTitle()};
+    const auto addActions = [&texts](const QList<QAction*>& actions, auto& self) -> void {
+        for (QAction* action : actions) {
+            texts << action->text() << action->toolTip();
+            if (QMenu* menu = action->menu()) {
+                texts << menu->title();
+                self(menu->actions(), self);
+            }
+        }
+    };
+    QList<QWidget*> widgets = window.findChildren<QWidget*>();
+    widgets.prepend(&window);
+    for (QWidget* w : widgets) {
+        addActions(w->actions(), addActions);
+        if (auto* bar = qobject_cast<QMenuBar*>(w)) addActions(bar->actions(), addActions);
+        if (auto* label = qobject_cast<QLabel*>(w)) texts << label->text();
+        if (auto* button = qobject_cast<QAbstractButton*>(w)) texts << button->text();
+        if (auto* frame = qobject_cast<QGroupBox*>(w)) texts << frame->title();
+        if (auto* spin = qobject_cast<QSpinBox*>(w)) {
+            texts << spin->specialValueText() << spin->prefix() << spin->suffix();
+        }
+        if (auto* combo = qobject_cast<QComboBox*>(w)) {
+            for (int i = 0; i < combo->count(); ++i)
+                texts << combo->itemText(i);
+        }
+        if (auto* list = qobject_cast<QListWidget*>(w)) {
+            for (int i = 0; i < list->count(); ++i)
+                texts << list->item(i)->text();
+        }
+        if (auto* tabs = qobject_cast<QTabWidget*>(w)) {
+            for (int i = 0; i < tabs->count(); ++i)
+                texts << tabs->tabText(i);
+        }
+        if (auto* tree = qobject_cast<QTreeWidget*>(w)) {
+            for (QTreeWidgetItemIterator it(tree); *it; ++it)
+                texts << (*it)->text(0);
+        }
+    }
+    texts.removeAll(QString());
+    return texts;
+}
+
+// The catalogue's own texts: slider labels, frame captions, list rows, titles.
+inline std::set<std::string> catalogueTexts() {
+    std::set<std::string> texts;
+    for (const EffectEntry& e : effectCatalogue()) {
+        texts.emplace(e.title);
+        for (const SliderSpec& s : e.sliders)
+            texts.emplace(s.label);
+        for (const ListSpec& l : e.lists) {
+            texts.emplace(l.caption);
+            texts.insert(l.rows.begin(), l.rows.end());
+        }
+    }
+    return texts;
+}
+
+// A catalogue text without English yet: it shows in Japanese until the
+// catalogue's English table has its row.
+inline bool isCatalogueTextWithoutEnglish(const QString& text,
+                                          const std::set<std::string>& catalogue) {
+    const std::string utf8 = text.toStdString();
+    return catalogue.contains(utf8) && englishFor(utf8).empty();
 }
 
 } // namespace lumiran::ui_testing

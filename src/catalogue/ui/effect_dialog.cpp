@@ -2,6 +2,7 @@
 
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/preview.h"
+#include "catalogue/ui/effect_texts.h"
 #include "shell/string_table.h"
 #include "shell/ui/dialogs/dialogs.h"
 #include "shell/ui/frm_document.h"
@@ -264,7 +265,7 @@ bool EffectDialog::hasSlider(int number) const {
 void EffectDialog::configure(const EffectEntry& entry) {
     entry_ = &entry;
     code_ = entry.code;
-    setWindowTitle(qs(entry.title.empty() ? entry.key : entry.title));
+    setWindowTitle(effectTitleText(entry, frame_.state().language));
     codeLabel_->setText(QString::number(code_));
 
     // Sliders: ranges and value labels; a slider the effect has no use for stays hidden.
@@ -287,14 +288,14 @@ void EffectDialog::configure(const EffectEntry& entry) {
         box->setSingleStep(std::max(1, spec->smallChange));
         box->setValue(spec->defaultValue);
         showSliderValue(n);
-        nameLabels_[n - 1]->setText(qs(spec->label));
+        nameLabels_[n - 1]->setText(shown(spec->label));
     }
     if (sliderFrame_ != nullptr) {
         const SliderSpec* first = entry.slider(1);
         sliderFrame_->setVisible(!entry.sliders.empty());
         // The single-slider forms carry the name as the frame's caption.
         if (sliderCount(kind_) == 1 && first != nullptr) {
-            sliderFrame_->setTitle(qs(first->label));
+            sliderFrame_->setTitle(shown(first->label));
             nameLabels_[0]->hide();
         }
     }
@@ -302,12 +303,15 @@ void EffectDialog::configure(const EffectEntry& entry) {
         if (frame == nullptr) return;
         frame->setVisible(spec != nullptr && !spec->rows.empty());
         if (spec == nullptr) return;
-        frame->setTitle(qs(spec->caption));
+        frame->setTitle(shown(spec->caption));
         const QSignalBlocker quiet(list);
         list->clear();
         for (std::string_view row : spec->rows)
-            list->addItem(qs(row));
+            list->addItem(shown(row));
         list->setCurrentRow(0);
+        // Every row whole, without a sideways scroll: English rows run longer.
+        list->setMinimumWidth(list->sizeHintForColumn(0) + 2 * list->frameWidth() +
+                              list->verticalScrollBar()->sizeHint().width() + 4);
     };
     fill(typeFrame_, ETypeList, entry.list(ListKind::E));
     fill(colorFrame_, ColorList, entry.list(ListKind::C));
@@ -315,11 +319,11 @@ void EffectDialog::configure(const EffectEntry& entry) {
         const ListSpec* spec = entry.list(ListKind::G);
         distanceFrame_->setVisible(spec != nullptr);
         if (spec != nullptr) {
-            distanceFrame_->setTitle(qs(spec->caption));
+            distanceFrame_->setTitle(shown(spec->caption));
             const QSignalBlocker quiet(DistanceCombo);
             DistanceCombo->clear();
             for (std::string_view row : spec->rows)
-                DistanceCombo->addItem(qs(row));
+                DistanceCombo->addItem(shown(row));
             DistanceCombo->setCurrentIndex(0);
         }
     }
@@ -421,7 +425,7 @@ void EffectDialog::PreviewButton_Click() {
     PreviewResult result = runPreview(frame_.state(), plan.body, source_);
     QApplication::restoreOverrideCursor();
     for (const EffectError& failure : result.failures) {
-        QMessageBox::warning(this, qs(errorTitle(failure.number())), qs(failure.description()));
+        QMessageBox::warning(this, errorTitleText(failure.number()), shown(failure.description()));
     }
     shown_ = std::move(result.picture);
     showPicture(shown_);

@@ -23,6 +23,8 @@
 #include <QStyle>
 #include <QToolBar>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -30,9 +32,10 @@ namespace lumiran {
 
 namespace {
 
-constexpr int RowRole = Qt::UserRole; // the menu row's object name
+// A node's identity: a root's menu array ("ColorNo"), a child's menu row
+// ("ColorNo3", empty for a separator).
+constexpr int RowRole = Qt::UserRole;
 constexpr int Gap = 8;
-constexpr int CaptionHeight = 20;
 
 QString colourCss(Rgb8 c) {
     return QStringLiteral("rgb(%1,%2,%3)").arg(c.red).arg(c.green).arg(c.blue);
@@ -72,6 +75,8 @@ FrmBrowse::FrmBrowse(FrmMain& frame, FrmDocument& document, KeyValueStore& store
         auto* label = new QLabel(page_);
         label->setObjectName(QStringLiteral("Label1_%1").arg(i));
         label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+        // A name wider than its box goes on to a second line.
+        label->setWordWrap(true);
         Image1[static_cast<std::size_t>(i)] = image;
         Label1[static_cast<std::size_t>(i)] = label;
     }
@@ -80,11 +85,20 @@ FrmBrowse::FrmBrowse(FrmMain& frame, FrmDocument& document, KeyValueStore& store
     split->addWidget(TreeView1);
     split->addWidget(Picture1);
     split->setStretchFactor(1, 1);
-    split->setSizes({220, std::max(200, settings_.width - 220)});
     setCentralWidget(split);
 
     buildMenus();
     buildTree();
+    // The tree as wide as its longest row (English names run longer than
+    // the Japanese ones), at least 220 pixels and at most half the window.
+    int widest = 0;
+    for (QTreeWidgetItemIterator it(TreeView1); *it; ++it)
+        widest = std::max(widest, TreeView1->fontMetrics().horizontalAdvance((*it)->text(0)));
+    const int treeWidth =
+        std::clamp(widest + 2 * TreeView1->indentation() + TreeView1->iconSize().width() +
+                       TreeView1->verticalScrollBar()->sizeHint().width() + 16,
+                   220, std::max(220, settings_.width / 2));
+    split->setSizes({treeWidth, std::max(200, settings_.width - treeWidth)});
     applyColours();
     BrowseImageSetAddIn();
     connect(TreeView1, &QTreeWidget::itemClicked, this,
@@ -109,7 +123,7 @@ void FrmBrowse::buildMenus() {
     browse->addSeparator();
     browse->addAction("Close", this, &QWidget::close);
 
-    QMenu* tree = menuBar()->addMenu(QStringLiteral("ﾂﾘｰ"));
+    QMenu* tree = menuBar()->addMenu(res(ids::BrowseTreeMenu));
     tree->setObjectName("mnuTreeView");
     QAction* collapse = tree->addAction("Node Collapse", this, &FrmBrowse::nodeCollapse);
     QAction* collapseAll = tree->addAction("All Node Collapse", this, &FrmBrowse::allNodeCollapse);
@@ -194,12 +208,15 @@ void FrmBrowse::buildTree() {
         const EffectFamily* family = findFamily(sub->objectName().toStdString());
         if (family == nullptr || family->browseCategoryId == 0) continue;
         auto* root = new QTreeWidgetItem(TreeView1, {sub->title()});
+        root->setData(0, RowRole, sub->objectName());
         root->setIcon(0, style()->standardIcon(QStyle::SP_DirIcon));
         const QList<QAction*> rows = sub->actions();
         for (qsizetype i = 0; i + 2 < rows.size(); ++i) {
             QAction* row = rows[i];
-            auto* child =
-                new QTreeWidgetItem(root, {row->isSeparator() ? QStringLiteral("-") : row->text()});
+            // A doubled ampersand is the menu's way of showing one.
+            QString text = row->isSeparator() ? QStringLiteral("-") : row->text();
+            text.replace(QStringLiteral("&&"), QStringLiteral("&"));
+            auto* child = new QTreeWidgetItem(root, {text});
             child->setData(0, RowRole, row->objectName());
             child->setIcon(0, style()->standardIcon(QStyle::SP_FileIcon));
         }
@@ -220,15 +237,20 @@ void FrmBrowse::ImageSizeAdjust() {
     for (int i = 0; i < BrowsePageSize; ++i) {
         Image1[static_cast<std::size_t>(i)]->resize(std::max(1, placement_.width),
                                                     std::max(1, placement_.height));
-        Label1[static_cast<std::size_t>(i)]->resize(settings_.imageWidth, CaptionHeight);
+        Label1[static_cast<std::size_t>(i)]->resize(settings_.imageWidth, captionHeight());
     }
     layoutPage();
+}
+
+int FrmBrowse::captionHeight() const {
+    // Two lines: English names are often wider than a box.
+    return 2 * Label1[0]->fontMetrics().lineSpacing() + 4;
 }
 
 void FrmBrowse::layoutPage() {
     // As many boxes across as the page's width allows.
     const int cellWidth = settings_.imageWidth + Gap;
-    const int cellHeight = settings_.imageHeight + CaptionHeight + Gap;
+    const int cellHeight = settings_.imageHeight + captionHeight() + Gap;
     const int across = std::max(1, (Picture1->viewport()->width() - Gap) / cellWidth);
     int used = 0;
     for (int i = 0; i < BrowsePageSize; ++i) {
@@ -262,11 +284,12 @@ void FrmBrowse::nodeSelected(QTreeWidgetItem* item) {
     showPage(root, first);
 }
 
-void FrmBrowse::TreeViewNodeExpand(const QString& text) {
-    // GetNodeNumber: the first root with this text, else the first root.
+void FrmBrowse::TreeViewNodeExpand(const QString& familyMenu) {
+    // GetNodeNumber: the root of this family, else the first root.
     QTreeWidgetItem* found = nullptr;
     for (int i = 0; i < TreeView1->topLevelItemCount() && found == nullptr; ++i) {
-        if (TreeView1->topLevelItem(i)->text(0) == text) found = TreeView1->topLevelItem(i);
+        QTreeWidgetItem* root = TreeView1->topLevelItem(i);
+        if (root->data(0, RowRole).toString() == familyMenu) found = root;
     }
     if (found == nullptr && TreeView1->topLevelItemCount() > 0) found = TreeView1->topLevelItem(0);
     if (found == nullptr) return;
@@ -358,11 +381,16 @@ void FrmBrowse::thumbnailClicked(int index) {
     if (frame_.busy() || text.isEmpty() || text == QStringLiteral("-") ||
         thumbnails_[static_cast<std::size_t>(index)].isNull() || !document_)
         return;
-    const QString parentText = pageRoot_->text(0);
+    const int child = firstChild_ + index;
+    if (child >= pageRoot_->childCount()) return;
+    // The row is found by its identity: captions differ between languages
+    // and two rows of a family may read alike.
+    const QString family = pageRoot_->data(0, RowRole).toString();
+    const QString row = pageRoot_->child(child)->data(0, RowRole).toString();
     if (windowState() & Qt::WindowMaximized) showNormal();
     hide();
     stopWork();
-    document_->BrowseToPreviewMain(parentText, text);
+    document_->BrowseToPreviewMain(family, row);
     close();
 }
 

@@ -31,8 +31,10 @@ class FrmBrowse : public QMainWindow {
     FrmBrowse(FrmMain& frame, FrmDocument& document, KeyValueStore& store, ScreenSize screen);
     ~FrmBrowse() override;
 
-    // Expands and shows the family whose root node has this text.
-    void TreeViewNodeExpand(const QString& text);
+    // Expands and shows the family of this menu array ("ColorNo"); the first
+    // family when none has it. Families go by identity, never by their
+    // caption, so both languages find them.
+    void TreeViewNodeExpand(const QString& familyMenu);
     // Image1 click.
     void thumbnailClicked(int index);
 
@@ -83,6 +85,8 @@ class FrmBrowse : public QMainWindow {
     void BrowseImageSetAddIn();
     void ImageSizeAdjust();
     void showPage(QTreeWidgetItem* root, int firstChild);
+    // The room under a thumbnail for its name.
+    [[nodiscard]] int captionHeight() const;
     void layoutPage();
     void stopWork();
     void thumbnailReady(int generation, int index, QImage picture);

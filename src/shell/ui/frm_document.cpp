@@ -2,6 +2,7 @@
 
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
+#include "catalogue/ui/effect_texts.h"
 #include "engine/drawing/pixel_calls.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/picture_view.h"
@@ -112,7 +113,7 @@ void FrmDocument::setToolStatus(const QString& text) {
 }
 
 void FrmDocument::applyStep(const ToolStep& step) {
-    if (step.status) setToolStatus(qs(*step.status));
+    if (step.status) setToolStatus(shown(*step.status));
     if (step.pictureChanged) {
         refreshPicture();
         frame_.refreshCommands();
@@ -120,8 +121,8 @@ void FrmDocument::applyStep(const ToolStep& step) {
         updateOverlay();
     }
     if (step.failure) {
-        QMessageBox::warning(this, qs(errorTitle(step.failure->number())),
-                             qs(step.failure->description()));
+        QMessageBox::warning(this, errorTitleText(step.failure->number()),
+                             shown(step.failure->description()));
     }
 }
 
@@ -193,7 +194,7 @@ void FrmDocument::EffectStartToolsFlag() {
 void FrmDocument::EndingToolsFlag() {
     outlineSuspended_ = false;
     // The run may have ended the tool (an empty area) or fixed it.
-    if (document_.ToolsFlag != tools::AreaDrawn) setToolStatus(qs(toolStatusText(document_)));
+    if (document_.ToolsFlag != tools::AreaDrawn) setToolStatus(shown(toolStatusText(document_)));
     updateOverlay();
 }
 
@@ -386,15 +387,14 @@ void FrmDocument::fillEffectMenu(QMenu& menu, std::string_view menuName) {
         menu.addSeparator();
         QAction* browse = menu.addAction(res(ids::EffectBrowse));
         browse->setObjectName(qs(own->menu) + "Browse");
-        const QString category = res(own->browseCategoryId);
+        const QString family = qs(own->menu);
         connect(browse, &QAction::triggered, this,
-                [this, category] { frame_.showEffectBrowser(*this, category); });
+                [this, family] { frame_.showEffectBrowser(*this, family); });
     }
 }
 
 void FrmDocument::addEffectAction(QMenu& menu, const EffectEntry& entry) {
-    const QString text = entry.stringId != 0 ? res(entry.stringId) : qs(entry.caption);
-    QAction* action = menu.addAction(text.isEmpty() ? qs(entry.key) : text);
+    QAction* action = menu.addAction(effectMenuText(entry, frame_.state().language));
     action->setObjectName(qs(entry.menu) + QString::number(entry.index));
     if (needsKeptImage(entry)) mergeActions_.append(action);
     if (effectDispatch().contains(entry.dialog, entry.code)) {
@@ -414,15 +414,13 @@ void FrmDocument::refreshComposeRows(bool imageKept) {
     exportAction_->setEnabled(imageKept);
 }
 
-bool FrmDocument::BrowseToPreviewMain(const QString& parentText, const QString& nodeText) {
+bool FrmDocument::BrowseToPreviewMain(const QString& familyMenu, const QString& rowName) {
     QMenu* effect = menu("mnuEffect");
-    if (effect == nullptr) return false;
+    if (effect == nullptr || rowName.isEmpty()) return false;
     for (QAction* family : effect->actions()) {
-        if (family->menu() == nullptr || family->menu()->title() != parentText) continue;
+        if (family->menu() == nullptr || family->menu()->objectName() != familyMenu) continue;
         for (QAction* row : family->menu()->actions()) {
-            const QString text = row->isSeparator() ? QStringLiteral("-") : row->text();
-            if (text != nodeText) continue;
-            // A separator's row does nothing, as its handler did.
+            if (row->objectName() != rowName) continue;
             if (row->isSeparator() || !row->isEnabled()) return false;
             row->trigger();
             return true;

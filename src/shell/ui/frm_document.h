@@ -51,9 +51,9 @@ class FrmDocument : public QWidget {
     void SetMenusEnabled(bool enable);
     // The rows of the composition menu that need a kept image, on or off.
     void refreshComposeRows(bool imageKept);
-    // The browser's click: the row of the family menu titled `parentText`
-    // whose text is `nodeText`, as if clicked. False when nothing ran.
-    bool BrowseToPreviewMain(const QString& parentText, const QString& nodeText);
+    // The browser's click: the row `rowName` ("ColorNo3") of the family
+    // submenu `familyMenu` ("ColorNo"), as if clicked. False when nothing ran.
+    bool BrowseToPreviewMain(const QString& familyMenu, const QString& rowName);
     // Rebuilds the history rows of the file menu from the frame's history.
     void refreshHistory();
 

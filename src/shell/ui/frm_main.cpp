@@ -24,6 +24,7 @@
 #include "shell/ui/frm_picture_save.h"
 #include "shell/ui/frm_print.h"
 #include "shell/ui/frm_viewer.h"
+#include "shell/ui/interface_translator.h"
 #include "shell/ui/picture_view.h"
 #include "shell/ui/run_controller.h"
 #include "shell/ui/surface_image.h"
@@ -61,6 +62,7 @@
 #include <QtMath>
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <exception>
 #include <functional>
 #include <thread>
@@ -114,7 +116,7 @@ class MenuProgressSink : public ProgressSink {
         shown_ = percent;
         latest_.store(percent);
         QMetaObject::invokeMethod(
-            item_, [item = item_, percent] { item->setText(qs(loadProgressCaption(percent))); },
+            item_, [item = item_, percent] { item->setText(shown(loadProgressCaption(percent))); },
             Qt::QueuedConnection);
     }
     void showNote(const std::string& note) override { note_ = note; }
@@ -197,7 +199,7 @@ LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, const
         // Made with Qt's own, translated, cancel button.
         QProgressDialog window(owner);
         window.setRange(0, 100);
-        window.setLabelText(qs(loadProgressCaption(sink.latestPercent())));
+        window.setLabelText(shown(loadProgressCaption(sink.latestPercent())));
         window.setObjectName("LoadProgress");
         window.setWindowModality(Qt::ApplicationModal);
         window.setMinimumDuration(0);
@@ -212,7 +214,7 @@ LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, const
                 return;
             }
             window.setValue(sink.latestPercent());
-            window.setLabelText(qs(loadProgressCaption(sink.latestPercent())));
+            window.setLabelText(shown(loadProgressCaption(sink.latestPercent())));
         });
         poll.start(100);
         window.show();
@@ -254,6 +256,11 @@ FrmMain::FrmMain(KeyValueStore& store, QtPictureDecoder& decoder)
     setCentralWidget(mdiArea_);
     setAcceptDrops(true);
     readSettings();
+    // The language is fixed for the session: every window takes its texts
+    // when it is built.
+    state_.language =
+        chooseInterfaceLanguage(settings_.interfaceLanguage, std::getenv("LUMIRAN_LANG"));
+    translation_ = std::make_unique<InterfaceTranslation>(state_.language);
     buildFrameMenus();
     buildToolBar();
     buildStatusBar();
@@ -882,8 +889,8 @@ FrmDocument* FrmMain::openFile(const QString& path) {
             const EffectError memory = EffectError::outOfMemory();
             failure = ImageLoadError(memory.number(), memory.description(), path.toStdString());
         }
-        QMessageBox box(QMessageBox::Warning, qs(errorTitle(failure->number())),
-                        qs(failure->description()), QMessageBox::Ok, this);
+        QMessageBox box(QMessageBox::Warning, errorTitleText(failure->number()),
+                        shown(failure->description()), QMessageBox::Ok, this);
         box.setDetailedText(loadFailureDetail(*failure, loaded));
         box.exec();
         // The document that was to hold it goes again; the others stay as they were.
@@ -904,7 +911,7 @@ FrmDocument* FrmMain::openFile(const QString& path) {
     finalLoadFolder_ = doc->document().folderLabel;
     finalLoadName_ = doc->document().nameLabel;
     imageLoaded_ = true;
-    if (!loaded.note.empty()) messagePanel_->setText(qs(loaded.note));
+    if (!loaded.note.empty()) messagePanel_->setText(shown(loaded.note));
     placeNewDocument(*doc);
     ApplyRegulation();
     settings_.history.add(path.toStdString());
@@ -1192,7 +1199,8 @@ void FrmMain::cutToClipboard(FrmDocument& doc) {
         failure = EffectError::outOfMemory();
     }
     if (failure) {
-        QMessageBox::warning(this, qs(errorTitle(failure->number())), qs(failure->description()));
+        QMessageBox::warning(this, errorTitleText(failure->number()),
+                             shown(failure->description()));
     }
     const Pixel back = toPixel(state_.flags.backColor);
     for (int y = r.top; y < r.bottom; ++y) {
@@ -1222,7 +1230,8 @@ void FrmMain::pasteIntoDocument(FrmDocument& doc) {
     const AreaRect place = pastePlace(d, clip.picture->width(), clip.picture->height());
     if (const auto failure =
             PasteWithRaster(state_, d, *clip.picture, state_.flags.rasterOpFlag, place)) {
-        QMessageBox::warning(this, qs(errorTitle(failure->number())), qs(failure->description()));
+        QMessageBox::warning(this, errorTitleText(failure->number()),
+                             shown(failure->description()));
     }
     doc.refreshPicture();
     refreshCommands();
@@ -1270,8 +1279,14 @@ void FrmMain::showPictureInfo(FrmDocument& doc) {
 
 void FrmMain::showHelp() {
     // A window of the editor's own, so help shows on any desktop.
-    const QUrl help("qrc:/help/index.html");
-    if (!QFileInfo::exists(":/help/index.html")) {
+    // The English page where there is one; the Japanese page otherwise.
+    QString page = QStringLiteral(":/help/index.html");
+    if (state_.language == InterfaceLanguage::English &&
+        QFileInfo::exists(QStringLiteral(":/help/index_en.html"))) {
+        page = QStringLiteral(":/help/index_en.html");
+    }
+    const QUrl help("qrc" + page);
+    if (!QFileInfo::exists(page)) {
         QMessageBox::warning(this, res(ids::ErrorTitle), res(ids::HelpMissing));
         return;
     }
@@ -1440,13 +1455,13 @@ void FrmMain::LoadImageViewer() {
             try {
                 std::rethrow_exception(loaded.failure);
             } catch (const ImageLoadError& error) {
-                result.title = qs(errorTitle(error.number()));
-                result.text = qs(error.description());
+                result.title = errorTitleText(error.number());
+                result.text = shown(error.description());
                 result.detail = loadFailureDetail(error, loaded);
             } catch (const std::bad_alloc&) {
                 const EffectError memory = EffectError::outOfMemory();
-                result.title = qs(errorTitle(memory.number()));
-                result.text = qs(memory.description());
+                result.title = errorTitleText(memory.number());
+                result.text = shown(memory.description());
             }
         } else if (loaded.picture) {
             result.picture = std::move(loaded.shown);

@@ -22,6 +22,7 @@ class QDialog;
 namespace lumiran {
 
 class FrmDocument;
+class InterfaceTranslation;
 class KeyValueStore;
 class QtPictureDecoder;
 class RunController;
@@ -88,7 +89,8 @@ class FrmMain : public QMainWindow {
     void openEffectDialog(FrmDocument& document, const EffectEntry& entry);
 
     // "Browse...": the effect browser for the document, opened on the family
-    // with this root text (the first family when empty or not found).
+    // of this menu array, e.g. "ColorNo" (the first family when empty or not
+    // found).
     void showEffectBrowser(FrmDocument& document, const QString& family);
     [[nodiscard]] FrmBrowse* effectBrowser() const;
     [[nodiscard]] KeyValueStore& store() { return store_; }
@@ -203,6 +205,8 @@ class FrmMain : public QMainWindow {
     QtPictureDecoder& decoder_;
     ProgramState state_;
     Settings settings_;
+    // The interface language's translators, installed while the frame lives.
+    std::unique_ptr<InterfaceTranslation> translation_;
     std::unique_ptr<RunController> runs_;
     QMdiArea* mdiArea_;
     int documentCount_ = 0;

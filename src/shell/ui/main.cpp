@@ -3,7 +3,6 @@
 #include "shell/ui/dialogs/dialogs.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/qt_settings_store.h"
-#include "shell/ui/qt_translations.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -13,7 +12,6 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName("Lumiran");
     QApplication::setOrganizationName("Lumiran");
-    lumiran::installQtTranslations(application);
 
     lumiran::QtSettingsStore store;
     lumiran::QtPictureDecoder decoder;

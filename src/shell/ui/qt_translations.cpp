@@ -6,14 +6,20 @@
 
 namespace lumiran {
 
-bool installQtTranslations(QCoreApplication& application) {
-    // The program's text is Japanese only, so Qt's is too.
-    auto* translator = new QTranslator(&application);
+std::unique_ptr<QTranslator> loadQtJapanese() {
+    auto translator = std::make_unique<QTranslator>();
     if (!translator->load("qtbase_ja", QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        delete translator;
-        return false;
+        return nullptr;
     }
-    return QCoreApplication::installTranslator(translator);
+    return translator;
+}
+
+bool installQtTranslations(QCoreApplication& application) {
+    std::unique_ptr<QTranslator> translator = loadQtJapanese();
+    if (!translator) return false;
+    // Owned by the application from here on.
+    translator->setParent(&application);
+    return QCoreApplication::installTranslator(translator.release());
 }
 
 } // namespace lumiran

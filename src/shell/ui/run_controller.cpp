@@ -104,8 +104,8 @@ void RunController::bodyDone() {
         // The frame itself failed before the first row (no memory for the
         // copies): the message, and the editor back as it was.
         if (startFailure_) {
-            QMessageBox::warning(owner_, qs(errorTitle(startFailure_->number())),
-                                 qs(startFailure_->description()));
+            QMessageBox::warning(owner_, errorTitleText(startFailure_->number()),
+                                 shown(startFailure_->description()));
         }
         startFailure_.reset();
         state_.ProcessingFlag = 0;
@@ -116,7 +116,8 @@ void RunController::bodyDone() {
     }
     // The effects' handlers show their messages before the run ends.
     for (const EffectError& failure : run_->failures()) {
-        QMessageBox::warning(owner_, qs(errorTitle(failure.number())), qs(failure.description()));
+        QMessageBox::warning(owner_, errorTitleText(failure.number()),
+                             shown(failure.description()));
     }
     worker_ = std::thread([this] {
         outcome_ = run_->finish();

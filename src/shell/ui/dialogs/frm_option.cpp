@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <iterator>
 
 namespace lumiran {
@@ -166,9 +167,27 @@ QWidget* frm_Option::makeInterfaceTab(const Settings& settings) {
     AutoPreview = new QCheckBox(res(dialog_ids::AutoPreview));
     AutoPreview->setObjectName("AutoPreview");
     AutoPreview->setChecked(settings.AutoPreview == 1);
+    // Rows in the order of InterfaceLanguage.
+    InterfaceLanguageList = new QComboBox;
+    InterfaceLanguageList->setObjectName("InterfaceLanguage");
+    InterfaceLanguageList->addItem(res(ids::LanguageJapanese));
+    InterfaceLanguageList->addItem(res(ids::LanguageEnglish));
+    InterfaceLanguageList->setCurrentIndex(static_cast<int>(settings.interfaceLanguage));
+    // Every window takes its texts when it is made, so a new language waits
+    // for the next start rather than leave half the windows in the old one.
+    QString note = res(ids::LanguageNextStart);
+    if (const char* environment = std::getenv("LUMIRAN_LANG");
+        environment != nullptr && parseInterfaceLanguage(environment)) {
+        note += "\n" + res(ids::LanguageFromEnvironment);
+    }
+    auto* languageNote = new QLabel(note);
+    languageNote->setObjectName("InterfaceLanguageNote");
+    languageNote->setWordWrap(true);
     auto* form = new QFormLayout(tab);
     form->addRow(res(dialog_ids::FontSize), FontSize);
     form->addRow(AutoPreview);
+    form->addRow(res(ids::InterfaceLanguageLabel), InterfaceLanguageList);
+    form->addRow(languageNote);
     return tab;
 }
 
@@ -196,6 +215,9 @@ void frm_Option::storeInto(Settings& settings) const {
     }
     settings.FontSize = static_cast<std::uint8_t>(FontSize->value());
     settings.AutoPreview = AutoPreview->isChecked() ? 1 : 0;
+    settings.interfaceLanguage = InterfaceLanguageList->currentIndex() == 1
+                                     ? InterfaceLanguage::English
+                                     : InterfaceLanguage::Japanese;
     settings.backColor = BackColor->colour();
     settings.drawingColor = DrawingColor->colour();
 }

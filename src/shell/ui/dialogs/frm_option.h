@@ -47,6 +47,7 @@ class frm_Option : public QDialog {
     int shownLoadSide_ = 0;
     QSpinBox* FontSize = nullptr;
     QCheckBox* AutoPreview = nullptr;
+    QComboBox* InterfaceLanguageList = nullptr;
     ColourChooser* BackColor = nullptr;
     ColourChooser* DrawingColor = nullptr;
 };

@@ -744,6 +744,14 @@ class FrameTest : public QObject {
         auto* hide = a->findChild<QAction*>("suteganono0");
         auto* exportRow = a->findChild<QAction*>("mnueditanding17");
         QVERIFY(addition && hide && exportRow);
+        // The menu's own rows, captioned in English like the merges around them.
+        for (const auto& [name, caption] : {std::pair{"mnueditanding0", "Maintenance(&M)"},
+                                            {"mnueditanding16", "Annulment(&B)"},
+                                            {"mnueditanding17", "Image Export"}}) {
+            auto* row = a->findChild<QAction*>(name);
+            QVERIFY(row);
+            QCOMPARE(row->text(), QString(caption));
+        }
         QVERIFY(!addition->isEnabled() && !hide->isEnabled() && !exportRow->isEnabled());
         {
             MessageBoxAnswerer answerer(QMessageBox::Ok);

@@ -153,6 +153,20 @@ TEST_F(Diffusion, FixedAndRandomErrorsKeepOnlyTheSign) {
                                    static_cast<std::int16_t>(filter + 1), rect, 0, 4)),
                   expected)
             << "random, filter " << filter;
+
+        // In colour one draw a channel, red, green, blue.
+        RandomGenerator channelDraws;
+        Surface expectedColour = picture;
+        literalDiffusion(expectedColour, whole, DiffusionKernels[filter], false, levelTable(3),
+                         [&channelDraws](int old, int fresh) {
+                             const int e = roundEven(255.0 / 3 * channelDraws.next() + 1);
+                             return old - fresh >= 0 ? e : -e;
+                         });
+        random = RandomGenerator();
+        EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorDiffuseRandom>(
+                                   static_cast<std::int16_t>(filter + 1), rect, 1, 3)),
+                  expectedColour)
+            << "random colour, filter " << filter;
     }
 }
 

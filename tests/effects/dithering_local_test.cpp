@@ -4,6 +4,7 @@
 #include "halftone_fixture.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace lumiran::testing {
@@ -64,6 +65,96 @@ TEST_F(Local, DinamicThresholdingReadsTheFirstCentreFromTheTopRow) {
     const Surface low = run(flat(5, 6, 100, 100, 100),
                             op<&Class_Dithering::DinamicThresholding>(1, 255, 200, 0.5, 2.0, rect));
     EXPECT_EQ(colourOf(low.at(2, 3)), (Colour{0, 0, 0}));
+}
+
+// The thresholder as it reads: white borders, then column by column a
+// window sliding down from the source, whose first centre comes from the
+// top row.
+Surface literalDinamic(const Surface& picture, bool mono, int maximum, int minimum, double darken,
+                       double edge) {
+    Surface source = picture;
+    Surface out = picture;
+    const int right = picture.width(), bottom = picture.height();
+    for (int x = 0; x < right; ++x) {
+        source.at(x, 0) |= 0xFFFFFFu;
+        source.at(x, bottom - 1) |= 0xFFFFFFu;
+    }
+    for (int y = 0; y < bottom; ++y) {
+        out.at(0, y) |= 0xFFFFFFu;
+        out.at(right - 1, y) |= 0xFFFFFFu;
+    }
+    auto roundEven = [](double v) { return static_cast<int>(std::nearbyint(v)); };
+    for (int x = 1; x <= right - 2; ++x) {
+        std::array<std::array<Pixel, 3>, 3> w{};
+        for (int j = 0; j < 3; ++j) {
+            for (int i = 0; i < 3; ++i)
+                w[j][i] = source.at(x - 1 + i, j);
+        }
+        w[1][1] = source.at(x, 0);
+        for (int y = 1; y <= bottom - 2; ++y) {
+            auto mean = [&](int (*of)(Pixel)) {
+                int sum = 0;
+                for (const auto& row : w) {
+                    for (const Pixel p : row)
+                        sum += of(p);
+                }
+                return sum / 9;
+            };
+            auto sum3 = [](Pixel p) { return (redOf(p) + greenOf(p) + blueOf(p)) / 3; };
+            auto decide = [&](int m, int compared, double t) {
+                if (m >= maximum) return 255;
+                if (m <= minimum) return 0;
+                return compared < roundEven(t) ? 0 : 255;
+            };
+            int v[3];
+            if (mono) {
+                const int a = (mean(redOf) + mean(greenOf) + mean(blueOf)) / 3;
+                const int p = sum3(w[1][1]), q = sum3(w[1][0]), u = sum3(w[0][1]);
+                v[0] = v[1] = v[2] =
+                    decide(a, a, ((p - u) / 2.0 + (p - q) / 2.0) * edge + a * darken / 10);
+            } else {
+                int (*channels[3])(Pixel) = {redOf, greenOf, blueOf};
+                for (int c = 0; c < 3; ++c) {
+                    const auto of = channels[c];
+                    const int m = mean(of);
+                    v[c] = decide(m, of(w[1][1]),
+                                  ((m - of(w[1][0])) / 2.0 + (m - of(w[0][1])) / 2.0) * edge +
+                                      m * darken / 10);
+                }
+            }
+            out.at(x, y) = withColour(out.at(x, y), v[0], v[1], v[2]);
+            if (y + 2 <= bottom - 1) {
+                w[0] = w[1];
+                w[1] = w[2];
+                for (int i = 0; i < 3; ++i)
+                    w[2][i] = source.at(x - 1 + i, y + 2);
+            }
+        }
+    }
+    return out;
+}
+
+TEST_F(Local, DinamicThresholdingMatchesTheColumnWalkWrittenOut) {
+    struct Setting {
+        int maximum, minimum;
+        double darken, edge;
+    };
+    // The defaults, slider ends, and thresholds that take most pixels out.
+    const Setting settings[] = {
+        {255, 0, 0.5, 2.0}, {255, 0, -2.0, -10.0}, {255, 0, 2.0, 10.0}, {180, 60, 1.3, 0.7}};
+    for (const bool mono : {true, false}) {
+        for (const Setting& s : settings) {
+            const Surface picture = noisePicture(11, 9, 4);
+            const auto call = [&](Class_Dithering& e, ProcessRect r) {
+                e.DinamicThresholding(mono ? 0 : 1, static_cast<std::int16_t>(s.maximum),
+                                      static_cast<std::int16_t>(s.minimum), s.darken, s.edge,
+                                      r.left, r.top, r.right, r.bottom);
+            };
+            EXPECT_EQ(run(picture, call),
+                      literalDinamic(picture, mono, s.maximum, s.minimum, s.darken, s.edge))
+                << "mono " << mono << " darken " << s.darken << " edge " << s.edge;
+        }
+    }
 }
 
 TEST_F(Local, LimitTheMeanValueTellsEqualityApartByMode) {

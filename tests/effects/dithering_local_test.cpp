@@ -184,8 +184,10 @@ TEST_F(Local, LimitTheMeanValueReadsPastTheFirstColumnIntoTheRowAbove) {
     EXPECT_EQ(colourOf(out.at(0, 5)), (Colour{255, 255, 255}));
 }
 
-// Mono gathering written out: each earlier position's error rounded alone.
-Surface literalLimitSqure(const Surface& source, int level) {
+// The gathering written out: in mono each earlier position's grey error
+// rounded alone, in colour each channel's running sum rounded at every
+// position.
+Surface literalLimitSqure(const Surface& source, int level, bool mono) {
     const LevelTable table = levelTable(static_cast<std::int16_t>(level));
     Surface done = source;
     auto grey = [](Pixel p) {
@@ -196,21 +198,35 @@ Surface literalLimitSqure(const Surface& source, int level) {
     for (int y = 0; y < source.height(); ++y) {
         for (int x = 0; x < source.width(); ++x) {
             int sum = 0;
+            std::array<int, 3> sums{};
             for (int j = 0; j < 3; ++j) {
                 for (int i = 0; i < 5; ++i) {
                     if (weights[j][i] == 0) continue;
                     const int gx = std::clamp(x + i - 2, 0, source.width() - 1);
                     const int gy = std::clamp(y + j - 2, 0, source.height() - 1);
-                    const Pixel d = done.at(gx, gy);
+                    const Pixel d = done.at(gx, gy), s = source.at(gx, gy);
+                    const double w = weights[j][i] / 48.0;
                     const int doneGrey =
                         static_cast<int>(std::nearbyint((redOf(d) + greenOf(d) + blueOf(d)) / 3.0));
-                    sum += static_cast<int>(std::nearbyint((grey(source.at(gx, gy)) - doneGrey) *
-                                                           (weights[j][i] / 48.0)));
+                    sum += static_cast<int>(std::nearbyint((grey(s) - doneGrey) * w));
+                    const std::array<int, 3> sc{redOf(s), greenOf(s), blueOf(s)};
+                    const std::array<int, 3> dc{redOf(d), greenOf(d), blueOf(d)};
+                    for (std::size_t c = 0; c < 3; ++c)
+                        sums[c] = static_cast<int>(std::nearbyint((sc[c] - dc[c]) * w + sums[c]));
                 }
             }
-            const int v =
-                table[static_cast<std::size_t>(std::clamp(grey(source.at(x, y)) + sum, 0, 255))];
-            done.at(x, y) = withColour(done.at(x, y), v, v, v);
+            const Pixel p = source.at(x, y);
+            auto quantised = [&](int v) {
+                return table[static_cast<std::size_t>(std::clamp(v, 0, 255))];
+            };
+            if (mono) {
+                const int v = quantised(grey(p) + sum);
+                done.at(x, y) = withColour(done.at(x, y), v, v, v);
+            } else {
+                done.at(x, y) =
+                    withColour(done.at(x, y), quantised(redOf(p) + sums[0]),
+                               quantised(greenOf(p) + sums[1]), quantised(blueOf(p) + sums[2]));
+            }
         }
     }
     return done;
@@ -218,10 +234,14 @@ Surface literalLimitSqure(const Surface& source, int level) {
 
 TEST_F(Local, LimitSqureGathersTheErrorsOfTwelveEarlierPositions) {
     const Surface picture = noisePicture(13, 9, 5);
-    EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_LimitSqure>(rect, 0, 2)),
-              literalLimitSqure(picture, 2));
-    EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_LimitSqure>(rect, 0, 7)),
-              literalLimitSqure(picture, 7));
+    for (const bool mono : {true, false}) {
+        for (const std::int16_t level : {2, 7}) {
+            EXPECT_EQ(
+                run(picture, op<&Class_Dithering::Dither_LimitSqure>(rect, mono ? 0 : 1, level)),
+                literalLimitSqure(picture, level, mono))
+                << "mono " << mono << " level " << level;
+        }
+    }
 }
 
 TEST_F(Local, RandomDitherRepeatsOnlyFromAFreshGenerator) {

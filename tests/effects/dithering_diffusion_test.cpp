@@ -20,8 +20,11 @@ int roundEven(double v) {
     return static_cast<int>(std::nearbyint(v));
 }
 
+// With paint tables the grey indexes one table a channel and each channel
+// hands on the grey minus its value.
 void literalDiffusion(Surface& p, const ProcessRect& r, const KernelSpec& kernel, bool mono,
-                      const LevelTable& table, const ErrorRule& errorOf) {
+                      const LevelTable& table, const ErrorRule& errorOf,
+                      const std::array<LevelTable, 3>* paint = nullptr) {
     const int right = std::min<int>(r.right, p.width()),
               bottom = std::min<int>(r.bottom, p.height());
     for (int y = r.top; y < bottom; ++y) {
@@ -36,7 +39,14 @@ void literalDiffusion(Surface& p, const ProcessRect& r, const KernelSpec& kernel
                 old.push_back({redOf(v), greenOf(v), blueOf(v)});
             }
             std::array<int, 3> fresh{}, error{};
-            if (mono) {
+            if (paint != nullptr) {
+                const auto& [r0, g0, b0] = old[0];
+                const int grey = roundEven(0.3 * r0 + 0.59 * g0 + 0.11 * b0);
+                for (std::size_t c = 0; c < 3; ++c) {
+                    fresh[c] = (*paint)[c][static_cast<std::size_t>(grey)];
+                    error[c] = grey - fresh[c];
+                }
+            } else if (mono) {
                 const auto& [r0, g0, b0] = old[0];
                 const int grey = roundEven(0.3 * r0 + 0.59 * g0 + 0.11 * b0);
                 const int v = table[static_cast<std::size_t>(grey)];
@@ -153,6 +163,20 @@ TEST_F(Diffusion, FixedAndRandomErrorsKeepOnlyTheSign) {
                                    static_cast<std::int16_t>(filter + 1), rect, 0, 4)),
                   expected)
             << "random, filter " << filter;
+
+        // In colour one draw a channel, red, green, blue.
+        RandomGenerator channelDraws;
+        Surface expectedColour = picture;
+        literalDiffusion(expectedColour, whole, DiffusionKernels[filter], false, levelTable(3),
+                         [&channelDraws](int old, int fresh) {
+                             const int e = roundEven(255.0 / 3 * channelDraws.next() + 1);
+                             return old - fresh >= 0 ? e : -e;
+                         });
+        random = RandomGenerator();
+        EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_ErrorDiffuseRandom>(
+                                   static_cast<std::int16_t>(filter + 1), rect, 1, 3)),
+                  expectedColour)
+            << "random colour, filter " << filter;
     }
 }
 
@@ -177,6 +201,25 @@ TEST_F(Diffusion, OnePixelWideKeepsNoHorizontalShare) {
 
 TEST_F(Diffusion, ColorPaintRunsFromTheDrawingColour) {
     context.flags.drawingColor = {200, 100, 0};
+    const Surface picture = noisePicture(21, 13, 8);
+    const ProcessRect inner{2, 1, 19, 12};
+    for (std::int16_t filter = 0; filter < 7; ++filter) {
+        for (const std::int16_t paintType : {0, 1}) {
+            for (const std::int16_t level : {2, 4, 6}) {
+                const std::array<LevelTable, 3> paint{drawingColorLevelTable(level, paintType, 200),
+                                                      drawingColorLevelTable(level, paintType, 100),
+                                                      drawingColorLevelTable(level, paintType, 0)};
+                Surface expected = picture;
+                literalDiffusion(expected, inner, DiffusionKernels[filter], false, paint[0],
+                                 exactError, &paint);
+                EXPECT_EQ(run(picture, inner,
+                              op<&Class_Dithering::Dither_ErrorDiffuseColorPaint>(
+                                  filter, rect, paintType, level)),
+                          expected)
+                    << "filter " << filter << " paint type " << paintType << " level " << level;
+            }
+        }
+    }
     // A dark flat grey at level 2 takes the drawing colour (paint type 0)
     // or black (type 1) where it stays dark.
     const Surface dark(6, 3, makePixel(20, 20, 20));

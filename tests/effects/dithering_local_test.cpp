@@ -4,6 +4,7 @@
 #include "halftone_fixture.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace lumiran::testing {
@@ -66,6 +67,96 @@ TEST_F(Local, DinamicThresholdingReadsTheFirstCentreFromTheTopRow) {
     EXPECT_EQ(colourOf(low.at(2, 3)), (Colour{0, 0, 0}));
 }
 
+// The thresholder as it reads: white borders, then column by column a
+// window sliding down from the source, whose first centre comes from the
+// top row.
+Surface literalDinamic(const Surface& picture, bool mono, int maximum, int minimum, double darken,
+                       double edge) {
+    Surface source = picture;
+    Surface out = picture;
+    const int right = picture.width(), bottom = picture.height();
+    for (int x = 0; x < right; ++x) {
+        source.at(x, 0) |= 0xFFFFFFu;
+        source.at(x, bottom - 1) |= 0xFFFFFFu;
+    }
+    for (int y = 0; y < bottom; ++y) {
+        out.at(0, y) |= 0xFFFFFFu;
+        out.at(right - 1, y) |= 0xFFFFFFu;
+    }
+    auto roundEven = [](double v) { return static_cast<int>(std::nearbyint(v)); };
+    for (int x = 1; x <= right - 2; ++x) {
+        std::array<std::array<Pixel, 3>, 3> w{};
+        for (int j = 0; j < 3; ++j) {
+            for (int i = 0; i < 3; ++i)
+                w[j][i] = source.at(x - 1 + i, j);
+        }
+        w[1][1] = source.at(x, 0);
+        for (int y = 1; y <= bottom - 2; ++y) {
+            auto mean = [&](int (*of)(Pixel)) {
+                int sum = 0;
+                for (const auto& row : w) {
+                    for (const Pixel p : row)
+                        sum += of(p);
+                }
+                return sum / 9;
+            };
+            auto sum3 = [](Pixel p) { return (redOf(p) + greenOf(p) + blueOf(p)) / 3; };
+            auto decide = [&](int m, int compared, double t) {
+                if (m >= maximum) return 255;
+                if (m <= minimum) return 0;
+                return compared < roundEven(t) ? 0 : 255;
+            };
+            int v[3];
+            if (mono) {
+                const int a = (mean(redOf) + mean(greenOf) + mean(blueOf)) / 3;
+                const int p = sum3(w[1][1]), q = sum3(w[1][0]), u = sum3(w[0][1]);
+                v[0] = v[1] = v[2] =
+                    decide(a, a, ((p - u) / 2.0 + (p - q) / 2.0) * edge + a * darken / 10);
+            } else {
+                int (*channels[3])(Pixel) = {redOf, greenOf, blueOf};
+                for (int c = 0; c < 3; ++c) {
+                    const auto of = channels[c];
+                    const int m = mean(of);
+                    v[c] = decide(m, of(w[1][1]),
+                                  ((m - of(w[1][0])) / 2.0 + (m - of(w[0][1])) / 2.0) * edge +
+                                      m * darken / 10);
+                }
+            }
+            out.at(x, y) = withColour(out.at(x, y), v[0], v[1], v[2]);
+            if (y + 2 <= bottom - 1) {
+                w[0] = w[1];
+                w[1] = w[2];
+                for (int i = 0; i < 3; ++i)
+                    w[2][i] = source.at(x - 1 + i, y + 2);
+            }
+        }
+    }
+    return out;
+}
+
+TEST_F(Local, DinamicThresholdingMatchesTheColumnWalkWrittenOut) {
+    struct Setting {
+        int maximum, minimum;
+        double darken, edge;
+    };
+    // The defaults, slider ends, and thresholds that take most pixels out.
+    const Setting settings[] = {
+        {255, 0, 0.5, 2.0}, {255, 0, -2.0, -10.0}, {255, 0, 2.0, 10.0}, {180, 60, 1.3, 0.7}};
+    for (const bool mono : {true, false}) {
+        for (const Setting& s : settings) {
+            const Surface picture = noisePicture(11, 9, 4);
+            const auto call = [&](Class_Dithering& e, ProcessRect r) {
+                e.DinamicThresholding(mono ? 0 : 1, static_cast<std::int16_t>(s.maximum),
+                                      static_cast<std::int16_t>(s.minimum), s.darken, s.edge,
+                                      r.left, r.top, r.right, r.bottom);
+            };
+            EXPECT_EQ(run(picture, call),
+                      literalDinamic(picture, mono, s.maximum, s.minimum, s.darken, s.edge))
+                << "mono " << mono << " darken " << s.darken << " edge " << s.edge;
+        }
+    }
+}
+
 TEST_F(Local, LimitTheMeanValueTellsEqualityApartByMode) {
     // A flat grey equals its mean: black in mono, white in colour.
     const Surface picture = flat(4, 4, 100, 100, 100);
@@ -93,8 +184,10 @@ TEST_F(Local, LimitTheMeanValueReadsPastTheFirstColumnIntoTheRowAbove) {
     EXPECT_EQ(colourOf(out.at(0, 5)), (Colour{255, 255, 255}));
 }
 
-// Mono gathering written out: each earlier position's error rounded alone.
-Surface literalLimitSqure(const Surface& source, int level) {
+// The gathering written out: in mono each earlier position's grey error
+// rounded alone, in colour each channel's running sum rounded at every
+// position.
+Surface literalLimitSqure(const Surface& source, int level, bool mono) {
     const LevelTable table = levelTable(static_cast<std::int16_t>(level));
     Surface done = source;
     auto grey = [](Pixel p) {
@@ -105,21 +198,35 @@ Surface literalLimitSqure(const Surface& source, int level) {
     for (int y = 0; y < source.height(); ++y) {
         for (int x = 0; x < source.width(); ++x) {
             int sum = 0;
+            std::array<int, 3> sums{};
             for (int j = 0; j < 3; ++j) {
                 for (int i = 0; i < 5; ++i) {
                     if (weights[j][i] == 0) continue;
                     const int gx = std::clamp(x + i - 2, 0, source.width() - 1);
                     const int gy = std::clamp(y + j - 2, 0, source.height() - 1);
-                    const Pixel d = done.at(gx, gy);
+                    const Pixel d = done.at(gx, gy), s = source.at(gx, gy);
+                    const double w = weights[j][i] / 48.0;
                     const int doneGrey =
                         static_cast<int>(std::nearbyint((redOf(d) + greenOf(d) + blueOf(d)) / 3.0));
-                    sum += static_cast<int>(std::nearbyint((grey(source.at(gx, gy)) - doneGrey) *
-                                                           (weights[j][i] / 48.0)));
+                    sum += static_cast<int>(std::nearbyint((grey(s) - doneGrey) * w));
+                    const std::array<int, 3> sc{redOf(s), greenOf(s), blueOf(s)};
+                    const std::array<int, 3> dc{redOf(d), greenOf(d), blueOf(d)};
+                    for (std::size_t c = 0; c < 3; ++c)
+                        sums[c] = static_cast<int>(std::nearbyint((sc[c] - dc[c]) * w + sums[c]));
                 }
             }
-            const int v =
-                table[static_cast<std::size_t>(std::clamp(grey(source.at(x, y)) + sum, 0, 255))];
-            done.at(x, y) = withColour(done.at(x, y), v, v, v);
+            const Pixel p = source.at(x, y);
+            auto quantised = [&](int v) {
+                return table[static_cast<std::size_t>(std::clamp(v, 0, 255))];
+            };
+            if (mono) {
+                const int v = quantised(grey(p) + sum);
+                done.at(x, y) = withColour(done.at(x, y), v, v, v);
+            } else {
+                done.at(x, y) =
+                    withColour(done.at(x, y), quantised(redOf(p) + sums[0]),
+                               quantised(greenOf(p) + sums[1]), quantised(blueOf(p) + sums[2]));
+            }
         }
     }
     return done;
@@ -127,10 +234,14 @@ Surface literalLimitSqure(const Surface& source, int level) {
 
 TEST_F(Local, LimitSqureGathersTheErrorsOfTwelveEarlierPositions) {
     const Surface picture = noisePicture(13, 9, 5);
-    EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_LimitSqure>(rect, 0, 2)),
-              literalLimitSqure(picture, 2));
-    EXPECT_EQ(run(picture, op<&Class_Dithering::Dither_LimitSqure>(rect, 0, 7)),
-              literalLimitSqure(picture, 7));
+    for (const bool mono : {true, false}) {
+        for (const std::int16_t level : {2, 7}) {
+            EXPECT_EQ(
+                run(picture, op<&Class_Dithering::Dither_LimitSqure>(rect, mono ? 0 : 1, level)),
+                literalLimitSqure(picture, level, mono))
+                << "mono " << mono << " level " << level;
+        }
+    }
 }
 
 TEST_F(Local, RandomDitherRepeatsOnlyFromAFreshGenerator) {

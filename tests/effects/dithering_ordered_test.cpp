@@ -1,6 +1,11 @@
 // The ordered dithers: thresholds at their exact values and the cells at
 // the edges of the rectangle.
+#include "effects/halftone/dithering/ordered_matrices.h"
 #include "halftone_fixture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
 
 namespace lumiran::testing {
 namespace {
@@ -20,6 +25,98 @@ struct ThresholdCase {
     int grey;
     int expected;
 };
+
+// The output of matrix value m for value v, by the threshold rule as it
+// reads: level 2 an integer threshold, levels 3..8 u = S / divisor * m
+// and u plus each step, compared in that order.
+int literalThreshold(int m, int v, int scale, int level, int levelTwoOffset) {
+    if (level == 2) return v >= m * scale + levelTwoOffset ? 255 : 0;
+    if (level < 3 || level > 8) return 0;
+    const ordered::LevelSteps& s = ordered::StepsByLevel[static_cast<std::size_t>(level - 3)];
+    const double u = static_cast<double>(scale) / s.divisor * m;
+    int out = s.outputs[0];
+    if (v >= u) out = s.outputs[1];
+    for (int i = 0; i < s.stepCount; ++i) {
+        if (v >= u + s.steps[static_cast<std::size_t>(i)])
+            out = s.outputs[static_cast<std::size_t>(i + 2)];
+    }
+    return out;
+}
+
+// Cells walked from the rectangle's corner, positions row by row, those
+// past the last column or row moved back onto it; every position read
+// from the source and written to the result, so the last one decides.
+Surface literalOrdered(const Surface& source, const ProcessRect& r, int cell,
+                       std::span<const std::uint8_t> matrix, int scale, int level, bool mono) {
+    Surface out = source;
+    const int right = std::min<int>(r.right, source.width());
+    const int bottom = std::min<int>(r.bottom, source.height());
+    const int offset = cell == 4 ? 4 : 2;
+    for (int cy = r.top; cy < bottom; cy += cell) {
+        for (int cx = r.left; cx < right; cx += cell) {
+            for (int j = 0; j < cell; ++j) {
+                for (int i = 0; i < cell; ++i) {
+                    const int x = std::min(cx + i, right - 1), y = std::min(cy + j, bottom - 1);
+                    const int m = matrix[static_cast<std::size_t>(j * cell + i)];
+                    const Pixel p = source.at(x, y);
+                    auto t = [&](int v) { return literalThreshold(m, v, scale, level, offset); };
+                    if (mono) {
+                        const int grey = static_cast<int>(
+                            std::nearbyint(0.3 * redOf(p) + 0.59 * greenOf(p) + 0.11 * blueOf(p)));
+                        out.at(x, y) = withColour(out.at(x, y), t(grey), t(grey), t(grey));
+                    } else {
+                        out.at(x, y) =
+                            withColour(out.at(x, y), t(redOf(p)), t(greenOf(p)), t(blueOf(p)));
+                    }
+                }
+            }
+        }
+    }
+    return out;
+}
+
+TEST_F(Ordered, EveryMatrixMatchesTheCellWalkWrittenOut) {
+    // Whole pictures wider than a run of pixels, rectangles ending inside a
+    // cell, and one narrower than a cell.
+    const ProcessRect areas[] = {{0, 0, 37, 21}, {3, 2, 30, 19}, {5, 4, 7, 9}};
+    for (const bool eight : {false, true}) {
+        const std::size_t types = eight ? ordered::Matrices8x8.size() : ordered::Matrices4x4.size();
+        const int reach = eight ? 3 : 15;
+        for (std::size_t type = 0; type < types; ++type) {
+            const std::span<const std::uint8_t> matrix =
+                eight ? std::span<const std::uint8_t>(ordered::Matrices8x8[type])
+                      : std::span<const std::uint8_t>(ordered::Matrices4x4[type]);
+            for (const int adjust : {-reach, 0, reach}) {
+                for (const std::int16_t level : {1, 2, 3, 5, 8}) {
+                    for (const bool mono : {true, false}) {
+                        for (const ProcessRect& area : areas) {
+                            const Surface picture = noisePicture(37, 21, 11u + type);
+                            const auto t = static_cast<std::int16_t>(type);
+                            const auto a = static_cast<std::int16_t>(adjust);
+                            const std::int16_t mode = mono ? 0 : 1;
+                            const Surface got =
+                                run(picture, area, [&](Class_Dithering& e, ProcessRect r) {
+                                    if (eight) {
+                                        e.OrderedDither8x8(t, a, r.left, r.top, r.right, r.bottom,
+                                                           mode, level);
+                                    } else {
+                                        e.OrderedDither4x4(t, a, r.left, r.top, r.right, r.bottom,
+                                                           mode, level);
+                                    }
+                                });
+                            const int scale = adjust + (eight ? 4 : 16);
+                            ASSERT_EQ(got, literalOrdered(picture, area, eight ? 8 : 4, matrix,
+                                                          scale, level, mono))
+                                << (eight ? "8x8" : "4x4") << " type " << type << " adjust "
+                                << adjust << " level " << level << " mono " << mono << " area "
+                                << area.left << "," << area.top;
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
 
 TEST_F(Ordered, ThresholdsAtTheirExactValues) {
     // Bayer row 0 is 0 8 2 10 (4 x 4) and 0 32 8 40 .. (8 x 8).

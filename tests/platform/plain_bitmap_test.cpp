@@ -58,10 +58,8 @@ Bytes bitmap(const Surface& picture, int bits, bool topDown, int headerSize = 40
 }
 
 struct PlainBitmapTest : ::testing::Test {
-    // One folder a test: ctest runs the tests of this fixture at once.
-    fs::path dir = fs::temp_directory_path() /
-                   (std::string("lumiran-plain-bitmap-") +
-                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    // ctest runs the tests of this fixture at once.
+    fs::path dir = testing::testFolder("lumiran-plain-bitmap-");
     QtPictureDecoder decoder;
 
     void SetUp() override {

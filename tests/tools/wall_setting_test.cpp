@@ -1,4 +1,5 @@
 #include "shell/ui_string_ids.h"
+#include "test_support.h"
 #include "tools/wall_setting.h"
 
 #include <filesystem>
@@ -23,10 +24,7 @@ class RecordingRunner : public CommandRunner {
 class WallPaperTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        folder_ =
-            std::filesystem::temp_directory_path() /
-            ("lumiran_wall_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-             ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        folder_ = testing::testFolder("lumiran_wall_");
         std::filesystem::create_directories(folder_);
     }
     void TearDown() override { std::filesystem::remove_all(folder_); }

@@ -21,6 +21,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTemporaryDir>
+#include <QThreadPool>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -112,6 +113,9 @@ int main(int argc, char** argv) {
     PaintClock paints(document->pictureView());
     std::vector<double> shown, returned, ended, result, painted, processor;
     for (int i = 0; i < runs; ++i) {
+        // The editor readies a run's memory in the background after a load
+        // and after a run; a person takes longer than that to pick an effect.
+        QThreadPool::globalInstance()->waitForDone();
         double windowAt = -1, endAt = -1;
         const auto start = Clock::now();
         const double processorBefore = processorMs();
@@ -149,12 +153,17 @@ int main(int argc, char** argv) {
         returned.push_back(back);
         result.push_back(done);
     }
-    std::printf("%dx%d Monotone through the frame, %d runs, median ms:\n", side, side, runs);
-    std::printf("  progress window shown  %8.1f\n", median(shown));
-    std::printf("  back in the event loop %8.1f\n", median(returned));
-    std::printf("  run ended, result made %8.1f\n", median(ended));
-    std::printf("  result in the view     %8.1f\n", median(result));
-    std::printf("  view painted           %8.1f\n", median(painted));
-    std::printf("  processor time         %8.1f\n", median(processor));
+    // The first run on a picture is the one that pays for fresh memory.
+    std::printf("%dx%d Monotone through the frame, ms: first run, median of %d runs\n", side, side,
+                runs);
+    const auto row = [](const char* what, const std::vector<double>& v) {
+        std::printf("  %-24s %8.1f %8.1f\n", what, v.front(), median(v));
+    };
+    row("progress window shown", shown);
+    row("back in the event loop", returned);
+    row("run ended, result made", ended);
+    row("result in the view", result);
+    row("view painted", painted);
+    row("processor time", processor);
     return 0;
 }

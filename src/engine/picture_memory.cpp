@@ -1,4 +1,5 @@
 #include "engine/picture_memory.h"
+#include "engine/picture_memory_prepare.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -11,6 +12,24 @@ namespace {
 
 std::size_t roundedUp(std::size_t bytes) {
     return (bytes + HugePageBytes - 1) / HugePageBytes * HugePageBytes;
+}
+
+// A new mapping of size bytes (a multiple of HugePageBytes), 2 MiB aligned.
+void* mapFresh(std::size_t size) {
+    // Mapped with one huge page to spare, then trimmed to a 2 MiB boundary
+    // at both ends, so that every page of the buffer can be a huge page.
+    void* mapped = mmap(nullptr, size + HugePageBytes, PROT_READ | PROT_WRITE,
+                        MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped == MAP_FAILED) return nullptr;
+    const auto start = reinterpret_cast<std::uintptr_t>(mapped);
+    const std::uintptr_t aligned = (start + HugePageBytes - 1) & ~(HugePageBytes - 1);
+    if (aligned > start) munmap(mapped, aligned - start);
+    const std::uintptr_t end = start + size + HugePageBytes;
+    if (end > aligned + size) munmap(reinterpret_cast<void*>(aligned + size), end - aligned - size);
+    void* memory = reinterpret_cast<void*>(aligned);
+    // Advice only: without huge pages the buffer works all the same.
+    (void)madvise(memory, size, MADV_HUGEPAGE);
+    return memory;
 }
 
 // Released mappings kept for reuse, the latest last; process-wide like the
@@ -28,6 +47,16 @@ class ReleasedMappings {
         kept_.reserve(limit_); // keep then never allocates
         while (kept_.size() > limit_)
             dropOldest();
+    }
+
+    // How many more mappings of exactly size bytes may be kept, up to count;
+    // older ones of other sizes give way to them.
+    [[nodiscard]] std::size_t roomFor(std::size_t size, std::size_t count) {
+        const std::scoped_lock lock(mutex_);
+        const auto same = static_cast<std::size_t>(
+            std::ranges::count_if(kept_, [size](const Mapping& m) { return m.size == size; }));
+        const std::size_t wanted = std::min(count, limit_);
+        return wanted > same ? wanted - same : 0;
     }
 
     // A kept mapping of exactly size bytes, or null.
@@ -75,20 +104,30 @@ void* allocatePictureMemory(std::size_t bytes) {
     if (bytes < HugePageBytes) return ::operator new(bytes, std::nothrow);
     const std::size_t size = roundedUp(bytes);
     if (void* kept = ReleasedMappings::instance().take(size)) return kept;
-    // Mapped with one huge page to spare, then trimmed to a 2 MiB boundary
-    // at both ends, so that every page of the buffer can be a huge page.
-    void* mapped = mmap(nullptr, size + HugePageBytes, PROT_READ | PROT_WRITE,
-                        MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapped == MAP_FAILED) return nullptr;
-    const auto start = reinterpret_cast<std::uintptr_t>(mapped);
-    const std::uintptr_t aligned = (start + HugePageBytes - 1) & ~(HugePageBytes - 1);
-    if (aligned > start) munmap(mapped, aligned - start);
-    const std::uintptr_t end = start + size + HugePageBytes;
-    if (end > aligned + size) munmap(reinterpret_cast<void*>(aligned + size), end - aligned - size);
-    void* memory = reinterpret_cast<void*>(aligned);
-    // Advice only: without huge pages the buffer works all the same.
-    (void)madvise(memory, size, MADV_HUGEPAGE);
-    return memory;
+    return mapFresh(size);
+}
+
+void prepareKeptPictureMemory(std::span<const std::size_t> buffers) {
+    std::vector<std::size_t> sizes;
+    for (const std::size_t bytes : buffers) {
+        if (bytes >= HugePageBytes) sizes.push_back(roundedUp(bytes));
+    }
+    std::ranges::sort(sizes);
+    for (auto at = sizes.begin(); at != sizes.end();) {
+        const std::size_t size = *at;
+        const auto end = std::ranges::find_if(at, sizes.end(), [size](std::size_t s) { return s != size; });
+        const std::size_t wanted = ReleasedMappings::instance().roomFor(size, static_cast<std::size_t>(end - at));
+        for (std::size_t i = 0; i < wanted; ++i) {
+            auto* memory = static_cast<unsigned char*>(mapFresh(size));
+            if (memory == nullptr) return;
+            // One write a page faults it in, whatever size the kernel gave it.
+            constexpr std::size_t page = 4096;
+            for (std::size_t offset = 0; offset < size; offset += page)
+                *static_cast<volatile unsigned char*>(memory + offset) = 0;
+            releasePictureMemory(memory, size);
+        }
+        at = end;
+    }
 }
 
 void releasePictureMemory(void* memory, std::size_t bytes) noexcept {

@@ -37,5 +37,30 @@ TEST(ChannelLookup, EveryLengthAndLaneMatchesThePixelByPixelRule) {
     }
 }
 
+// The places of one channel's level, in order, whatever the length around
+// the vector width and whatever the other bytes hold.
+TEST(ChannelLookup, FindsEveryPlaceOfALevelInOneChannelOnly) {
+    RandomGenerator random;
+    std::vector<int> found;
+    for (std::size_t length = 0; length <= 40; ++length) {
+        std::vector<Pixel> pixels(length);
+        for (Pixel& p : pixels) // few levels, so that each occurs often
+            p = makePixel(static_cast<int>(random.next() * 4), static_cast<int>(random.next() * 4),
+                          static_cast<int>(random.next() * 4), static_cast<int>(random.next() * 4));
+        for (const int shift : {0, 8, 16}) {
+            for (const std::uint8_t level : {0, 2, 3}) {
+                std::vector<int> expected;
+                for (std::size_t i = 0; i < length; ++i) {
+                    if (((pixels[i] >> shift) & 0xFFu) == level)
+                        expected.push_back(static_cast<int>(i));
+                }
+                found.assign(3, -1); // whatever it held goes
+                findChannelLevel(pixels, shift, level, found);
+                ASSERT_EQ(found, expected) << "length " << length << " shift " << shift;
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace lumiran

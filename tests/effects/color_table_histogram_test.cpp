@@ -59,6 +59,30 @@ TEST(ColorTableFlattening, WhatTheTopLevelPushesOutFallsToZero) {
     EXPECT_EQ(plan.take(254), 0);
 }
 
+TEST(ColorTableFlattening, ASteadyLevelIsWhatEachOfTheNextTakesGives) {
+    // Levels split over several new levels, one that lends to a lower level,
+    // and one pushed past the top: at every point of the hand-out and for
+    // every count, the steady level is the one level the next takes give,
+    // or -1 when they give more than one.
+    const HistogramFlattening plan(histogram({{0, 5}, {3, 1}, {7, 9}, {255, 6}}), 3);
+    for (const int level : {0, 3, 7, 255}) {
+        for (int taken = 0; taken <= 9; ++taken) {
+            HistogramFlattening::Cursor cursor;
+            for (int i = 0; i < taken; ++i)
+                (void)cursor.take(plan, level);
+            for (int count = 1; count <= 6; ++count) {
+                HistogramFlattening::Cursor next = cursor;
+                std::set<int> given;
+                for (int i = 0; i < count; ++i)
+                    given.insert(next.take(plan, level));
+                const int expected = given.size() == 1 ? *given.begin() : -1;
+                EXPECT_EQ(cursor.steadyLevel(plan, level, count), expected)
+                    << "level " << level << " after " << taken << ", " << count << " more";
+            }
+        }
+    }
+}
+
 TEST(ColorTableFlattening, ACursorThatSkipsGoesOnAsTheOneThatTook) {
     // A band of rows starts where the rows above it leave off: skipping n
     // pixels of each level must hand out what taking them would have, also

@@ -1,5 +1,7 @@
 #include "effects/colour/channel_lookup.h"
 
+#include <bit>
+
 #if defined(__AVX512VBMI__) && defined(__AVX512BW__)
 #include <immintrin.h>
 #define LUMIRAN_BYTE_PERMUTE 1
@@ -12,6 +14,14 @@ void lookupScalar(std::span<Pixel> pixels, const ChannelLookup& lookup) {
     for (Pixel& p : pixels) {
         p = (p & 0xFF000000u) | (Pixel{lookup.red[(p >> 16) & 0xFFu]} << 16) |
             (Pixel{lookup.green[(p >> 8) & 0xFFu]} << 8) | Pixel{lookup.blue[p & 0xFFu]};
+    }
+}
+
+// From first on, so that places count from the start of the row.
+void findScalar(std::span<const Pixel> pixels, std::size_t first, int shift, std::uint8_t level,
+                std::vector<int>& positions) {
+    for (std::size_t i = first; i < pixels.size(); ++i) {
+        if (((pixels[i] >> shift) & 0xFFu) == level) positions.push_back(static_cast<int>(i));
     }
 }
 
@@ -57,9 +67,39 @@ void lookupVector(std::span<Pixel> pixels, const ChannelLookup& lookup) {
     lookupScalar(pixels.subspan(i), lookup);
 }
 
+void findVector(std::span<const Pixel> pixels, int shift, std::uint8_t level,
+                std::vector<int>& positions) {
+    // Masks rather than shifts: the channel compared where it stands.
+    const auto field = static_cast<int>(Pixel{0xFFu} << shift);
+    const auto wanted = static_cast<int>(Pixel{level} << shift);
+    const __m512i mask = _mm512_set1_epi32(field);
+    const __m512i target = _mm512_set1_epi32(wanted);
+    constexpr std::size_t perVector = 16;
+    std::size_t i = 0;
+    for (; i + perVector <= pixels.size(); i += perVector) {
+        const __m512i source = _mm512_loadu_si512(pixels.data() + i);
+        const __m512i channel = _mm512_and_si512(source, mask);
+        for (unsigned hits = _mm512_cmpeq_epi32_mask(channel, target); hits != 0;
+             hits &= hits - 1) {
+            positions.push_back(static_cast<int>(i) + std::countr_zero(hits));
+        }
+    }
+    findScalar(pixels, i, shift, level, positions);
+}
+
 #endif
 
 } // namespace
+
+void findChannelLevel(std::span<const Pixel> pixels, int shift, std::uint8_t level,
+                      std::vector<int>& positions) {
+    positions.clear();
+#ifdef LUMIRAN_BYTE_PERMUTE
+    findVector(pixels, shift, level, positions);
+#else
+    findScalar(pixels, 0, shift, level, positions);
+#endif
+}
 
 void applyChannelLookup(std::span<Pixel> pixels, const ChannelLookup& lookup) {
 #ifdef LUMIRAN_BYTE_PERMUTE

@@ -69,6 +69,18 @@ bool HistogramFlattening::Cursor::moveDown(const HistogramFlattening& plan, int 
     return k >= 0;
 }
 
+int HistogramFlattening::Cursor::steadyLevel(const HistogramFlattening& plan, int v,
+                                             std::int32_t count) const {
+    // Level 0 and what lies beyond the plan both give 0.
+    const auto at = static_cast<std::size_t>(v);
+    if (left_[at] > 0) return left_[at] >= count || level_[at] == 0 ? level_[at] : -1;
+    int k = level_[at] - 1;
+    while (k > 0 && plan.moves_[index(k, v)] <= 0)
+        --k;
+    if (k <= 0) return 0;
+    return plan.moves_[index(k, v)] >= count ? k : -1;
+}
+
 void HistogramFlattening::Cursor::skip(const HistogramFlattening& plan, const Histogram& taken) {
     for (int v = 0; v < Levels; ++v) {
         const auto at = static_cast<std::size_t>(v);

@@ -42,6 +42,12 @@ class HistogramFlattening {
         // As if taken[v] pixels of every level v had been taken.
         void skip(const HistogramFlattening& plan, const Histogram& taken);
 
+        // The one level the next count pixels of v all get, or -1 when they
+        // get more than one. Most levels of a band of rows fall within one
+        // planned level, so such a band needs no count for them.
+        [[nodiscard]] int steadyLevel(const HistogramFlattening& plan, int v,
+                                      std::int32_t count) const;
+
       private:
         // On to the next lower level still planned for v; false past level 0.
         bool moveDown(const HistogramFlattening& plan, int v);

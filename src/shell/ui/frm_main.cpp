@@ -6,6 +6,7 @@
 #include "engine/drawing/blit.h"
 #include "engine/drawing/pixel_calls.h"
 #include "engine/picture_memory.h"
+#include "engine/picture_memory_prepare.h"
 #include "engine/raster_step.h"
 #include "imagefiles/image_load_error.h"
 #include "imagefiles/load_dispatch.h"
@@ -56,11 +57,13 @@
 #include <QStatusBar>
 #include <QStyle>
 #include <QTextBrowser>
+#include <QThreadPool>
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
 #include <QtMath>
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <exception>
@@ -223,6 +226,19 @@ LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, const
     worker.join();
     loaded.note = sink.note();
     return loaded;
+}
+
+// A run copies the picture it starts on (snapshot, kept picture 0, the
+// effect's array) and makes a screen picture of its result: the kept
+// mappings for them are faulted in while the person picks an effect, after
+// a load and after each run, not after OK.
+void prepareRunMemory(const Surface& picture, const QImage& shown) {
+    const std::size_t pictureBytes = picture.elements().size_bytes();
+    const auto shownBytes = static_cast<std::size_t>(shown.sizeInBytes());
+    QThreadPool::globalInstance()->start([pictureBytes, shownBytes] {
+        const std::array buffers{pictureBytes, pictureBytes, pictureBytes, shownBytes};
+        prepareKeptPictureMemory(buffers);
+    });
 }
 
 // A status panel that reports clicks.
@@ -901,6 +917,7 @@ FrmDocument* FrmMain::openFile(const QString& path) {
     if (loaded.picture) {
         doc->document().picture = std::move(*loaded.picture);
         state_.keep.FinalLoadImage = std::move(loaded.finalLoadCopy);
+        prepareRunMemory(doc->document().picture, loaded.shown);
         doc->showPicture(std::move(loaded.shown));
     } else {
         // An extension the program does not know leaves the blank picture.
@@ -1341,6 +1358,8 @@ void FrmMain::onRunFinished(Document* document, RunOutcome outcome, QImage pictu
             doc->refreshPicture();
         }
         doc->EndingToolsFlag();
+        // The snapshot stays on the undo stack: the next run needs a fresh one.
+        prepareRunMemory(document->picture, doc->pictureView().image());
     }
     clearPointer();
     refreshCommands();

@@ -13,6 +13,7 @@
 #include "shell/string_table.h"
 #include "shell/ui_string_ids.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <ostream>
@@ -302,7 +303,11 @@ int runConvert(const CommandLine& cl, std::ostream& out, PlatformDecoder& decode
 int runCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
            PlatformDecoder& decoder, const std::atomic<int>* interrupted, bool showProgress) {
     try {
-        if (!args.empty() && (args[0] == "--help" || args[0] == "-h" || args[0] == "help")) {
+        // Asking for help after a command ("apply --help") is asking for help.
+        const auto asksForHelp = [](const std::string& arg) {
+            return arg == "--help" || arg == "-h";
+        };
+        if (!args.empty() && (args[0] == "help" || std::ranges::any_of(args, asksForHelp))) {
             out << usageText();
             return ExitOk;
         }

@@ -445,10 +445,14 @@ TEST_F(CliTest, ListRefusesWhatItDoesNotTake) {
     // An unknown family is answered with the families there are.
     run({"list", "--family", "Nope"});
     EXPECT_NE(err.str().find("Color Table, Gradation"), std::string::npos) << err.str();
-    ASSERT_EQ(run({"--help"}), 0);
-    EXPECT_NE(out.str().find(
-                  "lumiran-cli list [--available] [--family NAME] [--keys] [--compact | --json]"),
-              std::string::npos);
+    // Help asked for before or after a command gives the usage, not a refusal.
+    for (const std::vector<std::string>& args :
+         {std::vector<std::string>{"--help"}, {"apply", "--help"}, {"convert", "in.bmp", "-h"}}) {
+        ASSERT_EQ(run(args), 0) << args.back();
+        EXPECT_NE(out.str().find("lumiran-cli list [--available] [--family NAME] [--keys] "
+                                 "[--compact | --json]"),
+                  std::string::npos);
+    }
 }
 
 std::size_t availableCount() {

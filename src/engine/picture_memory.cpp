@@ -1,4 +1,5 @@
 #include "engine/picture_memory.h"
+
 #include "engine/picture_memory_prepare.h"
 
 #include <algorithm>
@@ -115,8 +116,10 @@ void prepareKeptPictureMemory(std::span<const std::size_t> buffers) {
     std::ranges::sort(sizes);
     for (auto at = sizes.begin(); at != sizes.end();) {
         const std::size_t size = *at;
-        const auto end = std::ranges::find_if(at, sizes.end(), [size](std::size_t s) { return s != size; });
-        const std::size_t wanted = ReleasedMappings::instance().roomFor(size, static_cast<std::size_t>(end - at));
+        const auto end =
+            std::ranges::find_if(at, sizes.end(), [size](std::size_t s) { return s != size; });
+        const std::size_t wanted =
+            ReleasedMappings::instance().roomFor(size, static_cast<std::size_t>(end - at));
         for (std::size_t i = 0; i < wanted; ++i) {
             auto* memory = static_cast<unsigned char*>(mapFresh(size));
             if (memory == nullptr) return;

@@ -174,7 +174,8 @@ template <int Count>
 void colourRuns(const Pixel* in, Pixel* out, const ByteSteps& s, int from, int runs) {
     [&]<int... Count>(std::integer_sequence<int, Count...>) {
         ((s.count == Count ? colourRunsOf<Count>(in, out, s, from, runs) : void()), ...);
-    }(std::make_integer_sequence<int, MaxSteps + 1>{});
+    }
+    (std::make_integer_sequence<int, MaxSteps + 1>{});
 }
 
 // Single pixels from..to (inclusive) of a row by the table, the cell

@@ -1,10 +1,10 @@
 #include "catalogue/effect_table.h"
 
 #include "catalogue/name_folding.h"
+#include "engine/ascii_case.h"
 #include "shell/string_table.h"
 
 #include <algorithm>
-#include <cctype>
 #include <string>
 
 namespace lumiran {
@@ -55,11 +55,6 @@ std::string withoutAccelerator(std::string_view caption) {
     }
     std::erase(plain, '&');
     return plain;
-}
-
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(
-        a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
 } // namespace
@@ -113,14 +108,14 @@ const EffectEntry* findEffect(std::string_view name) {
         if (e.key == name) return &e;
     }
     for (const EffectEntry& e : table) {
-        if (equalsIgnoringCase(e.caption, name)) return &e;
+        if (equalIgnoringAsciiCase(e.caption, name)) return &e;
     }
     // "Mean" finds the menu caption "Mean(&M)": the accelerator is not part of the name.
     for (const EffectEntry& e : table) {
-        if (equalsIgnoringCase(withoutAccelerator(e.caption), name)) return &e;
+        if (equalIgnoringAsciiCase(withoutAccelerator(e.caption), name)) return &e;
     }
     for (const EffectEntry& e : table) {
-        if (e.caption.empty() && equalsIgnoringCase(englishEffectName(e), name)) return &e;
+        if (e.caption.empty() && equalIgnoringAsciiCase(englishEffectName(e), name)) return &e;
     }
     // Typed with the other width: "モノトーン" for "ﾓﾉﾄｰﾝ", "Ｍｏｎｏｔｏｎｅ".
     const std::string folded = foldedName(name);

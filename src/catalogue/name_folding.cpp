@@ -1,5 +1,7 @@
 #include "catalogue/name_folding.h"
 
+#include "engine/ascii_case.h"
+
 #include <algorithm>
 #include <array>
 #include <vector>
@@ -169,11 +171,7 @@ std::string nfkc(std::string_view utf8) {
 }
 
 std::string foldedName(std::string_view utf8) {
-    std::string folded = nfkc(utf8);
-    std::ranges::transform(folded, folded.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return folded;
+    return asciiLower(nfkc(utf8));
 }
 
 namespace {

@@ -1,5 +1,7 @@
 #include "cli/cli_args.h"
 
+#include "engine/ascii_case.h"
+
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
@@ -34,13 +36,6 @@ std::vector<std::string> splitCommas(const std::string& option, const std::strin
                          " comma-separated numbers, got '" + text + "'");
     }
     return parts;
-}
-
-std::string lowerAscii(std::string text) {
-    std::ranges::transform(text, text.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return text;
 }
 
 // Any other extension would name the file falsely, and a missing one is not
@@ -84,7 +79,7 @@ ListOptions parseListOptions(const std::vector<std::string>& args) {
 } // namespace
 
 std::optional<OutputFormat> outputFormatOf(const std::string& path) {
-    const std::string extension = lowerAscii(std::filesystem::path(path).extension().string());
+    const std::string extension = asciiLower(std::filesystem::path(path).extension().string());
     if (extension == ".bmp") return OutputFormat::Bmp;
     if (extension == ".png") return OutputFormat::Png;
     return std::nullopt;

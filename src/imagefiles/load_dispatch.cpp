@@ -1,5 +1,6 @@
 #include "imagefiles/load_dispatch.h"
 
+#include "engine/ascii_case.h"
 #include "imagefiles/file_head.h"
 #include "imagefiles/file_io.h"
 #include "imagefiles/image_file_error.h"
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <utility>
 
 namespace lumiran {
@@ -44,13 +44,6 @@ constexpr std::array routes{
     RouteEntry{"tiff", LoadRoute::Platform},
     RouteEntry{"webp", LoadRoute::Platform},
 };
-
-std::string toLower(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return lower;
-}
 
 // Enough for every reader's header; smaller files are read in one go.
 constexpr std::size_t HeadBytes = std::size_t{1} << 16;
@@ -109,7 +102,7 @@ LoadRoute routeForExtension(std::string_view lowerCaseExtension) {
 
 std::optional<Surface> LoadImageFile(const std::filesystem::path& path, PlatformDecoder* platform,
                                      ProgressSink* progress, const LoadLimits& limits) {
-    const std::string extension = toLower(FileExtension(path.string()));
+    const std::string extension = asciiLower(FileExtension(path.string()));
     const LoadRoute route = routeForExtension(extension);
     switch (route) {
     case LoadRoute::Blank:

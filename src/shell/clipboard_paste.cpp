@@ -1,5 +1,6 @@
 #include "shell/clipboard_paste.h"
 
+#include "engine/ascii_case.h"
 #include "engine/drawing/blit.h"
 #include "engine/numeric.h"
 #include "shell/area_tool.h"
@@ -37,16 +38,10 @@ constexpr std::array<std::string_view, 3> MetafileTypes{"image/wmf", "image/x-wm
 constexpr std::array<std::string_view, 3> EnhMetafileTypes{"image/emf", "image/x-emf",
                                                            "image/svg+xml"};
 
-bool sameType(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, [](char x, char y) {
-        const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; };
-        return lower(x) == lower(y);
-    });
-}
-
 template <std::size_t N>
 bool listed(const std::array<std::string_view, N>& types, std::string_view mimeType) {
-    return std::ranges::any_of(types, [&](std::string_view t) { return sameType(t, mimeType); });
+    return std::ranges::any_of(
+        types, [&](std::string_view t) { return equalIgnoringAsciiCase(t, mimeType); });
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 #include "shell/interface_language.h"
 
+#include "engine/ascii_case.h"
+
 #include <algorithm>
-#include <cctype>
 #include <string>
 
 namespace lumiran {
@@ -14,9 +15,7 @@ std::optional<InterfaceLanguage> parseInterfaceLanguage(std::string_view code) {
     const auto first = code.find_first_not_of(" \t");
     if (first == std::string_view::npos) return std::nullopt;
     code = code.substr(first, code.find_last_not_of(" \t") - first + 1);
-    std::string lower(code);
-    std::ranges::transform(lower, lower.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string lower = asciiLower(code);
     if (lower == "ja") return InterfaceLanguage::Japanese;
     if (lower == "en") return InterfaceLanguage::English;
     return std::nullopt;

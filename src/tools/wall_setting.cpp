@@ -1,5 +1,6 @@
 #include "tools/wall_setting.h"
 
+#include "engine/ascii_case.h"
 #include "shell/ui_string_ids.h"
 
 #include <array>
@@ -16,16 +17,7 @@ bool containsToken(std::string_view list, std::string_view token) {
     while (start <= list.size()) {
         const std::size_t end = std::min(list.find(':', start), list.size());
         const std::string_view item = list.substr(start, end - start);
-        if (item.size() == token.size()) {
-            bool same = true;
-            for (std::size_t i = 0; i < item.size() && same; ++i) {
-                const auto lower = [](char c) {
-                    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-                };
-                same = lower(item[i]) == lower(token[i]);
-            }
-            if (same) return true;
-        }
+        if (equalIgnoringAsciiCase(item, token)) return true;
         start = end + 1;
     }
     return false;

@@ -11,6 +11,18 @@
 namespace lumiran {
 namespace {
 
+// Kind 0 moves along the rows, 1 along the columns, 2 both: the rows into a
+// work copy, then its columns. A pass returns false when the run ends.
+template <typename Pass>
+void alongKind(int kind, const Surface& source, Surface& target, const Pass& pass) {
+    if (kind != 2) {
+        pass(kind == 0, source, target);
+        return;
+    }
+    Surface work = target;
+    if (pass(true, source, work)) pass(false, work, target);
+}
+
 // A strip of the rectangle, along x (columns from..from+extent) or along y.
 struct Strips {
     const ProcessRect& rect;
@@ -131,14 +143,8 @@ void Class_Geometry::BlockReplace(std::uint8_t kind, std::int16_t left, std::int
             }
             return true;
         };
-        if (kind == 2) {
-            // Both ways: blocks change places across the diagonal.
-            Surface work = *p.target;
-            if (!exchange(true, *p.source, work)) return;
-            exchange(false, work, *p.target);
-        } else {
-            exchange(kind == 0, *p.source, *p.target);
-        }
+        // Both ways: blocks change places across the diagonal.
+        alongKind(kind, *p.source, *p.target, exchange);
     });
 }
 
@@ -312,13 +318,7 @@ void Class_Geometry::Transform_Crank(std::uint8_t kind, std::int16_t step, std::
             }
             return true;
         };
-        if (kind == 2) {
-            Surface work = *p.target;
-            if (!crank(true, *p.source, work)) return;
-            crank(false, work, *p.target);
-        } else {
-            crank(kind == 0, *p.source, *p.target);
-        }
+        alongKind(kind, *p.source, *p.target, crank);
     });
 }
 

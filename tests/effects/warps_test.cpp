@@ -4,6 +4,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 namespace lumiran::testing {
 namespace {
@@ -144,6 +145,41 @@ INSTANTIATE_TEST_SUITE_P(
         OnAxes{"Scatterize",
                [](G& e, auto r, auto a) { e.Scatterize(a, 6, r.left, r.top, r.right, r.bottom); }}),
     [](const auto& testInfo) { return std::string(testInfo.param.what); });
+
+// The warps over a grey map name their two passes in the progress window,
+// the map first; the rows of the warp count for the bar.
+class GreyMapPasses : public GeometryFixture, public ::testing::WithParamInterface<Named> {};
+
+TEST_P(GreyMapPasses, AreNamedInTurn) {
+    struct Log : ProgressSink {
+        std::vector<int> captions;
+        int percents = 0;
+        void showPercent(int) override { ++percents; }
+        void showCaption(int id) override { captions.push_back(id); }
+    } log;
+    context.progress = &log;
+    warp(positionPicture(12, 9), GetParam().call);
+    EXPECT_EQ(log.captions, (std::vector<int>{3435, 3437})) << GetParam().what;
+    EXPECT_EQ(log.percents, 9) << GetParam().what;
+}
+
+INSTANTIATE_TEST_SUITE_P(Warps, GreyMapPasses,
+                         ::testing::Values(Named{"Ripploid",
+                                                 [](G& e, auto r) {
+                                                     e.Ripploid(5, r.left, r.top, r.right, r.bottom,
+                                                                0, 50, 50, 2);
+                                                 }},
+                                           Named{"Eddying",
+                                                 [](G& e, auto r) {
+                                                     e.EddyingCurrent(1, 20, r.left, r.top, r.right,
+                                                                      r.bottom, 50, 50, 2);
+                                                 }},
+                                           Named{"Ripple",
+                                                 [](G& e, auto r) {
+                                                     e.Ripple(4, 5, 0, r.left, r.top, r.right,
+                                                              r.bottom, 2, 0, 50, 50);
+                                                 }}),
+                         nameOf);
 
 TEST_F(GeometryFixture, RotateByNothingCopiesTheRectangleAndBlacksTheRestOfTheArray) {
     const Surface picture =

@@ -181,6 +181,19 @@ INSTANTIATE_TEST_SUITE_P(Warps, GreyMapPasses,
                                                  }}),
                          nameOf);
 
+// 355 / 226 lies within 1.4e-7 of pi / 2: its tan, about -7.5e6, puts the
+// column far beyond 32 bits on a picture 600 wide. That is a position for
+// the sampler to clamp, not an overflow.
+TEST_F(GeometryFixture, SphereTakesAHugeTangentToTheEdge) {
+    const Surface picture = makeVariedPicture(600, 360);
+    const Surface result = warp(picture, [](G& e, const ProcessRect& r) {
+        e.Sphere(r.left, r.top, r.right, r.bottom, 3, 0, 0, 1);
+    });
+    EXPECT_EQ(cancel, 0);
+    // The distance, round(420.8), lies below the picture: the last row.
+    EXPECT_EQ(result.at(226, 355), picture.at(0, 359));
+}
+
 TEST_F(GeometryFixture, RotateByNothingCopiesTheRectangleAndBlacksTheRestOfTheArray) {
     const Surface picture =
         makePicture(20, 16, [](int x, int y) { return makePixel(x, y, 7, 99); });

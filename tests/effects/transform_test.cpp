@@ -143,6 +143,31 @@ TEST_F(GeometryFixture, SineWarpMovesWholeColumnsAndLeavesTheUncoveredAsItWas) {
     EXPECT_EQ(placeOf(rows.at(10, 5)), (SourcePlace{5, 5}));
 }
 
+// A strip lands on row (column) round(v) of the picture, not round(v) below
+// the rectangle's top (right of its left): a selection lower down moves up.
+TEST_F(GeometryFixture, SineWarpPutsEachStripAtTheWaveValueItself) {
+    const Surface picture = positionPicture(20, 30);
+    const Surface target(20, 30, makePixel(9, 9, 9));
+    struct Case {
+        std::uint8_t mode;
+        ProcessRect rect;
+        int x, y;
+        SourcePlace from;
+    };
+    // Amplitude 5, period 20: strip 5 (a quarter period) lands at 5.
+    const Case cases[] = {{0, {0, 10, 20, 30}, 5, 5, {5, 10}},
+                          {0, {0, 10, 20, 30}, 5, 24, {5, 29}},
+                          {1, {10, 0, 20, 30}, 5, 5, {10, 5}},
+                          {1, {10, 0, 20, 30}, 14, 5, {19, 5}}};
+    for (const Case& c : cases) {
+        const ProcessRect& r = c.rect;
+        const Surface s = drawn(picture, target, [&](G& e, const ProcessRect&) {
+            e.Wave_Sin(0, 5, 20, c.mode, 0, r.left, r.top, r.right, r.bottom);
+        });
+        EXPECT_EQ(placeOf(s.at(c.x, c.y)), c.from) << "mode " << int{c.mode} << " at " << c.x;
+    }
+}
+
 Surface transposed(const Surface& s) {
     return makePicture(s.height(), s.width(), [&](int x, int y) { return s.at(y, x); });
 }

@@ -4,6 +4,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 namespace lumiran::testing {
 namespace {
@@ -144,6 +145,54 @@ INSTANTIATE_TEST_SUITE_P(
         OnAxes{"Scatterize",
                [](G& e, auto r, auto a) { e.Scatterize(a, 6, r.left, r.top, r.right, r.bottom); }}),
     [](const auto& testInfo) { return std::string(testInfo.param.what); });
+
+// The warps over a grey map name their two passes in the progress window,
+// the map first; the rows of the warp count for the bar.
+class GreyMapPasses : public GeometryFixture, public ::testing::WithParamInterface<Named> {};
+
+TEST_P(GreyMapPasses, AreNamedInTurn) {
+    struct Log : ProgressSink {
+        std::vector<int> captions;
+        int percents = 0;
+        void showPercent(int) override { ++percents; }
+        void showCaption(int id) override { captions.push_back(id); }
+    } log;
+    context.progress = &log;
+    warp(positionPicture(12, 9), GetParam().call);
+    EXPECT_EQ(log.captions, (std::vector<int>{3435, 3437})) << GetParam().what;
+    EXPECT_EQ(log.percents, 9) << GetParam().what;
+}
+
+INSTANTIATE_TEST_SUITE_P(Warps, GreyMapPasses,
+                         ::testing::Values(Named{"Ripploid",
+                                                 [](G& e, auto r) {
+                                                     e.Ripploid(5, r.left, r.top, r.right, r.bottom,
+                                                                0, 50, 50, 2);
+                                                 }},
+                                           Named{"Eddying",
+                                                 [](G& e, auto r) {
+                                                     e.EddyingCurrent(1, 20, r.left, r.top, r.right,
+                                                                      r.bottom, 50, 50, 2);
+                                                 }},
+                                           Named{"Ripple",
+                                                 [](G& e, auto r) {
+                                                     e.Ripple(4, 5, 0, r.left, r.top, r.right,
+                                                              r.bottom, 2, 0, 50, 50);
+                                                 }}),
+                         nameOf);
+
+// 355 / 226 lies within 1.4e-7 of pi / 2: its tan, about -7.5e6, puts the
+// column far beyond 32 bits on a picture 600 wide. That is a position for
+// the sampler to clamp, not an overflow.
+TEST_F(GeometryFixture, SphereTakesAHugeTangentToTheEdge) {
+    const Surface picture = makeVariedPicture(600, 360);
+    const Surface result = warp(picture, [](G& e, const ProcessRect& r) {
+        e.Sphere(r.left, r.top, r.right, r.bottom, 3, 0, 0, 1);
+    });
+    EXPECT_EQ(cancel, 0);
+    // The distance, round(420.8), lies below the picture: the last row.
+    EXPECT_EQ(result.at(226, 355), picture.at(0, 359));
+}
 
 TEST_F(GeometryFixture, RotateByNothingCopiesTheRectangleAndBlacksTheRestOfTheArray) {
     const Surface picture =

@@ -175,8 +175,15 @@ void Class_Geometry::Wave_Sin(std::int16_t offset, std::int16_t amplitude, std::
         const int first = alongRows ? top : left;
         const int end = alongRows ? bottom : right;
         SetProgressRange(first, end);
+        // A strip lands on row (column) round(v) of the target, whatever the
+        // rectangle's top (left): its shift from its own place is that less
+        // the edge. Far beyond the picture it stays far beyond.
+        const int edge = alongRows ? left : top;
         const auto shiftOf = [&](int i) {
-            return roundTo<std::int32_t>(waveShift(mode / 2, kind, offset, amplitude, period, i));
+            const std::int64_t to =
+                roundTo<std::int32_t>(waveShift(mode / 2, kind, offset, amplitude, period, i));
+            constexpr std::int64_t Far = std::int64_t{1} << 30;
+            return static_cast<std::int32_t>(std::clamp(to - edge, -Far, Far));
         };
         // Columns and rows are copied whole; what they uncover keeps the
         // target's earlier content.

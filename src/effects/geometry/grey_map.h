@@ -8,6 +8,7 @@
 // the outline of a circle of radius R does. So the map needs no work
 // picture, reaches every pixel, and its rows can be read in any order.
 #include "engine/numeric.h"
+#include "engine/run_context.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -31,6 +32,15 @@ namespace lumiran {
         level = std::clamp(level, static_cast<double>(floor), static_cast<double>(ceiling));
     }
     return levels;
+}
+
+// The two passes name themselves in the progress window: the map
+// ("しばらくお待ちください。1/2"), then the warp ("しばらくお待ちください。2/2").
+// The map costs no rows of its own, so the bar belongs to the warp.
+enum class GreyMapPass { Map = 3435, Warp = 3437 };
+
+inline void showPass(RunContext& context, GreyMapPass pass) {
+    if (context.progress != nullptr) context.progress->showCaption(static_cast<int>(pass));
 }
 
 // The ring through a point at the given distance, held within the map's

@@ -48,6 +48,7 @@ void Class_Geometry::Ripploid(double period, std::int16_t left, std::int16_t top
                               std::int16_t right, std::int16_t bottom, std::uint8_t kind,
                               std::int16_t xPercent, std::int16_t yPercent, std::uint8_t axes) {
     guarded([&] {
+        showPass(context(), GreyMapPass::Map);
         if (kind > 4) return;
         const auto wave = static_cast<RipploidWave>(kind);
         const ProcessRect rect{left, top, right, bottom};
@@ -63,6 +64,7 @@ void Class_Geometry::Ripploid(double period, std::int16_t left, std::int16_t top
         for (std::size_t i = 0; i < byColumn.size(); ++i)
             byColumn[i] = span.firstColumn + static_cast<double>(i);
         ripploidFactor(wave, p1, byColumn);
+        showPass(context(), GreyMapPass::Warp);
         warpRows(
             rect, axes,
             [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {
@@ -101,6 +103,7 @@ void Class_Geometry::EddyingCurrent(std::uint8_t kind, double strength, std::int
                                     std::int16_t xPercent, std::int16_t yPercent,
                                     std::uint8_t axes) {
     guarded([&] {
+        showPass(context(), GreyMapPass::Map);
         if (kind > 2) return;
         const ProcessRect rect{left, top, right, bottom};
         const WarpCentre c = centreOf(rect, xPercent, yPercent);
@@ -119,6 +122,7 @@ void Class_Geometry::EddyingCurrent(std::uint8_t kind, double strength, std::int
         trig::sinCos(turnSin, turnSin, turnCos);
         constexpr double Turn = 2 * std::numbers::pi;
         const double ringsPerRadian = walkPeriod / Turn;
+        showPass(context(), GreyMapPass::Warp);
         warpRows(
             rect, axes,
             [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {

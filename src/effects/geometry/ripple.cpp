@@ -92,6 +92,7 @@ void Class_Geometry::Ripple(std::int16_t amplitude, std::int16_t period, std::ui
                             std::int16_t bottom, std::uint8_t axes, std::uint8_t function,
                             std::int16_t xPercent, std::int16_t yPercent) {
     guarded([&] {
+        showPass(context(), GreyMapPass::Map);
         if (kind >= RippleKinds.size() || function > 4) return;
         const RippleKind ripple = RippleKinds[kind];
         const ProcessRect rect{left, top, right, bottom};
@@ -130,6 +131,7 @@ void Class_Geometry::Ripple(std::int16_t amplitude, std::int16_t period, std::ui
         const double rayLength = std::sqrt(width * width + height * height);
         const int spiralRise = std::max(highest - 1, 1); // half a period of the walk
 
+        showPass(context(), GreyMapPass::Warp);
         warpRows(
             rect, axes,
             [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch& scratch) {

@@ -61,7 +61,9 @@ void Class_Geometry::Sphere(std::int16_t left, std::int16_t top, std::int16_t ri
                     } else if (a > 2 * q) {
                         a = a - 2 * q;
                     }
-                    xs[i] = static_cast<double>(roundTo<std::int32_t>(a / (2 * q) * lastColumn));
+                    // Rounded as doubles: a huge tan is no error, the sampler
+                    // takes it to the edge (a NaN still fails there).
+                    xs[i] = roundHalfEven(a / (2 * q) * lastColumn);
                     ys[i] = roundHalfEven(std::sqrt(dx * dx + dy * dy));
                 }
             });

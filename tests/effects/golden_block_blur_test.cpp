@@ -32,7 +32,10 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"Bring Left Top", "f1346e5d0100e15e", 1},
         Golden{"Bring Depression", "03017eef9b5061b2"},
         Golden{"Diffuse Outline", "46a2e5df6d42b422"},
-        Golden{"Diffuse Outline", "018396371694d2d8", 1, 2}),
+        Golden{"Diffuse Outline", "4184b8bfedab7c6d", 1, 0},
+        // The second spread type exists for the first direction only.
+        Golden{"Diffuse Outline", "4dd92add1562e400", 1, 2},
+        Golden{"Diffuse Outline", "4dd92add1562e400", 0, 2}),
     goldenTestName);
 
 } // namespace lumiran::testing

@@ -122,10 +122,12 @@ void registerBlurs(EffectDispatch& d) {
           plainOrMapped(&Class_Geometry::Blur_Normal, &Class_Geometry::Blur_Circle));
     d.add(DialogKind::Emboss, 33,
           plainOrMapped(&Class_Geometry::Blur_Gaussian, &Class_Geometry::Blur_CircleSoften));
-    // Diffuse Outline: the direction list is the neighbour's kind.
+    // Diffuse Outline: the direction list is the neighbour's kind. The
+    // second spread type is a row of its own for the first direction only;
+    // with the others it spreads as the first type does.
     d.add(DialogKind::Emboss, 41, warp([](Class_Geometry& e, V v, R r) {
-              if (second(v.color)) {
-                  e.DiffuseOutline2(row(v.eType), r.left, r.top, r.right, r.bottom);
+              if (v.eType == 0 && second(v.color)) {
+                  e.DiffuseOutline2(0, r.left, r.top, r.right, r.bottom);
               } else {
                   e.DiffuseOutline1(row(v.eType), r.left, r.top, r.right, r.bottom);
               }

@@ -103,16 +103,17 @@ void registerPixelMoveBlocks(EffectDispatch& d) {
     d.add(DialogKind::Negative, 59, drawingSteps(crank, crank));
 }
 
-// The blurs: row 0 of the scroll type is the plain blur, rows 1.. the blur
-// maps 0.. in the direction picked.
+// The blurs: the catalogue names a call of its own for the scroll types 1..8
+// with the first direction, the blur maps 0..7; every pair it does not name
+// makes the row's default call, the plain blur in the direction picked.
 template <typename Plain, typename Mapped>
 EffectPlanner plainOrMapped(Plain plain, Mapped mapped) {
     return warp([plain, mapped](Class_Geometry& e, V v, R r) {
-        if (v.color <= 0) {
-            (e.*plain)(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom);
+        constexpr int MappedScrollTypes = 8;
+        if (v.eType == 0 && v.color >= 1 && v.color <= MappedScrollTypes) {
+            (e.*mapped)(0, slider(v, 1), r.left, r.top, r.right, r.bottom, row(v.color - 1));
         } else {
-            (e.*mapped)(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
-                        row(v.color - 1));
+            (e.*plain)(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom);
         }
     });
 }

@@ -1,4 +1,5 @@
 #include "effects/colour/false_color/class_false_color.h"
+#include "effects/colour/false_color/noise_walk.h"
 #include "engine/drawing/drawing.h"
 
 #include <algorithm>
@@ -46,6 +47,32 @@ Offset offsetOf(std::uint8_t function, double angle, int amplitude) {
 
 } // namespace
 
+int noiseWalkRows(const ProcessRect& rect) {
+    return (rect.bottom - rect.top) / 4 + 1;
+}
+
+Surface noiseWalkField(int width, int height, const ProcessRect& rect, RandomGenerator& random,
+                       const std::function<bool()>& rowDone) {
+    Surface field(width, height, colourBitsOf(RGB(FieldStart, FieldStart, FieldStart)));
+    Canvas canvas(field);
+    canvas.FillStyle = BrushStyle::Solid;
+    const int across = rect.right - rect.left, down = rect.bottom - rect.top;
+    const int columns = across / 4 + 1, rows = noiseWalkRows(rect);
+    int grey = FieldStart;
+    for (int j = 0; j < rows; ++j) {
+        for (int i = 0; i < columns; ++i) {
+            // A place becomes a pixel by rounding, as every conversion does.
+            const int x = roundTo<std::int32_t>(across * random.next() + rect.left);
+            const int y = roundTo<std::int32_t>(down * random.next() + rect.top);
+            grey = std::clamp(grey + (random.next() < 0.5 ? -1 : 1), 1, 255);
+            canvas.FillColor = RGB(grey, grey, grey);
+            canvas.Circle(x, y, DiscRadius, canvas.FillColor);
+        }
+        if (!rowDone()) break;
+    }
+    return field;
+}
+
 void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t amplitude,
                                       std::uint8_t function, std::int16_t left, std::int16_t top,
                                       std::int16_t right, std::int16_t bottom) {
@@ -55,25 +82,12 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
         if (context().progress != nullptr) context().progress->showCaption(FirstPassCaption);
 
         // Pass 1: a random walk of greys dropped as discs at random places.
-        Surface field(ImageBits.width(), ImageBits.height(),
-                      colourBitsOf(RGB(FieldStart, FieldStart, FieldStart)));
-        Canvas canvas(field);
-        canvas.FillStyle = BrushStyle::Solid;
-        const int width = right - left, height = bottom - top;
-        const int columns = width / 4 + 1, rows = height / 4 + 1;
-        SetProgressRange(0, rows);
-        RandomGenerator& random = context().random;
-        int grey = FieldStart;
-        for (int j = 0; j < rows; ++j) {
-            for (int i = 0; i < columns; ++i) {
-                const int x = static_cast<int>(width * random.next()) + left;
-                const int y = static_cast<int>(height * random.next()) + top;
-                grey = std::clamp(grey + (random.next() < 0.5 ? -1 : 1), 1, 255);
-                canvas.FillColor = RGB(grey, grey, grey);
-                canvas.Circle(x, y, DiscRadius, canvas.FillColor);
-            }
-            if (!finishRow()) return;
-        }
+        SetProgressRange(0, noiseWalkRows(rect));
+        bool walked = true;
+        const Surface field =
+            noiseWalkField(ImageBits.width(), ImageBits.height(), rect, context().random,
+                           [&] { return walked = finishRow(); });
+        if (!walked) return;
 
         // Pass 2: each pixel takes the one its field grey points to; one
         // pointing out of the rectangle keeps its own colour, so edges do not

@@ -41,8 +41,7 @@ Offset offsetOf(std::uint8_t function, double angle, int amplitude) {
     default:
         break;
     }
-    return {static_cast<int>(std::lround(amplitude * x)),
-            static_cast<int>(std::lround(amplitude * y))};
+    return {roundInRange<int>(amplitude * x), roundInRange<int>(amplitude * y)};
 }
 
 } // namespace

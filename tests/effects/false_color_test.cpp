@@ -4,7 +4,9 @@
 #include "effect_fixture.h"
 #include "effects/colour/false_color/class_false_color.h"
 #include "effects/colour/false_color/noise_stamps.h"
+#include "effects/colour/false_color/noise_walk.h"
 #include "effects/colour/false_color/pseudo_colour_bands.h"
+#include "engine/drawing/drawing.h"
 #include "test_support.h"
 
 #include <array>
@@ -102,11 +104,69 @@ TEST_F(FalseColorTest, PixelRules) {
     }
 }
 
-// The stretch of type 0 multiplies in 16 bits: a level of 256 overflows.
-TEST_F(FalseColorTest, TypeZeroStretchOverflowsAboveLevel255) {
-    runOn({255, 255, 255}, [](C& e) { e.BlueSepia(0, -1, 0, 0, 0, 1, 1); });
-    ASSERT_EQ(context.failures.size(), 1u);
-    EXPECT_EQ(context.failures[0].number(), 6);
+// The stretch of type 0 works on 16-bit integers: above 255 a level's
+// product by 128 wraps, and up to 305 the difference with 6323 wraps back
+// as well, so bright pixels stay saturated before they drop to 0.
+TEST_F(FalseColorTest, TypeZeroStretchWrapsIn16Bits) {
+    const struct {
+        int adjust;
+        Colour expected;
+    } cases[] = {{-1, {10, 183, 255}}, {-50, {10, 183, 255}}, {-51, {10, 183, 0}}};
+    for (const auto& c : cases) {
+        const auto adjust = static_cast<std::int16_t>(c.adjust);
+        EXPECT_EQ(runOn({255, 255, 255}, [adjust](C& e) { e.BlueSepia(0, adjust, 0, 0, 0, 1, 1); }),
+                  c.expected)
+            << c.adjust;
+        const Colour sunset{c.expected[2], c.expected[1], c.expected[0]};
+        EXPECT_EQ(
+            runOn({255, 255, 255}, [adjust](C& e) { e.YellowOperation(0, adjust, 0, 0, 0, 1, 1); }),
+            sunset)
+            << c.adjust;
+    }
+    EXPECT_TRUE(context.failures.empty());
+}
+
+// The walk's places are rounded to the pixel: on a rectangle one pixel
+// wide a draw above one half puts the disc one column right of it.
+TEST(NoiseWalk, PlacesAreRoundedToThePixel) {
+    RandomGenerator random;
+    while (RandomGenerator(random).next() <= 0.5)
+        (void)random.next();
+    RandomGenerator draws = random;
+    (void)draws.next();
+    const int y = roundTo<std::int32_t>(draws.next());
+    const int grey = draws.next() < 0.5 ? 127 : 129;
+    const NoiseField field = noiseWalkField(12, 12, {0, 0, 1, 1}, random, [] { return true; });
+    Surface expected(12, 12, colourBitsOf(RGB(128, 128, 128)));
+    Canvas canvas(expected);
+    canvas.FillStyle = BrushStyle::Solid;
+    canvas.FillColor = RGB(grey, grey, grey);
+    canvas.Circle(1, y, 4, canvas.FillColor);
+    for (int row = 0; row < 12; ++row) {
+        for (int column = 0; column < 12; ++column)
+            EXPECT_EQ(field.at(column, row), blueOf(expected.at(column, row)))
+                << column << "," << row;
+    }
+}
+
+// The field's discs are the canvas's filled circles, clipped at every side
+// of the picture.
+TEST(NoiseWalk, DiscsAreTheCanvasCircles) {
+    const int width = 11, height = 9;
+    for (const auto& [x, y] : {std::pair{5, 4}, {0, 0}, {-3, 2}, {10, 8}, {13, -4}, {6, 12}}) {
+        NoiseField field(width, height, 128);
+        field.disc(x, y, 40);
+        Surface expected(width, height, colourBitsOf(RGB(128, 128, 128)));
+        Canvas canvas(expected);
+        canvas.FillStyle = BrushStyle::Solid;
+        canvas.FillColor = RGB(40, 40, 40);
+        canvas.Circle(x, y, NoiseField::DiscRadius, canvas.FillColor);
+        for (int row = 0; row < height; ++row) {
+            for (int column = 0; column < width; ++column)
+                EXPECT_EQ(field.at(column, row), blueOf(expected.at(column, row)))
+                    << "disc at " << x << "," << y << ": " << column << "," << row;
+        }
+    }
 }
 
 TEST(PseudoColourBands, EveryTypeKeepsTheDarkestAndBrightestBandsGrey) {

@@ -16,7 +16,7 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"Marine Snow", "84180330a29f96fb"}, Golden{"Monotone Noise", "cfd9a20e310dbc4c"},
         Golden{"Color Noise Random", "9fc4bb2e9138c7a4"},
         Golden{"Color Noise Normal", "b54e1ba41e282209"},
-        Golden{"Noise Corrdinate", "0def83397b004e32"}),
+        Golden{"Noise Corrdinate", "3b84dddeb81b9c2e"}),
     goldenTestName);
 
 // Each run starts from a fresh generator, as a fresh program does.

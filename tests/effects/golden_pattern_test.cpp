@@ -16,7 +16,7 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"Color Sway 3", "f92a11793e0c5a77"}, Golden{"Color Sway 4", "3e7882edbb31a25c"},
         Golden{"Rinbu", "d10431c4e22a892c"}, Golden{"Cycle 4", "ed285be1bad4209d"},
         Golden{"Color Tile 1", "0bf881242c661c38"}, Golden{"Color Tile 2", "ef79c88063423839"},
-        Golden{"Tile Wall Normal", "7eaf1b5bf29ffbbd"}, Golden{"Tile Wall Gap", "f8798ac1de334c76"},
+        Golden{"Tile Wall Normal", "6f093d6d8557d4be"}, Golden{"Tile Wall Gap", "fbd820cfdef95a89"},
         Golden{"Tile Wall Arc Crest", "3b784da1c470fdad"},
         Golden{"Tile Wall Lozenge", "4eb4723ba0fed185"},
         Golden{"Tile Wall Shippou-Tunagi", "9ea80ef42d86e731"}),

@@ -127,7 +127,9 @@ TEST_F(Bands, TheStippleLeavesAnOddLastRowAndColumnAndSkipsThePostStep) {
             for (int x = 0; x < 5; ++x) {
                 const bool on = colourAt(out, x, y) == Colour{255, 128, 64};
                 count += on;
-                if (x == 4 || y == 4) EXPECT_FALSE(on) << int(type) << " " << x << "," << y;
+                if (x == 4 || y == 4) {
+                    EXPECT_FALSE(on) << int(type) << " " << x << "," << y;
+                }
             }
         }
         EXPECT_EQ(count, painted[type]) << int(type);
@@ -137,6 +139,29 @@ TEST_F(Bands, TheStippleLeavesAnOddLastRowAndColumnAndSkipsThePostStep) {
     });
     EXPECT_EQ(colourAt(quarter, 0, 1), (Colour{255, 128, 64}));
     EXPECT_EQ(colourAt(quarter, 0, 0), (Colour{0, 0, 0}));
+}
+
+// A pair of rows adds 2 to the progress out of the rectangle's rows: with
+// an odd height the bar ends short of 100 percent.
+TEST_F(Bands, TheStippleStepsTwoRowsAPair) {
+    struct Percents : ProgressSink {
+        std::vector<int> seen;
+        void showPercent(int percent) override { seen.push_back(percent); }
+        void showCaption(int) override {}
+    } percents;
+    context.progress = &percents;
+    const struct {
+        int height;
+        int last;
+    } cases[] = {{5, 80}, {6, 100}, {1, -1}};
+    for (const auto& c : cases) {
+        percents.seen.clear();
+        run<P>(uniformPicture(4, c.height, 0, 0, 0), [](P& e, const ProcessRect& r) {
+            e.ShadePatternMethod(1, r.left, r.top, r.right, r.bottom, 255, 255, 255);
+        });
+        EXPECT_EQ(percents.seen.empty() ? -1 : percents.seen.back(), c.last) << c.height;
+    }
+    context.progress = nullptr;
 }
 
 TEST_F(Bands, TheChequerChangesEverySecondBlockFromTheTopLeft) {

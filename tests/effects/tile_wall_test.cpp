@@ -17,15 +17,34 @@ struct Grid {
     int shifted; // 0 none, 1 rows of tiles, 2 columns of tiles
 };
 
-// The walk as the mosaics walk, step size - 1, each cell (i, j) writing the
-// level min(i, j) when the type colours it; the last write wins, cells past
-// the rectangle fold onto its last row or column, cells before it are not
-// there, and a tile starting past the last row is not laid.
-std::vector<int> literalLevels(const Surface& picture, const Grid& g, int deepest) {
-    std::vector<int> level(picture.pixelCount(), 3);
+// The walk as the mosaics walk, step size - 1, each cell (i, j) of level
+// min(i, j) colouring the pixel in place from what it holds when the type
+// colours that level: cells past the rectangle fold onto its last row or
+// column, cells before it are not there, and a tile starting past the last
+// row is not laid. Shifted rows or columns move by half a tile.
+Colour jointColour(int type, int level, const Colour& now) {
+    const auto clamp = [](int v) { return std::clamp(v, 0, 255); };
+    switch (type) {
+    case 0: {
+        const int d = level == 0 ? -18 : 18;
+        return {clamp(now[0] + d), clamp(now[1] + d), clamp(now[2] + d)};
+    }
+    case 1:
+        return level == 0 ? Colour{0, 0, 0} : Colour{255, 255, 255};
+    case 2:
+        return level == 0   ? Colour{0, 0, 0}
+               : level == 1 ? Colour{128, 128, 128}
+                            : Colour{255, 255, 255};
+    default:
+        return {0, 0, 0};
+    }
+}
+
+Surface literalWall(const Surface& picture, const Grid& g, int type, int deepest) {
+    Surface out = picture;
     const ProcessRect& r = g.rect;
-    const int riseX = g.shifted == 1 ? (g.width - 1) / 2 : 0;
-    const int riseY = g.shifted == 2 ? (g.height - 1) / 2 : 0;
+    const int riseX = g.shifted == 1 ? g.width / 2 : 0;
+    const int riseY = g.shifted == 2 ? g.height / 2 : 0;
     for (int k = 0; r.top + k * (g.height - 1) - riseY <= r.bottom - 1; ++k) {
         const int rowOrigin = r.top + k * (g.height - 1);
         int m = 0;
@@ -38,36 +57,23 @@ std::vector<int> literalLevels(const Surface& picture, const Grid& g, int deepes
                     if (y0 + i < r.top || x0 + j < r.left || std::min(i, j) > deepest) continue;
                     const int y = std::min(y0 + i, r.bottom - 1);
                     const int x = std::min(x0 + j, r.right - 1);
-                    level[static_cast<std::size_t>(y) * picture.width() + x] = std::min(i, j);
+                    const Colour c = jointColour(type, std::min(i, j), colourAt(out, x, y));
+                    out.at(x, y) = withColour(out.at(x, y), c[0], c[1], c[2]);
                 }
             }
         }
     }
-    return level;
-}
-
-Colour jointColour(int type, int level, const Colour& source) {
-    switch (type) {
-    case 0:
-        if (level == 0) return {source[0] - 18, source[1] - 18, source[2] - 18};
-        return {source[0] + 18, source[1] + 18, source[2] + 18};
-    case 1:
-        return level == 0 ? Colour{0, 0, 0} : Colour{255, 255, 255};
-    case 2:
-        return level == 0   ? Colour{0, 0, 0}
-               : level == 1 ? Colour{128, 128, 128}
-                            : Colour{255, 255, 255};
-    default:
-        return {0, 0, 0};
-    }
+    return out;
 }
 
 class GridJoints : public TextureFixture, public ::testing::WithParamInterface<Grid> {};
 
-TEST_P(GridJoints, AreTheLiteralWalksLastWritesOnTheSource) {
+TEST_P(GridJoints, AreTheLiteralWalkColouringInPlace) {
     const Grid g = GetParam();
+    // Dark enough at the top left and bright enough at the bottom right that
+    // twice 18 down or up reaches the clamp.
     const Surface picture =
-        makePicture(19, 13, [](int x, int y) { return makePixel(40 + x * 5, 60 + y * 7, 100); });
+        makePicture(19, 13, [](int x, int y) { return makePixel(10 + x * 12, 20 + y * 19, 100); });
     const int deepest[4] = {1, 1, 2, 0};
     for (std::uint8_t type = 0; type < 4; ++type) {
         const Surface out = run<P>(
@@ -82,14 +88,10 @@ TEST_P(GridJoints, AreTheLiteralWalksLastWritesOnTheSource) {
                 }
             },
             false, g.rect);
-        const std::vector<int> levels = literalLevels(picture, g, deepest[type]);
+        const Surface expected = literalWall(picture, g, type, deepest[type]);
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 0; x < picture.width(); ++x) {
-                const int level = levels[static_cast<std::size_t>(y) * picture.width() + x];
-                const Colour expected = level > deepest[type]
-                                            ? colourAt(picture, x, y)
-                                            : jointColour(type, level, colourAt(picture, x, y));
-                EXPECT_EQ(colourAt(out, x, y), expected)
+                EXPECT_EQ(colourAt(out, x, y), colourAt(expected, x, y))
                     << "type " << int(type) << " at " << x << "," << y;
             }
         }
@@ -101,7 +103,25 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(Grid{4, 4, {0, 0, 19, 13}, 0}, Grid{5, 3, {0, 0, 19, 13}, 0},
                       Grid{8, 8, {0, 0, 19, 13}, 0}, Grid{6, 4, {2, 3, 17, 11}, 0},
                       Grid{20, 20, {0, 0, 19, 13}, 0}, Grid{6, 5, {0, 0, 19, 13}, 1},
-                      Grid{6, 5, {1, 2, 18, 12}, 2}, Grid{4, 4, {0, 0, 19, 13}, 2}));
+                      Grid{6, 5, {1, 2, 18, 12}, 2}, Grid{4, 4, {0, 0, 19, 13}, 2},
+                      Grid{8, 6, {0, 0, 19, 13}, 1}));
+
+// Where tiles meet, the groove is cut again from what the tile before
+// left: a joint two tiles share is lowered twice, the pixel beside a joint
+// that the next tile's joint crosses goes up and down again.
+struct SharedJoints : TextureFixture {};
+
+TEST_F(SharedJoints, AreColouredAgainFromWhatTheTileBeforeLeft) {
+    const Surface grey = uniformPicture(13, 13, 100, 100, 100);
+    const Surface out = run<P>(grey, [](P& e, const ProcessRect& r) {
+        e.LineInput_Normal(4, 4, r.left, r.top, r.right, r.bottom, true, 0);
+    });
+    EXPECT_EQ(colourAt(out, 3, 0), (Colour{64, 64, 64}));    // two tiles' top joints
+    EXPECT_EQ(colourAt(out, 3, 3), (Colour{46, 46, 46}));    // three tiles' joints
+    EXPECT_EQ(colourAt(out, 3, 1), (Colour{100, 100, 100})); // + 18 then - 18
+    EXPECT_EQ(colourAt(out, 1, 1), (Colour{118, 118, 118})); // one tile's
+    EXPECT_EQ(colourAt(out, 12, 0), (Colour{10, 10, 10}));   // the fold cuts it four times more
+}
 
 struct DrawnTiles : TextureFixture {
     const Surface grey = uniformPicture(32, 32, 100, 100, 100);

@@ -86,8 +86,8 @@ void Class_FalseColor::Retrospection(std::uint8_t form, double adjust, std::uint
         std::array<Channels, 256> byGrey{};
         for (int y = 0; y < 256; ++y) {
             auto level = [&](double value) { return roundTo<std::int16_t>(255 - value + adjust); };
-            Channels c{level(y), level(std::round(189.0 / 255.0 * y + 66)),
-                       level(std::round(123.0 / 255.0 * y + 132))};
+            Channels c{level(y), level(roundInRange<int>(189.0 / 255.0 * y + 66)),
+                       level(roundInRange<int>(123.0 / 255.0 * y + 132))};
             if (form == 1) {
                 const MaxMin m = MaxMinOfThree(c.red, c.green, c.blue);
                 c.add(AllChannels, m.max - m.min);

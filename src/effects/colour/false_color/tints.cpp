@@ -9,31 +9,27 @@
 namespace lumiran {
 namespace {
 
-// The three tint levels of one key, stretched, and whether the stretch
-// overflowed its 16-bit product for that key.
+// The three tint levels of one key, stretched.
 struct TintLevels {
     std::int16_t first = 0;
     std::int16_t second = 0;
     std::int16_t third = 0;
-    bool overflow = false;
 };
 
-// Type 0 is keyed by s = 510 - b - g, and the stretch multiplies in 16 bits.
+// Type 0 is keyed by s = 510 - b - g. Its stretch works on 16-bit
+// integers: a level above 255 (a negative adjustment on a bright pixel)
+// wraps its product by 128, and the difference with 6323 after it, before
+// the quotient by 74 is taken in floating point.
 TintLevels typeZeroLevels(int s, int adjust) {
     const double third = s / 3.0;
     const int p1 = roundInRange<int>(255 - (third * (55.0 / 255.0) + 200));
     const int p2 = roundInRange<int>(255 - (third * (155.0 / 255.0) + 100));
     const int p3 = roundInRange<int>(255 - third) - adjust;
-    TintLevels levels;
-    auto stretch = [&levels](int p) {
-        const int product = p * 128;
-        if (product > 32767 || product < -32768) levels.overflow = true;
-        return static_cast<std::int16_t>(roundInRange<int>((product - 6323) / 74.0));
+    auto stretch = [](int p) {
+        const std::int16_t numerator = wrap16(wrap16(p * 128) - 6323);
+        return static_cast<std::int16_t>(roundInRange<int>(numerator / 74.0));
     };
-    levels.first = stretch(p1);
-    levels.second = stretch(p2);
-    levels.third = stretch(p3);
-    return levels;
+    return {stretch(p1), stretch(p2), stretch(p3)};
 }
 
 // Types 1..3 are keyed by Y of the complements.
@@ -47,7 +43,7 @@ TintLevels complementLevels(std::uint8_t type, int y, int adjust) {
     auto stretch = [adjust](int p) {
         return wrap16(roundInRange<int>(((p + adjust + 50) * 255 - 12676) / 74.0));
     };
-    return {stretch(p1), stretch(p2), stretch(p3), false};
+    return {stretch(p1), stretch(p2), stretch(p3)};
 }
 
 // Which result channel takes which level. Types 0..2 put the strongest
@@ -84,10 +80,9 @@ void Class_FalseColor::tint(bool blue, std::uint8_t type, std::int16_t adjust, s
         table[key] = type == 0 ? typeZeroLevels(static_cast<int>(key), adjust)
                                : complementLevels(type, static_cast<int>(key), adjust);
     }
-    // Without a level overflowing, each channel is the tint's level or the
-    // source's by a table of the key; the lightness choice stays per pixel.
-    const bool overflows = std::ranges::any_of(table, &TintLevels::overflow);
-    if (!overflows && choice != 1) {
+    // Each channel is the tint's level or the source's by a table of the
+    // key; the lightness choice stays per pixel.
+    if (choice != 1) {
         ToneTables tables;
         for (std::size_t key = 0; key < table.size(); ++key) {
             const Rgb16 v = assign(blue, type, table[key]);
@@ -110,9 +105,7 @@ void Class_FalseColor::tint(bool blue, std::uint8_t type, std::int16_t adjust, s
     mapPixels<ResultTail::Clamp>(
         rect, [&table, blue, type, choice](int, int, int& r, int& g, int& b) {
             const int key = type == 0 ? 510 - b - g : luminanceY(255 - r, 255 - g, 255 - b);
-            const TintLevels& levels = table[static_cast<std::size_t>(key)];
-            if (levels.overflow) throw EffectError::overflow();
-            Rgb16 v = assign(blue, type, levels);
+            Rgb16 v = assign(blue, type, table[static_cast<std::size_t>(key)]);
             switch (choice) {
             case 1: {
                 // The source's hue at the tint's lightness; a black source is

@@ -7,10 +7,6 @@
 namespace lumiran {
 namespace {
 
-int floorHalf(int v) {
-    return v >= 0 ? v / 2 : -((1 - v) / 2);
-}
-
 // The spread's ramps a (across) and b (down), 255 / (right - left) x and
 // 255 / (bottom - top) y with a 0 raised to 1, for the rectangle's columns
 // and rows in the picture.
@@ -125,35 +121,30 @@ void Class_Pattern::ShadePatternMethod(std::uint8_t type, std::int16_t left, std
                                        std::uint8_t green, std::uint8_t blue) {
     guarded([&] {
         // Pairs of rows from the top while a pair fits, pairs of columns
-        // likewise; a last odd row or column stays. Only the pairs that
-        // reach the picture are walked, one loop row each.
+        // likewise; a last odd row or column stays. Each row of a pair
+        // paints its own pixels, so progress counts two rows a pair out of
+        // the rectangle's rows: an odd last row is never reached, and the
+        // bar stops short of 100 percent.
         const int lastColumn = right - 2;
-        const int allPairs = bottom - 2 < top ? 0 : (bottom - 2 - top) / 2 + 1;
-        // Pair k covers rows top + 2 k and the one below.
-        const int firstPair = std::max(0, floorHalf(-1 - top + 1));
-        const int endPair = std::min(allPairs, floorHalf(ImageBits.height() - 1 - top) + 1);
-        const int pairs = std::max(0, endPair - firstPair);
-        SetProgressRange(0, pairs);
-        if (pairs == 0 || ImageBits.empty()) return;
+        const int pairs = bottom - 2 < top ? 0 : (bottom - 2 - top) / 2 + 1;
+        SetProgressRange(top, bottom);
         const Pixel colour = makePixel(red, green, blue);
-        auto paint = [&](int x, int y) {
-            if (x < 0 || x >= ImageBits.width() || y < 0 || y >= ImageBits.height()) return;
-            Pixel& p = ImageBits.at(x, y);
-            p = (p & 0xFF000000u) | colour;
-        };
-        const ProcessRect pairRows{0, 0, 1, static_cast<std::int16_t>(pairs)};
-        forEachRow(pairRows, [&](int pair, int, int) {
-            const int y = top + 2 * (firstPair + pair);
+        const int width = ImageBits.width();
+        const ProcessRect pairRows{left, top, right, static_cast<std::int16_t>(top + 2 * pairs)};
+        forEachRow(pairRows, [&](int y, int, int) {
+            Pixel* row = ImageBits.row(y).data();
+            auto paint = [&](int x) {
+                if (x >= 0 && x < width) row[x] = (row[x] & 0xFF000000u) | colour;
+            };
+            // Type 0 paints (x, y + 1), type 1 adds (x, y), type 2 adds
+            // (x + 1, y + 1) as well.
+            const bool lower = (y - top) % 2 != 0;
             for (int x = left; x <= lastColumn; x += 2) {
-                if (type == 0) {
-                    paint(x, y + 1);
-                } else if (type == 1) {
-                    paint(x, y);
-                    paint(x, y + 1);
-                } else if (type == 2) {
-                    paint(x, y);
-                    paint(x, y + 1);
-                    paint(x + 1, y + 1);
+                if (lower) {
+                    if (type <= 2) paint(x);
+                    if (type == 2) paint(x + 1);
+                } else if (type == 1 || type == 2) {
+                    paint(x);
                 }
             }
         });

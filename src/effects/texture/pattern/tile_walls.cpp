@@ -81,50 +81,49 @@ TileLines::TileLines(int size, std::vector<CellMask> variants, TileLayout layout
 void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std::int16_t height,
                                int shift, bool columns, std::uint8_t type) {
     // Tiles share their joints: each starts on the last column and row of
-    // the one before.
+    // the one before. Shifted rows or columns of tiles move by half a tile,
+    // as the gap mosaic moves its blocks.
     mosaic::BlockGrid grid{width, height, width - 1, height - 1};
     if (shift != 0) {
         if (columns) {
-            grid.columnShift[1] = (height - 1) / 2;
+            grid.columnShift[1] = height / 2;
         } else {
-            grid.rowShift[1] = (width - 1) / 2;
+            grid.rowShift[1] = width / 2;
         }
     }
     const Span span = spanOf(rect);
     const mosaic::Extent extent{span.firstColumn, span.endColumn, span.firstRow, span.endRow};
     const int blockRows = mosaic::blockRowCount(extent, grid);
-    SetProgressRange(0, blockRows + wrap16(rect.bottom - rect.top));
+    SetProgressRange(0, blockRows);
     if (blockRows == 0) return;
     const pattern::JointRule rule(type);
+    const int deepest = rule.deepest();
 
-    // The level each tile's cell (i, j) leaves, min(i, j), walked in order so
-    // that the last tile to reach a pixel decides it, folded cells included;
-    // cells beyond the type's deepest level leave the pixel to earlier tiles.
-    const int across = extent.endColumn - extent.firstColumn;
-    std::vector<std::int8_t> levels(
-        static_cast<std::size_t>(across) * (extent.endRow - extent.firstRow), 3);
+    // Each tile colours its cells (i, j) of level min(i, j) in place, in the
+    // walk's order and reading what the array holds: a pixel that two tiles
+    // reach (their shared joint, a fold at the far sides) is coloured again
+    // from what the first one left. Cells beyond the type's deepest level
+    // stay.
     std::vector<int> rows(static_cast<std::size_t>(height));
     std::vector<int> cells(static_cast<std::size_t>(width));
+    const auto paint = [&](int y, int x, int level) {
+        Pixel& p = ImageBits.at(x, y);
+        const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+        const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, b, rule.at(level, r, g, b));
+        p = withColour(p, v.red, v.green, v.blue);
+    };
     for (int k = 0; k < blockRows; ++k) {
         mosaic::forEachBlockInRow(extent, grid, k, rows, cells, [&](int) {
             for (int i = 0; i < height; ++i) {
                 if (rows[i] == mosaic::SkippedCell) continue;
-                const std::size_t row =
-                    static_cast<std::size_t>(rows[i] - extent.firstRow) * across;
-                for (int j = 0; j < width; ++j) {
-                    const int level = std::min(i, j);
-                    if (cells[j] != mosaic::SkippedCell && level <= rule.deepest())
-                        levels[row + (cells[j] - extent.firstColumn)] =
-                            static_cast<std::int8_t>(level);
+                const int lastCell = i <= deepest ? width - 1 : std::min(deepest, width - 1);
+                for (int j = 0; j <= lastCell; ++j) {
+                    if (cells[j] != mosaic::SkippedCell) paint(rows[i], cells[j], std::min(i, j));
                 }
             }
         });
         if (!finishRow()) return;
     }
-    paintJoints(rect, type, [&](int x, int y) {
-        return levels[static_cast<std::size_t>(y - extent.firstRow) * across +
-                      (x - extent.firstColumn)];
-    });
 }
 
 void Class_Pattern::LineInput_Normal(std::int16_t width, std::int16_t height, std::int16_t left,

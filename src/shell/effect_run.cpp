@@ -33,6 +33,7 @@ EffectRun::EffectRun(ProgramState& state, Document& document, RunOptions options
         // A snapshot that cannot be taken is reported; the run goes on without it.
         try {
             state.undo.PushUndo(document);
+            snapshotTaken_ = true;
         } catch (const EffectError& error) {
             context_.failures.push_back(error);
         } catch (const std::bad_alloc&) {

@@ -99,6 +99,9 @@ RunOutcome EffectRun::finish(bool keepObjects) {
     state_.ProcessingFlag = 0;
     KeepStore& keep = state_.keep;
     if (state_.cancelFlag == 1) {
+        // A lent picture comes back as kept picture 0 is: with what an
+        // effect that draws there (the gradations) drew before it stopped.
+        // The one-shot caller throws a cancelled run's picture away.
         if (documentLent_) document_.picture = std::move(keep.keptPicture0);
         state_.undo.PopUndo(document_);
         state_.cancelFlag = 0;

@@ -33,6 +33,7 @@ EffectRun::EffectRun(ProgramState& state, Document& document, RunOptions options
         // A snapshot that cannot be taken is reported; the run goes on without it.
         try {
             state.undo.PushUndo(document);
+            snapshotTaken_ = true;
         } catch (const EffectError& error) {
             context_.failures.push_back(error);
         } catch (const std::bad_alloc&) {
@@ -98,6 +99,9 @@ RunOutcome EffectRun::finish(bool keepObjects) {
     state_.ProcessingFlag = 0;
     KeepStore& keep = state_.keep;
     if (state_.cancelFlag == 1) {
+        // A lent picture comes back as kept picture 0 is: with what an
+        // effect that draws there (the gradations) drew before it stopped.
+        // The one-shot caller throws a cancelled run's picture away.
         if (documentLent_) document_.picture = std::move(keep.keptPicture0);
         state_.undo.PopUndo(document_);
         state_.cancelFlag = 0;

@@ -70,6 +70,9 @@ class EffectRun {
     RunOutcome finish(bool keepObjects = false);
 
     [[nodiscard]] const std::vector<EffectError>& failures() const { return context_.failures; }
+    // Whether the start pushed a level of its own: without one, a cancel
+    // pops an older level, which the screen does not show yet.
+    [[nodiscard]] bool snapshotTaken() const { return snapshotTaken_; }
 
   private:
     ProgramState& state_;
@@ -78,6 +81,7 @@ class EffectRun {
     ProcessRect rect_;
     // Kept picture 0 holds the document's own picture until finish.
     bool documentLent_ = false;
+    bool snapshotTaken_ = false;
     bool finished_ = false;
     RunOutcome outcome_ = RunOutcome::Applied;
 };

@@ -1,6 +1,7 @@
 #include "shell/undo_stack.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lumiran {
 namespace {
@@ -22,6 +23,9 @@ UndoStack::UndoStack(std::uint8_t maxUndoCount)
     : maxUndoCount_(maxUndoCount), slots_(slotsFor(maxUndoCount)) {}
 
 void UndoStack::PushUndo(const Document& document) {
+    // The copy comes first: a copy that fails leaves the stack as it was,
+    // never a counted level without a picture.
+    Level newest{document.picture, document.folderLabel, document.nameLabel};
     const int last = static_cast<int>(maxUndoCount_) - 1;
     if (undoCount_ == 0) {
         undoCount_ = 1;
@@ -34,7 +38,7 @@ void UndoStack::PushUndo(const Document& document) {
         if (undoCount_ < last) ++undoCount_;
     }
     // Above the limit nothing moves: the newest level is overwritten.
-    slots_[0] = Level{document.picture, document.folderLabel, document.nameLabel};
+    slots_[0] = std::move(newest);
     lastCaption_ = document.caption();
 }
 

@@ -8,6 +8,7 @@
 #include "shell/ui/dialogs/frm_pictureinfo.h"
 #include "shell/ui/dialogs/frm_splash.h"
 #include "shell/ui/dialogs/frm_vasion.h"
+#include "shell/ui/frm_progress.h"
 #include "shell/ui/qt_translations.h"
 
 #include <QApplication>
@@ -21,6 +22,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPointer>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSpinBox>
@@ -191,6 +193,17 @@ class DialogsTest : public QObject {
         QCOMPARE(settings.RasterOpFlag, 200);
         QCOMPARE(settings.AutoRegulation, 7);
         QCOMPARE(settings.MaxUndoCount, 1);
+    }
+
+    // The bar style changes only the look: both styles show the percentage.
+    void bothProgressBarStylesShowHowFarTheRunHasCome() {
+        for (const bool smooth : {false, true}) {
+            CancelFlag cancel{0};
+            frm_Progress progress(cancel, smooth, 9);
+            progress.setPercent(40);
+            QCOMPARE(progress.percent(), 40);
+            QCOMPARE(child<QProgressBar>(progress, "ProgressBar1").maximum(), 100);
+        }
     }
 
     void applyFontSizeReachesNestedChildren() {

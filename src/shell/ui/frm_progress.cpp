@@ -11,10 +11,20 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace lumiran {
+namespace {
 
-frm_Progress::frm_Progress(CancelFlag& cancel, bool marquee, int fontSize, QWidget* parent)
+// The standard bar of the platform: the filled part drawn as blocks.
+constexpr const char* BlockBarStyle =
+    "QProgressBar { border: 1px solid palette(mid); background: palette(base);"
+    " text-align: center; }"
+    "QProgressBar::chunk { background-color: palette(highlight); width: 8px; margin: 1px; }";
+
+} // namespace
+
+frm_Progress::frm_Progress(CancelFlag& cancel, bool smooth, int fontSize, QWidget* parent)
     : QDialog(parent), cancel_(cancel), Label3(new QLabel(res(ids::PleaseWait))),
       ProgressBar1(new QProgressBar), Command1(new QPushButton(res(ids::CancelZ))) {
     setObjectName("frm_Progress");
@@ -24,7 +34,9 @@ frm_Progress::frm_Progress(CancelFlag& cancel, bool marquee, int fontSize, QWidg
     ProgressBar1->setObjectName("ProgressBar1");
     ProgressBar1->setRange(0, 100);
     ProgressBar1->setValue(0);
-    if (marquee) ProgressBar1->setRange(0, 0); // the bar style of ProcessBarType
+    // ProcessBarType picks only the bar's look, blocks or one smooth band;
+    // either way the bar shows how far the run has come.
+    if (!smooth) ProgressBar1->setStyleSheet(QString::fromLatin1(BlockBarStyle));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(Label3);
     layout->addWidget(ProgressBar1);
@@ -42,7 +54,7 @@ frm_Progress::frm_Progress(CancelFlag& cancel, bool marquee, int fontSize, QWidg
 
 void frm_Progress::setPercent(int percent) {
     // A run whose total covers one pass of two reports beyond 100.
-    if (ProgressBar1->maximum() > 0) ProgressBar1->setValue(std::clamp(percent, 0, 100));
+    ProgressBar1->setValue(std::clamp(percent, 0, 100));
 }
 
 int frm_Progress::percent() const {

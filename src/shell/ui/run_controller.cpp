@@ -50,18 +50,17 @@ RunController::~RunController() {
     if (progress_) progress_->end();
 }
 
-bool RunController::start(Document& document, EffectBody body, int fontSize, bool marqueeBar,
+bool RunController::start(Document& document, EffectBody body, int fontSize, bool smoothBar,
                           RunOptions options) {
     if (active_ || state_.ProcessingFlag == 1) return false;
     active_ = true;
     document_ = &document;
-    options_ = options;
     cancelRequested_ = false;
     state_.cancelFlag = 0;
     state_.ProcessingFlag = 1;
     sink_ = std::make_unique<Sink>(*this);
     if (state_.ProgressFlag == 1) {
-        progress_ = new frm_Progress(state_.cancelFlag, marqueeBar, fontSize, owner_);
+        progress_ = new frm_Progress(state_.cancelFlag, smoothBar, fontSize, owner_);
         progress_->setAttribute(Qt::WA_DeleteOnClose);
         connect(progress_, &frm_Progress::cancelRequested, this, &RunController::cancel);
         progress_->show();
@@ -121,10 +120,12 @@ void RunController::bodyDone() {
     }
     worker_ = std::thread([this] {
         outcome_ = run_->finish();
+        const bool ownSnapshot = run_->snapshotTaken();
         run_.reset();
         // A cancelled run put its own snapshot back: the screen shows that
-        // picture already. Without a snapshot the pop brought an older level.
-        if (outcome_ == RunOutcome::Applied || options_.noUndo) {
+        // picture already. Without a snapshot (none asked for, or none could
+        // be taken) the pop brought an older level.
+        if (outcome_ == RunOutcome::Applied || !ownSnapshot) {
             try {
                 picture_ = toQImage(document_->picture);
             } catch (const std::bad_alloc&) {

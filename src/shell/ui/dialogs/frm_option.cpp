@@ -129,8 +129,8 @@ QWidget* frm_Option::makeWindowTab(const Settings& settings) {
     AutoRegulation->setCurrentIndex(arrangement < std::ssize(ArrangementTexts) ? arrangement : -1);
     ProcessBarType = new QComboBox;
     ProcessBarType->setObjectName("ProcessBarType");
-    ProcessBarType->addItem(res(dialog_ids::ProgressBarPercent));
-    ProcessBarType->addItem(res(dialog_ids::ProgressBarMotion));
+    ProcessBarType->addItem(res(dialog_ids::ProgressBarStandard));
+    ProcessBarType->addItem(res(dialog_ids::ProgressBarSmooth));
     ProcessBarType->setCurrentIndex(settings.ProcessBarType ? 1 : 0);
     auto* form = new QFormLayout(tab);
     form->addRow(res(dialog_ids::Arrangement), AutoRegulation);

@@ -99,9 +99,8 @@ class ToolsTest : public QObject {
         QCOMPARE(readLines(log), expected);
         QVERIFY(answers.texts.isEmpty());
 
-        // A document with no file behind it, as "New" makes.
+        // A document with a name but no folder, as "New" or a capture makes.
         FrmDocument* made = frame.openPictureAsDocument(QImage(4, 4, QImage::Format_RGB32), "x");
-        made->document().nameLabel.clear();
         frame.WallPaperNo_Click(*made, 0);
         QCOMPARE(answers.texts, QStringList{res(ids::WallNoPicture)});
         qputenv("PATH", oldPath);

@@ -142,7 +142,8 @@ ToolStep toolMouseDown(ProgramState& state, Document& document, PointerButton bu
             document.DragFlag = false;
             return statusStep(document);
         }
-        if (button != PointerButton::Left) return {};
+        // During a run the drawn area stays as it is.
+        if (button != PointerButton::Left || state.ProcessingFlag == 1) return {};
         document.ToolsFlag = tools::Selecting;
         [[fallthrough]];
     case tools::Selecting: {
@@ -166,7 +167,9 @@ ToolStep toolMouseDown(ProgramState& state, Document& document, PointerButton bu
         Surface& picture = document.picture;
         if (x < 0 || y < 0 || x >= picture.width() || y >= picture.height()) return {};
         ToolStep step;
+        // Without its snapshot the fill could not be undone: it is not made.
         step.failure = pushSnapshot(state, document);
+        if (step.failure) return step;
         const ColourRef own = GetPixel(picture, x, y);
         const Rgb8 brush = state.flags.drawingColor;
         step.pictureChanged = ExtFloodFill(picture, x, y, own, FloodFillType::Surface,
@@ -219,19 +222,22 @@ ToolStep toolMouseUp(ProgramState& state, Document& document, int x, int y) {
         ToolStep step;
         if (!document.AreaMovedFlag) {
             step.failure = pushSnapshot(state, document);
+            // Without the snapshot nothing is laid and the drag goes on.
+            if (step.failure) return step;
             document.AreaMovedFlag = true;
         }
         const Surface& lifted = state.keep.SelectAreaImage;
         AreaRect& r = document.drag;
         BitBlt(document.picture, r.left, r.top, lifted.width(), lifted.height(), lifted, 0, 0,
                SRCCOPY);
-        // The drag keeps the lifted picture's place, which may reach past the
-        // picture, so a further move carries the whole lifted picture along;
-        // the area is the part inside.
+        // The rectangle itself is cut to the picture, so an area dropped
+        // partly outside is smaller from then on, and the next move lays the
+        // lifted picture at the cut rectangle's corner.
         const int width = document.picture.width();
         const int height = document.picture.height();
-        document.area = {keepInPicture(r.left, width), keepInPicture(r.top, height),
-                         keepInPicture(r.right, width), keepInPicture(r.bottom, height)};
+        r = {keepInPicture(r.left, width), keepInPicture(r.top, height),
+             keepInPicture(r.right, width), keepInPicture(r.bottom, height)};
+        document.area = r;
         document.DragFlag = false;
         document.ToolsFlag = tools::ReadyToMove;
         step.status = toolStatusText(document);

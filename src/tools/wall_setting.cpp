@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 
 namespace lumiran {
@@ -143,10 +144,15 @@ std::vector<CommandLine> Class_WallSetting::desktopCommands(const std::string& p
 
 std::optional<WallMessage> WallPaperNo(int index, const std::string& folder,
                                        const std::string& name, Class_WallSetting& wall) {
-    if (name.empty()) return WallMessage{ids::WallNoPicture, ids::WallTitle};
+    // The folder label is empty for a picture that never came from a file
+    // ("New", the clipboard, a capture), whatever name the window has.
+    if (folder.empty()) return WallMessage{ids::WallNoPicture, ids::WallTitle};
     const std::string path = joinPath(folder, name);
     std::uint16_t magic = 0;
     {
+        std::error_code error;
+        if (std::filesystem::is_directory(path, error))
+            return WallMessage{ids::WallCannotOpen, ids::WallTitle};
         std::ifstream file(path, std::ios::binary);
         if (!file) return WallMessage{ids::WallCannotOpen, ids::WallTitle};
         std::array<unsigned char, 2> bytes{};

@@ -71,7 +71,7 @@ inline constexpr int WallCentre = 0;
 inline constexpr int WallAll = 1;
 inline constexpr int WallScreen = 2;
 
-// The checks in order (no name, unreadable, not "BM"), then the row. The
+// The checks in order (no folder, unreadable, not "BM"), then the row. The
 // message to show, if any; an unsupported desktop gives its own.
 [[nodiscard]] std::optional<WallMessage>
 WallPaperNo(int index, const std::string& folder, const std::string& name, Class_WallSetting& wall);

@@ -98,21 +98,34 @@ TEST_F(AreaToolTest, OnlyTheFirstDropOfAMovedAreaTakesASnapshot) {
     EXPECT_EQ(document.picture, original);
 }
 
-TEST_F(AreaToolTest, AnAreaDroppedPartlyOutsideKeepsItsWholeLiftedPicture) {
+TEST_F(AreaToolTest, AnAreaDroppedPartlyOutsideIsCutToThePicture) {
     const Surface original = document.picture;
     drawArea(0, 0, 6, 6);
     ToolsNo_Click(state, document, tools_menu::MoveArea);
     toolMouseDown(state, document, PointerButton::Left, 0, 0);
     toolMouseUp(state, document, 37, -2); // three columns and two rows stick out
     EXPECT_EQ(document.area, (AreaRect{37, 0, 40, 4}));
+    EXPECT_EQ(document.drag, document.area);
     EXPECT_EQ(document.picture.at(37, 0), original.at(0, 2));
-    // Taken at (37, 0), two rows below the lifted picture's corner, and moved
-    // back: the whole lifted picture comes along.
+    // Taken again at the cut corner and moved: the rectangle keeps its cut
+    // size and the whole lifted picture is laid at its corner.
     toolMouseDown(state, document, PointerButton::Left, 37, 0);
     toolMouseUp(state, document, 20, 10);
-    EXPECT_EQ(document.area, (AreaRect{20, 8, 26, 14}));
-    EXPECT_EQ(document.picture.at(20, 8), original.at(0, 0));
-    EXPECT_EQ(document.picture.at(25, 13), original.at(5, 5));
+    EXPECT_EQ(document.area, (AreaRect{20, 10, 23, 14}));
+    EXPECT_EQ(document.picture.at(20, 10), original.at(0, 0));
+    EXPECT_EQ(document.picture.at(25, 15), original.at(5, 5));
+}
+
+TEST_F(AreaToolTest, ADrawnAreaIsKeptWhileARunHoldsTheProgram) {
+    drawArea(2, 3, 9, 8);
+    state.ProcessingFlag = 1;
+    toolMouseDown(state, document, PointerButton::Left, 20, 20);
+    EXPECT_EQ(document.ToolsFlag, tools::AreaDrawn);
+    EXPECT_FALSE(document.DragFlag);
+    state.ProcessingFlag = 0;
+    toolMouseDown(state, document, PointerButton::Left, 20, 20);
+    EXPECT_EQ(document.ToolsFlag, tools::Selecting);
+    EXPECT_TRUE(document.DragFlag);
 }
 
 TEST_F(AreaToolTest, LiftingReadsOnlyInsideAPictureThatBecameSmaller) {

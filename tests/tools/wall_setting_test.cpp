@@ -44,12 +44,20 @@ TEST_F(WallPaperTest, ChecksComeInOrderAndLeaveTheDesktopAlone) {
     const std::string notBitmap = write("a.jpg", "\xFF\xD8\xFF");
     const std::string oneByte = write("b.bmp", "B");
     struct Case {
+        std::string folder;
         std::string name;
         int message;
     };
-    for (const Case& c : {Case{"", ids::WallNoPicture}, Case{"missing.bmp", ids::WallCannotOpen},
-                          Case{notBitmap, ids::WallNotBitmap}, Case{oneByte, ids::WallNotBitmap}}) {
-        const auto message = WallPaperNo(WallCentre, folder(), c.name, wall);
+    // A document without a folder (made by "New", or from the clipboard) has
+    // no picture on disk, whatever its name; a folder is no file.
+    const Case cases[] = {{"", "", ids::WallNoPicture},
+                          {"", oneByte, ids::WallNoPicture},
+                          {folder(), "", ids::WallCannotOpen},
+                          {folder(), "missing.bmp", ids::WallCannotOpen},
+                          {folder(), notBitmap, ids::WallNotBitmap},
+                          {folder(), oneByte, ids::WallNotBitmap}};
+    for (const Case& c : cases) {
+        const auto message = WallPaperNo(WallCentre, c.folder, c.name, wall);
         ASSERT_TRUE(message) << c.name;
         EXPECT_EQ(message->text, c.message) << c.name;
         EXPECT_EQ(message->title, ids::WallTitle);

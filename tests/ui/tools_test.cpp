@@ -99,9 +99,8 @@ class ToolsTest : public QObject {
         QCOMPARE(readLines(log), expected);
         QVERIFY(answers.texts.isEmpty());
 
-        // A document with no file behind it, as "New" makes.
+        // A document with a name but no folder, as "New" or a capture makes.
         FrmDocument* made = frame.openPictureAsDocument(QImage(4, 4, QImage::Format_RGB32), "x");
-        made->document().nameLabel.clear();
         frame.WallPaperNo_Click(*made, 0);
         QCOMPARE(answers.texts, QStringList{res(ids::WallNoPicture)});
         qputenv("PATH", oldPath);
@@ -155,6 +154,42 @@ class ToolsTest : public QObject {
         QCOMPARE(frame.DocumentCount(), 1);
         viewer->close();
         QCOMPARE(store.get("Settings", "ViewerWidth").has_value(), true);
+    }
+
+    // Until a pattern row is clicked the file list has its own pattern, which
+    // leaves out Photo CD files; the first row lists them. "Open" with nothing
+    // selected asks under the program's name.
+    void viewerListsByItsOwnPatternUntilARowIsClicked() {
+        const QString folder = dir_.filePath("patterns");
+        QDir().mkpath(folder);
+        for (const char* name : {"b.PCX", "a.bmp", "c.pcd", "d.txt", "e.gif"}) {
+            QFile file(folder + "/" + name);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        MessageBoxAnswerer answers;
+        frame.LoadImageViewer();
+        frm_Viewer* viewer = frame.viewerWindow();
+        QVERIFY(viewer);
+        viewer->showFolder(folder);
+        const auto listed = [viewer] {
+            QStringList names;
+            for (int i = 0; i < viewer->filList->count(); ++i)
+                names << viewer->filList->item(i)->text();
+            return names;
+        };
+        QCOMPARE(listed(), (QStringList{"a.bmp", "b.PCX", "e.gif"}));
+        QCOMPARE(viewer->PatternCombo->currentIndex(), -1);
+        viewer->PatternCombo_Click(0);
+        QCOMPARE(listed(), (QStringList{"a.bmp", "b.PCX", "c.pcd", "e.gif"}));
+        viewer->PatternCombo_Click(viewer->PatternCombo->findText("All File"));
+        QCOMPARE(listed().size(), 5);
+
+        viewer->LoadImageMenu_Click();
+        QCOMPARE(answers.texts, QStringList{res(ids::ViewerSelectPicture)});
+        QCOMPARE(answers.titles, QStringList{QGuiApplication::applicationDisplayName()});
+        viewer->close();
     }
 
     // The page of a PDF holds the picture at PrintSize percent of a 600 dpi

@@ -77,9 +77,10 @@ void frm_Capture::Command1_Click() {
         frame_->hide();
         frameHidden_ = true;
     }
-    // The event loop goes on meanwhile, so the windows below repaint.
-    const int wait = hideSelf || hideFrame ? SettleMs : 0;
-    QTimer::singleShot(wait, this, [this, activeWindow, toClipboard] {
+    // The event loop goes on meanwhile, so the windows below repaint; the
+    // wait is the same when nothing was hidden, so the pressed button has
+    // come up again before the screen is taken.
+    QTimer::singleShot(SettleMs, this, [this, activeWindow, toClipboard] {
         finishCapture(activeWindow, toClipboard);
     });
 }

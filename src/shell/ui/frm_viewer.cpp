@@ -42,6 +42,10 @@ constexpr int TwipsPerPixel = 15;
 constexpr int ThumbnailSide = 48;
 // The list view reads at most this many pictures for its thumbnails.
 constexpr int ThumbnailLimit = 300;
+// The file list's own pattern until a row of the pattern combo is clicked:
+// without the Photo CD files that row 0 lists.
+constexpr const char* DesignPattern =
+    "*.bmp;*.dib;*.ico;*.rle;*.wmf;*.emf;*.gif;*.pcx;*.ppm;*.tga;*.jpg";
 
 int readTwips(const KeyValueStore& store, const char* key, int fallback) {
     const auto text = store.get(Section, key);
@@ -115,6 +119,9 @@ frm_Viewer::frm_Viewer(KeyValueStore& store, ViewerLoader loader, QWidget* paren
     PatternCombo->setObjectName("PatternCombo");
     for (const char* row : viewerPatternRows())
         PatternCombo->addItem(row);
+    // No row is chosen until one is clicked; the list has its own pattern.
+    PatternCombo->setCurrentIndex(-1);
+    pattern_ = DesignPattern;
 
     // Places stand for the drives: the roots of the mounted volumes and home.
     drvList->addItem(QDir::homePath(), QDir::homePath());
@@ -209,7 +216,6 @@ void frm_Viewer::buildMenus() {
     show->setObjectName("ImageShow");
     show->addAction("Actual Size", this, [this] { ImageShowNo_Click(0); });
     show->addAction("Screen Size", this, [this] { ImageShowNo_Click(1); });
-    file->addSeparator();
     file->addAction("Close(&C)", this, &QWidget::close)->setObjectName("mnuFileExit");
 
     QMenu* zoom = menuBar()->addMenu("Zoom(&Z)");
@@ -262,8 +268,7 @@ QString frm_Viewer::folder() const {
 }
 
 QStringList frm_Viewer::patterns() const {
-    return qs(patternOfRow(PatternCombo->currentText().toStdString()))
-        .split(';', Qt::SkipEmptyParts);
+    return pattern_.split(';', Qt::SkipEmptyParts);
 }
 
 void frm_Viewer::showFolder(const QString& folder) {
@@ -280,7 +285,8 @@ void frm_Viewer::refresh() {
     filList->clear();
     QDir dir(folder_);
     const QStringList names =
-        dir.entryList(patterns(), QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase);
+        // Files that cannot be read are listed too; a click says why.
+        dir.entryList(patterns(), QDir::Files, QDir::Name | QDir::IgnoreCase);
     filList->addItems(names);
     if (views_->currentIndex() == 1) fillListView();
 }
@@ -307,7 +313,9 @@ void frm_Viewer::showView(int view) {
 }
 
 void frm_Viewer::PatternCombo_Click(int row) {
+    if (row < 0 || row >= PatternCombo->count()) return;
     PatternCombo->setCurrentIndex(row);
+    pattern_ = qs(patternOfRow(PatternCombo->itemText(row).toStdString()));
     refresh();
 }
 
@@ -380,7 +388,9 @@ void frm_Viewer::ZoomNo1_Click(int index) {
 
 void frm_Viewer::LoadImageMenu_Click() {
     if (path_.isEmpty()) {
-        QMessageBox::information(this, windowTitle(), res(ids::ViewerSelectPicture));
+        // A message without a title of its own carries the program's name.
+        QMessageBox::information(this, QGuiApplication::applicationDisplayName(),
+                                 res(ids::ViewerSelectPicture));
         return;
     }
     emit openRequested(path_);

@@ -103,6 +103,7 @@ class frm_Viewer : public QMainWindow {
     ViewerLoader loader_;
     QString folder_;
     QString path_;
+    QString pattern_; // the file list's Pattern
     QImage BigImage;
     ViewerZoom zoom_;
     QFileSystemModel* folders_ = nullptr;

@@ -434,6 +434,7 @@ void EffectDialog::PreviewButton_Click() {
     for (const EffectError& failure : result.failures) {
         QMessageBox::warning(this, errorTitleText(failure.number()), shown(failure.description()));
     }
+    if (result.picture.empty()) return; // a failed preview leaves Picture1 as it was
     shown_ = std::move(result.picture);
     showPicture(shown_);
 }

@@ -193,6 +193,36 @@ class BrowseTest : public QObject {
         QTRY_VERIFY(frame.effectBrowser() == nullptr);
     }
 
+    // A box whose effect failed on the small copy has no picture but still
+    // opens its effect: only an empty caption or a busy editor stops a click.
+    void clickOnAFailedThumbnailOpensItsDialog() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        QVERIFY(doc != nullptr);
+        FrmBrowse* browser = browse(frame, *doc, "PatternNo");
+        QVERIFY(browser != nullptr);
+        // Cycle 4 divides by zero on a copy of 3 x 2 pixels.
+        browser->setImageSize(3, 3);
+        QVERIFY(waitForPage(*browser));
+        const EffectEntry* cycle = findEffect("Cycle 4");
+        QTreeWidgetItem* root = browser->pageRoot();
+        int failed = -1;
+        for (int i = 0; i < std::min(root->childCount(), BrowsePageSize); ++i) {
+            if (effectOfMenuRow(root->child(i)->data(0, Qt::UserRole).toString().toStdString()) ==
+                cycle)
+                failed = i;
+        }
+        QVERIFY(failed >= 0);
+        QVERIFY(browser->thumbnail(failed).isNull());
+        QTest::mouseClick(&browser->image(failed), Qt::LeftButton);
+        EffectDialog* dialog = currentDialog();
+        QVERIFY(dialog != nullptr);
+        QCOMPARE(dialog->code(), cycle->code);
+        dialog->close();
+        QTRY_VERIFY(frame.effectBrowser() == nullptr);
+    }
+
     // Started in English the browser shows no Japanese, opens on the family
     // whose "Browse..." was chosen, and a click runs the row it shows, found
     // by its identity rather than by its English caption.

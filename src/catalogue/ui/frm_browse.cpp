@@ -311,6 +311,7 @@ void FrmBrowse::showPage(QTreeWidgetItem* root, int firstChild) {
         image->clear();
         image->setToolTip({});
         thumbnails_[static_cast<std::size_t>(i)] = {};
+        done_[static_cast<std::size_t>(i)] = false;
         QString text;
         if (child < root->childCount()) {
             text = root->child(child)->text(0);
@@ -355,6 +356,7 @@ void FrmBrowse::showPage(QTreeWidgetItem* root, int firstChild) {
 void FrmBrowse::thumbnailReady(int generation, int index, QImage picture) {
     if (generation != generation_) return;
     QLabel* image = Image1[static_cast<std::size_t>(index)];
+    done_[static_cast<std::size_t>(index)] = true;
     if (picture.isNull()) {
         image->setText(res(ids::NotAvailableYet));
     } else {
@@ -378,8 +380,10 @@ void FrmBrowse::stopWork() {
 void FrmBrowse::thumbnailClicked(int index) {
     if (index < 0 || index >= BrowsePageSize || pageRoot_ == nullptr) return;
     const QString text = Label1[static_cast<std::size_t>(index)]->text();
+    // A box whose effect failed on the small copy still opens its dialog;
+    // one still waiting for its effect does not.
     if (frame_.busy() || text.isEmpty() || text == QStringLiteral("-") ||
-        thumbnails_[static_cast<std::size_t>(index)].isNull() || !document_)
+        !done_[static_cast<std::size_t>(index)] || !document_)
         return;
     const int child = firstChild_ + index;
     if (child >= pageRoot_->childCount()) return;

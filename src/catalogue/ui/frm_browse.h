@@ -110,6 +110,8 @@ class FrmBrowse : public QMainWindow {
     std::array<QLabel*, BrowsePageSize> Image1{};
     std::array<QLabel*, BrowsePageSize> Label1{};
     std::array<QImage, BrowsePageSize> thumbnails_{};
+    // The box's effect has run, with a picture or without (it failed).
+    std::array<bool, BrowsePageSize> done_{};
     QMenu* mnuCaculation = nullptr;
     QMenu* mnuRasterOperation = nullptr;
 

@@ -277,6 +277,11 @@ class BrowseTest : public QObject {
         QCOMPARE(browser->pageRoot(), browser->tree().topLevelItem(0));
         browser->setImageSize(60, 40);
         browser->setColours({10, 20, 30}, {200, 210, 220});
+        // Stored at the change, not only when the browser closes.
+        QCOMPARE(store.get("Effect Browser", "BrowseImageHeight"),
+                 std::optional<std::string>("40"));
+        QCOMPARE(store.get("Effect Browser", "BrowseCaptionColor"),
+                 std::optional<std::string>("14471880"));
         QVERIFY(waitForPage(*browser));
         // The sample's 320 x 240 takes 60 x 45, 2 pixels too high each side
         // of a box 40 high: the height loses 4.

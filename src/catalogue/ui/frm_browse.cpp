@@ -417,12 +417,14 @@ void FrmBrowse::setImageSize(int width, int height) {
     if (width < 1 || height < 1 || frame_.busy()) return;
     settings_.imageWidth = width;
     settings_.imageHeight = height;
+    storeSettings();
     refreshPage();
 }
 
 void FrmBrowse::setColours(Rgb8 background, Rgb8 caption) {
     settings_.background = background;
     settings_.caption = caption;
+    storeSettings();
     applyColours();
     refreshPage();
 }
@@ -511,6 +513,10 @@ void FrmBrowse::resizeEvent(QResizeEvent* event) {
 void FrmBrowse::writeSettings() {
     if (settingsWritten_) return;
     settingsWritten_ = true;
+    storeSettings();
+}
+
+void FrmBrowse::storeSettings() {
     const QRect place = normalGeometry();
     settings_.left = place.x();
     settings_.top = place.y();

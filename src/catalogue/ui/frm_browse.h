@@ -94,7 +94,10 @@ class FrmBrowse : public QMainWindow {
     void askImageSize();
     void askColour(bool background);
     void nodeSelected(QTreeWidgetItem* item);
+    // At unload, once.
     void writeSettings();
+    // Size, colours and place into the store: at once on a change, again at unload.
+    void storeSettings();
 
     FrmMain& frame_;
     QPointer<FrmDocument> document_;

@@ -105,8 +105,11 @@ class BrowseTest : public QObject {
         FrmMain frame(store, decoder_);
         FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
         QVERIFY(doc != nullptr);
+        // The thumbnails take the program's calculation type, as a run would.
+        frame.state().flags.calculationFlag = 2;
         FrmBrowse* browser = browse(frame, *doc, "ColorNo");
         QVERIFY(browser != nullptr);
+        QVERIFY(browser->findChild<QAction*>("mnuCaculationNo2")->isChecked());
         const BrowseSettings& settings = browser->browseSettings();
         const Surface& picture = doc->document().picture;
         const PreviewPlacement place = thumbnailPlacement(settings.imageWidth, settings.imageHeight,
@@ -122,6 +125,7 @@ class BrowseTest : public QObject {
             QVERIFY(effect != nullptr);
             QCOMPARE(browser->caption(i).text(), root->child(i)->text(0));
             ProgramState state;
+            state.flags = frame.state().flags;
             const std::optional<Surface> expected =
                 browseThumbnail(state, *effect, browser->workCopy());
             QCOMPARE(browser->thumbnail(i).isNull(), !expected.has_value());
@@ -129,14 +133,17 @@ class BrowseTest : public QObject {
         }
         keep(*browser, "browse_color");
 
-        // The browser's own calculation type changes the page.
+        // The browser's menus set the program's flags and make the page anew.
         const QImage plain = browser->thumbnail(0);
         browser->setCalculationFlag(1);
+        QCOMPARE(int(frame.state().flags.calculationFlag), 1);
         QVERIFY(waitForPage(*browser));
         QVERIFY(!browser->thumbnail(0).isNull());
         QVERIFY(browser->thumbnail(0) != plain);
         browser->setCalculationFlag(0);
         browser->setRasterOpFlag(7);
+        QCOMPARE(int(frame.state().flags.rasterOpFlag), 7);
+        QVERIFY(browser->findChild<QAction*>("mnuRasterOperationNo7")->isChecked());
         QVERIFY(waitForPage(*browser));
         QVERIFY(browser->thumbnail(0) != plain);
 

@@ -88,6 +88,7 @@ FrmBrowse::FrmBrowse(FrmMain& frame, FrmDocument& document, KeyValueStore& store
     setCentralWidget(split);
 
     buildMenus();
+    showFlags();
     buildTree();
     // The tree as wide as its longest row (English names run longer than
     // the Japanese ones), at least 220 pixels and at most half the window.
@@ -141,7 +142,6 @@ void FrmBrowse::buildMenus() {
             QString::fromUtf8(calculationTypeLabel(static_cast<std::uint8_t>(flag))));
         row->setObjectName(QStringLiteral("mnuCaculationNo%1").arg(flag));
         row->setCheckable(true);
-        row->setChecked(flag == 0);
         calculations->addAction(row);
         connect(row, &QAction::triggered, this,
                 [this, flag] { setCalculationFlag(static_cast<std::uint8_t>(flag)); });
@@ -154,7 +154,6 @@ void FrmBrowse::buildMenus() {
             QString::fromUtf8(rasterOpLabel(static_cast<std::uint8_t>(flag))));
         row->setObjectName(QStringLiteral("mnuRasterOperationNo%1").arg(flag));
         row->setCheckable(true);
-        row->setChecked(flag == 0);
         rasters->addAction(row);
         connect(row, &QAction::triggered, this,
                 [this, flag] { setRasterOpFlag(static_cast<std::uint8_t>(flag)); });
@@ -304,6 +303,7 @@ void FrmBrowse::showPage(QTreeWidgetItem* root, int firstChild) {
     firstChild_ = firstChild;
     ++generation_;
     Picture1->verticalScrollBar()->setValue(0);
+    showFlags();
     std::vector<std::pair<int, const EffectEntry*>> todo;
     for (int i = 0; i < BrowsePageSize; ++i) {
         const int child = firstChild + i;
@@ -334,7 +334,8 @@ void FrmBrowse::showPage(QTreeWidgetItem* root, int firstChild) {
         return;
     }
     job_ = std::make_shared<Job>();
-    job_->state.flags = flags_;
+    // The program's flags and colours, whatever set them last.
+    job_->state.flags = frame_.state().flags;
     worker_ = std::jthread([job = job_, todo = std::move(todo), work = work_,
                             generation = generation_, self = QPointer<FrmBrowse>(this)] {
         for (const auto& [index, effect] : todo) {
@@ -399,17 +400,31 @@ void FrmBrowse::thumbnailClicked(int index) {
 }
 
 void FrmBrowse::setCalculationFlag(std::uint8_t flag) {
-    flags_.calculationFlag = flag;
-    if (QAction* row = findChild<QAction*>(QStringLiteral("mnuCaculationNo%1").arg(flag)))
-        row->setChecked(true);
+    // The program's own flag, as the options and the status bar set it; a
+    // run starting meanwhile reads it, so it stays while one is under way.
+    if (!frame_.busy()) {
+        frame_.state().flags.calculationFlag = flag;
+        frame_.refreshStatus();
+    }
     refreshPage();
 }
 
 void FrmBrowse::setRasterOpFlag(std::uint8_t flag) {
-    flags_.rasterOpFlag = flag;
-    if (QAction* row = findChild<QAction*>(QStringLiteral("mnuRasterOperationNo%1").arg(flag)))
-        row->setChecked(true);
+    if (!frame_.busy()) {
+        frame_.state().flags.rasterOpFlag = flag;
+        frame_.refreshStatus();
+    }
     refreshPage();
+}
+
+void FrmBrowse::showFlags() {
+    const EffectFlags& flags = frame_.state().flags;
+    if (QAction* row =
+            findChild<QAction*>(QStringLiteral("mnuCaculationNo%1").arg(flags.calculationFlag)))
+        row->setChecked(true);
+    if (QAction* row =
+            findChild<QAction*>(QStringLiteral("mnuRasterOperationNo%1").arg(flags.rasterOpFlag)))
+        row->setChecked(true);
 }
 
 void FrmBrowse::setImageSize(int width, int height) {

@@ -38,7 +38,8 @@ class FrmBrowse : public QMainWindow {
     // Image1 click.
     void thumbnailClicked(int index);
 
-    // The browser's own calculation and raster choices; the page is made anew.
+    // The program's calculation type and raster flag, set from the browser's
+    // menus (not while a run is under way); the page is made anew.
     void setCalculationFlag(std::uint8_t flag);
     void setRasterOpFlag(std::uint8_t flag);
     // The thumbnail box; stored and the page made anew.
@@ -91,6 +92,8 @@ class FrmBrowse : public QMainWindow {
     void stopWork();
     void thumbnailReady(int generation, int index, QImage picture);
     void applyColours();
+    // The menus' ticks at the program's flags.
+    void showFlags();
     void askImageSize();
     void askColour(bool background);
     void nodeSelected(QTreeWidgetItem* item);
@@ -103,7 +106,6 @@ class FrmBrowse : public QMainWindow {
     QPointer<FrmDocument> document_;
     KeyValueStore& store_;
     BrowseSettings settings_;
-    EffectFlags flags_{};
     Surface work_; // Picture4
     PreviewPlacement placement_;
 

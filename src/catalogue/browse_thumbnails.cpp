@@ -102,7 +102,10 @@ PreviewPlacement thumbnailPlacement(int boxWidth, int boxHeight, int w, int h) {
 std::optional<Surface> browseThumbnail(ProgramState& state, const EffectEntry& effect,
                                        const Surface& work) {
     if (work.empty()) return std::nullopt;
-    const EffectPlan plan = planEffect(effect.dialog, effect.code, defaultControlValues(effect));
+    // The colour swatch as a freshly opened dialog shows it: the drawing colour.
+    ControlValues values = defaultControlValues(effect);
+    values.processColor = state.flags.drawingColor;
+    const EffectPlan plan = planEffect(effect.dialog, effect.code, values);
     if (plan.status != EffectPlan::Status::Ready) return std::nullopt;
     PreviewResult result = runPreview(state, plan.body, work);
     if (result.cancelled || !result.failures.empty() || result.picture.empty()) return std::nullopt;

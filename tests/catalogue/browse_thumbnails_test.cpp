@@ -90,6 +90,24 @@ TEST(BrowseThumbnail, IsTheEffectAtItsDefaultsOnTheWholeWorkCopy) {
     EXPECT_NE(*plain, work);
 }
 
+// The swatch of frm_ColorScale starts at the drawing colour in the dialog:
+// the thumbnail shows the same gradation.
+TEST(BrowseThumbnail, TakesTheDrawingColourAsTheDialogsSwatch) {
+    const Surface work = testing::makeVariedPicture(16, 12);
+    const EffectEntry& gradation = effectNamed("Gradation");
+    ProgramState state;
+    state.flags.drawingColor = {200, 40, 10};
+    ControlValues values = defaultControlValues(gradation);
+    values.processColor = state.flags.drawingColor;
+    ProgramState reference;
+    const Surface expected =
+        runPreview(reference, planEffect(gradation.dialog, gradation.code, values).body, work)
+            .picture;
+    const std::optional<Surface> thumbnail = browseThumbnail(state, gradation, work);
+    ASSERT_TRUE(thumbnail.has_value());
+    EXPECT_EQ(*thumbnail, expected);
+}
+
 TEST(BrowseThumbnail, NothingForAnEmptyCopyOrAStoppedRun) {
     const EffectEntry& negative = effectNamed("Negative");
     ProgramState state;

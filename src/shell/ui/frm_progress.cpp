@@ -14,7 +14,7 @@
 
 namespace lumiran {
 
-frm_Progress::frm_Progress(CancelFlag& cancel, bool marquee, int fontSize, QWidget* parent)
+frm_Progress::frm_Progress(CancelFlag& cancel, bool smooth, int fontSize, QWidget* parent)
     : QDialog(parent), cancel_(cancel), Label3(new QLabel(res(ids::PleaseWait))),
       ProgressBar1(new QProgressBar), Command1(new QPushButton(res(ids::CancelZ))) {
     setObjectName("frm_Progress");
@@ -24,7 +24,14 @@ frm_Progress::frm_Progress(CancelFlag& cancel, bool marquee, int fontSize, QWidg
     ProgressBar1->setObjectName("ProgressBar1");
     ProgressBar1->setRange(0, 100);
     ProgressBar1->setValue(0);
-    if (marquee) ProgressBar1->setRange(0, 0); // the bar style of ProcessBarType
+    // ProcessBarType picks the bar's look, standard blocks or a smooth fill;
+    // either shows how far the run has come.
+    if (!smooth) {
+        ProgressBar1->setStyleSheet(QStringLiteral(
+            "QProgressBar { border: 1px solid gray; background: white; text-align: center; }"
+            "QProgressBar::chunk { background-color: palette(highlight); width: 8px;"
+            " margin: 1px; }"));
+    }
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(Label3);
     layout->addWidget(ProgressBar1);
@@ -42,7 +49,7 @@ frm_Progress::frm_Progress(CancelFlag& cancel, bool marquee, int fontSize, QWidg
 
 void frm_Progress::setPercent(int percent) {
     // A run whose total covers one pass of two reports beyond 100.
-    if (ProgressBar1->maximum() > 0) ProgressBar1->setValue(std::clamp(percent, 0, 100));
+    ProgressBar1->setValue(std::clamp(percent, 0, 100));
 }
 
 int frm_Progress::percent() const {

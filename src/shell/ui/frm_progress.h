@@ -17,7 +17,8 @@ namespace lumiran {
 class frm_Progress : public QDialog {
     Q_OBJECT
   public:
-    frm_Progress(CancelFlag& cancel, bool marquee, int fontSize, QWidget* parent = nullptr);
+    // `smooth`: ProcessBarType, a smooth bar instead of the standard blocks.
+    frm_Progress(CancelFlag& cancel, bool smooth, int fontSize, QWidget* parent = nullptr);
 
     void setPercent(int percent);
     void setLabel(const QString& text);

@@ -50,7 +50,7 @@ RunController::~RunController() {
     if (progress_) progress_->end();
 }
 
-bool RunController::start(Document& document, EffectBody body, int fontSize, bool marqueeBar,
+bool RunController::start(Document& document, EffectBody body, int fontSize, bool smoothBar,
                           RunOptions options) {
     if (active_ || state_.ProcessingFlag == 1) return false;
     active_ = true;
@@ -61,7 +61,7 @@ bool RunController::start(Document& document, EffectBody body, int fontSize, boo
     state_.ProcessingFlag = 1;
     sink_ = std::make_unique<Sink>(*this);
     if (state_.ProgressFlag == 1) {
-        progress_ = new frm_Progress(state_.cancelFlag, marqueeBar, fontSize, owner_);
+        progress_ = new frm_Progress(state_.cancelFlag, smoothBar, fontSize, owner_);
         progress_->setAttribute(Qt::WA_DeleteOnClose);
         connect(progress_, &frm_Progress::cancelRequested, this, &RunController::cancel);
         progress_->show();

@@ -32,7 +32,7 @@ class RunController : public QObject {
     void setOwnerWindow(QWidget* owner) { owner_ = owner; }
 
     // Starts a run; false when one is under way already.
-    bool start(Document& document, EffectBody body, int fontSize, bool marqueeBar,
+    bool start(Document& document, EffectBody body, int fontSize, bool smoothBar,
                RunOptions options = {});
     [[nodiscard]] bool running() const { return active_; }
     [[nodiscard]] const Document* document() const { return document_; }

@@ -166,6 +166,19 @@ class EffectDialogTest : public QObject {
             }
             dialog->close();
         }
+
+        // With Auto Preview the click's preview already takes the shown Slider2.
+        frame.setAutoPreview(true);
+        frame.openEffectDialog(*doc, *findEffect("Gradation"));
+        EffectDialog* dialog = currentDialog();
+        dialog->slider(2)->setValue(40);
+        const int previews = dialog->previewCount();
+        dialog->colorList()->setCurrentRow(4);
+        QCOMPARE(dialog->previewCount(), previews + 1);
+        const Surface automatic = dialog->previewResult();
+        dialog->PreviewButton_Click();
+        QVERIFY(dialog->previewResult() == automatic);
+        dialog->close();
     }
 
     void autoPreviewFollowsAListButNotTheDefaultButton() {

@@ -174,14 +174,17 @@ void EffectDialog::buildControls() {
         auto* layout = new QVBoxLayout(box);
         layout->addWidget(list);
         controls->addWidget(box);
-        connect(list, &QListWidget::currentRowChanged, this, [this] { controlChanged(); });
+        // The colour list's own rule first, so a preview sees what it shows.
+        connect(list, &QListWidget::currentRowChanged, this, [this, list] {
+            if (list == ColorList) colorListClicked();
+            controlChanged();
+        });
         return std::pair{box, list};
     };
     if (hasTypeList(kind_)) std::tie(typeFrame_, ETypeList) = listFrame("Frame3", "ETypeList");
     if (hasColorList(kind_)) {
         std::tie(colorFrame_, ColorList) =
             listFrame("Frame1", kind_ == DialogKind::Monotone ? "MonoList" : "ColorList");
-        connect(ColorList, &QListWidget::currentRowChanged, this, [this] { colorListClicked(); });
     }
     if (kind_ == DialogKind::Level) {
         distanceFrame_ = new QGroupBox;

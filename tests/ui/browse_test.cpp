@@ -144,6 +144,12 @@ class BrowseTest : public QObject {
         browser->setRasterOpFlag(7);
         QCOMPARE(int(frame.state().flags.rasterOpFlag), 7);
         QVERIFY(browser->findChild<QAction*>("mnuRasterOperationNo7")->isChecked());
+        // Every row of the raster menu has a text, the plain copy too.
+        for (int flag = 0; flag <= 10; ++flag) {
+            QVERIFY(!browser->findChild<QAction*>(QString("mnuRasterOperationNo%1").arg(flag))
+                         ->text()
+                         .isEmpty());
+        }
         QVERIFY(waitForPage(*browser));
         QVERIFY(browser->thumbnail(0) != plain);
 

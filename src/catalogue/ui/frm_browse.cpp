@@ -2,6 +2,7 @@
 
 #include "engine/calculation.h"
 #include "engine/raster_step.h"
+#include "shell/ui/dialogs/dialog_string_ids.h"
 #include "shell/ui/frm_document.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/surface_image.h"
@@ -150,8 +151,10 @@ void FrmBrowse::buildMenus() {
     mnuRasterOperation->setObjectName("mnuRasterOperation");
     auto* rasters = new QActionGroup(this);
     for (int flag = 0; flag <= 10; ++flag) {
+        // The plain copy has no code name: it reads as in the options' list.
         QAction* row = mnuRasterOperation->addAction(
-            QString::fromUtf8(rasterOpLabel(static_cast<std::uint8_t>(flag))));
+            flag == 0 ? QStringLiteral("0,") + res(dialog_ids::RasterPlainCopy)
+                      : QString::fromUtf8(rasterOpLabel(static_cast<std::uint8_t>(flag))));
         row->setObjectName(QStringLiteral("mnuRasterOperationNo%1").arg(flag));
         row->setCheckable(true);
         rasters->addAction(row);

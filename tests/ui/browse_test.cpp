@@ -206,6 +206,25 @@ class BrowseTest : public QObject {
         QTRY_VERIFY(frame.effectBrowser() == nullptr);
     }
 
+    // Thumbnails draw from the program's one generator, as runs and previews
+    // do: a page leaves it advanced, and the next page goes on from there.
+    void thumbnailsDrawFromTheProgramsGenerator() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        QVERIFY(doc != nullptr);
+        const std::uint32_t start = frame.state().random.state();
+        FrmBrowse* browser = browse(frame, *doc, "NoiseEffectNo"); // row 0: Monotone Noise
+        QVERIFY(browser != nullptr);
+        QVERIFY(frame.state().random.state() != start);
+        const QImage first = browser->thumbnail(0);
+        QVERIFY(!first.isNull());
+        browser->refreshPage();
+        QVERIFY(waitForPage(*browser));
+        QVERIFY(browser->thumbnail(0) != first);
+        browser->close();
+    }
+
     // A box whose effect failed on the small copy has no picture but still
     // opens its effect: only an empty caption or a busy editor stops a click.
     void clickOnAFailedThumbnailOpensItsDialog() {

@@ -339,6 +339,11 @@ void FrmBrowse::showPage(QTreeWidgetItem* root, int firstChild) {
     job_ = std::make_shared<Job>();
     // The program's flags and colours, whatever set them last.
     job_->state.flags = frame_.state().flags;
+    // The program's one generator: the page goes on from where it stands,
+    // and hands it back advanced unless someone drew from it meanwhile.
+    randomShared_ = !frame_.busy();
+    if (randomShared_) job_->state.random = frame_.state().random;
+    randomAtStart_ = job_->state.random.state();
     worker_ = std::jthread([job = job_, todo = std::move(todo), work = work_,
                             generation = generation_, self = QPointer<FrmBrowse>(this)] {
         for (const auto& [index, effect] : todo) {
@@ -368,7 +373,13 @@ void FrmBrowse::thumbnailReady(int generation, int index, QImage picture) {
         image->setToolTip(Label1[static_cast<std::size_t>(index)]->text());
         thumbnails_[static_cast<std::size_t>(index)] = std::move(picture);
     }
-    if (--pending_ == 0) emit pageFinished();
+    if (--pending_ == 0) {
+        // The worker drew its last number before queuing this thumbnail.
+        RandomGenerator& program = frame_.state().random;
+        if (job_ && randomShared_ && !frame_.busy() && program.state() == randomAtStart_)
+            program = job_->state.random;
+        emit pageFinished();
+    }
 }
 
 void FrmBrowse::stopWork() {

@@ -124,6 +124,8 @@ class FrmBrowse : public QMainWindow {
     int firstChild_ = 0;
     int generation_ = 0;
     int pending_ = 0;
+    std::uint32_t randomAtStart_ = 0; // the program's generator when the page began
+    bool randomShared_ = false;       // the page took the program's generator
     std::shared_ptr<Job> job_;
     std::jthread worker_;
     bool settingsWritten_ = false;

@@ -1,6 +1,7 @@
 #include "catalogue/browse_thumbnails.h"
 
 #include "catalogue/effect_dispatch.h"
+#include "engine/numeric.h"
 
 #include <algorithm>
 #include <charconv>
@@ -49,8 +50,9 @@ Rgb8 readColour(const KeyValueStore& store, const char* key, Rgb8 fallback) {
 
 BrowseSettings defaultBrowseSettings(ScreenSize screen) {
     BrowseSettings s;
-    s.width = screen.width / 6 * 5;
-    s.height = screen.height / 5 * 4;
+    // Divided as fractions, rounded once into whole pixels.
+    s.width = roundTo<int>(screen.width / 6.0 * 5);
+    s.height = roundTo<int>(screen.height / 5.0 * 4);
     s.left = (screen.width - s.width) / 2;
     s.top = (screen.height - s.height) / 2;
     // Five thumbnail boxes across and down the window.
@@ -100,7 +102,10 @@ PreviewPlacement thumbnailPlacement(int boxWidth, int boxHeight, int w, int h) {
 std::optional<Surface> browseThumbnail(ProgramState& state, const EffectEntry& effect,
                                        const Surface& work) {
     if (work.empty()) return std::nullopt;
-    const EffectPlan plan = planEffect(effect.dialog, effect.code, defaultControlValues(effect));
+    // The colour swatch as a freshly opened dialog shows it: the drawing colour.
+    ControlValues values = defaultControlValues(effect);
+    values.processColor = state.flags.drawingColor;
+    const EffectPlan plan = planEffect(effect.dialog, effect.code, values);
     if (plan.status != EffectPlan::Status::Ready) return std::nullopt;
     PreviewResult result = runPreview(state, plan.body, work);
     if (result.cancelled || !result.failures.empty() || result.picture.empty()) return std::nullopt;

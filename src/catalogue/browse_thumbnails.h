@@ -37,7 +37,8 @@ void writeBrowseSettings(KeyValueStore& store, const BrowseSettings& settings);
 // offset and sits at 0.
 [[nodiscard]] PreviewPlacement thumbnailPlacement(int boxWidth, int boxHeight, int w, int h);
 
-// One thumbnail: the effect at the table's defaults on the work copy, with
+// One thumbnail: the effect at the table's defaults (the colour swatch at
+// the drawing colour, as the dialog opens) on the work copy, with
 // the state's calculation and raster choices, through the same dispatch as
 // the menus. Empty when the effect cannot run yet, failed or was stopped.
 [[nodiscard]] std::optional<Surface> browseThumbnail(ProgramState& state, const EffectEntry& effect,

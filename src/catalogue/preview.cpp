@@ -58,6 +58,8 @@ PreviewResult runPreview(ProgramState& state, const EffectBody& body, const Surf
         context.requestCancel();
     }
     result.failures = std::move(context.failures);
+    // A preview that fails shows nothing new: Picture1 keeps what it had.
+    if (!result.failures.empty()) result.picture = Surface();
     if (state.cancelFlag == 1) {
         state.cancelFlag = 0;
         result.cancelled = true;

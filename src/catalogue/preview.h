@@ -28,7 +28,7 @@ struct PreviewPlacement {
 [[nodiscard]] Surface scalePicture(const Surface& picture, int width, int height);
 
 struct PreviewResult {
-    Surface picture; // Picture1: what the preview shows
+    Surface picture; // Picture1: what the preview shows; empty when the effect failed
     std::vector<EffectError> failures;
     bool cancelled = false;
 };

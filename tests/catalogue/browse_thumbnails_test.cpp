@@ -41,8 +41,12 @@ TEST(BrowseSettings, RoundTripAndDefaults) {
     MemoryStore store;
     const BrowseSettings fresh = readBrowseSettings(store, screen);
     EXPECT_EQ(fresh, defaultBrowseSettings(screen));
-    EXPECT_EQ(fresh.width, 1065); // 1280 / 6 * 5 in whole pixels
-    EXPECT_EQ(fresh.height, 816);
+    EXPECT_EQ(fresh.width, 1067); // 1280 / 6 * 5 = 1066.67 rounded, not 213 * 5
+    EXPECT_EQ(fresh.height, 819); // 1024 / 5 * 4 = 819.2
+    // 1366 / 6 * 5 = 1138.33, 768 / 5 * 4 = 614.4; 1920 x 1080 divides evenly.
+    EXPECT_EQ(defaultBrowseSettings({1366, 768}).width, 1138);
+    EXPECT_EQ(defaultBrowseSettings({1366, 768}).height, 614);
+    EXPECT_EQ(defaultBrowseSettings({1920, 1080}).width, 1600);
 
     BrowseSettings changed = fresh;
     changed.left = -20;
@@ -84,6 +88,24 @@ TEST(BrowseThumbnail, IsTheEffectAtItsDefaultsOnTheWholeWorkCopy) {
     ASSERT_TRUE(plain.has_value());
     EXPECT_EQ(*plain, expected);
     EXPECT_NE(*plain, work);
+}
+
+// The swatch of frm_ColorScale starts at the drawing colour in the dialog:
+// the thumbnail shows the same gradation.
+TEST(BrowseThumbnail, TakesTheDrawingColourAsTheDialogsSwatch) {
+    const Surface work = testing::makeVariedPicture(16, 12);
+    const EffectEntry& gradation = effectNamed("Gradation");
+    ProgramState state;
+    state.flags.drawingColor = {200, 40, 10};
+    ControlValues values = defaultControlValues(gradation);
+    values.processColor = state.flags.drawingColor;
+    ProgramState reference;
+    const Surface expected =
+        runPreview(reference, planEffect(gradation.dialog, gradation.code, values).body, work)
+            .picture;
+    const std::optional<Surface> thumbnail = browseThumbnail(state, gradation, work);
+    ASSERT_TRUE(thumbnail.has_value());
+    EXPECT_EQ(*thumbnail, expected);
 }
 
 TEST(BrowseThumbnail, NothingForAnEmptyCopyOrAStoppedRun) {

@@ -52,21 +52,32 @@ TEST(Preview, RasterFlagLaysTheSourceOverTheResult) {
     EXPECT_EQ(result.picture.at(0, 0) & 0xFFFFFF, (source.at(0, 0) & ~effect) & 0xFFFFFF);
 }
 
-TEST(Preview, ACancelledPreviewSkipsTheRasterStepAndClearsTheFlag) {
-    ProgramState state;
-    state.flags.rasterOpFlag = 7;
-    const Surface source = testing::makeVariedPicture(4, 4);
-    const PreviewResult result = runPreview(
-        state,
-        [](EffectInvocation& run) {
-            run.keptPicture1 = run.keptPicture0;
-            throw EffectError::overflow();
-        },
-        source);
-    EXPECT_TRUE(result.cancelled);
-    ASSERT_EQ(result.failures.size(), 1u);
-    EXPECT_EQ(state.cancelFlag, 0);
-    EXPECT_EQ(result.picture, source); // no xor with itself
+// A cancel skips the raster step but shows what the effect wrote; a failure
+// shows nothing new, so the dialog keeps its picture. Both clear the flag.
+TEST(Preview, ACancelledOrFailedPreviewSkipsTheRasterStepAndClearsTheFlag) {
+    struct Case {
+        const char* name;
+        bool fails;
+    };
+    for (const Case c : {Case{"cancelled", false}, Case{"failed", true}}) {
+        SCOPED_TRACE(c.name);
+        ProgramState state;
+        state.flags.rasterOpFlag = 7;
+        const Surface source = testing::makeVariedPicture(4, 4);
+        const PreviewResult result = runPreview(
+            state,
+            [fails = c.fails](EffectInvocation& run) {
+                run.keptPicture1 = run.keptPicture0;
+                if (fails) throw EffectError::overflow();
+                run.context.requestCancel();
+            },
+            source);
+        EXPECT_TRUE(result.cancelled);
+        EXPECT_EQ(result.failures.size(), c.fails ? 1u : 0u);
+        EXPECT_EQ(state.cancelFlag, 0);
+        // No xor with itself; nothing at all where the effect failed.
+        EXPECT_EQ(result.picture, c.fails ? Surface() : source);
+    }
 }
 
 TEST(Preview, ScalingKeepsTheCornersOfThePicture) {

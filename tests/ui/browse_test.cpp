@@ -105,8 +105,11 @@ class BrowseTest : public QObject {
         FrmMain frame(store, decoder_);
         FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
         QVERIFY(doc != nullptr);
+        // The thumbnails take the program's calculation type, as a run would.
+        frame.state().flags.calculationFlag = 2;
         FrmBrowse* browser = browse(frame, *doc, "ColorNo");
         QVERIFY(browser != nullptr);
+        QVERIFY(browser->findChild<QAction*>("mnuCaculationNo2")->isChecked());
         const BrowseSettings& settings = browser->browseSettings();
         const Surface& picture = doc->document().picture;
         const PreviewPlacement place = thumbnailPlacement(settings.imageWidth, settings.imageHeight,
@@ -122,6 +125,7 @@ class BrowseTest : public QObject {
             QVERIFY(effect != nullptr);
             QCOMPARE(browser->caption(i).text(), root->child(i)->text(0));
             ProgramState state;
+            state.flags = frame.state().flags;
             const std::optional<Surface> expected =
                 browseThumbnail(state, *effect, browser->workCopy());
             QCOMPARE(browser->thumbnail(i).isNull(), !expected.has_value());
@@ -129,14 +133,23 @@ class BrowseTest : public QObject {
         }
         keep(*browser, "browse_color");
 
-        // The browser's own calculation type changes the page.
+        // The browser's menus set the program's flags and make the page anew.
         const QImage plain = browser->thumbnail(0);
         browser->setCalculationFlag(1);
+        QCOMPARE(int(frame.state().flags.calculationFlag), 1);
         QVERIFY(waitForPage(*browser));
         QVERIFY(!browser->thumbnail(0).isNull());
         QVERIFY(browser->thumbnail(0) != plain);
         browser->setCalculationFlag(0);
         browser->setRasterOpFlag(7);
+        QCOMPARE(int(frame.state().flags.rasterOpFlag), 7);
+        QVERIFY(browser->findChild<QAction*>("mnuRasterOperationNo7")->isChecked());
+        // Every row of the raster menu has a text, the plain copy too.
+        for (int flag = 0; flag <= 10; ++flag) {
+            QVERIFY(!browser->findChild<QAction*>(QString("mnuRasterOperationNo%1").arg(flag))
+                         ->text()
+                         .isEmpty());
+        }
         QVERIFY(waitForPage(*browser));
         QVERIFY(browser->thumbnail(0) != plain);
 
@@ -190,6 +203,55 @@ class BrowseTest : public QObject {
         QVERIFY(dialog != nullptr);
         QCOMPARE(dialog->code(), entry->code);
         QCOMPARE(dialog->windowTitle(), qs(entry->windowTitle()));
+        QTRY_VERIFY(frame.effectBrowser() == nullptr);
+    }
+
+    // Thumbnails draw from the program's one generator, as runs and previews
+    // do: a page leaves it advanced, and the next page goes on from there.
+    void thumbnailsDrawFromTheProgramsGenerator() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        QVERIFY(doc != nullptr);
+        const std::uint32_t start = frame.state().random.state();
+        FrmBrowse* browser = browse(frame, *doc, "NoiseEffectNo"); // row 0: Monotone Noise
+        QVERIFY(browser != nullptr);
+        QVERIFY(frame.state().random.state() != start);
+        const QImage first = browser->thumbnail(0);
+        QVERIFY(!first.isNull());
+        browser->refreshPage();
+        QVERIFY(waitForPage(*browser));
+        QVERIFY(browser->thumbnail(0) != first);
+        browser->close();
+    }
+
+    // A box whose effect failed on the small copy has no picture but still
+    // opens its effect: only an empty caption or a busy editor stops a click.
+    void clickOnAFailedThumbnailOpensItsDialog() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        QVERIFY(doc != nullptr);
+        FrmBrowse* browser = browse(frame, *doc, "PatternNo");
+        QVERIFY(browser != nullptr);
+        // Cycle 4 divides by zero on a copy of 3 x 2 pixels.
+        browser->setImageSize(3, 3);
+        QVERIFY(waitForPage(*browser));
+        const EffectEntry* cycle = findEffect("Cycle 4");
+        QTreeWidgetItem* root = browser->pageRoot();
+        int failed = -1;
+        for (int i = 0; i < std::min(root->childCount(), BrowsePageSize); ++i) {
+            if (effectOfMenuRow(root->child(i)->data(0, Qt::UserRole).toString().toStdString()) ==
+                cycle)
+                failed = i;
+        }
+        QVERIFY(failed >= 0);
+        QVERIFY(browser->thumbnail(failed).isNull());
+        QTest::mouseClick(&browser->image(failed), Qt::LeftButton);
+        EffectDialog* dialog = currentDialog();
+        QVERIFY(dialog != nullptr);
+        QCOMPARE(dialog->code(), cycle->code);
+        dialog->close();
         QTRY_VERIFY(frame.effectBrowser() == nullptr);
     }
 
@@ -247,6 +309,11 @@ class BrowseTest : public QObject {
         QCOMPARE(browser->pageRoot(), browser->tree().topLevelItem(0));
         browser->setImageSize(60, 40);
         browser->setColours({10, 20, 30}, {200, 210, 220});
+        // Stored at the change, not only when the browser closes.
+        QCOMPARE(store.get("Effect Browser", "BrowseImageHeight"),
+                 std::optional<std::string>("40"));
+        QCOMPARE(store.get("Effect Browser", "BrowseCaptionColor"),
+                 std::optional<std::string>("14471880"));
         QVERIFY(waitForPage(*browser));
         // The sample's 320 x 240 takes 60 x 45, 2 pixels too high each side
         // of a box 40 high: the height loses 4.

@@ -128,6 +128,59 @@ class EffectDialogTest : public QObject {
         negative->close();
     }
 
+    // frm_ColorScale's Slider2: for the codes with the row-4 rule a colour row
+    // other than 4 hides it and hands on 0; an effect of those codes without
+    // colour rows, and every other code, keeps it as configured. Default puts
+    // the configured value back whatever was shown meanwhile.
+    void colorScaleSlider2FollowsRowFourOfTheColourList() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.setAutoPreview(false);
+        FrmDocument* doc = frame.openFile(LUMIRAN_SAMPLE_PATH);
+        frame.show();
+        struct Case {
+            const char* effect;
+            int colourRow; // -1: the effect has no colour rows
+            bool shown;
+            double handedOn;
+        };
+        const Case cases[] = {
+            {"Gradation", 0, false, 0},    {"Gradation", 4, true, 1},
+            {"Rinbu", -1, true, 12},       {"Color Tile 1", -1, true, 64},
+            {"Cycle 4", -1, true, 32},     {"Shade Range Exchange", -1, true, 192},
+            {"Color Spread", -1, true, 0},
+        };
+        for (const Case& c : cases) {
+            const QString name = QString::fromLatin1(c.effect);
+            frame.openEffectDialog(*doc, *findEffect(c.effect));
+            EffectDialog* dialog = currentDialog();
+            QVERIFY2(dialog != nullptr, qPrintable(name));
+            if (c.colourRow >= 0) dialog->colorList()->setCurrentRow(c.colourRow);
+            QVERIFY2(dialog->slider(2)->isVisible() == c.shown, qPrintable(name));
+            QVERIFY2(dialog->values().sliders[1] == c.handedOn, qPrintable(name));
+            if (c.shown) {
+                dialog->slider(2)->setValue(dialog->slider(2)->maximum());
+                dialog->DefaultButton_Click();
+                if (c.colourRow >= 0) dialog->colorList()->setCurrentRow(c.colourRow);
+                QVERIFY2(dialog->values().sliders[1] == c.handedOn, qPrintable(name));
+            }
+            dialog->close();
+        }
+
+        // With Auto Preview the click's preview already takes the shown Slider2.
+        frame.setAutoPreview(true);
+        frame.openEffectDialog(*doc, *findEffect("Gradation"));
+        EffectDialog* dialog = currentDialog();
+        dialog->slider(2)->setValue(40);
+        const int previews = dialog->previewCount();
+        dialog->colorList()->setCurrentRow(4);
+        QCOMPARE(dialog->previewCount(), previews + 1);
+        const Surface automatic = dialog->previewResult();
+        dialog->PreviewButton_Click();
+        QVERIFY(dialog->previewResult() == automatic);
+        dialog->close();
+    }
+
     void autoPreviewFollowsAListButNotTheDefaultButton() {
         MemoryStore store;
         FrmMain frame(store, decoder_);

@@ -27,6 +27,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QProcess>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QRadioButton>
@@ -421,6 +422,21 @@ class FrameTest : public QObject {
 
     // Finished, cancelled by the button, failed: one window during the run,
     // none after it.
+    // ProcessBarType is the bar's look, standard blocks or smooth; both show
+    // how far the run has come.
+    void theProgressBarShowsTheShareDoneInEitherStyle() {
+        for (const bool smooth : {false, true}) {
+            CancelFlag cancel{0};
+            frm_Progress progress(cancel, smooth, 9);
+            progress.setPercent(40);
+            QCOMPARE(progress.percent(), 40);
+            const auto* bar = progress.findChild<QProgressBar*>("ProgressBar1");
+            QVERIFY(bar != nullptr);
+            QCOMPARE(bar->maximum(), 100);
+            QCOMPARE(bar->styleSheet().contains("::chunk"), !smooth);
+        }
+    }
+
     void theProgressWindowClosesAtTheEndOfEveryRun() {
         MemoryStore store;
         FrmMain frame(store, decoder_);

@@ -127,6 +127,9 @@ void TourTest::tour() {
         frm_Progress progress(cancel, false, frame.settings().FontSize);
         progress.setPercent(40);
         keep(progress, "frm_Progress");
+        frm_Progress smooth(cancel, true, frame.settings().FontSize);
+        smooth.setPercent(40);
+        keep(smooth, "frm_Progress_smooth");
 
         frm_Capture capture(&frame);
         keep(capture, "frm_Capture");

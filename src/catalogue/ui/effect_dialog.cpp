@@ -174,14 +174,17 @@ void EffectDialog::buildControls() {
         auto* layout = new QVBoxLayout(box);
         layout->addWidget(list);
         controls->addWidget(box);
-        connect(list, &QListWidget::currentRowChanged, this, [this] { controlChanged(); });
+        // The colour list's own rule first, so a preview sees what it shows.
+        connect(list, &QListWidget::currentRowChanged, this, [this, list] {
+            if (list == ColorList) colorListClicked();
+            controlChanged();
+        });
         return std::pair{box, list};
     };
     if (hasTypeList(kind_)) std::tie(typeFrame_, ETypeList) = listFrame("Frame3", "ETypeList");
     if (hasColorList(kind_)) {
         std::tie(colorFrame_, ColorList) =
             listFrame("Frame1", kind_ == DialogKind::Monotone ? "MonoList" : "ColorList");
-        connect(ColorList, &QListWidget::currentRowChanged, this, [this] { colorListClicked(); });
     }
     if (kind_ == DialogKind::Level) {
         distanceFrame_ = new QGroupBox;
@@ -356,7 +359,7 @@ ControlValues EffectDialog::values() const {
     for (int n = 1; n <= 8; ++n) {
         if (!hasSlider(n)) v.sliders[n - 1] = 0;
     }
-    if (kind_ == DialogKind::ColorScale && !sliders_[1]->isVisible()) v.sliders[1] = 0;
+    if (slider2Off_) v.sliders[1] = 0;
     if (ETypeList != nullptr) v.eType = std::max(0, ETypeList->currentRow());
     if (ColorList != nullptr) v.color = std::max(0, ColorList->currentRow());
     if (DistanceCombo != nullptr) v.distance = std::max(0, DistanceCombo->currentIndex());
@@ -367,6 +370,8 @@ ControlValues EffectDialog::values() const {
 
 void EffectDialog::DefaultValueSet() {
     defaults_ = values();
+    // The slider's own value, even while a colour row keeps it hidden.
+    if (hasSlider(2)) defaults_.sliders[1] = sliders_[1]->value();
 }
 
 void EffectDialog::setValues(const ControlValues& v) {
@@ -401,8 +406,13 @@ void EffectDialog::sliderChanged(int number) {
 }
 
 void EffectDialog::colorListClicked() {
-    if (kind_ != DialogKind::ColorScale || !rowFourShowsSlider2(code_) || !hasSlider(2)) return;
+    // Only a list with rows can be clicked: an effect of these codes without
+    // colour rows keeps its Slider2 as configured.
+    if (kind_ != DialogKind::ColorScale || !rowFourShowsSlider2(code_) || !hasSlider(2) ||
+        ColorList->count() == 0)
+        return;
     const bool rowFour = ColorList->currentRow() == 4;
+    slider2Off_ = !rowFour;
     sliders_[1]->setVisible(rowFour);
     sliderBoxes_[1]->setVisible(rowFour);
     nameLabels_[1]->setVisible(rowFour);
@@ -427,6 +437,7 @@ void EffectDialog::PreviewButton_Click() {
     for (const EffectError& failure : result.failures) {
         QMessageBox::warning(this, errorTitleText(failure.number()), shown(failure.description()));
     }
+    if (result.picture.empty()) return; // a failed preview leaves Picture1 as it was
     shown_ = std::move(result.picture);
     showPicture(shown_);
 }

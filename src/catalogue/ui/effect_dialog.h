@@ -82,6 +82,8 @@ class EffectDialog : public QDialog {
     int code_ = 0;
     int previewCount_ = 0;
     bool ended_ = false;
+    // frm_ColorScale: a colour row other than 4 hides Slider2 and hands on 0 for it.
+    bool slider2Off_ = false;
     ControlValues defaults_;
     std::array<QScrollBar*, 8> sliders_{};
     std::array<QSpinBox*, 8> sliderBoxes_{};

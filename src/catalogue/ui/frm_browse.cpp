@@ -2,6 +2,7 @@
 
 #include "engine/calculation.h"
 #include "engine/raster_step.h"
+#include "shell/ui/dialogs/dialog_string_ids.h"
 #include "shell/ui/frm_document.h"
 #include "shell/ui/frm_main.h"
 #include "shell/ui/surface_image.h"
@@ -88,6 +89,7 @@ FrmBrowse::FrmBrowse(FrmMain& frame, FrmDocument& document, KeyValueStore& store
     setCentralWidget(split);
 
     buildMenus();
+    showFlags();
     buildTree();
     // The tree as wide as its longest row (English names run longer than
     // the Japanese ones), at least 220 pixels and at most half the window.
@@ -141,7 +143,6 @@ void FrmBrowse::buildMenus() {
             QString::fromUtf8(calculationTypeLabel(static_cast<std::uint8_t>(flag))));
         row->setObjectName(QStringLiteral("mnuCaculationNo%1").arg(flag));
         row->setCheckable(true);
-        row->setChecked(flag == 0);
         calculations->addAction(row);
         connect(row, &QAction::triggered, this,
                 [this, flag] { setCalculationFlag(static_cast<std::uint8_t>(flag)); });
@@ -150,11 +151,12 @@ void FrmBrowse::buildMenus() {
     mnuRasterOperation->setObjectName("mnuRasterOperation");
     auto* rasters = new QActionGroup(this);
     for (int flag = 0; flag <= 10; ++flag) {
+        // The plain copy has no code name: it reads as in the options' list.
         QAction* row = mnuRasterOperation->addAction(
-            QString::fromUtf8(rasterOpLabel(static_cast<std::uint8_t>(flag))));
+            flag == 0 ? QStringLiteral("0,") + res(dialog_ids::RasterPlainCopy)
+                      : QString::fromUtf8(rasterOpLabel(static_cast<std::uint8_t>(flag))));
         row->setObjectName(QStringLiteral("mnuRasterOperationNo%1").arg(flag));
         row->setCheckable(true);
-        row->setChecked(flag == 0);
         rasters->addAction(row);
         connect(row, &QAction::triggered, this,
                 [this, flag] { setRasterOpFlag(static_cast<std::uint8_t>(flag)); });
@@ -304,6 +306,7 @@ void FrmBrowse::showPage(QTreeWidgetItem* root, int firstChild) {
     firstChild_ = firstChild;
     ++generation_;
     Picture1->verticalScrollBar()->setValue(0);
+    showFlags();
     std::vector<std::pair<int, const EffectEntry*>> todo;
     for (int i = 0; i < BrowsePageSize; ++i) {
         const int child = firstChild + i;
@@ -311,6 +314,7 @@ void FrmBrowse::showPage(QTreeWidgetItem* root, int firstChild) {
         image->clear();
         image->setToolTip({});
         thumbnails_[static_cast<std::size_t>(i)] = {};
+        done_[static_cast<std::size_t>(i)] = false;
         QString text;
         if (child < root->childCount()) {
             text = root->child(child)->text(0);
@@ -333,7 +337,13 @@ void FrmBrowse::showPage(QTreeWidgetItem* root, int firstChild) {
         return;
     }
     job_ = std::make_shared<Job>();
-    job_->state.flags = flags_;
+    // The program's flags and colours, whatever set them last.
+    job_->state.flags = frame_.state().flags;
+    // The program's one generator: the page goes on from where it stands,
+    // and hands it back advanced unless someone drew from it meanwhile.
+    randomShared_ = !frame_.busy();
+    if (randomShared_) job_->state.random = frame_.state().random;
+    randomAtStart_ = job_->state.random.state();
     worker_ = std::jthread([job = job_, todo = std::move(todo), work = work_,
                             generation = generation_, self = QPointer<FrmBrowse>(this)] {
         for (const auto& [index, effect] : todo) {
@@ -355,6 +365,7 @@ void FrmBrowse::showPage(QTreeWidgetItem* root, int firstChild) {
 void FrmBrowse::thumbnailReady(int generation, int index, QImage picture) {
     if (generation != generation_) return;
     QLabel* image = Image1[static_cast<std::size_t>(index)];
+    done_[static_cast<std::size_t>(index)] = true;
     if (picture.isNull()) {
         image->setText(res(ids::NotAvailableYet));
     } else {
@@ -362,7 +373,13 @@ void FrmBrowse::thumbnailReady(int generation, int index, QImage picture) {
         image->setToolTip(Label1[static_cast<std::size_t>(index)]->text());
         thumbnails_[static_cast<std::size_t>(index)] = std::move(picture);
     }
-    if (--pending_ == 0) emit pageFinished();
+    if (--pending_ == 0) {
+        // The worker drew its last number before queuing this thumbnail.
+        RandomGenerator& program = frame_.state().random;
+        if (job_ && randomShared_ && !frame_.busy() && program.state() == randomAtStart_)
+            program = job_->state.random;
+        emit pageFinished();
+    }
 }
 
 void FrmBrowse::stopWork() {
@@ -378,8 +395,10 @@ void FrmBrowse::stopWork() {
 void FrmBrowse::thumbnailClicked(int index) {
     if (index < 0 || index >= BrowsePageSize || pageRoot_ == nullptr) return;
     const QString text = Label1[static_cast<std::size_t>(index)]->text();
+    // A box whose effect failed on the small copy still opens its dialog;
+    // one still waiting for its effect does not.
     if (frame_.busy() || text.isEmpty() || text == QStringLiteral("-") ||
-        thumbnails_[static_cast<std::size_t>(index)].isNull() || !document_)
+        !done_[static_cast<std::size_t>(index)] || !document_)
         return;
     const int child = firstChild_ + index;
     if (child >= pageRoot_->childCount()) return;
@@ -395,17 +414,31 @@ void FrmBrowse::thumbnailClicked(int index) {
 }
 
 void FrmBrowse::setCalculationFlag(std::uint8_t flag) {
-    flags_.calculationFlag = flag;
-    if (QAction* row = findChild<QAction*>(QStringLiteral("mnuCaculationNo%1").arg(flag)))
-        row->setChecked(true);
+    // The program's own flag, as the options and the status bar set it; a
+    // run starting meanwhile reads it, so it stays while one is under way.
+    if (!frame_.busy()) {
+        frame_.state().flags.calculationFlag = flag;
+        frame_.refreshStatus();
+    }
     refreshPage();
 }
 
 void FrmBrowse::setRasterOpFlag(std::uint8_t flag) {
-    flags_.rasterOpFlag = flag;
-    if (QAction* row = findChild<QAction*>(QStringLiteral("mnuRasterOperationNo%1").arg(flag)))
-        row->setChecked(true);
+    if (!frame_.busy()) {
+        frame_.state().flags.rasterOpFlag = flag;
+        frame_.refreshStatus();
+    }
     refreshPage();
+}
+
+void FrmBrowse::showFlags() {
+    const EffectFlags& flags = frame_.state().flags;
+    if (QAction* row =
+            findChild<QAction*>(QStringLiteral("mnuCaculationNo%1").arg(flags.calculationFlag)))
+        row->setChecked(true);
+    if (QAction* row =
+            findChild<QAction*>(QStringLiteral("mnuRasterOperationNo%1").arg(flags.rasterOpFlag)))
+        row->setChecked(true);
 }
 
 void FrmBrowse::setImageSize(int width, int height) {
@@ -413,12 +446,14 @@ void FrmBrowse::setImageSize(int width, int height) {
     if (width < 1 || height < 1 || frame_.busy()) return;
     settings_.imageWidth = width;
     settings_.imageHeight = height;
+    storeSettings();
     refreshPage();
 }
 
 void FrmBrowse::setColours(Rgb8 background, Rgb8 caption) {
     settings_.background = background;
     settings_.caption = caption;
+    storeSettings();
     applyColours();
     refreshPage();
 }
@@ -507,6 +542,10 @@ void FrmBrowse::resizeEvent(QResizeEvent* event) {
 void FrmBrowse::writeSettings() {
     if (settingsWritten_) return;
     settingsWritten_ = true;
+    storeSettings();
+}
+
+void FrmBrowse::storeSettings() {
     const QRect place = normalGeometry();
     settings_.left = place.x();
     settings_.top = place.y();

@@ -38,7 +38,8 @@ class FrmBrowse : public QMainWindow {
     // Image1 click.
     void thumbnailClicked(int index);
 
-    // The browser's own calculation and raster choices; the page is made anew.
+    // The program's calculation type and raster flag, set from the browser's
+    // menus (not while a run is under way); the page is made anew.
     void setCalculationFlag(std::uint8_t flag);
     void setRasterOpFlag(std::uint8_t flag);
     // The thumbnail box; stored and the page made anew.
@@ -91,16 +92,20 @@ class FrmBrowse : public QMainWindow {
     void stopWork();
     void thumbnailReady(int generation, int index, QImage picture);
     void applyColours();
+    // The menus' ticks at the program's flags.
+    void showFlags();
     void askImageSize();
     void askColour(bool background);
     void nodeSelected(QTreeWidgetItem* item);
+    // At unload, once.
     void writeSettings();
+    // Size, colours and place into the store: at once on a change, again at unload.
+    void storeSettings();
 
     FrmMain& frame_;
     QPointer<FrmDocument> document_;
     KeyValueStore& store_;
     BrowseSettings settings_;
-    EffectFlags flags_{};
     Surface work_; // Picture4
     PreviewPlacement placement_;
 
@@ -110,6 +115,8 @@ class FrmBrowse : public QMainWindow {
     std::array<QLabel*, BrowsePageSize> Image1{};
     std::array<QLabel*, BrowsePageSize> Label1{};
     std::array<QImage, BrowsePageSize> thumbnails_{};
+    // The box's effect has run, with a picture or without (it failed).
+    std::array<bool, BrowsePageSize> done_{};
     QMenu* mnuCaculation = nullptr;
     QMenu* mnuRasterOperation = nullptr;
 
@@ -117,6 +124,8 @@ class FrmBrowse : public QMainWindow {
     int firstChild_ = 0;
     int generation_ = 0;
     int pending_ = 0;
+    std::uint32_t randomAtStart_ = 0; // the program's generator when the page began
+    bool randomShared_ = false;       // the page took the program's generator
     std::shared_ptr<Job> job_;
     std::jthread worker_;
     bool settingsWritten_ = false;

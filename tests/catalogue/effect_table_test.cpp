@@ -171,6 +171,40 @@ TEST(EffectTable, CallsFindTheControlsTheyRead) {
     EXPECT_TRUE(entry("Raster(&R)").call.empty());
 }
 
+// The pairs (E, C) an entry names calls for: rows the dialog shows, E = 0
+// where the dialog has no type list. The dispatch keys its special cases on
+// exactly these pairs.
+TEST(EffectTable, NamedListPairsAreRowsOfTheEntrysLists) {
+    static const std::regex pair(R"((?:: |; )(\d+),(\d+):)");
+    const auto rowsOf = [](const EffectEntry& e, ListKind kind) {
+        const ListSpec* list = e.list(kind);
+        return list == nullptr ? 1 : static_cast<int>(list->rows.size());
+    };
+    std::map<std::string_view, int> pairsByEntry;
+    for (const EffectEntry& e : effectCatalogue()) {
+        const std::string call(e.call);
+        const auto others = call.find("Other list rows (E,C):");
+        if (others == std::string::npos) continue;
+        const std::string tail = call.substr(others);
+        for (auto it = std::sregex_iterator(tail.begin(), tail.end(), pair);
+             it != std::sregex_iterator(); ++it) {
+            const int eRow = std::stoi((*it)[1]), cRow = std::stoi((*it)[2]);
+            EXPECT_LT(eRow, rowsOf(e, ListKind::E)) << e.caption;
+            EXPECT_LT(cRow, rowsOf(e, ListKind::C)) << e.caption;
+            ++pairsByEntry[e.caption];
+        }
+    }
+    EXPECT_EQ(pairsByEntry, (std::map<std::string_view, int>{{"Monotone", 2},
+                                                             {"Checked Pattern", 1},
+                                                             {"Water Noise", 1},
+                                                             {"Diffuse Outline", 1},
+                                                             {"Moving Average", 3},
+                                                             {"Slope", 1},
+                                                             {"Jagged", 2},
+                                                             {"Blur", 8},
+                                                             {"Gaussian Blur", 8}}));
+}
+
 TEST(EffectTable, SliderNamesStepsListsAndDefaults) {
     // On frm_Level the minimum is Slider1 although OK hands S2 first.
     const EffectEntry& range = entry("範囲濃度調整");

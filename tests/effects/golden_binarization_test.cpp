@@ -10,7 +10,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Golden{"Transformation Binarize", "8d6cc67476b628f3"},
                       Golden{"Dilation", "b2aeebe7629c86de"}, Golden{"Erosion", "4dffb3bb4621c071"},
                       Golden{"Border Following Monotone 8 Connected", "f8b7d486f055ad0f"},
-                      Golden{"Border Following Color 8 Connected", "18a101675e107f0f"},
+                      Golden{"Border Following Color 8 Connected", "057a9ab11ed2d3fb"},
                       Golden{"Border Featuring Monotone", "80fc96811c49bffb"},
                       Golden{"Border Featuring RGB", "379c3024146cbc9d"},
                       Golden{"Binarization(Drawing Color)", "eeaf9f5775fabb2b"}),

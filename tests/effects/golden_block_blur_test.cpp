@@ -11,7 +11,11 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         Golden{"Scroll", "6d1b6d4d8a32da3e"}, Golden{"Gradually Enlarge", "cde23504158fcba1"},
         Golden{"Notches", "bd10c64dbaf21640"}, Golden{"Slope", "7ea54ee8c9ee7587"},
-        Golden{"Slope", "b2eeb719f504a9c1", 0, 1}, Golden{"Random Circle", "1c61c4ad7200bcaf"},
+        Golden{"Slope", "b2eeb719f504a9c1", 0, 1},
+        // Only "垂直" with "ﾉｰﾏﾙ" shears vertically; "垂直" with "逆" is the
+        // default call, the horizontal reverse.
+        Golden{"Slope", "c84a24b72af780f2", 1}, Golden{"Slope", "c84a24b72af780f2", 1, 1},
+        Golden{"Random Circle", "1c61c4ad7200bcaf"},
         Golden{"Random Circle", "b77bcec62be77c96", 14},
         Golden{"Block Replace", "0e9506032f2e92ee"},
         Golden{"Block Replace", "531fbebca71b0662", 1, 2},

@@ -10,7 +10,9 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"Sea Wave", "5b58796176c15cc3"}, Golden{"Blow Up", "8a671dfdaeb2ab83"},
         Golden{"Suck In", "3e467d3b1d363e4e"}, Golden{"Suck In", "e0cd0ae5e60d0992", 1, 2},
         Golden{"Sway 1", "d6b690af7a552e37"}, Golden{"Sway 2", "0d4690e147d83ca8"},
-        Golden{"Sphere", "d992a3bd520f1ea2"}, Golden{"Power Hole", "aad30baa75f0c001"},
+        Golden{"Sphere", "d992a3bd520f1ea2"},
+        // The type list reaches no argument: the call passes kind 0.
+        Golden{"Sphere", "d992a3bd520f1ea2", {}, 3}, Golden{"Power Hole", "aad30baa75f0c001"},
         Golden{"Power Hole", "61dfd8dffac64b70", 2, 3}, Golden{"Ripploid", "bf07e07d9abaf683"},
         Golden{"Whirlpool", "92e1928312f314dd"}, Golden{"Eddying Current", "b393fc09141c0bcf"},
         Golden{"Vortex", "1df855e27357cacd"}, Golden{"Vortex", "887a0f12771c7a98", 6, 2},

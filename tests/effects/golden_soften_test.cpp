@@ -7,6 +7,9 @@ namespace lumiran::testing {
 INSTANTIATE_TEST_SUITE_P(Soften, GoldenDefaults,
                          ::testing::Values(Golden{"Smooth", "e30f1d0548d10635"},
                                            Golden{"Moving Average", "fd439fe6c0e0c50f"},
+                                           // The named pairs: the plain sliding means.
+                                           Golden{"Moving Average", "6969817556c16408", 3},
+                                           Golden{"Moving Average", "28d51e73cc854852", 5},
                                            Golden{"Sharpen", "231d62557612827d"},
                                            Golden{"Highpass Filter 3x3", "b3013f7a1abce090"},
                                            Golden{"Highpass Filter 5x5", "9bd3cfd53bc09ac2"},

@@ -87,16 +87,14 @@ TEST_F(BinarizationDispatch, SlidersAndRowsReachTheirArguments) {
     EXPECT_EQ(
         caseOn(DialogKind::Level, 46, V{.sliders = {3, 100}, .eType = 1, .color = 1, .check = 1}),
         direct(op<&B::FeaturePointExtract_Mono>(1, 3, 100, 1, rect, 1)));
-    // Border following in colour: red, green and blue over one result.
+    // Border following in colour: red, green and blue in turn, each traced
+    // on the result of the one before (its marks included).
     context.flags.drawingColor = {9, 8, 7};
     const Surface colour = caseOn(DialogKind::Negative, 78, V{.sliders = {100}, .color = 1});
-    Class_Binarization effect(context);
-    effect.ImageGetDiBits(picture);
-    effect.ImageGetDiBitsTrans(picture);
-    for (std::int16_t channel = 0; channel < 3; ++channel)
-        effect.BorderFollowing_Color(channel, 1, 100, 1, 0, 0, 12, 10);
-    Surface expected;
-    effect.ImageSetDiBitsTrans(expected);
+    Surface expected = picture;
+    for (std::int16_t channel = 0; channel < 3; ++channel) {
+        expected = run(expected, op<&B::BorderFollowing_Color>(channel, 1, 100, 1, rect));
+    }
     EXPECT_EQ(colour, expected);
     // The drawing-colour binarization passes black whatever the drawing colour.
     EXPECT_EQ(caseOn(DialogKind::Emboss, 42, V{.sliders = {100}, .eType = 1, .color = 1}),

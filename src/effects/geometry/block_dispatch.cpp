@@ -1,8 +1,7 @@
 // The cases of the block and cut effects, the directional blurs and the
-// diffuse outline. Where a call's "other list rows" name the calls for the
-// first row of one list only, the other rows of that list take their row in
-// the place the listed call passes 0: Blur with a map and Diffuse Outline
-// type 2 keep the direction the user picked.
+// diffuse outline. A pair of list rows the catalogue names makes exactly the
+// call(s) named; every other pair makes the row's default call, so a named
+// pair's call is never carried over to the rows beside it.
 #include "catalogue/family_registration.h"
 #include "effects/geometry/dispatch_support.h"
 
@@ -34,12 +33,12 @@ void registerPixelMoveBlocks(EffectDispatch& d) {
     d.add(DialogKind::Sepia, 23, drawing([](Class_Geometry& e, V v, R r) {
               e.Notches(r.left, r.top, r.right, r.bottom, slider(v, 1));
           }));
-    // Slope: the type list picks the shear's axis; the vertical's normal
-    // row is the -1 its call passes, its reverse row 0.
+    // Slope: the vertical shear is a row of its own, "垂直" with "ﾉｰﾏﾙ",
+    // which passes -1; every other pair shears horizontally, the degree row
+    // picking the slope, so "垂直" with "逆" is the horizontal reverse.
     d.add(DialogKind::Emboss, 34, drawing([](Class_Geometry& e, V v, R r) {
-              if (second(v.eType)) {
-                  e.Slope_Vertical(slider(v, 1), r.left, r.top, r.right, r.bottom,
-                                   second(v.color) ? 0 : -1, 0);
+              if (v.eType == 1 && v.color == 0) {
+                  e.Slope_Vertical(slider(v, 1), r.left, r.top, r.right, r.bottom, -1, 0);
               } else {
                   e.Slope_Horizontal(slider(v, 1), r.left, r.top, r.right, r.bottom, flag(v.color),
                                      0);

@@ -39,9 +39,10 @@ void registerDistortion(EffectDispatch& d) {
               e.Sway2(row(v.eType), row(v.color), slider(v, 1), slider(v, 2), r.left, r.top,
                       r.right, r.bottom, row(v.distance));
           }));
-    // Sphere: the type list is the kind the call passes as 0.
+    // Sphere: the call passes kind 0 whatever its type list shows; the
+    // list's rows make that one call.
     d.add(DialogKind::Mani, 9, warp([](Class_Geometry& e, V v, R r) {
-              e.Sphere(r.left, r.top, r.right, r.bottom, row(v.eType), slider(v, 1), slider(v, 2),
+              e.Sphere(r.left, r.top, r.right, r.bottom, 0, slider(v, 1), slider(v, 2),
                        slider(v, 3));
           }));
     d.add(DialogKind::Mani, 10, warp([](Class_Geometry& e, V v, R r) {

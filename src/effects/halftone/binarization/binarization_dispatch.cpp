@@ -42,13 +42,16 @@ void registerBinarizationEffects(EffectDispatch& d) {
         e.BorderFollowing_Mono(value16(v.eType), value16(v.color), slider(v, 1), 1, r.left, r.top,
                                r.right, r.bottom);
     });
-    // Red, green and blue traced in turn, all drawn over one result.
-    add(DialogKind::Negative, 78, [](E& e, V v, R r) {
-        for (std::int16_t channel = 0; channel <= 2; ++channel) {
+    // Red, green and blue traced in turn, each over the result of the one
+    // before, so the green and blue traces see the marks drawn already.
+    const auto channelTrace = [](std::int16_t channel) {
+        return dispatch::withTrans<E>([channel](E& e, V v, R r) {
             e.BorderFollowing_Color(channel, value16(v.color), slider(v, 1), 1, r.left, r.top,
                                     r.right, r.bottom);
-        }
-    });
+        });
+    };
+    d.add(DialogKind::Negative, 78,
+          planInSequence({channelTrace(0), channelTrace(1), channelTrace(2)}));
     // S1 the radius, S2 the threshold, the colour row the kind, the check
     // box the polarity.
     add(DialogKind::Level, 46, [](E& e, V v, R r) {

@@ -9,6 +9,10 @@
 namespace lumiran {
 namespace {
 
+// How many rows ahead the lines of the source and target are fetched: each
+// column of a block reads another source row, which no prefetcher foresees.
+constexpr std::int64_t Ahead = 8;
+
 // The target rows a copy reaches and the source row of each, walked as
 // the quotient and remainder of the stretch's numerator: target row top + i
 // reads source row sourceTop + floor((2 i + 1) sourceHeight / (2 height)).
@@ -21,6 +25,8 @@ struct Run {
     std::int64_t stepRows = 0;
     std::int64_t stepRest = 0;
     std::int64_t divisor = 0;
+    // About how many source rows Ahead target rows move on.
+    std::int64_t aheadRows = 0;
 
     void advance() {
         row += stepRows;
@@ -72,7 +78,8 @@ bool runOf(const ColumnCopy& copy, const Surface& target, const Surface& source,
            numerator % divisor,
            2 * sourceHeight / divisor,
            2 * sourceHeight % divisor,
-           divisor};
+           divisor,
+           Ahead * 2 * sourceHeight / divisor};
     return true;
 }
 
@@ -95,12 +102,22 @@ void drawColumnCopies(Surface& target, const Surface& source, std::span<const Co
         firstRow = std::min(firstRow, run.begin);
         endRow = std::max(endRow, run.end);
     }
+    if (runs.empty()) return;
     const Pixel* from = source.pixels().data();
     const auto sourceWidth = static_cast<std::int64_t>(source.width());
+    const std::int64_t lastSourceRow = source.height() - 1;
+    const auto [low, high] = std::ranges::minmax(runs, {}, &Run::column);
     for (std::int64_t y = firstRow; y < endRow; ++y) {
         Pixel* out = target.row(static_cast<int>(y)).data();
+        if (y + Ahead < endRow) {
+            const Pixel* ahead = target.row(static_cast<int>(y + Ahead)).data();
+            for (int column = low.column; column <= high.column; column += 16)
+                __builtin_prefetch(ahead + column, 1);
+        }
         for (Run& run : runs) {
             if (y < run.begin || y >= run.end) continue;
+            const std::int64_t next = std::min(run.row + run.aheadRows, lastSourceRow);
+            __builtin_prefetch(from + next * sourceWidth + run.column);
             out[run.column] = from[run.row * sourceWidth + run.column];
             run.advance();
         }

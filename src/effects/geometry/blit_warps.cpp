@@ -1,6 +1,5 @@
-// Sine warps and Nebura: warps that move columns, rows or blocks of kept
-// picture 0 onto kept picture 1 with the drawing calls instead of sampling.
-#include "effects/geometry/vector_trig.h"
+// Sine warps: warps that move columns or rows of kept picture 0 onto kept
+// picture 1 with the drawing calls instead of sampling.
 #include "effects/geometry/warp_rows.h"
 #include "engine/drawing/drawing.h"
 
@@ -139,28 +138,6 @@ void shiftColumns(Surface& target, const Surface& source, int firstColumn,
     }
 }
 
-// Whether a 2 x 2 block at (x, y) lies wholly inside the picture.
-bool blockFits(int x, int y, const Surface& picture) {
-    return x >= 0 && y >= 0 && x <= picture.width() - 2 && y <= picture.height() - 2;
-}
-
-// Where a 2 x 2 block goes, and whether it lies wholly inside the target.
-struct BlockPlace {
-    int x = 0;
-    int y = 0;
-    bool fits = false;
-};
-
-// A 2 x 2 block from `from` (rows `stride` apart) onto the target at (x, y).
-void copyBlock(Surface& target, int x, int y, const Pixel* from, std::size_t stride) {
-    Pixel* to = &target.at(x, y);
-    const auto width = static_cast<std::size_t>(target.width());
-    to[0] = from[0];
-    to[1] = from[1];
-    to[width] = from[stride];
-    to[width + 1] = from[stride + 1];
-}
-
 } // namespace
 
 void Class_Geometry::Wave_Sin(std::int16_t offset, std::int16_t amplitude, std::int16_t period,
@@ -222,89 +199,6 @@ void Class_Geometry::Wave_Sin(std::int16_t offset, std::int16_t amplitude, std::
                 throw;
             }
             if (!drawReady()) return;
-        }
-    });
-}
-
-void Class_Geometry::Nebura(double radius, std::int16_t shift, std::int16_t left, std::int16_t top,
-                            std::int16_t right, std::int16_t bottom) {
-    guarded([&] {
-        const Surface* source = context().kept0;
-        Surface* target = context().kept1;
-        if (source == nullptr || target == nullptr) return;
-        Cls(*target, RGB(0, 0, 0));
-        const double cx = wrap16(right - left) / 2.0 + left;
-        const double cy = wrap16(bottom - top) / 2.0 + top;
-        const double lastColumn = right - 1, lastRow = bottom - 1;
-        const int columns = (wrap16(right - left) + 1) / 2;
-        SetProgressRange(0, std::max(columns, 0));
-        std::vector<double> t, s, c;
-        std::vector<BlockPlace> places;
-        const bool apart = source != target;
-        const Pixel* from = source->pixels().data();
-        const auto sourceWidth = static_cast<std::size_t>(source->width());
-        const auto targetWidth = static_cast<std::size_t>(target->width());
-        for (int x = left; x < right; x += 2) {
-            const double dx = x - cx;
-            t.clear();
-            for (int y = top; y < bottom; y += 2) {
-                const double dy = y - cy;
-                t.push_back(std::sqrt(dx * dx + dy * dy) / (radius / 4) / GeometryPi);
-            }
-            const std::size_t n = t.size();
-            s.resize(n);
-            c.resize(n);
-            trig::sinCos(t, s, c);
-            // The places of the column's blocks first, then the copies: the
-            // copies wait on memory, and knowing the places lets them be
-            // fetched ahead.
-            for (std::size_t k = 0; k < n; ++k) {
-                const double dy = top + 2 * static_cast<double>(k) - cy;
-                const double mx = dx * s[k] + cx - dy * c[k] + shift;
-                const double my = dx * c[k] + cy + dy * s[k] + shift * 0.5;
-                s[k] = mx > lastColumn ? lastColumn : mx < left ? left : mx;
-                c[k] = my > lastRow ? lastRow : my < top ? top : my;
-            }
-            places.resize(n);
-            // Blocks wholly inside both pictures are copied here; the
-            // others go through BitBlt, which clips them.
-            const bool sourceColumnsFit = apart && x >= 0 && x + 2 <= source->width();
-            const auto draw = [&](std::size_t count) {
-                constexpr std::size_t Ahead = 8;
-                for (std::size_t k = 0; k < count; ++k) {
-                    if (k + Ahead < count && places[k + Ahead].fits) {
-                        const BlockPlace& next = places[k + Ahead];
-                        const std::size_t at =
-                            static_cast<std::size_t>(next.y) * targetWidth + next.x;
-                        __builtin_prefetch(target->pixels().data() + at, 1);
-                        __builtin_prefetch(target->pixels().data() + at + targetWidth, 1);
-                    }
-                    const int y = top + 2 * static_cast<int>(k);
-                    const BlockPlace& place = places[k];
-                    if (place.fits && sourceColumnsFit && y >= 0 && y + 2 <= source->height()) {
-                        copyBlock(*target, place.x, place.y,
-                                  from + static_cast<std::size_t>(y) * sourceWidth + x,
-                                  sourceWidth);
-                    } else {
-                        BitBlt(*target, place.x, place.y, 2, 2, *source, x, y, SRCCOPY);
-                    }
-                }
-            };
-            std::size_t ready = 0;
-            try {
-                for (; ready < n; ++ready) {
-                    const int tx = roundTo<std::int32_t>(s[ready]);
-                    const int ty = roundTo<std::int32_t>(c[ready]);
-                    places[ready] = {tx, ty, blockFits(tx, ty, *target)};
-                }
-            } catch (const EffectError&) {
-                // The blocks before the one that failed are drawn, as they
-                // would be one at a time.
-                draw(ready);
-                throw;
-            }
-            draw(n);
-            if (!finishRow()) return;
         }
     });
 }

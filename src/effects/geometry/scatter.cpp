@@ -3,7 +3,10 @@
 #include "effects/geometry/vector_trig.h"
 #include "effects/geometry/warp_rows.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
+#include <vector>
 
 namespace lumiran {
 
@@ -12,21 +15,78 @@ void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std:
     guarded([&] {
         if (direction > 2) return;
         const ProcessRect rect{left, top, right, bottom};
-        const auto offset = [&] {
-            return static_cast<double>(
-                roundTo<std::int32_t>((range + 1) * context().random.next() - range / 2.0));
+        const bool movesX = direction != 1, movesY = direction != 0;
+        const std::size_t perPixel = movesX && movesY ? 2 : 1;
+        const double scale = range + 1, half = range / 2.0;
+        // One draw per moved axis and pixel, x before y, rows in order: the
+        // draws land where they always do if they are taken in that order.
+        // Only the draws are in that chain, so they are taken for a few rows
+        // at a time on this thread, and those rows then make their offsets
+        // and sample on every core.
+        const auto fill = [&](int y, int first, std::span<const double> draws, std::span<double> xs,
+                              std::span<double> ys) {
+            const double* dx = draws.data();
+            const double* dy = draws.data() + (perPixel - 1);
+            for (std::size_t i = 0; i < xs.size(); ++i) {
+                // The offsets fit 32 bits whatever the range: no check.
+                const double ox = roundInRange<std::int32_t>(scale * dx[i * perPixel] - half);
+                const double oy = roundInRange<std::int32_t>(scale * dy[i * perPixel] - half);
+                xs[i] = first + static_cast<double>(i) + (movesX ? ox : 0.0);
+                ys[i] = y + (movesY ? oy : 0.0);
+            }
         };
-        // One draw per moved axis and pixel, x before y: the rows must run
-        // in order for the draws to land where they always do.
-        warpRows<RowOrder::TopToBottom>(
-            rect, direction,
-            [&](int y, int first, std::span<double> xs, std::span<double> ys, RowScratch&) {
-                for (std::size_t i = 0; i < xs.size(); ++i) {
-                    const double x = first + static_cast<double>(i);
-                    xs[i] = direction == 1 ? x : x + offset();
-                    ys[i] = direction == 0 ? y : y + offset();
-                }
-            });
+        const auto take = [&](std::span<double> draws) {
+            RandomGenerator& random = context().random;
+            for (double& draw : draws)
+                draw = random.next();
+        };
+        const Span span = spanOf(rect);
+        const int endRow = loopEnd(rect.bottom);
+        if (span.empty() || endRow > std::numeric_limits<std::int16_t>::max()) {
+            warpRows<RowOrder::TopToBottom>(rect, direction,
+                                            [&](int y, int first, std::span<double> xs,
+                                                std::span<double> ys, RowScratch& scratch) {
+                                                const std::span<double> draws =
+                                                    scratch.take(xs.size() * perPixel);
+                                                take(draws);
+                                                fill(y, first, draws, xs, ys);
+                                            });
+            return;
+        }
+        SetProgressRange(rect.top, rect.bottom);
+        for (int y = rect.top; y < span.firstRow; ++y)
+            if (!finishRow()) return;
+        constexpr int ChunkRows = 32;
+        const BandPlan whole = bandPlan(rect);
+        const auto columns = static_cast<std::size_t>(span.endColumn - span.firstColumn);
+        const std::size_t rowDraws = columns * perPixel;
+        std::vector<double> draws(rowDraws * ChunkRows);
+        const SampleBounds bounds = boundsOf(span);
+        std::vector<RowScratch> scratch(
+            static_cast<std::size_t>(std::max(context().threading.threads, 1)));
+        for (int chunk = span.firstRow; chunk < span.endRow; chunk += ChunkRows) {
+            const int rows = std::min(ChunkRows, span.endRow - chunk);
+            take(std::span(draws).first(rowDraws * static_cast<std::size_t>(rows)));
+            const ProcessRect chunkRect{left, static_cast<std::int16_t>(chunk), right,
+                                        static_cast<std::int16_t>(chunk + rows)};
+            const BandPlan plan{std::min(whole.workers, rows),
+                                std::max(1, rows / std::max(whole.workers, 1))};
+            const bool done =
+                rowsInBands(chunkRect, plan, [&](int worker, int y, int begin, int end) {
+                    RowScratch& own = scratch[static_cast<std::size_t>(worker)];
+                    own.release();
+                    const auto n = static_cast<std::size_t>(end - begin);
+                    const std::span<double> xs = own.take(n), ys = own.take(n);
+                    fill(y, begin,
+                         std::span(draws).subspan(static_cast<std::size_t>(y - chunk) * rowDraws,
+                                                  rowDraws),
+                         xs, ys);
+                    sampleRow(direction, y, begin, xs, ys, bounds, own.indices(n));
+                });
+            if (!done) return;
+        }
+        for (int y = span.endRow; y < endRow; ++y)
+            if (!finishRow()) return;
     });
 }
 

@@ -1,9 +1,11 @@
 // X (Cross): the two halves of every column or row slide past each other.
 #include "effects/geometry/transform/class_transform.h"
+#include "effects/geometry/transform/column_copies.h"
 #include "engine/drawing/drawing.h"
 
 #include <cmath>
 #include <cstdlib>
+#include <vector>
 
 namespace lumiran {
 
@@ -27,6 +29,11 @@ void Class_Transform::Transform_Cross(std::uint8_t kind, std::int16_t left, std:
         double step = half / static_cast<double>(strips);
         if (step < 0.6) step = 0.6;
         SetProgressRange(0, (strips + perGroup - 1) / perGroup);
+        // Columns are drawn a block at a time (see drawColumnCopies); the
+        // groups a block completes step the progress after it is drawn.
+        constexpr int BlockColumns = 64;
+        std::vector<ColumnCopy> block;
+        int groupsDone = 0;
         int offset = 0;
         for (int j = 0; j < strips; ++j) {
             // The first half goes by +offset and the second by -offset when
@@ -35,9 +42,8 @@ void Class_Transform::Transform_Cross(std::uint8_t kind, std::int16_t left, std:
             const int secondShift = crossing ? half - offset : half + offset;
             if (byColumns) {
                 const int x = left + j;
-                StretchBlt(target, x, top + firstShift, 1, half, source, x, top, 1, half, SRCCOPY);
-                StretchBlt(target, x, top + secondShift, 1, length - half, source, x, top + half, 1,
-                           length - half, SRCCOPY);
+                block.push_back({x, top + firstShift, half, top, half});
+                block.push_back({x, top + secondShift, length - half, top + half, length - half});
             } else {
                 const int y = top + j;
                 StretchBlt(target, left + firstShift, y, half, 1, source, left, y, half, 1,
@@ -47,8 +53,13 @@ void Class_Transform::Transform_Cross(std::uint8_t kind, std::int16_t left, std:
             }
             if ((j + 1) % perGroup == 0 || j + 1 == strips) {
                 offset = roundTo<std::int32_t>(offset + step);
-                if (!finishRow()) return;
+                ++groupsDone;
             }
+            if (byColumns && block.size() < 2 * BlockColumns && j + 1 < strips) continue;
+            drawColumnCopies(target, source, block);
+            block.clear();
+            for (; groupsDone > 0; --groupsDone)
+                if (!finishRow()) return;
         }
     });
 }

@@ -1,27 +1,58 @@
 // Ellipse, triangles and trapezoids: rows or columns stretched to the size
 // of a shape at their place.
 #include "effects/geometry/transform/class_transform.h"
+#include "effects/geometry/transform/column_copies.h"
 #include "engine/drawing/drawing.h"
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace lumiran {
 namespace {
 
-// One row or column of the rectangle, stretched onto the part of itself
-// that runs from `start` for `size` pixels along it.
-void stretchStrip(Surface& target, const Surface& source, const ProcessRect& rect, bool byColumns,
-                  int index, int start, int size) {
-    const int width = wrap16(rect.right - rect.left), height = wrap16(rect.bottom - rect.top);
-    if (byColumns) {
-        StretchBlt(target, rect.left + index, rect.top + start, 1, size, source, rect.left + index,
-                   rect.top, 1, height, SRCCOPY);
-    } else {
-        StretchBlt(target, rect.left + start, rect.top + index, size, 1, source, rect.left,
-                   rect.top + index, width, 1, SRCCOPY);
+// Rows or columns of the rectangle, each stretched onto the part of itself
+// that runs from `start` for `size` pixels along it. Columns are collected
+// and drawn a block at a time (see drawColumnCopies); add returns false
+// when the run is cancelled.
+class Strips {
+  public:
+    Strips(Surface& target, const Surface& source, const ProcessRect& rect, bool byColumns)
+        : target_(target), source_(source), rect_(rect), byColumns_(byColumns) {}
+
+    template <typename FinishRow>
+    bool add(int index, int start, int size, FinishRow finishRow) {
+        const int width = wrap16(rect_.right - rect_.left);
+        const int height = wrap16(rect_.bottom - rect_.top);
+        if (!byColumns_) {
+            StretchBlt(target_, rect_.left + start, rect_.top + index, size, 1, source_, rect_.left,
+                       rect_.top + index, width, 1, SRCCOPY);
+            return finishRow();
+        }
+        columns_.push_back({rect_.left + index, rect_.top + start, size, rect_.top, height});
+        if (columns_.size() < BlockColumns) return true;
+        return flush(finishRow);
     }
-}
+
+    // Draws the columns still collected.
+    template <typename FinishRow>
+    bool flush(FinishRow finishRow) {
+        drawColumnCopies(target_, source_, columns_);
+        const std::size_t drawn = columns_.size();
+        columns_.clear();
+        for (std::size_t k = 0; k < drawn; ++k)
+            if (!finishRow()) return false;
+        return true;
+    }
+
+  private:
+    static constexpr std::size_t BlockColumns = 64;
+    Surface& target_;
+    const Surface& source_;
+    ProcessRect rect_;
+    bool byColumns_;
+    std::vector<ColumnCopy> columns_;
+};
 
 // Half the extent of a shape along a strip, as a fraction of half the
 // strip, at v (-1 .. 1) across the strips.
@@ -75,9 +106,11 @@ void Class_Transform::Transform_Ellipse(std::uint8_t kind, std::int16_t left, st
         // of the rounded rectangle have a radius of a quarter of the shorter
         // side, the other shapes scale with both half sides.
         const double corner = std::min(width, height) / 4;
-        const int strips = static_cast<int>(across);
-        SetProgressRange(0, strips);
-        for (int j = 0; j < strips; ++j) {
+        const int count = static_cast<int>(across);
+        SetProgressRange(0, count);
+        Strips strips(*context().kept1, *context().kept0, rect, byColumns);
+        const auto next = [this] { return finishRow(); };
+        for (int j = 0; j < count; ++j) {
             double half = along / 2;
             if (shape == ShapeRoundRect) {
                 const double edge = std::min(j + 0.5, across - j - 0.5);
@@ -90,10 +123,9 @@ void Class_Transform::Transform_Ellipse(std::uint8_t kind, std::int16_t left, st
             }
             const int start = static_cast<int>(roundHalfEven(along / 2 - half));
             const int end = static_cast<int>(roundHalfEven(along / 2 + half));
-            stretchStrip(*context().kept1, *context().kept0, rect, byColumns, j, start,
-                         end - start);
-            if (!finishRow()) return;
+            if (!strips.add(j, start, end - start, next)) return;
         }
+        strips.flush(next);
     });
 }
 
@@ -104,18 +136,19 @@ void Class_Transform::trapezoid(bool byColumns, std::uint8_t kind, const Process
         const double width = std::abs(wrap16(rect.right - rect.left));
         const double height = std::abs(wrap16(rect.bottom - rect.top));
         const double along = byColumns ? height : width, across = byColumns ? width : height;
-        const int strips = static_cast<int>(across);
-        SetProgressRange(0, strips);
-        for (int j = 0; j < strips; ++j) {
+        const int count = static_cast<int>(across);
+        SetProgressRange(0, count);
+        Strips strips(*context().kept1, *context().kept0, rect, byColumns);
+        const auto next = [this] { return finishRow(); };
+        for (int j = 0; j < count; ++j) {
             // From half the size at the narrow edge to the whole at the other,
             // measured at the middle of each strip.
             const double place = kind == 0 ? j + 0.5 : across - j - 0.5;
             const double size = roundHalfEven(along / 2 + along / 2 * place / across);
             const int start = static_cast<int>(roundHalfEven((along - size) / 2));
-            stretchStrip(*context().kept1, *context().kept0, rect, byColumns, j, start,
-                         static_cast<int>(size));
-            if (!finishRow()) return;
+            if (!strips.add(j, start, static_cast<int>(size), next)) return;
         }
+        strips.flush(next);
     });
 }
 

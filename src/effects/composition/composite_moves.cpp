@@ -34,6 +34,21 @@ struct Step {
 constexpr std::array<Step, 8> LightTravel{
     {{0, 1}, {0, -1}, {1, 0}, {-1, 0}, {1, 1}, {-1, 1}, {1, -1}, {-1, -1}}};
 
+// store(i, source[index[i]]) along a row. The places are scattered over
+// rows far apart, beyond what the hardware's prefetchers follow, so each
+// is fetched well ahead of its use.
+template <typename Store>
+void gatherRow(const Pixel* source, std::span<const std::uint32_t> index, Store store) {
+    constexpr std::size_t Ahead = 256;
+    const std::size_t n = index.size();
+    for (std::size_t i = 0; i < std::min(Ahead, n); ++i)
+        __builtin_prefetch(source + index[i]);
+    for (std::size_t i = 0; i < n; ++i) {
+        __builtin_prefetch(source + index[std::min(i + Ahead, n - 1)]);
+        store(i, source[index[i]]);
+    }
+}
+
 // In place. std::sqrt may set errno, so the compiler keeps it scalar; the
 // vector instruction gives the same correctly rounded roots.
 void squareRoots(std::span<double> values) {
@@ -339,8 +354,9 @@ void Class_Composition::Composite_Diffuse(std::uint8_t /*unused*/, std::uint8_t 
             }
             const Pixel* from = source.pixels().data();
             Pixel* out = TransBits.row(y).data() + first;
-            for (std::size_t i = 0; i < n; ++i)
-                out[i] = (out[i] & 0xFF000000u) | (from[index[i]] & 0x00FFFFFFu);
+            gatherRow(from, {index.data(), n}, [out](std::size_t i, Pixel moved) {
+                out[i] = (out[i] & 0xFF000000u) | (moved & 0x00FFFFFFu);
+            });
         });
     });
 }
@@ -401,9 +417,8 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
                     index[i] = static_cast<std::uint32_t>(y) * width + area.left +
                                static_cast<std::uint32_t>(i);
             }
-            const Pixel* source = ImageBits.pixels().data();
-            for (std::size_t i = 0; i < columns; ++i)
-                out[i] = source[index[i]];
+            gatherRow(ImageBits.pixels().data(), {index, columns},
+                      [out](std::size_t i, Pixel moved) { out[i] = moved; });
         };
         // Its own progress: the share of the rows done, with the events let
         // in. Rows finish out of order on several threads, so the share

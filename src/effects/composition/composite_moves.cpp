@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <immintrin.h>
+#include <numeric>
 #include <span>
 #include <vector>
 
@@ -136,6 +137,10 @@ class RippleField {
 
   private:
     void radialRow(int y) {
+        // Rows as far above the centre as below share their values.
+        const int fromCentre = std::abs(y - static_cast<int>(cy_));
+        if (fromCentre == filledFor_) return;
+        filledFor_ = fromCentre;
         const double dy = y - cy_;
         const int firstDx = first_ - cx_;
         const int lastDx = firstDx + static_cast<int>(columns_) - 1;
@@ -214,6 +219,7 @@ class RippleField {
     int first_;
     std::size_t columns_;
     int nearest_ = 0;
+    int filledFor_ = -1;
     std::vector<double> fx_, fy_, kt_, byX_, byY_;
 };
 
@@ -244,7 +250,7 @@ struct RippleRow {
 // exact ones would put it: clear of every rounding boundary (the halves,
 // and 0 and last where going back changes the pixel) by far more than the
 // approximations can move it. They agree with the library to a few units
-// in the last place of f (of 1 near a zero), so a x + a f moves by far
+// in the last place of f (of 1 near a zero), so x + a f moves by far
 // less than Margin + Relative |a f|; beyond that (tan near its poles) the
 // margin outgrows the coordinate and the pixel is redone.
 constexpr double RippleMargin = 1e-7;
@@ -432,9 +438,21 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
             }
             return !context().cancelled();
         };
+        // The radial types' rows run in order of their distance from the
+        // centre row, so that the rows as far above it as below follow one
+        // another and the second takes the first's values.
+        std::vector<int> order(static_cast<std::size_t>(std::max(area.bottom - area.top, 0)));
+        std::iota(order.begin(), order.end(), static_cast<int>(area.top));
+        if (!byLevel) {
+            const int centre = static_cast<int>(cy);
+            std::ranges::stable_sort(order, {}, [centre](int y) { return std::abs(y - centre); });
+        }
+        const auto rowAt = [&](int position) {
+            return order[static_cast<std::size_t>(position - area.top)];
+        };
         if (workers == 1) {
-            for (int y = area.top; y < area.bottom; ++y) {
-                rowOf(scratch.front(), y);
+            for (int position = area.top; position < area.bottom; ++position) {
+                rowOf(scratch.front(), rowAt(position));
                 if (!endOfRow()) return;
             }
             return;
@@ -442,9 +460,9 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
         RowBands bands(area.top, area.bottom, plan.bandRows);
         context().workers().run(workers, [&](int worker) {
             for (RowBands::Band band = bands.claim(); !band.empty(); band = bands.claim()) {
-                for (int y = band.begin; y < band.end; ++y) {
-                    if (!bands.mayStart(y)) return;
-                    rowOf(scratch[static_cast<std::size_t>(worker)], y);
+                for (int position = band.begin; position < band.end; ++position) {
+                    if (!bands.mayStart(position)) return;
+                    rowOf(scratch[static_cast<std::size_t>(worker)], rowAt(position));
                     const std::scoped_lock lock(bands.rowEnd());
                     if (!endOfRow()) {
                         bands.cancel();

@@ -90,8 +90,6 @@ class RippleField {
 
     // Moves the pixels in place: whether this type moves them at all.
     [[nodiscard]] bool moves() const { return type_ <= 8; }
-    // Whether the values are approximations that exact() may have to redo.
-    [[nodiscard]] bool approximate() const { return type_ <= 5; }
 
     // fx and fy of row y, one per column; 0 on an axis that stays.
     void fillRow(int y) {
@@ -427,8 +425,9 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
                       [out](std::size_t i, Pixel moved) { out[i] = moved; });
         };
         // Its own progress: the share of the rows done, with the events let
-        // in. Rows finish out of order on several threads, so the share
-        // counts finished rows; on one thread that is the row's own y.
+        // in. Rows finish out of order (on several threads, and the radial
+        // types from the centre row outwards), so the share counts finished
+        // rows, which rises as a loop from the top would.
         int finished = 0;
         const auto endOfRow = [&] {
             const int y = area.top + finished++;

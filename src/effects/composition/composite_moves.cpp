@@ -2,10 +2,13 @@
 // diffusion, the ripple whose height is the kept image, and its relief.
 #include "effects/composition/class_composition.h"
 #include "effects/composition/composition_support.h"
+#include "effects/geometry/vector_trig.h"
 
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <immintrin.h>
+#include <numeric>
 #include <span>
 #include <vector>
 
@@ -32,16 +35,46 @@ struct Step {
 constexpr std::array<Step, 8> LightTravel{
     {{0, 1}, {0, -1}, {1, 0}, {-1, 0}, {1, 1}, {-1, 1}, {1, -1}, {-1, -1}}};
 
+// store(i, source[index[i]]) along a row. The places are scattered over
+// rows far apart, beyond what the hardware's prefetchers follow, so each
+// is fetched well ahead of its use.
+template <typename Store>
+void gatherRow(const Pixel* source, std::span<const std::uint32_t> index, Store store) {
+    constexpr std::size_t Ahead = 256;
+    const std::size_t n = index.size();
+    for (std::size_t i = 0; i < std::min(Ahead, n); ++i)
+        __builtin_prefetch(source + index[i]);
+    for (std::size_t i = 0; i < n; ++i) {
+        __builtin_prefetch(source + index[std::min(i + Ahead, n - 1)]);
+        store(i, source[index[i]]);
+    }
+}
+
+// In place. std::sqrt may set errno, so the compiler keeps it scalar; the
+// vector instruction gives the same correctly rounded roots.
+void squareRoots(std::span<double> values) {
+    std::size_t i = 0;
+#if defined(__AVX__)
+    for (; i + 4 <= values.size(); i += 4) {
+        double* at = values.data() + i;
+        _mm256_storeu_pd(at, _mm256_sqrt_pd(_mm256_loadu_pd(at)));
+    }
+#endif
+    for (; i < values.size(); ++i)
+        values[i] = std::sqrt(values[i]);
+}
+
 // The values of the ripple's nine types, x' = x + ax fx(x, y), y' = y + ay
 // fy(x, y) with ax and ay of the kept image's level (see rippleSources).
 // Types 0..5: f of k t, t = sqrt(0.6 dx^2 + dy^2), which depends on dx
-// through its size only, so each distance's values serve both sides of the
-// centre; 6..8: fx of the row, fy of the column. The library's
-// functions are called once per distance or column instead of per pixel;
-// each pixel's arithmetic is the formula's, so the result is the same.
+// through its size only, so each distance's value serves both sides of the
+// centre; they come from the vectorised functions, which agree with the
+// library's to a few units in the last place, and the pixels whose rounded
+// coordinate that could change are redone with the library's (exact).
+// 6..8: fx of the row, fy of the column, the library's own.
 class RippleField {
   public:
-    RippleField(int type, int S, double cx, double cy, int firstColumn, int endColumn, bool moveX,
+    RippleField(int type, int S, int cx, double cy, int firstColumn, int endColumn, bool moveX,
                 bool moveY)
         : type_(type), S_(S), moveX_(moveX), moveY_(moveY), k_(1.0 - S / 100.0), cx_(cx), cy_(cy),
           first_(firstColumn),
@@ -50,7 +83,8 @@ class RippleField {
         fy_.resize(columns_);
         if (type >= 6) {
             for (std::size_t i = 0; i < columns_; ++i)
-                fy_[i] = f(static_cast<double>(first_ + static_cast<int>(i)) / (S + 1));
+                fy_[i] =
+                    moveY ? f(static_cast<double>(first_ + static_cast<int>(i)) / (S + 1)) : 0.0;
         }
     }
 
@@ -59,61 +93,114 @@ class RippleField {
 
     // fx and fy of row y, one per column; 0 on an axis that stays.
     void fillRow(int y) {
-        valuesOf(y);
-        if (!moveX_) std::fill(fx_.begin(), fx_.end(), 0.0);
-        if (!moveY_) std::fill(fy_.begin(), fy_.end(), 0.0);
+        if (type_ >= 6) {
+            std::fill(fx_.begin(), fx_.end(), moveX_ ? f(static_cast<double>(y) / (S_ + 1)) : 0.0);
+        } else {
+            radialRow(y);
+        }
     }
 
     [[nodiscard]] std::span<const double> fx() const { return fx_; }
     [[nodiscard]] std::span<const double> fy() const { return fy_; }
 
+    // The library's fx and fy of column i of the row last filled (types
+    // 0..5), as the approximations stand for them.
+    [[nodiscard]] std::array<double, 2> exact(std::size_t i) const {
+        const int dx = first_ - cx_ + static_cast<int>(i);
+        const double kt = kt_[static_cast<std::size_t>(std::abs(dx) - nearest_)];
+        double x = 0, y = 0;
+        switch (type_) {
+        case 0:
+            x = y = std::atan(kt);
+            break;
+        case 1:
+            x = y = std::sin(kt);
+            break;
+        case 2:
+            x = y = std::cos(kt);
+            break;
+        case 3:
+            x = y = std::tan(kt);
+            break;
+        case 4:
+            x = std::sin(kt);
+            y = std::cos(kt);
+            break;
+        default:
+            x = y = std::sin(kt) + std::cos(kt);
+            break;
+        }
+        return {moveX_ ? x : 0.0, moveY_ ? y : 0.0};
+    }
+
   private:
-    void valuesOf(int y) {
-        if (type_ >= 6) {
-            const double v = f(static_cast<double>(y) / (S_ + 1));
-            std::fill(fx_.begin(), fx_.end(), v);
-            return;
-        }
+    void radialRow(int y) {
+        // Rows as far above the centre as below share their values.
+        const int fromCentre = std::abs(y - static_cast<int>(cy_));
+        if (fromCentre == filledFor_) return;
+        filledFor_ = fromCentre;
         const double dy = y - cy_;
-        const double firstDx = first_ - cx_;
-        const double lastDx = firstDx + static_cast<double>(columns_) - 1;
+        const int firstDx = first_ - cx_;
+        const int lastDx = firstDx + static_cast<int>(columns_) - 1;
         // The distances the row reaches, nearest first.
-        const double nearest =
-            firstDx <= 0 && lastDx >= 0 ? 0 : std::min(std::abs(firstDx), std::abs(lastDx));
+        nearest_ = firstDx <= 0 && lastDx >= 0 ? 0 : std::min(std::abs(firstDx), std::abs(lastDx));
         const auto count =
-            static_cast<std::size_t>(std::max(std::abs(firstDx), std::abs(lastDx)) - nearest) + 1;
-        byDistanceX_.resize(count);
-        byDistanceY_.resize(count);
+            static_cast<std::size_t>(std::max(std::abs(firstDx), std::abs(lastDx)) - nearest_) + 1;
+        kt_.resize(count);
+        byX_.resize(count);
+        byY_.resize(count);
         for (std::size_t j = 0; j < count; ++j) {
-            const double dx = nearest + static_cast<double>(j);
-            const double kt = k_ * std::sqrt(0.6 * dx * dx + dy * dy);
-            switch (type_) {
-            case 0:
-                byDistanceX_[j] = byDistanceY_[j] = std::atan(kt);
-                break;
-            case 1:
-                byDistanceX_[j] = byDistanceY_[j] = std::sin(kt);
-                break;
-            case 2:
-                byDistanceX_[j] = byDistanceY_[j] = std::cos(kt);
-                break;
-            case 3:
-                byDistanceX_[j] = byDistanceY_[j] = std::tan(kt);
-                break;
-            case 4:
-                byDistanceX_[j] = std::sin(kt);
-                byDistanceY_[j] = std::cos(kt);
-                break;
-            default:
-                byDistanceX_[j] = byDistanceY_[j] = std::sin(kt) + std::cos(kt);
-                break;
-            }
+            const double dx = nearest_ + static_cast<int>(j);
+            kt_[j] = 0.6 * dx * dx + dy * dy;
         }
-        for (std::size_t i = 0; i < columns_; ++i) {
-            const auto j =
-                static_cast<std::size_t>(std::abs(firstDx + static_cast<double>(i)) - nearest);
-            fx_[i] = byDistanceX_[j];
-            fy_[i] = byDistanceY_[j];
+        squareRoots(kt_);
+        for (double& kt : kt_)
+            kt *= k_;
+        switch (type_) {
+        case 0:
+            trig::arcTangent(kt_, byX_);
+            break;
+        case 1:
+            trig::sine(kt_, byX_);
+            break;
+        case 2:
+            trig::cosine(kt_, byX_);
+            break;
+        case 3:
+            trig::tangent(kt_, byX_);
+            break;
+        case 4:
+            trig::sinCos(kt_, byX_, byY_);
+            break;
+        default:
+            trig::sinCos(kt_, byX_, byY_);
+            for (std::size_t j = 0; j < count; ++j)
+                byX_[j] += byY_[j];
+            break;
+        }
+        // Columns left of the centre take the distances backwards, the
+        // others forwards.
+        const auto before =
+            static_cast<std::size_t>(std::clamp(-firstDx, 0, static_cast<int>(columns_)));
+        const auto spread = [&](const std::vector<double>& byDistance, std::vector<double>& out) {
+            const double* __restrict from = byDistance.data();
+            double* __restrict to = out.data();
+            const auto back = static_cast<std::size_t>(-firstDx - nearest_);
+            for (std::size_t i = 0; i < before; ++i)
+                to[i] = from[back - i];
+            const auto ahead = static_cast<std::size_t>(firstDx - nearest_);
+            for (std::size_t i = before; i < columns_; ++i)
+                to[i] = from[ahead + i];
+        };
+        if (moveX_) {
+            spread(byX_, fx_);
+        } else {
+            std::fill(fx_.begin(), fx_.end(), 0.0);
+        }
+        if (moveY_) {
+            spread(type_ == 4 ? byY_ : byX_, fy_);
+        } else {
+            std::fill(fy_.begin(), fy_.end(), 0.0);
         }
     }
 
@@ -125,18 +212,14 @@ class RippleField {
     int S_;
     bool moveX_, moveY_;
     double k_;
-    double cx_, cy_;
+    int cx_;
+    double cy_;
     int first_;
     std::size_t columns_;
-    std::vector<double> fx_, fy_, byDistanceX_, byDistanceY_;
+    int nearest_ = 0;
+    int filledFor_ = -1;
+    std::vector<double> fx_, fy_, kt_, byX_, byY_;
 };
-
-// A coordinate outside 0..last goes back to where it came from; a select
-// rather than a branch, so the ripple's rows vectorise.
-[[nodiscard]] int placed(double moved, int original, int last) {
-    const bool inside = (moved >= 0) & (moved <= last);
-    return roundInRange<int>(inside ? moved : original);
-}
 
 // What a row of the ripple's sources needs besides its values.
 struct RippleRow {
@@ -144,29 +227,82 @@ struct RippleRow {
     std::uint32_t width;
 };
 
-// The source index of each pixel of a row: x' = x + aX fx, y' = y + aY fy
-// with a = Y (by level, types 6..8) or A / 10 and A / 16 of A = wrap16(Y S).
-// An axis that stays has values of 0, which leave every coordinate in place.
-// Apart from the class's members, so that nothing the stores reach can
-// alias what the loop reads, and it vectorises.
+// The level of the kept image's pixel: round((0.587 g + 0.299 r + 0.114 b)
+// / 26), 0..10.
+[[nodiscard]] inline int rippleLevel(Pixel k) {
+    return roundInRange<int>((0.587 * greenOf(k) + 0.299 * redOf(k) + 0.114 * blueOf(k)) / 26.0);
+}
+
+// x + a f, and the coordinate it gives: outside 0..last it goes back to
+// where it came from (a select rather than a branch, so the rows
+// vectorise), then it is rounded.
+[[nodiscard]] inline double movedBy(int original, double a, double f) {
+    return original + a * f;
+}
+[[nodiscard]] inline int placed(double moved, int original, int last) {
+    const bool inside = (moved >= 0) & (moved <= last);
+    return roundInRange<int>(inside ? moved : original);
+}
+
+// Whether a coordinate worked out with approximate values f lands where the
+// exact ones would put it: clear of every rounding boundary (the halves,
+// and 0 and last where going back changes the pixel) by far more than the
+// approximations can move it. They agree with the library to a few units
+// in the last place of f (of 1 near a zero), so x + a f moves by far
+// less than Margin + Relative |a f|; beyond that (tan near its poles) the
+// margin outgrows the coordinate and the pixel is redone.
+constexpr double RippleMargin = 1e-7;
+constexpr double RippleRelative = 1e-9;
+[[nodiscard]] inline bool clearOfBoundaries(double moved, double af, int original, int last) {
+    constexpr double shifter = 6755399441055744.0; // 1.5 * 2^52: adding it rounds
+    const double margin = RippleMargin + RippleRelative * std::abs(af);
+    const double half = moved + 0.5;
+    const bool clearOfHalf = std::abs(half - ((half + shifter) - shifter)) > margin;
+    const bool clearOfFirst = (std::abs(moved) > margin) | (original == 0);
+    const bool clearOfLast = (std::abs(moved - last) > margin) | (original == last);
+    return clearOfHalf & clearOfFirst & clearOfLast;
+}
+
+// The source index of a pixel of a row: x' = x + aX fx, y' = y + aY fy with
+// a = Y (by level, types 6..8) or A / 10 and A / 16 of A = wrap16(Y S).
 template <bool ByLevel>
-void rippleSources(const RippleRow row, const Pixel* __restrict keptRow,
-                   const double* __restrict fx, const double* __restrict fy,
-                   std::span<std::uint32_t> sources) {
+[[nodiscard]] inline std::uint32_t rippleSource(const RippleRow& row, int x, int Y, double fx,
+                                                double fy) {
+    const double A = wrap16(Y * row.S);
+    const double aX = ByLevel ? static_cast<double>(Y) : A / 10;
+    const double aY = ByLevel ? static_cast<double>(Y) : A / 16;
+    const int movedX = placed(movedBy(x, aX, fx), x, row.lastX);
+    const int movedY = placed(movedBy(row.y, aY, fy), row.y, row.lastY);
+    return static_cast<std::uint32_t>(movedY) * row.width + static_cast<std::uint32_t>(movedX);
+}
+
+// The source index of each pixel of a row. An axis that stays has values of
+// 0, which leave every coordinate in place. With Checked (approximate
+// values) each pixel's flag in unsure says whether it has to be redone with
+// the exact values; returns how many do. Apart from the class's members, so
+// that nothing the stores reach can alias what the loop reads, and it
+// vectorises.
+template <bool ByLevel, bool Checked>
+std::size_t rippleSources(const RippleRow row, const Pixel* __restrict keptRow,
+                          const double* __restrict fx, const double* __restrict fy,
+                          std::span<std::uint32_t> sources, std::uint8_t* __restrict unsure) {
     std::uint32_t* __restrict index = sources.data();
+    std::size_t redo = 0;
     for (std::size_t i = 0; i < sources.size(); ++i) {
-        const Pixel k = keptRow[i];
-        const int Y =
-            roundInRange<int>((0.587 * greenOf(k) + 0.299 * redOf(k) + 0.114 * blueOf(k)) / 26.0);
+        const int Y = rippleLevel(keptRow[i]);
         const int x = row.left + static_cast<int>(i);
-        const double A = wrap16(Y * row.S);
-        const double aX = ByLevel ? static_cast<double>(Y) : A / 10;
-        const double aY = ByLevel ? static_cast<double>(Y) : A / 16;
-        const int movedX = placed(x + aX * fx[i], x, row.lastX);
-        const int movedY = placed(row.y + aY * fy[i], row.y, row.lastY);
-        index[i] =
-            static_cast<std::uint32_t>(movedY) * row.width + static_cast<std::uint32_t>(movedX);
+        index[i] = rippleSource<ByLevel>(row, x, Y, fx[i], fy[i]);
+        if constexpr (Checked) {
+            const double A = wrap16(Y * row.S);
+            const double afX = A / 10 * fx[i], afY = A / 16 * fy[i];
+            const bool clear =
+                clearOfBoundaries(movedBy(x, A / 10, fx[i]), afX, x, row.lastX) &
+                clearOfBoundaries(movedBy(row.y, A / 16, fy[i]), afY, row.y, row.lastY);
+            unsure[i] = static_cast<std::uint8_t>(!clear);
+            redo += static_cast<std::size_t>(!clear);
+        }
     }
+    return redo;
 }
 
 } // namespace
@@ -222,8 +358,9 @@ void Class_Composition::Composite_Diffuse(std::uint8_t /*unused*/, std::uint8_t 
             }
             const Pixel* from = source.pixels().data();
             Pixel* out = TransBits.row(y).data() + first;
-            for (std::size_t i = 0; i < n; ++i)
-                out[i] = (out[i] & 0xFF000000u) | (from[index[i]] & 0x00FFFFFFu);
+            gatherRow(from, {index.data(), n}, [out](std::size_t i, Pixel moved) {
+                out[i] = (out[i] & 0xFF000000u) | (moved & 0x00FFFFFFu);
+            });
         });
     });
 }
@@ -236,7 +373,7 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
         const SharedLimits limits = sharedLimits(ImageBits, kept);
         const ProcessRect area = sharedArea(left, top, right, bottom);
         if (type >= 6 && type <= 8 && S + 1 == 0) throw EffectError::divisionByZero();
-        const double cx = roundInRange<int>(limits.lastX / 2.0);
+        const int cx = roundInRange<int>(limits.lastX / 2.0);
         const double cy = roundInRange<int>(limits.lastY / 2.0);
         const bool moveX = direction != 1, moveY = direction != 2;
         const bool byLevel = type >= 6;
@@ -246,6 +383,7 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
         struct Scratch {
             RippleField field;
             std::vector<std::uint32_t> index;
+            std::vector<std::uint8_t> unsure;
         };
         const BandPlan plan = bandPlan(area);
         const int workers = std::max(plan.workers, 1);
@@ -253,7 +391,8 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
         scratch.reserve(static_cast<std::size_t>(workers));
         for (int w = 0; w < workers; ++w)
             scratch.push_back({RippleField(type, S, cx, cy, area.left, area.right, moveX, moveY),
-                               std::vector<std::uint32_t>(columns)});
+                               std::vector<std::uint32_t>(columns),
+                               std::vector<std::uint8_t>(columns)});
         const auto rowOf = [&](Scratch& own, int y) {
             Pixel* out = TransBits.row(y).data() + area.left;
             const Pixel* keptRow = kept.row(y).data() + area.left;
@@ -267,22 +406,28 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
                 // memory and so overlap.
                 const RippleRow row{area.left, y, S, limits.lastX, limits.lastY, width};
                 if (byLevel) {
-                    rippleSources<true>(row, keptRow, fx, fy, {index, columns});
-                } else {
-                    rippleSources<false>(row, keptRow, fx, fy, {index, columns});
+                    rippleSources<true, false>(row, keptRow, fx, fy, {index, columns}, nullptr);
+                } else if (rippleSources<false, true>(row, keptRow, fx, fy, {index, columns},
+                                                      own.unsure.data()) > 0) {
+                    for (std::size_t i = 0; i < columns; ++i) {
+                        if (own.unsure[i] == 0) continue;
+                        const auto [exactX, exactY] = field.exact(i);
+                        index[i] = rippleSource<false>(row, area.left + static_cast<int>(i),
+                                                       rippleLevel(keptRow[i]), exactX, exactY);
+                    }
                 }
             } else {
                 for (std::size_t i = 0; i < columns; ++i)
                     index[i] = static_cast<std::uint32_t>(y) * width + area.left +
                                static_cast<std::uint32_t>(i);
             }
-            const Pixel* source = ImageBits.pixels().data();
-            for (std::size_t i = 0; i < columns; ++i)
-                out[i] = source[index[i]];
+            gatherRow(ImageBits.pixels().data(), {index, columns},
+                      [out](std::size_t i, Pixel moved) { out[i] = moved; });
         };
         // Its own progress: the share of the rows done, with the events let
-        // in. Rows finish out of order on several threads, so the share
-        // counts finished rows; on one thread that is the row's own y.
+        // in. Rows finish out of order (on several threads, and the radial
+        // types from the centre row outwards), so the share counts finished
+        // rows, which rises as a loop from the top would.
         int finished = 0;
         const auto endOfRow = [&] {
             const int y = area.top + finished++;
@@ -292,9 +437,21 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
             }
             return !context().cancelled();
         };
+        // The radial types' rows run in order of their distance from the
+        // centre row, so that the rows as far above it as below follow one
+        // another and the second takes the first's values.
+        std::vector<int> order(static_cast<std::size_t>(std::max(area.bottom - area.top, 0)));
+        std::iota(order.begin(), order.end(), static_cast<int>(area.top));
+        if (!byLevel) {
+            const int centre = static_cast<int>(cy);
+            std::ranges::stable_sort(order, {}, [centre](int y) { return std::abs(y - centre); });
+        }
+        const auto rowAt = [&](int position) {
+            return order[static_cast<std::size_t>(position - area.top)];
+        };
         if (workers == 1) {
-            for (int y = area.top; y < area.bottom; ++y) {
-                rowOf(scratch.front(), y);
+            for (int position = area.top; position < area.bottom; ++position) {
+                rowOf(scratch.front(), rowAt(position));
                 if (!endOfRow()) return;
             }
             return;
@@ -302,9 +459,9 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
         RowBands bands(area.top, area.bottom, plan.bandRows);
         context().workers().run(workers, [&](int worker) {
             for (RowBands::Band band = bands.claim(); !band.empty(); band = bands.claim()) {
-                for (int y = band.begin; y < band.end; ++y) {
-                    if (!bands.mayStart(y)) return;
-                    rowOf(scratch[static_cast<std::size_t>(worker)], y);
+                for (int position = band.begin; position < band.end; ++position) {
+                    if (!bands.mayStart(position)) return;
+                    rowOf(scratch[static_cast<std::size_t>(worker)], rowAt(position));
                     const std::scoped_lock lock(bands.rowEnd());
                     if (!endOfRow()) {
                         bands.cancel();

@@ -13,7 +13,7 @@ namespace {
 
 using E = Class_HideEffect;
 
-enum class Method { Ball, Line, Specular, Lighting };
+enum class Method { Ball, Line, Specular, Lighting, Random, Spot };
 
 struct SphereCase {
     const char* name;
@@ -52,6 +52,9 @@ const SphereCase Cases[] = {
     {"SpecularBlend", Method::Specular, 45, {2, 2, 10}, {255, 255, 255}, 42, 1, 0, {2, 3, 30, 20}, 7, 0, "af676d86c05789e1"},
     {"LightingCentred", Method::Lighting, 50, {0, 0, 10}, {255, 255, 255}, -40, 0, 0, Whole, 0, 0, "6bb50eccaa460901"},
     {"LightingMoved", Method::Lighting, 30, {3, -2, 4}, {100, 200, 255}, 15, 0, 0, {1, 1, 36, 28}, 0, 0, "c924815886b71500"},
+    {"RandomMagnified", Method::Random, 15, {3, -2, 7}, {255, 128, 255}, 30, 1, 2, Whole, 0, 0, "ab4c62208d8b403b"},
+    {"RandomBlend", Method::Random, 25, {0, 0, 10}, {255, 255, 255}, 42, 0, 0, {-3, 2, 30, 33}, 7, 0, "58feef9dfcaa5490"},
+    {"SpotsSmaller", Method::Spot, 20, {-5, 5, 5}, {200, 255, 90}, 60, 2, 0, Whole, 0, 0, "42167a41c2a452b5"},
 };
 // clang-format on
 
@@ -78,6 +81,14 @@ TEST_P(HideSphereRowsTest, GivesThePictureOfTheRulePixelByPixel) {
             case Method::Specular:
                 e.Specular(c.percent, r.left, r.top, r.right, r.bottom, x, y, z, red, green, blue,
                            c.ambient, c.type, c.last);
+                break;
+            case Method::Random:
+                e.Crystal_Random(c.percent, r.left, r.top, r.right, r.bottom, x, y, z, red, green,
+                                 blue, c.ambient, c.type, c.last);
+                break;
+            case Method::Spot:
+                e.RandomSpot(c.percent, r.left, r.top, r.right, r.bottom, x, y, z, red, green, blue,
+                             c.ambient, c.type, c.last);
                 break;
             case Method::Lighting:
                 e.Crystal_Lighting(c.percent, r.left, r.top, r.right, r.bottom, x, y, z, red, green,

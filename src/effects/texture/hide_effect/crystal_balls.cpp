@@ -177,18 +177,21 @@ void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::in
 }
 
 template <typename Lens>
-void Class_HideEffect::sphereAt(int cx, int cy, int q, const Lighting& lighting, const Span& span,
-                                bool spot, Lens lens) {
+void Class_HideEffect::sphereAt(int cx, int cy, const Lighting& lighting, const Span& span,
+                                bool spot, hide::SphereRow& sphere, Lens lens) {
+    const int q = sphere.radius();
     const int firstRow = std::max(cy - q, span.firstRow);
     const int endRow = std::min(cy + q + 1, span.endRow);
     const int firstColumn = std::max(cx - q, span.firstColumn);
     const int endColumn = std::min(cx + q + 1, span.endColumn);
     for (int y = firstRow; y < endRow; ++y) {
         Pixel* out = TransBits.row(y).data();
+        const double dy = y - cy;
+        sphere.shade(dy);
         for (int x = firstColumn; x < endColumn; ++x) {
-            const double dx = x - cx, dy = y - cy;
-            const Shade shade = hide::sphereShade(lighting.light, dx, dy, q);
-            if (!shade.inside) continue;
+            if (!sphere.inside(x - cx)) continue;
+            const Shade shade = sphere.at(x - cx);
+            const double dx = x - cx;
             const Offset at = lens(dx, dy, cx, cy);
             const Pixel source =
                 ImageBits.at(clampedIndex(cx + at.x, span.firstColumn, span.endColumn),
@@ -312,11 +315,11 @@ void Class_HideEffect::randomSpheres(const ProcessRect& rect, const Lighting& li
     const double height = rect.bottom - rect.top;
     hundredthsShown_ = 0;
     SetProgressRange(0, 100);
+    hide::SphereRow sphere(lighting.light, q);
     for (int n = 0; n < count; ++n) {
         const int cx = roundTo<std::int32_t>(width * context().random.next() + rect.left);
         const int cy = roundTo<std::int32_t>(height * context().random.next() + rect.top);
-        sphereAt(cx, cy, q, lighting, span, spot,
-                 [type](double dx, double dy, double, double) { return ballLens(type, dx, dy); });
+        sphereAt(cx, cy, lighting, span, spot, sphere, BallLens{type});
         if (!stepHundredths(n + 1, count)) return;
     }
 }

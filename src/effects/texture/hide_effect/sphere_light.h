@@ -41,6 +41,8 @@ class SphereRow {
 
     void shade(double dy);
 
+    [[nodiscard]] int radius() const { return q_; }
+
     // Offsets beyond the radius lie outside the sphere.
     [[nodiscard]] bool inside(int dx) const {
         return dx >= -q_ && dx <= q_ && inside_[static_cast<std::size_t>(dx + q_)] != 0;

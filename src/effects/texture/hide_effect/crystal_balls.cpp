@@ -4,7 +4,6 @@
 #include "effects/texture/hide_effect/sphere_light.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <vector>
 

@@ -51,12 +51,29 @@ void runLit(benchmark::State& state, const std::function<void(Class_HideEffect&)
         state, bench::photoLikePicture(), bench::photoLikePicture(), [](RunContext&) {}, call);
 }
 
+// The radius in percent: 50 (the default) is one sphere over the picture,
+// 5 a tiling of 100 spheres.
 void BM_HideEffect_Ball(benchmark::State& state) {
-    runLit(state, [](Class_HideEffect& e) {
-        e.Crystal_Ball(5, 0, 0, Side, Side, 0, 0, 10, 255, 255, 255, 42, 0, 0);
+    const auto percent = static_cast<double>(state.range(0));
+    runLit(state, [percent](Class_HideEffect& e) {
+        e.Crystal_Ball(percent, 0, 0, Side, Side, 0, 0, 10, 255, 255, 255, 42, 0, 0);
     });
 }
-BENCHMARK(BM_HideEffect_Ball)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_HideEffect_Ball)->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
+
+void BM_HideEffect_Specular(benchmark::State& state) {
+    runLit(state, [](Class_HideEffect& e) {
+        e.Specular(50, 0, 0, Side, Side, 0, 0, 10, 255, 255, 255, 42, 1, 0);
+    });
+}
+BENCHMARK(BM_HideEffect_Specular)->Unit(benchmark::kMillisecond);
+
+void BM_HideEffect_Lighting(benchmark::State& state) {
+    runLit(state, [](Class_HideEffect& e) {
+        e.Crystal_Lighting(50, 0, 0, Side, Side, 0, 0, 10, 255, 255, 255, -40, 0, 0);
+    });
+}
+BENCHMARK(BM_HideEffect_Lighting)->Unit(benchmark::kMillisecond);
 
 void BM_HideEffect_ChocoBall(benchmark::State& state) {
     runLit(state, [](Class_HideEffect& e) {

@@ -9,7 +9,8 @@ namespace lumiran {
 
 namespace hide {
 struct Lighting;
-}
+class SphereRow;
+} // namespace hide
 
 // The class that lights things: blocks or tiles of the picture shaded as
 // spheres under a light vector, and the cloud and noise stamps. The sphere
@@ -122,10 +123,11 @@ class Class_HideEffect : public PixelFrame {
     template <typename Lens>
     void spheresOverTiles(const ProcessRect& rect, const hide::Lighting& lighting, int q,
                           std::uint8_t background, Lens lens);
-    // One sphere painted over TransBits, the parts outside the span dropped.
+    // One sphere of the row's radius painted over TransBits, the parts
+    // outside the span dropped; sphere is the scratch row of its terms.
     template <typename Lens>
-    void sphereAt(int cx, int cy, int q, const hide::Lighting& lighting, const Span& span,
-                  bool spot, Lens lens);
+    void sphereAt(int cx, int cy, const hide::Lighting& lighting, const Span& span, bool spot,
+                  hide::SphereRow& sphere, Lens lens);
     // The spheres at centres drawn at random, over the background; a spot
     // adds its light to the picture instead of shading it.
     void randomSpheres(const ProcessRect& rect, const hide::Lighting& lighting, int q, int count,

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -63,6 +64,26 @@ Offset lineLens(std::uint8_t type, double dx, double dy, double cx, double cy, d
     }
 }
 
+// The lenses as spheresOverTiles takes them: identity says that the source
+// of every pixel is the pixel itself.
+struct OwnPixel {
+    static constexpr bool identity = true;
+    Offset operator()(double dx, double dy, double, double) const { return {dx, dy}; }
+};
+struct BallLens {
+    static constexpr bool identity = false;
+    std::uint8_t type;
+    Offset operator()(double dx, double dy, double, double) const { return ballLens(type, dx, dy); }
+};
+struct LineLens {
+    static constexpr bool identity = false;
+    std::uint8_t type;
+    int q;
+    Offset operator()(double dx, double dy, double cx, double cy) const {
+        return lineLens(type, dx, dy, cx, cy, q);
+    }
+};
+
 int clampedIndex(double v, int first, int end) {
     if (!(v >= first)) return first; // NaN too
     if (v > end - 1) return end - 1;
@@ -73,6 +94,36 @@ Pixel backgroundPixel(std::uint8_t background, Pixel source) {
     if (background == 1) return withColour(source, 0, 0, 0);
     if (background == 2) return withColour(source, 255, 255, 255);
     return source;
+}
+
+// The outside colour of shadeOwnPixels that leaves the picture there.
+constexpr Pixel KeepsPicture = 0xFFFFFFFFu;
+
+// The lit colours of a run of pixels that are their own sources, with no
+// blend and no overflow possible (roundTo and the clamp of the shared tail
+// are then a rounding and a clamp); outside the sphere the picture or the
+// background colour. The arrays come as restrict parameters, so the loop
+// vectorises.
+void shadeOwnPixels(const Pixel* __restrict source, Pixel* __restrict target, int count,
+                    const double* __restrict diffuse, const double* __restrict specular,
+                    const std::uint8_t* __restrict inside, const Lighting& lighting,
+                    Pixel outsideColour) {
+    const double ambient = lighting.ambient;
+    const double weightRed = lighting.reflection[0];
+    const double weightGreen = lighting.reflection[1];
+    const double weightBlue = lighting.reflection[2];
+    const bool showsPicture = outsideColour == KeepsPicture;
+    for (int i = 0; i < count; ++i) {
+        const Pixel p = source[i];
+        const double d = diffuse[i], s = specular[i];
+        auto lit = [&](int c, double weight) {
+            return std::clamp(roundInRange<std::int32_t>(c * d + weight * s + ambient), 0, 255);
+        };
+        const Pixel shaded = withColour(target[i], lit(redOf(p), weightRed),
+                                        lit(greenOf(p), weightGreen), lit(blueOf(p), weightBlue));
+        const Pixel outside = showsPicture ? p : (p & 0xFF000000u) | outsideColour;
+        target[i] = inside[i] != 0 ? shaded : outside;
+    }
 }
 
 } // namespace
@@ -97,12 +148,19 @@ void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::in
             {true, true, true},  {true, false, false}, {false, true, false}, {false, false, true},
             {true, true, false}, {false, true, true},  {true, false, true}};
         const auto& mask = changes[std::min<int>(selector, 6)];
-        forEachRow(rect, [&](int y, int first, int end) {
+        const BandPlan plan = bandPlan(rect);
+        std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(std::max(plan.workers, 1)),
+                                             hide::SphereRow(lighting.light, q));
+        rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
             const Pixel* in = ImageBits.row(y).data();
             Pixel* out = TransBits.row(y).data();
+            hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
+            sphere.shade(y - cy);
             for (int x = first; x < end; ++x) {
-                const Shade shade = hide::sphereShade(lighting.light, x - cx, y - cy, q);
-                if (!shade.inside) continue;
+                // x - cx is a whole number: cx is.
+                const int dx = static_cast<int>(x - cx);
+                if (!sphere.inside(dx)) continue;
+                const Shade shade = sphere.at(dx);
                 const int r = redOf(in[x]), g = greenOf(in[x]), b = blueOf(in[x]);
                 const Rgb16 lit =
                     drawMode == 0 ? hide::shadeColour(lighting, shade, pen.red, pen.green, pen.blue)
@@ -118,18 +176,21 @@ void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::in
 }
 
 template <typename Lens>
-void Class_HideEffect::sphereAt(int cx, int cy, int q, const Lighting& lighting, const Span& span,
-                                bool spot, Lens lens) {
+void Class_HideEffect::sphereAt(int cx, int cy, const Lighting& lighting, const Span& span,
+                                bool spot, hide::SphereRow& sphere, Lens lens) {
+    const int q = sphere.radius();
     const int firstRow = std::max(cy - q, span.firstRow);
     const int endRow = std::min(cy + q + 1, span.endRow);
     const int firstColumn = std::max(cx - q, span.firstColumn);
     const int endColumn = std::min(cx + q + 1, span.endColumn);
     for (int y = firstRow; y < endRow; ++y) {
         Pixel* out = TransBits.row(y).data();
+        const double dy = y - cy;
+        sphere.shade(dy);
         for (int x = firstColumn; x < endColumn; ++x) {
-            const double dx = x - cx, dy = y - cy;
-            const Shade shade = hide::sphereShade(lighting.light, dx, dy, q);
-            if (!shade.inside) continue;
+            if (!sphere.inside(x - cx)) continue;
+            const Shade shade = sphere.at(x - cx);
+            const double dx = x - cx;
             const Offset at = lens(dx, dy, cx, cy);
             const Pixel source =
                 ImageBits.at(clampedIndex(cx + at.x, span.firstColumn, span.endColumn),
@@ -160,26 +221,50 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
     const Span span = spanOf(rect);
     const int side = 2 * q;
     auto centre = [side, q](int v, int origin) { return origin + (v - origin) / side * side + q; };
-    forEachRow(rect, [&](int y, int first, int end) {
+    // Without a blend and with a shading that cannot overflow, the colours
+    // need neither the blend's branch nor the overflow check.
+    const bool plain = !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting);
+    const bool showsPicture = background != 1 && background != 2;
+    const Pixel backgroundColour = backgroundPixel(background, 0) & 0x00FFFFFFu;
+    // A row of the sphere's terms for each thread, filled anew for each row.
+    const BandPlan plan = bandPlan(rect);
+    std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(std::max(plan.workers, 1)),
+                                         hide::SphereRow(lighting.light, q));
+    rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
         const Pixel* in = ImageBits.row(y).data();
         Pixel* out = TransBits.row(y).data();
         const int cy = centre(y, rect.top);
-        for (int x = first; x < end; ++x) {
-            const int cx = centre(x, rect.left);
-            const double dx = x - cx, dy = y - cy;
-            const Shade shade = hide::sphereShade(lighting.light, dx, dy, q);
-            if (!shade.inside) {
-                out[x] = backgroundPixel(background, in[x]);
+        const double dy = y - cy;
+        hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
+        sphere.shade(dy);
+        // Tile by tile: within one the offsets run on from its first pixel.
+        int cx = centre(first, rect.left);
+        for (int x = first; x < end; x = std::min(end, cx + q), cx += side) {
+            const int count = std::min(end, cx + q) - x;
+            const int firstOffset = x - cx;
+            const Pixel* source = in + x;
+            Pixel* target = out + x;
+            if (plain && Lens::identity) {
+                shadeOwnPixels(source, target, count, sphere.diffuseFrom(firstOffset),
+                               sphere.specularFrom(firstOffset), sphere.insideFrom(firstOffset),
+                               lighting, showsPicture ? KeepsPicture : backgroundColour);
                 continue;
             }
-            const Offset at = lens(dx, dy, cx, cy);
-            const Pixel source =
-                ImageBits.at(clampedIndex(cx + at.x, span.firstColumn, span.endColumn),
-                             clampedIndex(cy + at.y, span.firstRow, span.endRow));
-            const int r = redOf(source), g = greenOf(source), b = blueOf(source);
-            const Rgb16 v = finishPixel<ResultTail::Clamp>(
-                r, g, b, hide::shadeColour(lighting, shade, r, g, b));
-            out[x] = withColour(out[x], v.red, v.green, v.blue);
+            for (int i = 0; i < count; ++i) {
+                const int dx = firstOffset + i;
+                if (!sphere.inside(dx)) {
+                    target[i] = backgroundPixel(background, source[i]);
+                    continue;
+                }
+                const Offset at = lens(dx, dy, cx, cy);
+                const Pixel from =
+                    ImageBits.at(clampedIndex(cx + at.x, span.firstColumn, span.endColumn),
+                                 clampedIndex(cy + at.y, span.firstRow, span.endRow));
+                const int r = redOf(from), g = greenOf(from), b = blueOf(from);
+                const Rgb16 v = finishPixel<ResultTail::Clamp>(
+                    r, g, b, hide::shadeColour(lighting, sphere.at(dx), r, g, b));
+                target[i] = withColour(target[i], v.red, v.green, v.blue);
+            }
         }
     });
 }
@@ -194,9 +279,11 @@ void Class_HideEffect::Crystal_Ball(double radiusPercent, std::int16_t left, std
         const Lighting lighting = lightingOf(lightX, lightY, lightZ, reflectionRed, reflectionGreen,
                                              reflectionBlue, ambient);
         const int q = hide::sphereRadius(radiusPercent, right - left, bottom - top);
-        spheresOverTiles(
-            {left, top, right, bottom}, lighting, q, background,
-            [type](double dx, double dy, double, double) { return ballLens(type, dx, dy); });
+        if (type == 0 || type > 4) {
+            spheresOverTiles({left, top, right, bottom}, lighting, q, background, OwnPixel{});
+        } else {
+            spheresOverTiles({left, top, right, bottom}, lighting, q, background, BallLens{type});
+        }
     });
 }
 
@@ -210,10 +297,7 @@ void Class_HideEffect::Crystal_Line(double radiusPercent, std::int16_t left, std
         const Lighting lighting = lightingOf(lightX, lightY, lightZ, reflectionRed, reflectionGreen,
                                              reflectionBlue, ambient);
         const int q = hide::sphereRadius(radiusPercent, right - left, bottom - top);
-        spheresOverTiles({left, top, right, bottom}, lighting, q, background,
-                         [type, q](double dx, double dy, double cx, double cy) {
-                             return lineLens(type, dx, dy, cx, cy, q);
-                         });
+        spheresOverTiles({left, top, right, bottom}, lighting, q, background, LineLens{type, q});
     });
 }
 
@@ -230,11 +314,11 @@ void Class_HideEffect::randomSpheres(const ProcessRect& rect, const Lighting& li
     const double height = rect.bottom - rect.top;
     hundredthsShown_ = 0;
     SetProgressRange(0, 100);
+    hide::SphereRow sphere(lighting.light, q);
     for (int n = 0; n < count; ++n) {
         const int cx = roundTo<std::int32_t>(width * context().random.next() + rect.left);
         const int cy = roundTo<std::int32_t>(height * context().random.next() + rect.top);
-        sphereAt(cx, cy, q, lighting, span, spot,
-                 [type](double dx, double dy, double, double) { return ballLens(type, dx, dy); });
+        sphereAt(cx, cy, lighting, span, spot, sphere, BallLens{type});
         if (!stepHundredths(n + 1, count)) return;
     }
 }

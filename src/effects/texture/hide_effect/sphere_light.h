@@ -5,6 +5,7 @@
 #include "engine/calculation.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace lumiran::hide {
 
@@ -29,6 +30,49 @@ struct Shade {
 // The diffuse and specular terms for a unit normal.
 [[nodiscard]] Shade shadeNormal(const Vector3& light, const Vector3& normal);
 
+// The shading along one row of a sphere of radius q, dy from its centre,
+// at every offset dx from -q to q: sphereShade's terms to the bit. The
+// normal at -dx is the one at dx with its x negated, so each distance is
+// worked out once for the row, however many tiles the row crosses, and the
+// loops run eight offsets at a time where the processor can.
+class SphereRow {
+  public:
+    SphereRow(const Vector3& light, int q);
+
+    void shade(double dy);
+
+    [[nodiscard]] int radius() const { return q_; }
+
+    // Offsets beyond the radius lie outside the sphere.
+    [[nodiscard]] bool inside(int dx) const {
+        return dx >= -q_ && dx <= q_ && inside_[static_cast<std::size_t>(dx + q_)] != 0;
+    }
+    // For an offset inside the sphere.
+    [[nodiscard]] Shade at(int dx) const {
+        const auto i = static_cast<std::size_t>(dx + q_);
+        return {true, diffuse_[i], specular_[i]};
+    }
+    // The terms and flags from offset dx (within -q..q) on, for loops over
+    // a run of offsets.
+    [[nodiscard]] const double* diffuseFrom(int dx) const { return diffuse_.data() + dx + q_; }
+    [[nodiscard]] const double* specularFrom(int dx) const { return specular_.data() + dx + q_; }
+    [[nodiscard]] const std::uint8_t* insideFrom(int dx) const { return inside_.data() + dx + q_; }
+
+  private:
+    Vector3 light_;
+    Vector3 half_;
+    bool dark_;
+    int q_;
+    // Index dx + q.
+    std::vector<double> diffuse_;
+    std::vector<double> specular_;
+    std::vector<std::uint8_t> inside_;
+    // The normal at offset 0..q.
+    std::vector<double> normalX_;
+    std::vector<double> normalY_;
+    std::vector<double> normalZ_;
+};
+
 // The three reflection weights and the ambient term.
 struct Lighting {
     Vector3 light;
@@ -38,6 +82,11 @@ struct Lighting {
 
 // round(c d + A s + ambient) per channel, before the post-step.
 [[nodiscard]] Rgb16 shadeColour(const Lighting& lighting, const Shade& shade, int r, int g, int b);
+
+// True when round(c d + A s + ambient) fits 16 bits for every channel value
+// c and every d and s a shading can give (at most 1, with room for
+// rounding): such a shading needs no overflow check.
+[[nodiscard]] bool shadeFitsSixteenBits(const Lighting& lighting);
 
 // The sphere's radius for a percent of the rectangle's smaller side; a
 // radius below 1 tiles nothing and is the overflow error.

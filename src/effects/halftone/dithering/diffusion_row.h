@@ -166,6 +166,19 @@ struct KernelShape {
             dy = std::max<int>(dy, t.dy);
         return dy;
     }();
+    // The columns any share reaches, left and right of the pixel's own.
+    static constexpr int ReachLeft = [] {
+        int dx = 0;
+        for (const KernelTap& t : Spec.taps)
+            dx = std::max<int>(dx, -t.dx);
+        return dx;
+    }();
+    static constexpr int ReachRight = [] {
+        int dx = 0;
+        for (const KernelTap& t : Spec.taps)
+            dx = std::max<int>(dx, t.dx);
+        return dx;
+    }();
     static constexpr std::array<std::size_t, LowerCount> Lower = [] {
         std::array<std::size_t, LowerCount> lower{};
         std::size_t n = 0;
@@ -186,31 +199,52 @@ void withFilter(int filter, Body&& body) {
     call(std::make_integer_sequence<int, static_cast<int>(DiffusionKernels.size())>{});
 }
 
-// A row diffused in place, left to right, exactly as one pixel after the
+// Rows diffused in place, left to right, exactly as one pixel after the
 // other reading every entry, working out the shares from those values and
 // writing the entries from the last back to entry 0.
 //
+// Several rows run at once as a wavefront, each Lag columns behind the
+// row above. A pixel in flight touches only the columns within the
+// kernel's reach of its own (the pixels its shares are held in included),
+// and Lag lies past both reaches together, so no two rows in flight touch
+// one pixel in a step, and each pixel takes its shares row after row and
+// within a row in scan order, as one row after the other gives them. The
+// rows' chains of errors do not depend on one another, so the processor
+// overlaps them.
+//
 // quantise gives entry 0's colour and errors: from the grey with OneError
-// (the three errors equal), from the channels otherwise.
+// (the three errors equal), from the channels otherwise. It is called in
+// the wavefront's order, so it must not draw from the generator.
 template <bool OneError, int Filter, typename Quantise>
 class RowDiffusion {
     using Shape = KernelShape<Filter>;
+    static constexpr int Next = Shape::Next;
+    static constexpr int Second = Shape::SecondNext;
+    static constexpr int Left = Shape::LowerLeft;
+    static constexpr int Width = Shape::LowerRight - Left + 1;
+    static constexpr int Rows = Shape::LowerRows;
+    static constexpr std::size_t Taps = Shape::Spec.taps.size();
+    // The grey before a stretch's first pixel: its shares are nothing.
+    static constexpr int NoGrey = 256;
 
   public:
+    static constexpr int BandRows = 4;
+    static constexpr int Lag = Shape::ReachLeft + Shape::ReachRight + 1;
+
     // byGreyAlone: quantise(grey) depends on nothing but the grey, so the
-    // shares on the row can be looked up by the grey that made them.
+    // shares can be looked up by the grey that made them.
     RowDiffusion(Pixel* picture, int width, const Bounds& bounds, const DiffusionKernel& kernel,
                  Quantise& quantise, bool byGreyAlone)
         : picture_(picture), width_(width), bounds_(bounds), kernel_(kernel), quantise_(quantise),
-          byGreyAlone_(OneError && byGreyAlone) {
+          byGreyAlone_(OneError && byGreyAlone), fastFrom_(bounds.left + Shape::ReachLeft),
+          fastTo_(bounds.right - 1 - Shape::ReachRight) {
         if constexpr (OneError) {
             if (!byGreyAlone_) return;
             for (int grey = 0; grey < 256; ++grey) {
                 const int error = quantise_(grey).errorRed;
                 const auto g = static_cast<std::size_t>(grey);
-                if constexpr (Shape::Next >= 0) nextShare_[g] = kernel_.shift(Shape::Next, error);
-                if constexpr (Shape::SecondNext >= 0)
-                    secondShare_[g] = kernel_.shift(Shape::SecondNext, error);
+                if constexpr (Next >= 0) nextShare_[g] = kernel_.shift(Next, error);
+                if constexpr (Second >= 0) secondShare_[g] = kernel_.shift(Second, error);
                 const Quantised q = quantise_(grey);
                 settledGrey_[g] =
                     withColour(0, toChannel(q.red), toChannel(q.green), toChannel(q.blue));
@@ -233,31 +267,116 @@ class RowDiffusion {
         }
     }
 
-    [[gnu::flatten]] void run(int y) {
-        Pixel* row = picture_ + static_cast<std::ptrdiff_t>(y) * width_;
-        const int fastFrom = bounds_.left + kernel_.reachLeft();
-        const int fastTo = bounds_.right - 1 - kernel_.reachRight();
-        if (y + kernel_.reachDown() > bounds_.bottom - 1 || fastFrom > fastTo) {
+    // One row alone.
+    void run(int y) {
+        if (y + Rows > bounds_.bottom - 1 || fastFrom_ > fastTo_) {
+            Pixel* row = rowAt(y);
             for (int x = bounds_.left; x < bounds_.right; ++x)
                 clampedStep(row, x, y);
             return;
         }
-        for (int x = bounds_.left; x < fastFrom; ++x)
-            clampedStep(row, x, y);
-        if constexpr (OneError) {
-            if (byGreyAlone_) {
-                innerByGrey(row, fastFrom, fastTo);
-            } else {
-                inner(row, fastFrom, fastTo);
-            }
-        } else {
-            inner(row, fastFrom, fastTo);
+        withCursor([&]<typename Cursor>() { runRows<Cursor, 1>(y); });
+    }
+
+    // The rows from y on: a band of BandRows where no share of theirs is
+    // clamped onto a lower row, else row y alone. Gives the rows done.
+    int runFrom(int y) {
+        if (y + BandRows - 1 + Rows > bounds_.bottom - 1 || fastFrom_ > fastTo_) {
+            run(y);
+            return 1;
         }
-        for (int x = fastTo + 1; x < bounds_.right; ++x)
-            clampedStep(row, x, y);
+        withCursor([&]<typename Cursor>() { runRows<Cursor, BandRows>(y); });
+        return BandRows;
     }
 
   private:
+    // A row's state along its stretch away from the edges: the shares on
+    // the row itself are held back until the pixel they land on is
+    // reached, so the row's chain of errors runs through registers rather
+    // than memory, and they are laid on in the order they were made.
+    struct ExactCursor {
+        Pixel* row = nullptr;
+        Quantised before1{}; // the pixel before, none (zero errors) at first
+        Quantised before2{};
+    };
+    // The same for a grey quantised by its grey alone, with everything a
+    // grey leads to looked up in tables made once. The pixels of the lower
+    // rows that the row's shares reach are held in a window while they
+    // take them, each loaded before its first share and stored after its
+    // last, so the shares follow one another in registers, in scan order.
+    struct GreyCursor {
+        Pixel* row = nullptr;
+        std::array<Pixel*, Rows> below{};
+        std::array<std::array<Held, Width>, Rows> window{};
+        int grey1 = NoGrey;
+        int grey2 = NoGrey;
+    };
+
+    template <typename Body>
+    void withCursor(Body&& body) {
+        if constexpr (OneError) {
+            if (byGreyAlone_) {
+                body.template operator()<GreyCursor>();
+                return;
+            }
+        }
+        body.template operator()<ExactCursor>();
+    }
+
+    [[nodiscard]] Pixel* rowAt(int y) const {
+        return picture_ + static_cast<std::ptrdiff_t>(y) * width_;
+    }
+
+    // R rows from y0, row r at column left + t - r Lag in step t. Where
+    // every row is inside its stretch the steps run without a test.
+    template <typename Cursor, int R>
+    [[gnu::flatten]] void runRows(int y0) {
+        const int left = bounds_.left;
+        const int steps = bounds_.right - left + (R - 1) * Lag;
+        std::array<Cursor, R> cursors{};
+        for (int r = 0; r < R; ++r)
+            cursors[static_cast<std::size_t>(r)].row = rowAt(y0 + r);
+        auto anyStep = [&](int t) {
+            for (int r = 0; r < R; ++r)
+                stepAnywhere(cursors[static_cast<std::size_t>(r)], left + t - r * Lag, y0 + r);
+        };
+        const int steadyFrom = fastFrom_ - left + (R - 1) * Lag + 1;
+        const int steadyTo = fastTo_ - left;
+        int t = 0;
+        for (; t < std::min(steadyFrom, steps); ++t)
+            anyStep(t);
+        if (t < steadyTo) {
+            steady<Cursor, R>(cursors, left, t, steadyTo);
+            t = steadyTo;
+        }
+        for (; t < steps; ++t)
+            anyStep(t);
+    }
+
+    template <typename Cursor, int R>
+    [[gnu::always_inline]] void steady(std::array<Cursor, R>& cursors, int left, int from, int to) {
+        auto local = cursors;
+        for (int t = from; t < to; ++t) {
+            [&]<std::size_t... I>(std::index_sequence<I...>) {
+                (step(local[I], left + t - static_cast<int>(I) * Lag), ...);
+            }
+            (std::make_index_sequence<R>{});
+        }
+        cursors = local;
+    }
+
+    template <typename Cursor>
+    void stepAnywhere(Cursor& c, int x, int y) {
+        if (x < bounds_.left || x >= bounds_.right) return;
+        if (x < fastFrom_ || x > fastTo_) {
+            clampedStep(c.row, x, y);
+            return;
+        }
+        if (x == fastFrom_) begin(c);
+        step(c, x);
+        if (x == fastTo_) finish(c, x);
+    }
+
     Quantised quantiseChannels(Pixel p) {
         if constexpr (OneError) {
             return quantise_(ditherGrey(redOf(p), greenOf(p), blueOf(p)));
@@ -290,136 +409,115 @@ class RowDiffusion {
     }
 
     // Where no position is clamped every share lands on a pixel of its
-    // own, so the order of the writes does not matter. The shares on the
-    // row itself are held back until the pixel they land on is reached:
-    // the row's chain of errors then runs through registers rather than
-    // memory, and they are laid on in the order they were made.
-    void inner(Pixel* row, int from, int to) {
-        constexpr int next = Shape::Next;
-        constexpr int second = Shape::SecondNext;
-        // The errors of the two pixels before, while they lie in this
-        // stretch; shares of earlier pixels are in memory already.
-        Quantised before1{}, before2{};
-        bool hasBefore1 = false, hasBefore2 = false;
-        for (int x = from; x <= to; ++x) {
-            Pixel* self = row + x;
-            const Pixel stored = *self;
-            const bool fromSecond = hasBefore2 && second >= 0;
-            const bool fromNext = hasBefore1 && next >= 0;
-            const Quantised q = quantiseHeld(stored, fromSecond, before2, fromNext, before1);
-            *self = settled(stored, q);
-            [&]<std::size_t... I>(std::index_sequence<I...>) {
-                (spreadBelow(self, Shape::Lower[I], q), ...);
-            }
-            (std::make_index_sequence<Shape::LowerCount>{});
-            before2 = before1;
-            hasBefore2 = hasBefore1;
-            before1 = q;
-            hasBefore1 = true;
-        }
-        // The held shares of the last pixels go on the pixels after the stretch.
-        if constexpr (second >= 0) {
-            if (hasBefore2)
-                row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, second, before2);
-        }
-        if constexpr (next >= 0)
-            row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, next, before1);
-        if constexpr (second >= 0)
-            row[to + 2] = spreadInto<OneError>(row[to + 2], kernel_, second, before1);
+    // own, so the order of the writes does not matter.
+    void begin(ExactCursor& c) {
+        c.before1 = Quantised{};
+        c.before2 = Quantised{};
     }
 
-    // inner for a grey quantised by its grey alone, with everything a grey
-    // leads to looked up in tables made once. The pixels of the lower rows
-    // that this row's shares reach are held in a window while they take
-    // them, each loaded before its first share and stored after its last,
-    // so that the shares follow one another in registers, in scan order.
-    void innerByGrey(Pixel* row, int from, int to) {
-        constexpr int next = Shape::Next;
-        constexpr int second = Shape::SecondNext;
-        constexpr int Left = Shape::LowerLeft;
-        constexpr int Width = Shape::LowerRight - Left + 1;
-        constexpr int Rows = Shape::LowerRows;
-        std::array<Pixel*, Rows> below{};
-        std::array<std::array<Held, Width>, Rows> window{};
+    [[gnu::always_inline]] void step(ExactCursor& c, int x) {
+        Pixel* self = c.row + x;
+        const Pixel stored = *self;
+        const Quantised q = quantiseHeld(stored, c.before2, c.before1);
+        *self = settled(stored, q);
+        [&]<std::size_t... I>(std::index_sequence<I...>) {
+            (spreadBelow(self, Shape::Lower[I], q), ...);
+        }
+        (std::make_index_sequence<Shape::LowerCount>{});
+        c.before2 = c.before1;
+        c.before1 = q;
+    }
+
+    // The held shares of the last pixels go on the pixels after the stretch.
+    void finish(ExactCursor& c, int to) {
+        Pixel* row = c.row;
+        if constexpr (Second >= 0)
+            row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, Second, c.before2);
+        if constexpr (Next >= 0)
+            row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, Next, c.before1);
+        if constexpr (Second >= 0)
+            row[to + 2] = spreadInto<OneError>(row[to + 2], kernel_, Second, c.before1);
+    }
+
+    void begin(GreyCursor& c) {
         for (int r = 0; r < Rows; ++r) {
-            below[r] = row + static_cast<std::ptrdiff_t>(r + 1) * width_;
+            c.below[r] = c.row + static_cast<std::ptrdiff_t>(r + 1) * width_;
             for (int i = 0; i + 1 < Width; ++i)
-                window[r][i] = hold(below[r][from + Left + i]);
+                c.window[r][i] = hold(c.below[r][fastFrom_ + Left + i]);
         }
-        int grey1 = 0, grey2 = 0;
-        bool hasBefore1 = false, hasBefore2 = false;
-        for (int x = from; x <= to; ++x) {
-            for (int r = 0; r < Rows; ++r)
-                window[r][Width - 1] = hold(below[r][x + Left + Width - 1]);
-            const Pixel stored = row[x];
-            const int grey =
-                greyHeld(stored, second >= 0 && hasBefore2, grey2, next >= 0 && hasBefore1, grey1);
-            const auto g = static_cast<std::size_t>(grey);
-            row[x] = (stored & 0xFF000000u) | settledGrey_[g];
-            if (byShifts_[g]) {
-                [&]<std::size_t... I>(std::index_sequence<I...>) {
-                    ((shareInWindow<Shape::Lower[I]>(window, shareBytes_[Shape::Lower[I]][g])),
-                     ...);
-                }
-                (std::make_index_sequence<Shape::LowerCount>{});
-            } else {
-                const Quantised q = quantise_(grey);
-                [&]<std::size_t... I>(std::index_sequence<I...>) {
-                    ((exactInWindow<Shape::Lower[I]>(window, q)), ...);
-                }
-                (std::make_index_sequence<Shape::LowerCount>{});
+        c.grey1 = NoGrey;
+        c.grey2 = NoGrey;
+    }
+
+    [[gnu::always_inline]] void step(GreyCursor& c, int x) {
+        for (int r = 0; r < Rows; ++r)
+            c.window[r][Width - 1] = hold(c.below[r][x + Left + Width - 1]);
+        const Pixel stored = c.row[x];
+        const int grey = greyHeld(stored, c.grey2, c.grey1);
+        const auto g = static_cast<std::size_t>(grey);
+        c.row[x] = (stored & 0xFF000000u) | settledGrey_[g];
+        if (byShifts_[g]) {
+            [&]<std::size_t... I>(std::index_sequence<I...>) {
+                ((shareInWindow<Shape::Lower[I]>(c.window, shareBytes_[Shape::Lower[I]][g])), ...);
             }
-            for (int r = 0; r < Rows; ++r) {
-                below[r][x + Left] = release(window[r][0]);
-                for (int i = 0; i + 1 < Width; ++i)
-                    window[r][i] = window[r][i + 1];
+            (std::make_index_sequence<Shape::LowerCount>{});
+        } else {
+            const Quantised q = quantise_(grey);
+            [&]<std::size_t... I>(std::index_sequence<I...>) {
+                ((exactInWindow<Shape::Lower[I]>(c.window, q)), ...);
             }
-            grey2 = grey1;
-            hasBefore2 = hasBefore1;
-            grey1 = grey;
-            hasBefore1 = true;
+            (std::make_index_sequence<Shape::LowerCount>{});
         }
         for (int r = 0; r < Rows; ++r) {
+            c.below[r][x + Left] = release(c.window[r][0]);
             for (int i = 0; i + 1 < Width; ++i)
-                below[r][to + 1 + Left + i] = release(window[r][i]);
+                c.window[r][i] = c.window[r][i + 1];
         }
-        // The held shares of the last pixels go on the pixels after the stretch.
-        if constexpr (second >= 0) {
-            if (hasBefore2)
-                row[to + 1] = spreadInto<true>(row[to + 1], kernel_, second, quantise_(grey2));
+        c.grey2 = c.grey1;
+        c.grey1 = grey;
+    }
+
+    void finish(GreyCursor& c, int to) {
+        for (int r = 0; r < Rows; ++r) {
+            for (int i = 0; i + 1 < Width; ++i)
+                c.below[r][to + 1 + Left + i] = release(c.window[r][i]);
         }
-        if constexpr (next >= 0)
-            row[to + 1] = spreadInto<true>(row[to + 1], kernel_, next, quantise_(grey1));
-        if constexpr (second >= 0)
-            row[to + 2] = spreadInto<true>(row[to + 2], kernel_, second, quantise_(grey1));
+        Pixel* row = c.row;
+        if constexpr (Second >= 0) {
+            if (c.grey2 != NoGrey)
+                row[to + 1] = spreadInto<true>(row[to + 1], kernel_, Second, quantise_(c.grey2));
+        }
+        if constexpr (Next >= 0)
+            row[to + 1] = spreadInto<true>(row[to + 1], kernel_, Next, quantise_(c.grey1));
+        if constexpr (Second >= 0)
+            row[to + 2] = spreadInto<true>(row[to + 2], kernel_, Second, quantise_(c.grey1));
     }
 
     template <std::size_t Tap, typename Window>
     [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel shareBytes) {
         constexpr KernelTap t = Shape::Spec.taps[Tap];
-        Held& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
+        Held& n = window[t.dy - 1][t.dx - Left];
         n = sharedOn(n, shareBytes);
     }
 
     template <std::size_t Tap, typename Window>
     [[gnu::always_inline]] void exactInWindow(Window& window, const Quantised& q) const {
         constexpr KernelTap t = Shape::Spec.taps[Tap];
-        Held& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
+        Held& n = window[t.dy - 1][t.dx - Left];
         n = hold(spreadInto<true>(release(n), kernel_, Tap, q));
     }
 
     // The grey of entry 0 after the held shares of the pixels before, given
     // by their greys: the one from two pixels before first. Laid on by
     // saturating bytes, which needs no branch on where a channel is limited.
-    [[gnu::always_inline]] int greyHeld(Pixel stored, bool fromSecond, int grey2, bool fromNext,
-                                        int grey1) {
+    [[gnu::always_inline]] int greyHeld(Pixel stored, int grey2, int grey1) {
         constexpr int NoShift = DiffusionKernel::NoShift;
         const auto g2 = static_cast<std::size_t>(grey2), g1 = static_cast<std::size_t>(grey1);
         // While no channel is limited, a shift s moves 30 r + 59 g + 11 b
         // by 100 s and so the grey by exactly s: the usual case in a
         // picture with smooth areas.
-        const int s2 = fromSecond ? secondShare_[g2] : 0;
-        const int s1 = fromNext ? nextShare_[g1] : 0;
+        const int s2 = Second >= 0 ? secondShare_[g2] : 0;
+        const int s1 = Next >= 0 ? nextShare_[g1] : 0;
         const int r = redOf(stored), g = greenOf(stored), b = blueOf(stored);
         const int hundredfold = 30 * r + 59 * g + 11 * b;
         const int total = s2 + s1;
@@ -428,19 +526,14 @@ class RowDiffusion {
             std::max({r, g, b}) + std::max(s2, total) <= 255)
             return (hundredfold + 50) / 100 + total;
         Pixel p = stored;
-        if constexpr (Shape::SecondNext >= 0) {
-            if (fromSecond) {
-                p = secondShare_[g2] != NoShift
-                        ? shiftedBy(p, add_[Shape::SecondNext][g2], take_[Shape::SecondNext][g2])
-                        : spreadInto<true>(p, kernel_, Shape::SecondNext, quantise_(grey2));
-            }
+        if constexpr (Second >= 0) {
+            p = secondShare_[g2] != NoShift
+                    ? shiftedBy(p, add_[Second][g2], take_[Second][g2])
+                    : spreadInto<true>(p, kernel_, Second, quantise_(grey2));
         }
-        if constexpr (Shape::Next >= 0) {
-            if (fromNext) {
-                p = nextShare_[g1] != NoShift
-                        ? shiftedBy(p, add_[Shape::Next][g1], take_[Shape::Next][g1])
-                        : spreadInto<true>(p, kernel_, Shape::Next, quantise_(grey1));
-            }
+        if constexpr (Next >= 0) {
+            p = nextShare_[g1] != NoShift ? shiftedBy(p, add_[Next][g1], take_[Next][g1])
+                                          : spreadInto<true>(p, kernel_, Next, quantise_(grey1));
         }
         return ditherGrey(redOf(p), greenOf(p), blueOf(p));
     }
@@ -453,19 +546,13 @@ class RowDiffusion {
 
     // Entry 0 quantised after the held shares: the one from two pixels
     // before first, then the one from the pixel before.
-    Quantised quantiseHeld(Pixel stored, bool fromSecond, const Quantised& before2, bool fromNext,
-                           const Quantised& before1) {
+    [[gnu::always_inline]] Quantised quantiseHeld(Pixel stored, const Quantised& before2,
+                                                  const Quantised& before1) {
         if constexpr (OneError) {
             // While no channel is limited, a shift s moves 30 r + 59 g + 11 b
             // by 100 s and so the grey by exactly s.
-            // Looked up by grey the share on the next pixel is one load
-            // from the grey before: the row's chain of dependent steps.
-            auto share = [&](int tap, const std::array<int, 256>& byGrey, const Quantised& q) {
-                return byGreyAlone_ ? byGrey[static_cast<std::size_t>(q.grey)]
-                                    : kernel_.shift(static_cast<std::size_t>(tap), q.errorRed);
-            };
-            const int s2 = fromSecond ? share(Shape::SecondNext, secondShare_, before2) : 0;
-            const int s1 = fromNext ? share(Shape::Next, nextShare_, before1) : 0;
+            const int s2 = Second >= 0 ? kernel_.shift(Second, before2.errorRed) : 0;
+            const int s1 = Next >= 0 ? kernel_.shift(Next, before1.errorRed) : 0;
             const int r = redOf(stored), g = greenOf(stored), b = blueOf(stored);
             const int hundredfold = 30 * r + 59 * g + 11 * b;
             const int low = std::min({r, g, b}), high = std::max({r, g, b});
@@ -476,11 +563,8 @@ class RowDiffusion {
             if (exact) return quantise_((hundredfold + 50) / 100 + total);
         }
         Pixel p = stored;
-        if (fromSecond)
-            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(Shape::SecondNext),
-                                     before2);
-        if (fromNext)
-            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(Shape::Next), before1);
+        if constexpr (Second >= 0) p = spreadInto<OneError>(p, kernel_, Second, before2);
+        if constexpr (Next >= 0) p = spreadInto<OneError>(p, kernel_, Next, before1);
         return quantiseChannels(p);
     }
 
@@ -490,14 +574,16 @@ class RowDiffusion {
     const DiffusionKernel& kernel_;
     Quantise& quantise_;
     bool byGreyAlone_;
-    static constexpr std::size_t Taps = Shape::Spec.taps.size();
-    std::array<int, 256> nextShare_{};
-    std::array<int, 256> secondShare_{};
+    int fastFrom_; // the stretch of columns where no share is clamped
+    int fastTo_;
+    // By grey, and nothing for NoGrey: the shares on the next two pixels.
+    std::array<int, 257> nextShare_{};
+    std::array<int, 257> secondShare_{};
     // By grey: the new colour, and each share as the bytes to add and to
     // take away; byShifts_ is false where some share rounds by the old value.
     std::array<Pixel, 256> settledGrey_{};
-    std::array<std::array<Pixel, 256>, Taps> add_{};
-    std::array<std::array<Pixel, 256>, Taps> take_{};
+    std::array<std::array<Pixel, 257>, Taps> add_{};
+    std::array<std::array<Pixel, 257>, Taps> take_{};
     std::array<bool, 256> byShifts_{};
     // By grey, where byShifts_: each share as a signed byte in the three
     // colour bytes, for the held pixels of the lower rows.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <type_traits>
 #include <utility>
@@ -99,6 +100,32 @@ using Held = Pixel;
     return shifted(h, s, s, s);
 }
 #endif
+
+// A tie rounded to even: a byte that is odd after the share's floor goes
+// up by one (tie holds one in each colour byte where the share was a
+// half, else nothing), limited to 255. A share of a half always moves a
+// channel to an even value or to a limit, and adding floor first then
+// rounding up from odd gives exactly that, the limits included.
+[[nodiscard, gnu::always_inline]] inline Pixel tiedBy(Pixel p, Pixel tie) {
+#if defined(__SSE2__)
+    const __m128i v = _mm_cvtsi32_si128(static_cast<int>(p));
+    return static_cast<Pixel>(_mm_cvtsi128_si32(
+        _mm_adds_epu8(v, _mm_and_si128(v, _mm_cvtsi32_si128(static_cast<int>(tie))))));
+#else
+    const Pixel up = p & tie;
+    return shifted(p, (up >> 16) & 1, (up >> 8) & 1, up & 1);
+#endif
+}
+
+// The same for a held pixel: the bias of 128 keeps each byte's parity.
+[[nodiscard, gnu::always_inline]] inline Held tiedOn(Held h, Pixel tie) {
+#if defined(__SSE2__)
+    return {
+        _mm_adds_epi8(h.bytes, _mm_and_si128(h.bytes, _mm_cvtsi32_si128(static_cast<int>(tie))))};
+#else
+    return tiedBy(h, tie);
+#endif
+}
 
 // One share laid on a neighbour: each channel round(error * weight +
 // old), limited to 0..255. With OneError the three errors are equal.
@@ -226,6 +253,9 @@ class RowDiffusion {
     static constexpr std::size_t Taps = Shape::Spec.taps.size();
     // The grey before a stretch's first pixel: its shares are nothing.
     static constexpr int NoGrey = 256;
+    // Weights of a power-of-two divisor are exact in binary, so a share
+    // that is a half is exactly one and rounds to even by old's parity.
+    static constexpr bool Dyadic = (Shape::Spec.divisor & (Shape::Spec.divisor - 1)) == 0;
 
   public:
     static constexpr int BandRows = 4;
@@ -241,28 +271,29 @@ class RowDiffusion {
         if constexpr (OneError) {
             if (!byGreyAlone_) return;
             for (int grey = 0; grey < 256; ++grey) {
-                const int error = quantise_(grey).errorRed;
-                const auto g = static_cast<std::size_t>(grey);
-                if constexpr (Next >= 0) nextShare_[g] = kernel_.shift(Next, error);
-                if constexpr (Second >= 0) secondShare_[g] = kernel_.shift(Second, error);
                 const Quantised q = quantise_(grey);
+                const auto g = static_cast<std::size_t>(grey);
                 settledGrey_[g] =
                     withColour(0, toChannel(q.red), toChannel(q.green), toChannel(q.blue));
-                bool exact = true;
+                bool carried = true;
                 for (std::size_t t = 0; t < Taps; ++t) {
-                    const int shift = kernel_.shift(t, error);
-                    // A share the held bytes cannot carry goes the exact way.
-                    exact = exact && shift != DiffusionKernel::NoShift && shift >= INT8_MIN &&
-                            shift <= INT8_MAX;
-                    shareBytes_[t][g] =
-                        exact ? static_cast<Pixel>(static_cast<std::uint8_t>(shift)) * 0x010101u
-                              : 0;
+                    const Share share = shareOf(t, q.errorRed);
+                    const bool onRow = Shape::Spec.taps[t].dy == 0;
+                    // A share the bytes cannot carry goes the exact way.
+                    if (onRow) {
+                        ownExact_[g] = ownExact_[g] || !share.known;
+                    } else {
+                        carried = carried && share.known && share.floor >= INT8_MIN &&
+                                  share.floor <= INT8_MAX;
+                    }
+                    if (!share.known) continue;
                     const auto bytes = [](int v) { return static_cast<Pixel>(v) * 0x010101u; };
-                    add_[t][g] = shift != DiffusionKernel::NoShift && shift > 0 ? bytes(shift) : 0;
-                    take_[t][g] =
-                        shift != DiffusionKernel::NoShift && shift < 0 ? bytes(-shift) : 0;
+                    add_[t][g] = share.floor > 0 ? bytes(share.floor) : 0;
+                    take_[t][g] = share.floor < 0 ? bytes(-share.floor) : 0;
+                    tie_[t][g] = share.tie ? 0x010101u : 0;
+                    shareBytes_[t][g] = bytes(static_cast<std::uint8_t>(share.floor));
                 }
-                byShifts_[g] = exact;
+                byShifts_[g] = carried;
             }
         }
     }
@@ -458,7 +489,9 @@ class RowDiffusion {
         c.row[x] = (stored & 0xFF000000u) | settledGrey_[g];
         if (byShifts_[g]) {
             [&]<std::size_t... I>(std::index_sequence<I...>) {
-                ((shareInWindow<Shape::Lower[I]>(c.window, shareBytes_[Shape::Lower[I]][g])), ...);
+                ((shareInWindow<Shape::Lower[I]>(c.window, shareBytes_[Shape::Lower[I]][g],
+                                                 tie_[Shape::Lower[I]][g])),
+                 ...);
             }
             (std::make_index_sequence<Shape::LowerCount>{});
         } else {
@@ -494,10 +527,11 @@ class RowDiffusion {
     }
 
     template <std::size_t Tap, typename Window>
-    [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel shareBytes) {
+    [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel shareBytes, Pixel tie) {
         constexpr KernelTap t = Shape::Spec.taps[Tap];
         Held& n = window[t.dy - 1][t.dx - Left];
         n = sharedOn(n, shareBytes);
+        if constexpr (Dyadic) n = tiedOn(n, tie);
     }
 
     template <std::size_t Tap, typename Window>
@@ -511,31 +545,45 @@ class RowDiffusion {
     // by their greys: the one from two pixels before first. Laid on by
     // saturating bytes, which needs no branch on where a channel is limited.
     [[gnu::always_inline]] int greyHeld(Pixel stored, int grey2, int grey1) {
-        constexpr int NoShift = DiffusionKernel::NoShift;
         const auto g2 = static_cast<std::size_t>(grey2), g1 = static_cast<std::size_t>(grey1);
-        // While no channel is limited, a shift s moves 30 r + 59 g + 11 b
-        // by 100 s and so the grey by exactly s: the usual case in a
-        // picture with smooth areas.
-        const int s2 = Second >= 0 ? secondShare_[g2] : 0;
-        const int s1 = Next >= 0 ? nextShare_[g1] : 0;
-        const int r = redOf(stored), g = greenOf(stored), b = blueOf(stored);
-        const int hundredfold = 30 * r + 59 * g + 11 * b;
-        const int total = s2 + s1;
-        if (s1 != NoShift && s2 != NoShift && hundredfold % 100 != 50 &&
-            std::min({r, g, b}) + std::min(s2, total) >= 0 &&
-            std::max({r, g, b}) + std::max(s2, total) <= 255)
-            return (hundredfold + 50) / 100 + total;
+        if (ownExact_[g2] || ownExact_[g1]) [[unlikely]] {
+            Pixel p = stored;
+            if constexpr (Second >= 0) p = ownShare(p, Second, grey2);
+            if constexpr (Next >= 0) p = ownShare(p, Next, grey1);
+            return ditherGrey(redOf(p), greenOf(p), blueOf(p));
+        }
         Pixel p = stored;
-        if constexpr (Second >= 0) {
-            p = secondShare_[g2] != NoShift
-                    ? shiftedBy(p, add_[Second][g2], take_[Second][g2])
-                    : spreadInto<true>(p, kernel_, Second, quantise_(grey2));
-        }
-        if constexpr (Next >= 0) {
-            p = nextShare_[g1] != NoShift ? shiftedBy(p, add_[Next][g1], take_[Next][g1])
-                                          : spreadInto<true>(p, kernel_, Next, quantise_(grey1));
-        }
+        if constexpr (Second >= 0)
+            p = tiedBy(shiftedBy(p, add_[Second][g2], take_[Second][g2]), tie_[Second][g2]);
+        if constexpr (Next >= 0)
+            p = tiedBy(shiftedBy(p, add_[Next][g1], take_[Next][g1]), tie_[Next][g1]);
         return ditherGrey(redOf(p), greenOf(p), blueOf(p));
+    }
+
+    // One share on the row laid on the exact way where it needs to be.
+    Pixel ownShare(Pixel p, std::size_t tap, int grey) {
+        const auto g = static_cast<std::size_t>(grey);
+        if (grey == NoGrey) return p;
+        if (!ownExact_[g]) return tiedBy(shiftedBy(p, add_[tap][g], take_[tap][g]), tie_[tap][g]);
+        return spreadInto<true>(p, kernel_, tap, quantise_(grey));
+    }
+
+    // A share round(error * weight + old) as floor(error * weight) added to
+    // old, and where the product is a half, old + floor rounded to even:
+    // the tie. Known is false where the product is not exact in binary, so
+    // old decides in doubles.
+    struct Share {
+        bool known = false;
+        int floor = 0;
+        bool tie = false;
+    };
+    Share shareOf(std::size_t tap, int error) const {
+        const int shift = kernel_.shift(tap, error);
+        if (shift != DiffusionKernel::NoShift) return {true, shift, false};
+        const double product = error * kernel_.taps()[tap].weight;
+        const double floor = std::floor(product);
+        if (!Dyadic || product - floor != 0.5 || std::abs(product) > 512) return {};
+        return {true, static_cast<int>(floor), true};
     }
 
     [[gnu::always_inline]] void spreadBelow(Pixel* self, std::size_t tap, const Quantised& q) {
@@ -576,17 +624,17 @@ class RowDiffusion {
     bool byGreyAlone_;
     int fastFrom_; // the stretch of columns where no share is clamped
     int fastTo_;
-    // By grey, and nothing for NoGrey: the shares on the next two pixels.
-    std::array<int, 257> nextShare_{};
-    std::array<int, 257> secondShare_{};
-    // By grey: the new colour, and each share as the bytes to add and to
-    // take away; byShifts_ is false where some share rounds by the old value.
-    std::array<Pixel, 256> settledGrey_{};
+    // By grey, and nothing for NoGrey: each share as the bytes to add and
+    // to take away and, where it is a tie, a one in each colour byte;
+    // ownExact_ where a share on the row rounds by the old value in doubles.
     std::array<std::array<Pixel, 257>, Taps> add_{};
     std::array<std::array<Pixel, 257>, Taps> take_{};
+    std::array<std::array<Pixel, 257>, Taps> tie_{};
+    std::array<bool, 257> ownExact_{};
+    // By grey: the new colour; each share as a signed byte in the three
+    // colour bytes for the held pixels of the lower rows, where byShifts_.
+    std::array<Pixel, 256> settledGrey_{};
     std::array<bool, 256> byShifts_{};
-    // By grey, where byShifts_: each share as a signed byte in the three
-    // colour bytes, for the held pixels of the lower rows.
     std::array<std::array<Pixel, 256>, Taps> shareBytes_{};
 };
 

@@ -241,10 +241,13 @@ void withFilter(int filter, Body&& body) {
 //
 // quantise gives entry 0's colour and errors: from the grey with OneError
 // (the three errors equal), from the channels otherwise. It is called in
-// the wavefront's order, so it must not draw from the generator.
+// the wavefront's order, so it must not draw from the generator. byGrey,
+// where not null, is quantise called with the grey alone, whatever the
+// errors: the picture is then quantised by its grey.
 template <bool OneError, int Filter, typename Quantise>
 class RowDiffusion {
     using Shape = KernelShape<Filter>;
+    static constexpr bool GreyPath = std::is_invocable_r_v<Quantised, Quantise&, int>;
     static constexpr int Next = Shape::Next;
     static constexpr int Second = Shape::SecondNext;
     static constexpr int Left = Shape::LowerLeft;
@@ -261,37 +264,46 @@ class RowDiffusion {
     static constexpr int BandRows = 4;
     static constexpr int Lag = Shape::ReachLeft + Shape::ReachRight + 1;
 
-    // byGreyAlone: quantise(grey) depends on nothing but the grey, so the
-    // shares can be looked up by the grey that made them.
+    // With byGrey the shares are looked up by the grey that made them.
     RowDiffusion(Pixel* picture, int width, const Bounds& bounds, const DiffusionKernel& kernel,
-                 Quantise& quantise, bool byGreyAlone)
+                 Quantise& quantise, Quantise* byGrey)
         : picture_(picture), width_(width), bounds_(bounds), kernel_(kernel), quantise_(quantise),
-          byGreyAlone_(OneError && byGreyAlone), fastFrom_(bounds.left + Shape::ReachLeft),
+          byGrey_(byGrey), fastFrom_(bounds.left + Shape::ReachLeft),
           fastTo_(bounds.right - 1 - Shape::ReachRight) {
-        if constexpr (OneError) {
-            if (!byGreyAlone_) return;
+        if constexpr (GreyPath) {
+            if (byGrey_ == nullptr) return;
             for (int grey = 0; grey < 256; ++grey) {
-                const Quantised q = quantise_(grey);
+                const Quantised q = (*byGrey_)(grey);
                 const auto g = static_cast<std::size_t>(grey);
                 settledGrey_[g] =
                     withColour(0, toChannel(q.red), toChannel(q.green), toChannel(q.blue));
                 bool carried = true;
                 for (std::size_t t = 0; t < Taps; ++t) {
-                    const Share share = shareOf(t, q.errorRed);
-                    const bool onRow = Shape::Spec.taps[t].dy == 0;
-                    // A share the bytes cannot carry goes the exact way.
-                    if (onRow) {
-                        ownExact_[g] = ownExact_[g] || !share.known;
-                    } else {
-                        carried = carried && share.known && share.floor >= INT8_MIN &&
-                                  share.floor <= INT8_MAX;
+                    const std::array<Share, 3> share{
+                        shareOf(t, q.errorRed), shareOf(t, q.errorGreen), shareOf(t, q.errorBlue)};
+                    bool known = true, small = true;
+                    for (const Share& c : share) {
+                        known = known && c.known && c.floor >= -255 && c.floor <= 255;
+                        small = small && c.floor >= INT8_MIN && c.floor <= INT8_MAX;
                     }
-                    if (!share.known) continue;
-                    const auto bytes = [](int v) { return static_cast<Pixel>(v) * 0x010101u; };
-                    add_[t][g] = share.floor > 0 ? bytes(share.floor) : 0;
-                    take_[t][g] = share.floor < 0 ? bytes(-share.floor) : 0;
-                    tie_[t][g] = share.tie ? 0x010101u : 0;
-                    shareBytes_[t][g] = bytes(static_cast<std::uint8_t>(share.floor));
+                    // A share the bytes cannot carry goes the exact way.
+                    if (Shape::Spec.taps[t].dy == 0) {
+                        ownExact_[g] = ownExact_[g] || !known;
+                    } else {
+                        carried = carried && known && small;
+                    }
+                    if (!known) continue;
+                    // Red, green, blue into their colour bytes.
+                    const auto bytes = [&share](auto byteOf) {
+                        return static_cast<Pixel>(byteOf(share[0])) << 16 |
+                               static_cast<Pixel>(byteOf(share[1])) << 8 |
+                               static_cast<Pixel>(byteOf(share[2]));
+                    };
+                    add_[t][g] = bytes([](const Share& c) { return std::max(c.floor, 0); });
+                    take_[t][g] = bytes([](const Share& c) { return std::max(-c.floor, 0); });
+                    tie_[t][g] = bytes([](const Share& c) { return c.tie ? 1 : 0; });
+                    shareBytes_[t][g] =
+                        bytes([](const Share& c) { return static_cast<std::uint8_t>(c.floor); });
                 }
                 byShifts_[g] = carried;
             }
@@ -345,8 +357,8 @@ class RowDiffusion {
 
     template <typename Body>
     void withCursor(Body&& body) {
-        if constexpr (OneError) {
-            if (byGreyAlone_) {
+        if constexpr (GreyPath) {
+            if (byGrey_ != nullptr) {
                 body.template operator()<GreyCursor>();
                 return;
             }
@@ -495,7 +507,7 @@ class RowDiffusion {
             }
             (std::make_index_sequence<Shape::LowerCount>{});
         } else {
-            const Quantised q = quantise_(grey);
+            const Quantised q = (*byGrey_)(grey);
             [&]<std::size_t... I>(std::index_sequence<I...>) {
                 ((exactInWindow<Shape::Lower[I]>(c.window, q)), ...);
             }
@@ -518,12 +530,12 @@ class RowDiffusion {
         Pixel* row = c.row;
         if constexpr (Second >= 0) {
             if (c.grey2 != NoGrey)
-                row[to + 1] = spreadInto<true>(row[to + 1], kernel_, Second, quantise_(c.grey2));
+                row[to + 1] = spreadInto<false>(row[to + 1], kernel_, Second, (*byGrey_)(c.grey2));
         }
         if constexpr (Next >= 0)
-            row[to + 1] = spreadInto<true>(row[to + 1], kernel_, Next, quantise_(c.grey1));
+            row[to + 1] = spreadInto<false>(row[to + 1], kernel_, Next, (*byGrey_)(c.grey1));
         if constexpr (Second >= 0)
-            row[to + 2] = spreadInto<true>(row[to + 2], kernel_, Second, quantise_(c.grey1));
+            row[to + 2] = spreadInto<false>(row[to + 2], kernel_, Second, (*byGrey_)(c.grey1));
     }
 
     template <std::size_t Tap, typename Window>
@@ -538,7 +550,7 @@ class RowDiffusion {
     [[gnu::always_inline]] void exactInWindow(Window& window, const Quantised& q) const {
         constexpr KernelTap t = Shape::Spec.taps[Tap];
         Held& n = window[t.dy - 1][t.dx - Left];
-        n = hold(spreadInto<true>(release(n), kernel_, Tap, q));
+        n = hold(spreadInto<false>(release(n), kernel_, Tap, q));
     }
 
     // The grey of entry 0 after the held shares of the pixels before, given
@@ -565,7 +577,7 @@ class RowDiffusion {
         const auto g = static_cast<std::size_t>(grey);
         if (grey == NoGrey) return p;
         if (!ownExact_[g]) return tiedBy(shiftedBy(p, add_[tap][g], take_[tap][g]), tie_[tap][g]);
-        return spreadInto<true>(p, kernel_, tap, quantise_(grey));
+        return spreadInto<false>(p, kernel_, tap, (*byGrey_)(grey));
     }
 
     // A share round(error * weight + old) as floor(error * weight) added to
@@ -621,7 +633,7 @@ class RowDiffusion {
     Bounds bounds_;
     const DiffusionKernel& kernel_;
     Quantise& quantise_;
-    bool byGreyAlone_;
+    Quantise* byGrey_;
     int fastFrom_; // the stretch of columns where no share is clamped
     int fastTo_;
     // By grey, and nothing for NoGrey: each share as the bytes to add and

@@ -19,7 +19,8 @@ void Class_Dithering::rowsOf(int kernel, const ProcessRect& rect, const diffusio
                              bool inScanOrder) {
     diffusion::withFilter(kernel, [&](auto filter) {
         diffusion::RowDiffusion<OneError, decltype(filter)::value, Quantise> rows(
-            result().pixels().data(), result().width(), bounds, prepared, quantise, byGreyAlone);
+            result().pixels().data(), result().width(), bounds, prepared, quantise,
+            byGreyAlone ? &quantise : nullptr);
         // A band of rows runs at its first row; progress and cancel still
         // come once a row.
         int doneUntil = bounds.top;
@@ -92,14 +93,19 @@ void Class_Dithering::diffuseColorPaint(int kernel, const ProcessRect& rect) {
                                    result().width());
     const diffusion::Bounds bounds{span.firstColumn, span.firstRow, span.endColumn, span.endRow};
     // The grey indexes all three tables; each channel hands on the grey
-    // minus its own table value.
-    auto quantise = [&](int r, int g, int b) {
-        const auto grey = static_cast<std::size_t>(ditherGrey(r, g, b));
-        const int v = static_cast<int>(grey);
-        const int nr = LevelTableR[grey], ng = LevelTableG[grey], nb = LevelTableB[grey];
-        return Quantised{v, nr, ng, nb, v - nr, v - ng, v - nb};
-    };
-    rowsOf<false>(kernel, rect, bounds, prepared, quantise, false, false);
+    // minus its own table value. Called with the grey alone, the shares
+    // are looked up by grey.
+    struct ByGreyOrChannels {
+        const Class_Dithering& self;
+        Quantised operator()(int v) const {
+            const auto grey = static_cast<std::size_t>(v);
+            const int nr = self.LevelTableR[grey], ng = self.LevelTableG[grey],
+                      nb = self.LevelTableB[grey];
+            return Quantised{v, nr, ng, nb, v - nr, v - ng, v - nb};
+        }
+        Quantised operator()(int r, int g, int b) const { return (*this)(ditherGrey(r, g, b)); }
+    } quantise{*this};
+    rowsOf<false>(kernel, rect, bounds, prepared, quantise, true, false);
 }
 
 void Class_Dithering::Dither_ErrorDiffuse(std::int16_t filter, std::int16_t left, std::int16_t top,

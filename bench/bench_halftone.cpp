@@ -86,7 +86,8 @@ void BM_Halftone_Ordered8x8(benchmark::State& state) {
 }
 BENCHMARK(BM_Halftone_Ordered8x8)->Unit(benchmark::kMillisecond);
 
-// Floyd & Steinberg two-level, mono and colour, then the widest kernel.
+// Every kernel two-level in mono (filter, colour mode), and Floyd &
+// Steinberg in colour.
 void BM_Halftone_ErrorDiffuse(benchmark::State& state) {
     const auto filter = static_cast<std::int16_t>(state.range(0));
     const auto mode = static_cast<std::int16_t>(state.range(1));
@@ -97,8 +98,34 @@ void BM_Halftone_ErrorDiffuse(benchmark::State& state) {
 BENCHMARK(BM_Halftone_ErrorDiffuse)
     ->Args({1, 0})
     ->Args({1, 1})
+    ->Args({0, 0})
+    ->Args({2, 0})
+    ->Args({3, 0})
+    ->Args({4, 0})
+    ->Args({5, 0})
     ->Args({6, 0})
     ->Unit(benchmark::kMillisecond);
+
+// The entries that share the diffusion: Floyd & Steinberg (filter 2 of the
+// random list, 1 of the fixed one, 1 of the drawing-colour one), mono.
+void BM_Halftone_RandomErrorDiffuse(benchmark::State& state) {
+    ditherInPlace(
+        state, [](Class_Dithering& e) { e.Dither_ErrorDiffuseRandom(2, 0, 0, Side, Side, 0, 2); });
+}
+BENCHMARK(BM_Halftone_RandomErrorDiffuse)->Unit(benchmark::kMillisecond);
+
+void BM_Halftone_FixedErrorDiffuse(benchmark::State& state) {
+    ditherInPlace(state,
+                  [](Class_Dithering& e) { e.Dither_ErrorFixed(1, 0, 0, Side, Side, 0, 2, 42); });
+}
+BENCHMARK(BM_Halftone_FixedErrorDiffuse)->Unit(benchmark::kMillisecond);
+
+void BM_Halftone_ColorPaintDither(benchmark::State& state) {
+    ditherInPlace(state, [](Class_Dithering& e) {
+        e.Dither_ErrorDiffuseColorPaint(1, 0, 0, Side, Side, 0, 2);
+    });
+}
+BENCHMARK(BM_Halftone_ColorPaintDither)->Unit(benchmark::kMillisecond);
 
 void BM_Halftone_ErrorDiffusePhoto(benchmark::State& state) {
     runOneArray(state, bench::photoLikePicture(),

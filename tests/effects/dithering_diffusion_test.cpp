@@ -117,6 +117,58 @@ TEST_F(Diffusion, EveryKernelMatchesTheProcedureWrittenOut) {
     }
 }
 
+// Channels at and next to their limits, with some mid values: most shares
+// are limited, and a share that rounds by the old value meets odd and even
+// channels alike.
+Surface saturatedPicture(int width, int height, std::uint32_t seed) {
+    static constexpr std::array<int, 8> Values{0, 1, 2, 127, 128, 253, 254, 255};
+    auto next = [&seed] {
+        seed = seed * 1664525u + 1013904223u;
+        return Values[(seed >> 24) % Values.size()];
+    };
+    return makePicture(width, height, [&next](int, int) {
+        const int r = next();
+        const int g = next();
+        return makePixel(r, g, next());
+    });
+}
+
+TEST_F(Diffusion, RowsTogetherMatchTheRowsOneAfterTheOther) {
+    // Several rows run at once, each some columns behind the row above.
+    // Widths and heights around those lags (3 to 9 columns) and the four
+    // rows of a band, rectangles inside the picture, and rows too few for a
+    // band or so near the bottom that the kernel is clamped onto them.
+    const ProcessRect areas[] = {
+        {0, 0, 1, 14},  {5, 0, 7, 14},  {2, 1, 5, 13},  {0, 0, 40, 1}, {0, 0, 40, 2},
+        {3, 2, 37, 5},  {1, 0, 5, 14},  {4, 3, 10, 12}, {0, 1, 9, 14}, {2, 0, 13, 9},
+        {0, 0, 40, 14}, {7, 2, 26, 11}, {1, 4, 33, 10}, {0, 0, 19, 8}, {6, 5, 16, 6},
+    };
+    for (std::int16_t filter = 0; filter < 7; ++filter) {
+        const auto seed = static_cast<std::uint32_t>(filter);
+        for (const Surface& picture :
+             {noisePicture(40, 14, 11u + seed), saturatedPicture(40, 14, 5u + seed)}) {
+            for (const bool mono : {true, false}) {
+                for (const std::int16_t level : {2, 8}) {
+                    for (const ProcessRect& area : areas) {
+                        Surface expected = picture;
+                        literalDiffusion(expected, area, DiffusionKernels[filter], mono,
+                                         levelTable(level), exactError);
+                        const Surface got =
+                            run(picture, area, [&](Class_Dithering& e, ProcessRect r) {
+                                e.Dither_ErrorDiffuse(filter, r.left, r.top, r.right, r.bottom,
+                                                      mono ? 0 : 1, level);
+                            });
+                        ASSERT_EQ(got, expected)
+                            << "filter " << filter << " mono " << mono << " level " << level
+                            << " area " << area.left << "," << area.top << "," << area.right << ","
+                            << area.bottom;
+                    }
+                }
+            }
+        }
+    }
+}
+
 TEST_F(Diffusion, SmoothPicturesTakeTheHeldSharesWithoutLimitingAlike) {
     // Mid greys with small steps: the shares on the row are held back and
     // rarely limited, the path noise pictures seldom take.

@@ -102,10 +102,13 @@ class Class_Dithering : public PixelFrame {
     void diffuse(int kernel, const ProcessRect& rect, bool mono, std::int16_t level, ErrorSize size,
                  std::int16_t fixedError);
     void diffuseColorPaint(int kernel, const ProcessRect& rect);
-    // The rows top to bottom with the kernel compiled in.
+    // The rows top to bottom with the kernel compiled in: in a wavefront of
+    // several rows, or one after the other where quantise must be called
+    // in scan order.
     template <bool OneError, typename Quantise>
     void rowsOf(int kernel, const ProcessRect& rect, const diffusion::Bounds& bounds,
-                const DiffusionKernel& prepared, Quantise& quantise, bool byGreyAlone);
+                const DiffusionKernel& prepared, Quantise& quantise, bool byGreyAlone,
+                bool inScanOrder);
     void randomDither(const ProcessRect& rect, bool mono, std::int16_t level);
 
     LevelTable MonoLevelTable{};

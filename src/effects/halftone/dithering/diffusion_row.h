@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <type_traits>
 #include <utility>
@@ -100,6 +101,32 @@ using Held = Pixel;
 }
 #endif
 
+// A tie rounded to even: a byte that is odd after the share's floor goes
+// up by one (tie holds one in each colour byte where the share was a
+// half, else nothing), limited to 255. A share of a half always moves a
+// channel to an even value or to a limit, and adding floor first then
+// rounding up from odd gives exactly that, the limits included.
+[[nodiscard, gnu::always_inline]] inline Pixel tiedBy(Pixel p, Pixel tie) {
+#if defined(__SSE2__)
+    const __m128i v = _mm_cvtsi32_si128(static_cast<int>(p));
+    return static_cast<Pixel>(_mm_cvtsi128_si32(
+        _mm_adds_epu8(v, _mm_and_si128(v, _mm_cvtsi32_si128(static_cast<int>(tie))))));
+#else
+    const Pixel up = p & tie;
+    return shifted(p, (up >> 16) & 1, (up >> 8) & 1, up & 1);
+#endif
+}
+
+// The same for a held pixel: the bias of 128 keeps each byte's parity.
+[[nodiscard, gnu::always_inline]] inline Held tiedOn(Held h, Pixel tie) {
+#if defined(__SSE2__)
+    return {
+        _mm_adds_epi8(h.bytes, _mm_and_si128(h.bytes, _mm_cvtsi32_si128(static_cast<int>(tie))))};
+#else
+    return tiedBy(h, tie);
+#endif
+}
+
 // One share laid on a neighbour: each channel round(error * weight +
 // old), limited to 0..255. With OneError the three errors are equal.
 template <bool OneError>
@@ -166,6 +193,19 @@ struct KernelShape {
             dy = std::max<int>(dy, t.dy);
         return dy;
     }();
+    // The columns any share reaches, left and right of the pixel's own.
+    static constexpr int ReachLeft = [] {
+        int dx = 0;
+        for (const KernelTap& t : Spec.taps)
+            dx = std::max<int>(dx, -t.dx);
+        return dx;
+    }();
+    static constexpr int ReachRight = [] {
+        int dx = 0;
+        for (const KernelTap& t : Spec.taps)
+            dx = std::max<int>(dx, t.dx);
+        return dx;
+    }();
     static constexpr std::array<std::size_t, LowerCount> Lower = [] {
         std::array<std::size_t, LowerCount> lower{};
         std::size_t n = 0;
@@ -186,78 +226,200 @@ void withFilter(int filter, Body&& body) {
     call(std::make_integer_sequence<int, static_cast<int>(DiffusionKernels.size())>{});
 }
 
-// A row diffused in place, left to right, exactly as one pixel after the
+// Rows diffused in place, left to right, exactly as one pixel after the
 // other reading every entry, working out the shares from those values and
 // writing the entries from the last back to entry 0.
 //
+// Several rows run at once as a wavefront, each Lag columns behind the
+// row above. A pixel in flight touches only the columns within the
+// kernel's reach of its own (the pixels its shares are held in included),
+// and Lag lies past both reaches together, so no two rows in flight touch
+// one pixel in a step, and each pixel takes its shares row after row and
+// within a row in scan order, as one row after the other gives them. The
+// rows' chains of errors do not depend on one another, so the processor
+// overlaps them.
+//
 // quantise gives entry 0's colour and errors: from the grey with OneError
-// (the three errors equal), from the channels otherwise.
+// (the three errors equal), from the channels otherwise. It is called in
+// the wavefront's order, so it must not draw from the generator. byGrey,
+// where not null, is quantise called with the grey alone, whatever the
+// errors: the picture is then quantised by its grey.
 template <bool OneError, int Filter, typename Quantise>
 class RowDiffusion {
     using Shape = KernelShape<Filter>;
+    static constexpr bool GreyPath = std::is_invocable_r_v<Quantised, Quantise&, int>;
+    static constexpr int Next = Shape::Next;
+    static constexpr int Second = Shape::SecondNext;
+    static constexpr int Left = Shape::LowerLeft;
+    static constexpr int Width = Shape::LowerRight - Left + 1;
+    static constexpr int Rows = Shape::LowerRows;
+    static constexpr std::size_t Taps = Shape::Spec.taps.size();
+    // The grey before a stretch's first pixel: its shares are nothing.
+    static constexpr int NoGrey = 256;
+    // Weights of a power-of-two divisor are exact in binary, so a share
+    // that is a half is exactly one and rounds to even by old's parity.
+    static constexpr bool Dyadic = (Shape::Spec.divisor & (Shape::Spec.divisor - 1)) == 0;
 
   public:
-    // byGreyAlone: quantise(grey) depends on nothing but the grey, so the
-    // shares on the row can be looked up by the grey that made them.
+    static constexpr int BandRows = 4;
+    static constexpr int Lag = Shape::ReachLeft + Shape::ReachRight + 1;
+
+    // With byGrey the shares are looked up by the grey that made them.
     RowDiffusion(Pixel* picture, int width, const Bounds& bounds, const DiffusionKernel& kernel,
-                 Quantise& quantise, bool byGreyAlone)
+                 Quantise& quantise, Quantise* byGrey)
         : picture_(picture), width_(width), bounds_(bounds), kernel_(kernel), quantise_(quantise),
-          byGreyAlone_(OneError && byGreyAlone) {
-        if constexpr (OneError) {
-            if (!byGreyAlone_) return;
+          byGrey_(byGrey), fastFrom_(bounds.left + Shape::ReachLeft),
+          fastTo_(bounds.right - 1 - Shape::ReachRight) {
+        if constexpr (GreyPath) {
+            if (byGrey_ == nullptr) return;
             for (int grey = 0; grey < 256; ++grey) {
-                const int error = quantise_(grey).errorRed;
+                const Quantised q = (*byGrey_)(grey);
                 const auto g = static_cast<std::size_t>(grey);
-                if constexpr (Shape::Next >= 0) nextShare_[g] = kernel_.shift(Shape::Next, error);
-                if constexpr (Shape::SecondNext >= 0)
-                    secondShare_[g] = kernel_.shift(Shape::SecondNext, error);
-                const Quantised q = quantise_(grey);
                 settledGrey_[g] =
                     withColour(0, toChannel(q.red), toChannel(q.green), toChannel(q.blue));
-                bool exact = true;
+                bool carried = true;
                 for (std::size_t t = 0; t < Taps; ++t) {
-                    const int shift = kernel_.shift(t, error);
-                    // A share the held bytes cannot carry goes the exact way.
-                    exact = exact && shift != DiffusionKernel::NoShift && shift >= INT8_MIN &&
-                            shift <= INT8_MAX;
+                    const std::array<Share, 3> share{
+                        shareOf(t, q.errorRed), shareOf(t, q.errorGreen), shareOf(t, q.errorBlue)};
+                    bool known = true, small = true;
+                    for (const Share& c : share) {
+                        known = known && c.known && c.floor >= -255 && c.floor <= 255;
+                        small = small && c.floor >= INT8_MIN && c.floor <= INT8_MAX;
+                    }
+                    // A share the bytes cannot carry goes the exact way.
+                    if (Shape::Spec.taps[t].dy == 0) {
+                        ownExact_[g] = ownExact_[g] || !known;
+                    } else {
+                        carried = carried && known && small;
+                    }
+                    if (!known) continue;
+                    // Red, green, blue into their colour bytes.
+                    const auto bytes = [&share](auto byteOf) {
+                        return static_cast<Pixel>(byteOf(share[0])) << 16 |
+                               static_cast<Pixel>(byteOf(share[1])) << 8 |
+                               static_cast<Pixel>(byteOf(share[2]));
+                    };
+                    add_[t][g] = bytes([](const Share& c) { return std::max(c.floor, 0); });
+                    take_[t][g] = bytes([](const Share& c) { return std::max(-c.floor, 0); });
+                    tie_[t][g] = bytes([](const Share& c) { return c.tie ? 1 : 0; });
                     shareBytes_[t][g] =
-                        exact ? static_cast<Pixel>(static_cast<std::uint8_t>(shift)) * 0x010101u
-                              : 0;
-                    const auto bytes = [](int v) { return static_cast<Pixel>(v) * 0x010101u; };
-                    add_[t][g] = shift != DiffusionKernel::NoShift && shift > 0 ? bytes(shift) : 0;
-                    take_[t][g] =
-                        shift != DiffusionKernel::NoShift && shift < 0 ? bytes(-shift) : 0;
+                        bytes([](const Share& c) { return static_cast<std::uint8_t>(c.floor); });
                 }
-                byShifts_[g] = exact;
+                byShifts_[g] = carried;
             }
         }
     }
 
-    [[gnu::flatten]] void run(int y) {
-        Pixel* row = picture_ + static_cast<std::ptrdiff_t>(y) * width_;
-        const int fastFrom = bounds_.left + kernel_.reachLeft();
-        const int fastTo = bounds_.right - 1 - kernel_.reachRight();
-        if (y + kernel_.reachDown() > bounds_.bottom - 1 || fastFrom > fastTo) {
+    // One row alone.
+    void run(int y) {
+        if (y + Rows > bounds_.bottom - 1 || fastFrom_ > fastTo_) {
+            Pixel* row = rowAt(y);
             for (int x = bounds_.left; x < bounds_.right; ++x)
                 clampedStep(row, x, y);
             return;
         }
-        for (int x = bounds_.left; x < fastFrom; ++x)
-            clampedStep(row, x, y);
-        if constexpr (OneError) {
-            if (byGreyAlone_) {
-                innerByGrey(row, fastFrom, fastTo);
-            } else {
-                inner(row, fastFrom, fastTo);
-            }
-        } else {
-            inner(row, fastFrom, fastTo);
+        withCursor([&]<typename Cursor>() { runRows<Cursor, 1>(y); });
+    }
+
+    // The rows from y on: a band of BandRows where no share of theirs is
+    // clamped onto a lower row, else row y alone. Gives the rows done.
+    int runFrom(int y) {
+        if (y + BandRows - 1 + Rows > bounds_.bottom - 1 || fastFrom_ > fastTo_) {
+            run(y);
+            return 1;
         }
-        for (int x = fastTo + 1; x < bounds_.right; ++x)
-            clampedStep(row, x, y);
+        withCursor([&]<typename Cursor>() { runRows<Cursor, BandRows>(y); });
+        return BandRows;
     }
 
   private:
+    // A row's state along its stretch away from the edges: the shares on
+    // the row itself are held back until the pixel they land on is
+    // reached, so the row's chain of errors runs through registers rather
+    // than memory, and they are laid on in the order they were made.
+    struct ExactCursor {
+        Pixel* row = nullptr;
+        Quantised before1{}; // the pixel before, none (zero errors) at first
+        Quantised before2{};
+    };
+    // The same for a grey quantised by its grey alone, with everything a
+    // grey leads to looked up in tables made once. The pixels of the lower
+    // rows that the row's shares reach are held in a window while they
+    // take them, each loaded before its first share and stored after its
+    // last, so the shares follow one another in registers, in scan order.
+    struct GreyCursor {
+        Pixel* row = nullptr;
+        std::array<Pixel*, Rows> below{};
+        std::array<std::array<Held, Width>, Rows> window{};
+        int grey1 = NoGrey;
+        int grey2 = NoGrey;
+    };
+
+    template <typename Body>
+    void withCursor(Body&& body) {
+        if constexpr (GreyPath) {
+            if (byGrey_ != nullptr) {
+                body.template operator()<GreyCursor>();
+                return;
+            }
+        }
+        body.template operator()<ExactCursor>();
+    }
+
+    [[nodiscard]] Pixel* rowAt(int y) const {
+        return picture_ + static_cast<std::ptrdiff_t>(y) * width_;
+    }
+
+    // R rows from y0, row r at column left + t - r Lag in step t. Where
+    // every row is inside its stretch the steps run without a test.
+    template <typename Cursor, int R>
+    [[gnu::flatten]] void runRows(int y0) {
+        const int left = bounds_.left;
+        const int steps = bounds_.right - left + (R - 1) * Lag;
+        std::array<Cursor, R> cursors{};
+        for (int r = 0; r < R; ++r)
+            cursors[static_cast<std::size_t>(r)].row = rowAt(y0 + r);
+        auto anyStep = [&](int t) {
+            for (int r = 0; r < R; ++r)
+                stepAnywhere(cursors[static_cast<std::size_t>(r)], left + t - r * Lag, y0 + r);
+        };
+        const int steadyFrom = fastFrom_ - left + (R - 1) * Lag + 1;
+        const int steadyTo = fastTo_ - left;
+        int t = 0;
+        for (; t < std::min(steadyFrom, steps); ++t)
+            anyStep(t);
+        if (t < steadyTo) {
+            steady<Cursor, R>(cursors, left, t, steadyTo);
+            t = steadyTo;
+        }
+        for (; t < steps; ++t)
+            anyStep(t);
+    }
+
+    template <typename Cursor, int R>
+    [[gnu::always_inline]] void steady(std::array<Cursor, R>& cursors, int left, int from, int to) {
+        auto local = cursors;
+        for (int t = from; t < to; ++t) {
+            [&]<std::size_t... I>(std::index_sequence<I...>) {
+                (step(local[I], left + t - static_cast<int>(I) * Lag), ...);
+            }
+            (std::make_index_sequence<R>{});
+        }
+        cursors = local;
+    }
+
+    template <typename Cursor>
+    void stepAnywhere(Cursor& c, int x, int y) {
+        if (x < bounds_.left || x >= bounds_.right) return;
+        if (x < fastFrom_ || x > fastTo_) {
+            clampedStep(c.row, x, y);
+            return;
+        }
+        if (x == fastFrom_) begin(c);
+        step(c, x);
+        if (x == fastTo_) finish(c, x);
+    }
+
     Quantised quantiseChannels(Pixel p) {
         if constexpr (OneError) {
             return quantise_(ditherGrey(redOf(p), greenOf(p), blueOf(p)));
@@ -290,159 +452,150 @@ class RowDiffusion {
     }
 
     // Where no position is clamped every share lands on a pixel of its
-    // own, so the order of the writes does not matter. The shares on the
-    // row itself are held back until the pixel they land on is reached:
-    // the row's chain of errors then runs through registers rather than
-    // memory, and they are laid on in the order they were made.
-    void inner(Pixel* row, int from, int to) {
-        constexpr int next = Shape::Next;
-        constexpr int second = Shape::SecondNext;
-        // The errors of the two pixels before, while they lie in this
-        // stretch; shares of earlier pixels are in memory already.
-        Quantised before1{}, before2{};
-        bool hasBefore1 = false, hasBefore2 = false;
-        for (int x = from; x <= to; ++x) {
-            Pixel* self = row + x;
-            const Pixel stored = *self;
-            const bool fromSecond = hasBefore2 && second >= 0;
-            const bool fromNext = hasBefore1 && next >= 0;
-            const Quantised q = quantiseHeld(stored, fromSecond, before2, fromNext, before1);
-            *self = settled(stored, q);
-            [&]<std::size_t... I>(std::index_sequence<I...>) {
-                (spreadBelow(self, Shape::Lower[I], q), ...);
-            }
-            (std::make_index_sequence<Shape::LowerCount>{});
-            before2 = before1;
-            hasBefore2 = hasBefore1;
-            before1 = q;
-            hasBefore1 = true;
-        }
-        // The held shares of the last pixels go on the pixels after the stretch.
-        if constexpr (second >= 0) {
-            if (hasBefore2)
-                row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, second, before2);
-        }
-        if constexpr (next >= 0)
-            row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, next, before1);
-        if constexpr (second >= 0)
-            row[to + 2] = spreadInto<OneError>(row[to + 2], kernel_, second, before1);
+    // own, so the order of the writes does not matter.
+    void begin(ExactCursor& c) {
+        c.before1 = Quantised{};
+        c.before2 = Quantised{};
     }
 
-    // inner for a grey quantised by its grey alone, with everything a grey
-    // leads to looked up in tables made once. The pixels of the lower rows
-    // that this row's shares reach are held in a window while they take
-    // them, each loaded before its first share and stored after its last,
-    // so that the shares follow one another in registers, in scan order.
-    void innerByGrey(Pixel* row, int from, int to) {
-        constexpr int next = Shape::Next;
-        constexpr int second = Shape::SecondNext;
-        constexpr int Left = Shape::LowerLeft;
-        constexpr int Width = Shape::LowerRight - Left + 1;
-        constexpr int Rows = Shape::LowerRows;
-        std::array<Pixel*, Rows> below{};
-        std::array<std::array<Held, Width>, Rows> window{};
+    [[gnu::always_inline]] void step(ExactCursor& c, int x) {
+        Pixel* self = c.row + x;
+        const Pixel stored = *self;
+        const Quantised q = quantiseHeld(stored, c.before2, c.before1);
+        *self = settled(stored, q);
+        [&]<std::size_t... I>(std::index_sequence<I...>) {
+            (spreadBelow(self, Shape::Lower[I], q), ...);
+        }
+        (std::make_index_sequence<Shape::LowerCount>{});
+        c.before2 = c.before1;
+        c.before1 = q;
+    }
+
+    // The held shares of the last pixels go on the pixels after the stretch.
+    void finish(ExactCursor& c, int to) {
+        Pixel* row = c.row;
+        if constexpr (Second >= 0)
+            row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, Second, c.before2);
+        if constexpr (Next >= 0)
+            row[to + 1] = spreadInto<OneError>(row[to + 1], kernel_, Next, c.before1);
+        if constexpr (Second >= 0)
+            row[to + 2] = spreadInto<OneError>(row[to + 2], kernel_, Second, c.before1);
+    }
+
+    void begin(GreyCursor& c) {
         for (int r = 0; r < Rows; ++r) {
-            below[r] = row + static_cast<std::ptrdiff_t>(r + 1) * width_;
+            c.below[r] = c.row + static_cast<std::ptrdiff_t>(r + 1) * width_;
             for (int i = 0; i + 1 < Width; ++i)
-                window[r][i] = hold(below[r][from + Left + i]);
+                c.window[r][i] = hold(c.below[r][fastFrom_ + Left + i]);
         }
-        int grey1 = 0, grey2 = 0;
-        bool hasBefore1 = false, hasBefore2 = false;
-        for (int x = from; x <= to; ++x) {
-            for (int r = 0; r < Rows; ++r)
-                window[r][Width - 1] = hold(below[r][x + Left + Width - 1]);
-            const Pixel stored = row[x];
-            const int grey =
-                greyHeld(stored, second >= 0 && hasBefore2, grey2, next >= 0 && hasBefore1, grey1);
-            const auto g = static_cast<std::size_t>(grey);
-            row[x] = (stored & 0xFF000000u) | settledGrey_[g];
-            if (byShifts_[g]) {
-                [&]<std::size_t... I>(std::index_sequence<I...>) {
-                    ((shareInWindow<Shape::Lower[I]>(window, shareBytes_[Shape::Lower[I]][g])),
-                     ...);
-                }
-                (std::make_index_sequence<Shape::LowerCount>{});
-            } else {
-                const Quantised q = quantise_(grey);
-                [&]<std::size_t... I>(std::index_sequence<I...>) {
-                    ((exactInWindow<Shape::Lower[I]>(window, q)), ...);
-                }
-                (std::make_index_sequence<Shape::LowerCount>{});
+        c.grey1 = NoGrey;
+        c.grey2 = NoGrey;
+    }
+
+    [[gnu::always_inline]] void step(GreyCursor& c, int x) {
+        for (int r = 0; r < Rows; ++r)
+            c.window[r][Width - 1] = hold(c.below[r][x + Left + Width - 1]);
+        const Pixel stored = c.row[x];
+        const int grey = greyHeld(stored, c.grey2, c.grey1);
+        const auto g = static_cast<std::size_t>(grey);
+        c.row[x] = (stored & 0xFF000000u) | settledGrey_[g];
+        if (byShifts_[g]) {
+            [&]<std::size_t... I>(std::index_sequence<I...>) {
+                ((shareInWindow<Shape::Lower[I]>(c.window, shareBytes_[Shape::Lower[I]][g],
+                                                 tie_[Shape::Lower[I]][g])),
+                 ...);
             }
-            for (int r = 0; r < Rows; ++r) {
-                below[r][x + Left] = release(window[r][0]);
-                for (int i = 0; i + 1 < Width; ++i)
-                    window[r][i] = window[r][i + 1];
+            (std::make_index_sequence<Shape::LowerCount>{});
+        } else {
+            const Quantised q = (*byGrey_)(grey);
+            [&]<std::size_t... I>(std::index_sequence<I...>) {
+                ((exactInWindow<Shape::Lower[I]>(c.window, q)), ...);
             }
-            grey2 = grey1;
-            hasBefore2 = hasBefore1;
-            grey1 = grey;
-            hasBefore1 = true;
+            (std::make_index_sequence<Shape::LowerCount>{});
         }
         for (int r = 0; r < Rows; ++r) {
+            c.below[r][x + Left] = release(c.window[r][0]);
             for (int i = 0; i + 1 < Width; ++i)
-                below[r][to + 1 + Left + i] = release(window[r][i]);
+                c.window[r][i] = c.window[r][i + 1];
         }
-        // The held shares of the last pixels go on the pixels after the stretch.
-        if constexpr (second >= 0) {
-            if (hasBefore2)
-                row[to + 1] = spreadInto<true>(row[to + 1], kernel_, second, quantise_(grey2));
+        c.grey2 = c.grey1;
+        c.grey1 = grey;
+    }
+
+    void finish(GreyCursor& c, int to) {
+        for (int r = 0; r < Rows; ++r) {
+            for (int i = 0; i + 1 < Width; ++i)
+                c.below[r][to + 1 + Left + i] = release(c.window[r][i]);
         }
-        if constexpr (next >= 0)
-            row[to + 1] = spreadInto<true>(row[to + 1], kernel_, next, quantise_(grey1));
-        if constexpr (second >= 0)
-            row[to + 2] = spreadInto<true>(row[to + 2], kernel_, second, quantise_(grey1));
+        Pixel* row = c.row;
+        if constexpr (Second >= 0) {
+            if (c.grey2 != NoGrey)
+                row[to + 1] = spreadInto<false>(row[to + 1], kernel_, Second, (*byGrey_)(c.grey2));
+        }
+        if constexpr (Next >= 0)
+            row[to + 1] = spreadInto<false>(row[to + 1], kernel_, Next, (*byGrey_)(c.grey1));
+        if constexpr (Second >= 0)
+            row[to + 2] = spreadInto<false>(row[to + 2], kernel_, Second, (*byGrey_)(c.grey1));
     }
 
     template <std::size_t Tap, typename Window>
-    [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel shareBytes) {
+    [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel shareBytes, Pixel tie) {
         constexpr KernelTap t = Shape::Spec.taps[Tap];
-        Held& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
+        Held& n = window[t.dy - 1][t.dx - Left];
         n = sharedOn(n, shareBytes);
+        if constexpr (Dyadic) n = tiedOn(n, tie);
     }
 
     template <std::size_t Tap, typename Window>
     [[gnu::always_inline]] void exactInWindow(Window& window, const Quantised& q) const {
         constexpr KernelTap t = Shape::Spec.taps[Tap];
-        Held& n = window[t.dy - 1][t.dx - Shape::LowerLeft];
-        n = hold(spreadInto<true>(release(n), kernel_, Tap, q));
+        Held& n = window[t.dy - 1][t.dx - Left];
+        n = hold(spreadInto<false>(release(n), kernel_, Tap, q));
     }
 
     // The grey of entry 0 after the held shares of the pixels before, given
     // by their greys: the one from two pixels before first. Laid on by
     // saturating bytes, which needs no branch on where a channel is limited.
-    [[gnu::always_inline]] int greyHeld(Pixel stored, bool fromSecond, int grey2, bool fromNext,
-                                        int grey1) {
-        constexpr int NoShift = DiffusionKernel::NoShift;
+    [[gnu::always_inline]] int greyHeld(Pixel stored, int grey2, int grey1) {
         const auto g2 = static_cast<std::size_t>(grey2), g1 = static_cast<std::size_t>(grey1);
-        // While no channel is limited, a shift s moves 30 r + 59 g + 11 b
-        // by 100 s and so the grey by exactly s: the usual case in a
-        // picture with smooth areas.
-        const int s2 = fromSecond ? secondShare_[g2] : 0;
-        const int s1 = fromNext ? nextShare_[g1] : 0;
-        const int r = redOf(stored), g = greenOf(stored), b = blueOf(stored);
-        const int hundredfold = 30 * r + 59 * g + 11 * b;
-        const int total = s2 + s1;
-        if (s1 != NoShift && s2 != NoShift && hundredfold % 100 != 50 &&
-            std::min({r, g, b}) + std::min(s2, total) >= 0 &&
-            std::max({r, g, b}) + std::max(s2, total) <= 255)
-            return (hundredfold + 50) / 100 + total;
+        if (ownExact_[g2] || ownExact_[g1]) [[unlikely]] {
+            Pixel p = stored;
+            if constexpr (Second >= 0) p = ownShare(p, Second, grey2);
+            if constexpr (Next >= 0) p = ownShare(p, Next, grey1);
+            return ditherGrey(redOf(p), greenOf(p), blueOf(p));
+        }
         Pixel p = stored;
-        if constexpr (Shape::SecondNext >= 0) {
-            if (fromSecond) {
-                p = secondShare_[g2] != NoShift
-                        ? shiftedBy(p, add_[Shape::SecondNext][g2], take_[Shape::SecondNext][g2])
-                        : spreadInto<true>(p, kernel_, Shape::SecondNext, quantise_(grey2));
-            }
-        }
-        if constexpr (Shape::Next >= 0) {
-            if (fromNext) {
-                p = nextShare_[g1] != NoShift
-                        ? shiftedBy(p, add_[Shape::Next][g1], take_[Shape::Next][g1])
-                        : spreadInto<true>(p, kernel_, Shape::Next, quantise_(grey1));
-            }
-        }
+        if constexpr (Second >= 0)
+            p = tiedBy(shiftedBy(p, add_[Second][g2], take_[Second][g2]), tie_[Second][g2]);
+        if constexpr (Next >= 0)
+            p = tiedBy(shiftedBy(p, add_[Next][g1], take_[Next][g1]), tie_[Next][g1]);
         return ditherGrey(redOf(p), greenOf(p), blueOf(p));
+    }
+
+    // One share on the row laid on the exact way where it needs to be.
+    Pixel ownShare(Pixel p, std::size_t tap, int grey) {
+        const auto g = static_cast<std::size_t>(grey);
+        if (grey == NoGrey) return p;
+        if (!ownExact_[g]) return tiedBy(shiftedBy(p, add_[tap][g], take_[tap][g]), tie_[tap][g]);
+        return spreadInto<false>(p, kernel_, tap, (*byGrey_)(grey));
+    }
+
+    // A share round(error * weight + old) as floor(error * weight) added to
+    // old, and where the product is a half, old + floor rounded to even:
+    // the tie. Known is false where the product is not exact in binary, so
+    // old decides in doubles.
+    struct Share {
+        bool known = false;
+        int floor = 0;
+        bool tie = false;
+    };
+    Share shareOf(std::size_t tap, int error) const {
+        const int shift = kernel_.shift(tap, error);
+        if (shift != DiffusionKernel::NoShift) return {true, shift, false};
+        const double product = error * kernel_.taps()[tap].weight;
+        const double floor = std::floor(product);
+        if (!Dyadic || product - floor != 0.5 || std::abs(product) > 512) return {};
+        return {true, static_cast<int>(floor), true};
     }
 
     [[gnu::always_inline]] void spreadBelow(Pixel* self, std::size_t tap, const Quantised& q) {
@@ -453,19 +606,13 @@ class RowDiffusion {
 
     // Entry 0 quantised after the held shares: the one from two pixels
     // before first, then the one from the pixel before.
-    Quantised quantiseHeld(Pixel stored, bool fromSecond, const Quantised& before2, bool fromNext,
-                           const Quantised& before1) {
+    [[gnu::always_inline]] Quantised quantiseHeld(Pixel stored, const Quantised& before2,
+                                                  const Quantised& before1) {
         if constexpr (OneError) {
             // While no channel is limited, a shift s moves 30 r + 59 g + 11 b
             // by 100 s and so the grey by exactly s.
-            // Looked up by grey the share on the next pixel is one load
-            // from the grey before: the row's chain of dependent steps.
-            auto share = [&](int tap, const std::array<int, 256>& byGrey, const Quantised& q) {
-                return byGreyAlone_ ? byGrey[static_cast<std::size_t>(q.grey)]
-                                    : kernel_.shift(static_cast<std::size_t>(tap), q.errorRed);
-            };
-            const int s2 = fromSecond ? share(Shape::SecondNext, secondShare_, before2) : 0;
-            const int s1 = fromNext ? share(Shape::Next, nextShare_, before1) : 0;
+            const int s2 = Second >= 0 ? kernel_.shift(Second, before2.errorRed) : 0;
+            const int s1 = Next >= 0 ? kernel_.shift(Next, before1.errorRed) : 0;
             const int r = redOf(stored), g = greenOf(stored), b = blueOf(stored);
             const int hundredfold = 30 * r + 59 * g + 11 * b;
             const int low = std::min({r, g, b}), high = std::max({r, g, b});
@@ -476,11 +623,8 @@ class RowDiffusion {
             if (exact) return quantise_((hundredfold + 50) / 100 + total);
         }
         Pixel p = stored;
-        if (fromSecond)
-            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(Shape::SecondNext),
-                                     before2);
-        if (fromNext)
-            p = spreadInto<OneError>(p, kernel_, static_cast<std::size_t>(Shape::Next), before1);
+        if constexpr (Second >= 0) p = spreadInto<OneError>(p, kernel_, Second, before2);
+        if constexpr (Next >= 0) p = spreadInto<OneError>(p, kernel_, Next, before1);
         return quantiseChannels(p);
     }
 
@@ -489,18 +633,20 @@ class RowDiffusion {
     Bounds bounds_;
     const DiffusionKernel& kernel_;
     Quantise& quantise_;
-    bool byGreyAlone_;
-    static constexpr std::size_t Taps = Shape::Spec.taps.size();
-    std::array<int, 256> nextShare_{};
-    std::array<int, 256> secondShare_{};
-    // By grey: the new colour, and each share as the bytes to add and to
-    // take away; byShifts_ is false where some share rounds by the old value.
+    Quantise* byGrey_;
+    int fastFrom_; // the stretch of columns where no share is clamped
+    int fastTo_;
+    // By grey, and nothing for NoGrey: each share as the bytes to add and
+    // to take away and, where it is a tie, a one in each colour byte;
+    // ownExact_ where a share on the row rounds by the old value in doubles.
+    std::array<std::array<Pixel, 257>, Taps> add_{};
+    std::array<std::array<Pixel, 257>, Taps> take_{};
+    std::array<std::array<Pixel, 257>, Taps> tie_{};
+    std::array<bool, 257> ownExact_{};
+    // By grey: the new colour; each share as a signed byte in the three
+    // colour bytes for the held pixels of the lower rows, where byShifts_.
     std::array<Pixel, 256> settledGrey_{};
-    std::array<std::array<Pixel, 256>, Taps> add_{};
-    std::array<std::array<Pixel, 256>, Taps> take_{};
     std::array<bool, 256> byShifts_{};
-    // By grey, where byShifts_: each share as a signed byte in the three
-    // colour bytes, for the held pixels of the lower rows.
     std::array<std::array<Pixel, 256>, Taps> shareBytes_{};
 };
 

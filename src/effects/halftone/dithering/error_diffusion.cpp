@@ -15,12 +15,24 @@ int withSign(int error, int magnitude) {
 
 template <bool OneError, typename Quantise>
 void Class_Dithering::rowsOf(int kernel, const ProcessRect& rect, const diffusion::Bounds& bounds,
-                             const DiffusionKernel& prepared, Quantise& quantise,
-                             bool byGreyAlone) {
+                             const DiffusionKernel& prepared, Quantise& quantise, bool byGreyAlone,
+                             bool inScanOrder) {
     diffusion::withFilter(kernel, [&](auto filter) {
         diffusion::RowDiffusion<OneError, decltype(filter)::value, Quantise> rows(
-            result().pixels().data(), result().width(), bounds, prepared, quantise, byGreyAlone);
-        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) { rows.run(y); });
+            result().pixels().data(), result().width(), bounds, prepared, quantise,
+            byGreyAlone ? &quantise : nullptr);
+        // A band of rows runs at its first row; progress and cancel still
+        // come once a row.
+        int doneUntil = bounds.top;
+        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) {
+            if (y < doneUntil) return;
+            if (inScanOrder) {
+                rows.run(y);
+                doneUntil = y + 1;
+            } else {
+                doneUntil = y + rows.runFrom(y);
+            }
+        });
     });
 }
 
@@ -48,15 +60,17 @@ void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, st
         return error;
     };
 
-    // Each row takes the shares of the rows above it, and the random sizes
-    // come from the one generator in scan order.
+    // Each row takes the shares of the rows above it. The random sizes come
+    // from the one generator in scan order, so those rows run one after the
+    // other; the others in a wavefront.
+    const bool inScanOrder = size == ErrorSize::Random;
     if (mono) {
         auto quantise = [&](int grey) {
             const int v = MonoLevelTable[static_cast<std::size_t>(grey)];
             const int e = resize(grey - v);
             return Quantised{grey, v, v, v, e, e, e};
         };
-        rowsOf<true>(kernel, rect, bounds, prepared, quantise, size != ErrorSize::Random);
+        rowsOf<true>(kernel, rect, bounds, prepared, quantise, !inScanOrder, inScanOrder);
     } else {
         auto quantise = [&](int r, int g, int b) {
             Quantised q{0, LevelTableR[static_cast<std::size_t>(r)],
@@ -67,7 +81,7 @@ void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, st
             q.errorBlue = resize(b - q.blue);
             return q;
         };
-        rowsOf<false>(kernel, rect, bounds, prepared, quantise, false);
+        rowsOf<false>(kernel, rect, bounds, prepared, quantise, false, inScanOrder);
     }
 }
 
@@ -79,14 +93,19 @@ void Class_Dithering::diffuseColorPaint(int kernel, const ProcessRect& rect) {
                                    result().width());
     const diffusion::Bounds bounds{span.firstColumn, span.firstRow, span.endColumn, span.endRow};
     // The grey indexes all three tables; each channel hands on the grey
-    // minus its own table value.
-    auto quantise = [&](int r, int g, int b) {
-        const auto grey = static_cast<std::size_t>(ditherGrey(r, g, b));
-        const int v = static_cast<int>(grey);
-        const int nr = LevelTableR[grey], ng = LevelTableG[grey], nb = LevelTableB[grey];
-        return Quantised{v, nr, ng, nb, v - nr, v - ng, v - nb};
-    };
-    rowsOf<false>(kernel, rect, bounds, prepared, quantise, false);
+    // minus its own table value. Called with the grey alone, the shares
+    // are looked up by grey.
+    struct ByGreyOrChannels {
+        const Class_Dithering& self;
+        Quantised operator()(int v) const {
+            const auto grey = static_cast<std::size_t>(v);
+            const int nr = self.LevelTableR[grey], ng = self.LevelTableG[grey],
+                      nb = self.LevelTableB[grey];
+            return Quantised{v, nr, ng, nb, v - nr, v - ng, v - nb};
+        }
+        Quantised operator()(int r, int g, int b) const { return (*this)(ditherGrey(r, g, b)); }
+    } quantise{*this};
+    rowsOf<false>(kernel, rect, bounds, prepared, quantise, true, false);
 }
 
 void Class_Dithering::Dither_ErrorDiffuse(std::int16_t filter, std::int16_t left, std::int16_t top,

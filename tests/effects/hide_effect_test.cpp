@@ -145,7 +145,9 @@ TEST_F(HideEffectTest, InkDiscsLiftThePictureByHalfTheBlock) {
         // or the clamp.
         EXPECT_GT(levels.size(), 1u);
         for (const int level : levels) {
-            if (level != 255) EXPECT_EQ((level - 100) % lift, 0) << level;
+            if (level != 255) {
+                EXPECT_EQ((level - 100) % lift, 0) << level;
+            }
         }
     }
 }

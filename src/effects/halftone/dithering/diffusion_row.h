@@ -157,11 +157,11 @@ template <bool OneError>
 // none) and those on lower rows.
 template <int Filter>
 struct KernelShape {
-    static constexpr KernelSpec Spec = DiffusionKernels[Filter];
+    static constexpr KernelSpec Kernel = DiffusionKernels[Filter];
 
     static constexpr int tapAt(int dx) {
-        for (std::size_t t = 0; t < Spec.taps.size(); ++t) {
-            if (Spec.taps[t].dy == 0 && Spec.taps[t].dx == dx) return static_cast<int>(t);
+        for (std::size_t t = 0; t < Kernel.taps.size(); ++t) {
+            if (Kernel.taps[t].dy == 0 && Kernel.taps[t].dx == dx) return static_cast<int>(t);
         }
         return -1;
     }
@@ -170,47 +170,47 @@ struct KernelShape {
 
     static constexpr std::size_t LowerCount = [] {
         std::size_t n = 0;
-        for (const KernelTap& t : Spec.taps)
+        for (const KernelTap& t : Kernel.taps)
             n += t.dy > 0 ? 1 : 0;
         return n;
     }();
     // The columns the lower shares reach, from the pixel's own.
     static constexpr int LowerLeft = [] {
         int dx = 0;
-        for (const KernelTap& t : Spec.taps)
+        for (const KernelTap& t : Kernel.taps)
             dx = t.dy > 0 ? std::min<int>(dx, t.dx) : dx;
         return dx;
     }();
     static constexpr int LowerRight = [] {
         int dx = 0;
-        for (const KernelTap& t : Spec.taps)
+        for (const KernelTap& t : Kernel.taps)
             dx = t.dy > 0 ? std::max<int>(dx, t.dx) : dx;
         return dx;
     }();
     static constexpr int LowerRows = [] {
         int dy = 0;
-        for (const KernelTap& t : Spec.taps)
+        for (const KernelTap& t : Kernel.taps)
             dy = std::max<int>(dy, t.dy);
         return dy;
     }();
     // The columns any share reaches, left and right of the pixel's own.
     static constexpr int ReachLeft = [] {
         int dx = 0;
-        for (const KernelTap& t : Spec.taps)
+        for (const KernelTap& t : Kernel.taps)
             dx = std::max<int>(dx, -t.dx);
         return dx;
     }();
     static constexpr int ReachRight = [] {
         int dx = 0;
-        for (const KernelTap& t : Spec.taps)
+        for (const KernelTap& t : Kernel.taps)
             dx = std::max<int>(dx, t.dx);
         return dx;
     }();
     static constexpr std::array<std::size_t, LowerCount> Lower = [] {
         std::array<std::size_t, LowerCount> lower{};
         std::size_t n = 0;
-        for (std::size_t t = 0; t < Spec.taps.size(); ++t) {
-            if (Spec.taps[t].dy > 0) lower[n++] = t;
+        for (std::size_t t = 0; t < Kernel.taps.size(); ++t) {
+            if (Kernel.taps[t].dy > 0) lower[n++] = t;
         }
         return lower;
     }();
@@ -253,12 +253,12 @@ class RowDiffusion {
     static constexpr int Left = Shape::LowerLeft;
     static constexpr int Width = Shape::LowerRight - Left + 1;
     static constexpr int Rows = Shape::LowerRows;
-    static constexpr std::size_t Taps = Shape::Spec.taps.size();
+    static constexpr std::size_t Taps = Shape::Kernel.taps.size();
     // The grey before a stretch's first pixel: its shares are nothing.
     static constexpr int NoGrey = 256;
     // Weights of a power-of-two divisor are exact in binary, so a share
     // that is a half is exactly one and rounds to even by old's parity.
-    static constexpr bool Dyadic = (Shape::Spec.divisor & (Shape::Spec.divisor - 1)) == 0;
+    static constexpr bool Dyadic = (Shape::Kernel.divisor & (Shape::Kernel.divisor - 1)) == 0;
 
   public:
     static constexpr int BandRows = 4;
@@ -287,7 +287,7 @@ class RowDiffusion {
                         small = small && c.floor >= INT8_MIN && c.floor <= INT8_MAX;
                     }
                     // A share the bytes cannot carry goes the exact way.
-                    if (Shape::Spec.taps[t].dy == 0) {
+                    if (Shape::Kernel.taps[t].dy == 0) {
                         ownExact_[g] = ownExact_[g] || !known;
                     } else {
                         carried = carried && known && small;
@@ -540,7 +540,7 @@ class RowDiffusion {
 
     template <std::size_t Tap, typename Window>
     [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel shareBytes, Pixel tie) {
-        constexpr KernelTap t = Shape::Spec.taps[Tap];
+        constexpr KernelTap t = Shape::Kernel.taps[Tap];
         Held& n = window[t.dy - 1][t.dx - Left];
         n = sharedOn(n, shareBytes);
         if constexpr (Dyadic) n = tiedOn(n, tie);
@@ -548,7 +548,7 @@ class RowDiffusion {
 
     template <std::size_t Tap, typename Window>
     [[gnu::always_inline]] void exactInWindow(Window& window, const Quantised& q) const {
-        constexpr KernelTap t = Shape::Spec.taps[Tap];
+        constexpr KernelTap t = Shape::Kernel.taps[Tap];
         Held& n = window[t.dy - 1][t.dx - Left];
         n = hold(spreadInto<false>(release(n), kernel_, Tap, q));
     }
@@ -599,7 +599,7 @@ class RowDiffusion {
     }
 
     [[gnu::always_inline]] void spreadBelow(Pixel* self, std::size_t tap, const Quantised& q) {
-        const KernelTap& t = Shape::Spec.taps[tap];
+        const KernelTap& t = Shape::Kernel.taps[tap];
         Pixel* n = self + static_cast<std::ptrdiff_t>(t.dy) * width_ + t.dx;
         *n = spreadInto<OneError>(*n, kernel_, tap, q);
     }

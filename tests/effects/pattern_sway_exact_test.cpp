@@ -91,12 +91,15 @@ INSTANTIATE_TEST_SUITE_P(
             "Cycle3Catalogue", 0, 0, 67, 23, {0, 0, 67, 23}, {138, 170, 128, 170, 118, 170}, 2},
         SwayCase{"Cycle3FarAngles", 0, 0, 40, 9, {0, 0, 40, 9}, {1, 3, 2, 5, 1, 7}, 10000},
         SwayCase{"InnerRect", 2, 6, 50, 30, {7, 4, 43, 27}, {30, 45, 25, 50, 20, 60}},
+        // Rows longer than the runs of columns the field works in.
+        SwayCase{"Sway1LongRows", 1, 0, 1100, 3, {0, 0, 1100, 3}, {138, 170, 128, 60, 118, 20}},
+        SwayCase{"Sway2LongInner", 2, 0, 1100, 4, {5, 1, 1093, 4}, {138, 170, 128, 60, 118, 20}},
         SwayCase{"Tangents", 3, 2, 41, 17, {0, 0, 41, 17}, {1, 4, 3, 8, 2, 9}},
         SwayCase{"Sway4Tangent", 4, 10, 41, 17, {0, 0, 41, 17}, {5, 4, 3, 8, 2, 9}},
         SwayCase{"Sway1Mixed", 1, 5, 71, 13, {0, 0, 71, 13}, {30, 45, 25, 50, 20, 60}},
         SwayCase{"BeyondTheList", 1, 12, 24, 24, {0, 0, 24, 24}, {1, 2, 4, 8, 16, 32}},
         SwayCase{"BeyondTheListTwice", 0, 12, 24, 24, {0, 0, 24, 24}, {3, 4, 6, 8, 12, 16}, 0.5}),
-    [](const ::testing::TestParamInfo<SwayCase>& info) { return std::string(info.param.name); });
+    [](const ::testing::TestParamInfo<SwayCase>& p) { return std::string(p.param.name); });
 
 } // namespace
 } // namespace lumiran::testing

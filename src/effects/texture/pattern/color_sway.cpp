@@ -14,13 +14,6 @@ namespace {
 
 constexpr double Pi = 3.14159;
 
-// Room for one row of one channel.
-struct RowScratch {
-    explicit RowScratch(std::size_t n) : u(n), v(n), across(n), down(n), unsure(n) {}
-    std::vector<double> u, v, across, down;
-    std::vector<std::uint8_t> unsure;
-};
-
 // One channel's field, round(((sin(n u pi / A) + 1) / 2) ((cos(n v pi / W)
 // + 1) / 2) 255): the sine's divisor is the amplitude and the cosine's the
 // wave, as written. Where u follows x alone its factor is worked out once a
@@ -28,56 +21,72 @@ struct RowScratch {
 // The others come from the vector sine and cosine, a few units in the last
 // place from the library's: the product moves by far less than a
 // millionth, so only a pixel that close to a half (or not a number) can
-// round otherwise, and it is redone with the library's.
+// round otherwise, and it is redone with the library's. Rows go in runs of
+// columns held on the stack: a heap buffer a row costs more than the sines
+// where the allocator hands pages back and forth.
 class ChannelField {
   public:
+    static constexpr std::size_t Run = pattern::SwayField::RunColumns;
+
     ChannelField(const pattern::SwayLaw& law, double amplitude, double wave, double degree,
                  int firstColumn, int endColumn)
         : field_(law, amplitude, wave, firstColumn, endColumn), amplitude_(amplitude), wave_(wave),
           degree_(degree), firstColumn_(firstColumn) {
-        if (!field_.uFollowsX() || endColumn <= firstColumn) return;
-        RowScratch s(static_cast<std::size_t>(endColumn - firstColumn));
-        field_.row(0, firstColumn, endColumn, s.u, s.v);
-        for (const double u : s.u)
-            columnAcross_.push_back(across(u));
+        if (!field_.uFollowsX()) return;
+        double u[Run], v[Run];
+        for (int first = firstColumn; first < endColumn; first += static_cast<int>(Run)) {
+            const int end = std::min(endColumn, first + static_cast<int>(Run));
+            const auto n = static_cast<std::size_t>(end - first);
+            field_.row(0, first, end, {u, n}, {v, n});
+            for (std::size_t i = 0; i < n; ++i)
+                columnAcross_.push_back(across(u[i]));
+        }
     }
 
     // The row's channel values for the columns first..end-1.
-    void fillRow(int y, int first, int end, std::span<std::int16_t> out, RowScratch& s) const {
+    void fillRow(int y, int first, int end, std::span<std::int16_t> out) const {
+        for (int from = first; from < end; from += static_cast<int>(Run)) {
+            const int to = std::min(end, from + static_cast<int>(Run));
+            fillRun(y, from, to, out.subspan(static_cast<std::size_t>(from - first)));
+        }
+    }
+
+  private:
+    // At most Run columns.
+    void fillRun(int y, int first, int end, std::span<std::int16_t> out) const {
         const auto n = static_cast<std::size_t>(end - first);
-        const std::span<double> u(s.u.data(), n), v(s.v.data(), n);
-        const std::span<double> a(s.across.data(), n), d(s.down.data(), n);
-        field_.row(y, first, end, u, v);
+        double u[Run], v[Run], a[Run], d[Run];
+        std::uint8_t unsure[Run];
+        field_.row(y, first, end, {u, n}, {v, n});
         if (!columnAcross_.empty()) {
             const double* table = columnAcross_.data() + (first - firstColumn_);
-            std::copy(table, table + n, a.begin());
+            std::copy(table, table + n, a);
         } else {
             for (std::size_t i = 0; i < n; ++i)
                 a[i] = degree_ * u[i] * Pi / amplitude_;
-            trig::sine(a, a);
-            for (double& value : a)
-                value = (value + 1) / 2;
+            trig::sine({a, n}, {a, n});
+            for (std::size_t i = 0; i < n; ++i)
+                a[i] = (a[i] + 1) / 2;
         }
         const bool rowDown = field_.vFollowsY();
         if (rowDown) {
-            std::fill(d.begin(), d.end(), n > 0 ? down(v[0]) : 0.0);
+            std::fill(d, d + n, n > 0 ? down(v[0]) : 0.0);
         } else {
             for (std::size_t i = 0; i < n; ++i)
                 d[i] = degree_ * v[i] * Pi / wave_;
-            trig::cosine(d, d);
-            for (double& value : d)
-                value = (value + 1) / 2;
+            trig::cosine({d, n}, {d, n});
+            for (std::size_t i = 0; i < n; ++i)
+                d[i] = (d[i] + 1) / 2;
         }
-        if (roundRow(a.data(), d.data(), out.data(), s.unsure.data(), n) == 0) return;
+        if (roundRow(a, d, out.data(), unsure, n) == 0) return;
         for (std::size_t i = 0; i < n; ++i) {
-            if (s.unsure[i] == 0) continue;
+            if (unsure[i] == 0) continue;
             const double ai = columnAcross_.empty() ? across(u[i]) : a[i];
             const double di = rowDown ? d[i] : down(v[i]);
             out[i] = roundTo<std::int16_t>(ai * di * 255);
         }
     }
 
-  private:
     [[nodiscard]] double across(double u) const {
         return (std::sin(degree_ * u * Pi / amplitude_) + 1) / 2;
     }
@@ -127,10 +136,9 @@ void Class_Pattern::colorSway(int sway, std::int16_t weight, std::uint8_t type,
         };
         const ChannelField channels[3] = {channel(0), channel(1), channel(2)};
         blendPatternRows(rect, weight, [&](int y, int first, int end, pattern::RowColours p) {
-            RowScratch scratch(static_cast<std::size_t>(end - first));
-            channels[0].fillRow(y, first, end, p.red, scratch);
-            channels[1].fillRow(y, first, end, p.green, scratch);
-            channels[2].fillRow(y, first, end, p.blue, scratch);
+            channels[0].fillRow(y, first, end, p.red);
+            channels[1].fillRow(y, first, end, p.green);
+            channels[2].fillRow(y, first, end, p.blue);
         });
     });
 }

@@ -242,7 +242,7 @@ std::array<double, SwayField::Terms> SwayField::rowTerms(double y) const {
 }
 
 void SwayField::row(int y, int first, int end, std::span<double> u, std::span<double> v) const {
-    const auto n = static_cast<std::size_t>(end - first);
+    const auto n = std::min(static_cast<std::size_t>(end - first), RunColumns);
     const std::array<double, Terms> rowTerm = rowTerms(y);
     const auto i0 = static_cast<std::size_t>(first - firstColumn_);
     const double dy = y;
@@ -252,11 +252,11 @@ void SwayField::row(int y, int first, int end, std::span<double> u, std::span<do
         pu[i] = first + static_cast<int>(i);
         pv[i] = dy;
     }
-    std::vector<double> sums(n);
-    double* __restrict value = sums.data();
+    double sums[RunColumns];
+    double* __restrict value = sums;
     for (std::uint8_t s = 0; s < law_.count; ++s) {
         const LawStep& step = law_.steps[s];
-        std::fill(sums.begin(), sums.end(), 0.0);
+        std::fill(value, value + n, 0.0);
         // Term by term in order, as applyLaw adds them.
         for (std::uint8_t t = 0; t < step.count; ++t) {
             const WaveTerm& w = step.terms[t];

@@ -50,8 +50,11 @@ class SwayField {
   public:
     SwayField(const SwayLaw& law, double amplitude, double wave, int firstColumn, int endColumn);
 
-    // u and v of the columns first..end-1 of row y into u and v, as long as
-    // the run of columns.
+    // The longest run of columns row() takes at once.
+    static constexpr std::size_t RunColumns = 512;
+
+    // u and v of the columns first..end-1 of row y (at most RunColumns of
+    // them) into u and v, as long as the run.
     void row(int y, int first, int end, std::span<double> u, std::span<double> v) const;
 
     // Whether u depends on x alone and v on y alone.

@@ -84,7 +84,7 @@ void BM_Pattern_ColorSway1(benchmark::State& state) {
         e.Color_Sway1(0, 0, 0, 0, Side, Side, 138, 170, 128, 170, 118, 170);
     });
 }
-BENCHMARK(BM_Pattern_ColorSway1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Pattern_ColorSway1)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
 
 void BM_Pattern_ColorSway(benchmark::State& state) {
     const auto sway = static_cast<int>(state.range(0));
@@ -95,7 +95,12 @@ void BM_Pattern_ColorSway(benchmark::State& state) {
         (e.*call)(0, 0, 0, 0, Side, Side, 138, 170, 128, 170, 118, 170);
     });
 }
-BENCHMARK(BM_Pattern_ColorSway)->Arg(2)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Pattern_ColorSway)
+    ->Arg(2)
+    ->Arg(3)
+    ->Arg(4)
+    ->MeasureProcessCPUTime()
+    ->Unit(benchmark::kMillisecond);
 
 void BM_Pattern_FF1(benchmark::State& state) {
     patternPass(state,
@@ -114,7 +119,7 @@ void BM_Pattern_FF3(benchmark::State& state) {
         e.FF3(0, 0, 0, 0, Side, Side, 138, 170, 128, 170, 118, 170, 2);
     });
 }
-BENCHMARK(BM_Pattern_FF3)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Pattern_FF3)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
 
 void BM_Pattern_ColorTile2(benchmark::State& state) {
     patternPass(state, [](Class_Pattern& e) {

@@ -1,5 +1,6 @@
 #include "effects/texture/pattern/sway_laws.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lumiran::pattern {
@@ -151,21 +152,8 @@ Coordinates applyLaw(const SwayLaw& law, double x, double y, double amplitude, d
 
 SwayField::SwayField(const SwayLaw& law, double amplitude, double wave, int firstColumn,
                      int endColumn)
-    : law_(law), amplitude_(amplitude), wave_(wave), firstColumn_(firstColumn) {
-    for (int x = firstColumn; x < endColumn; ++x) {
-        for (std::uint8_t s = 0; s < law.count; ++s) {
-            for (std::uint8_t t = 0; t < law.steps[s].count; ++t) {
-                const WaveTerm& w = law.steps[s].terms[t];
-                columnTerms_.push_back(w.of == Axis::X ? term(w, x) : 0);
-            }
-            for (std::uint8_t t = law.steps[s].count; t < 2; ++t)
-                columnTerms_.push_back(0);
-        }
-        for (std::uint8_t s = law.count; s < 3; ++s) {
-            columnTerms_.push_back(0);
-            columnTerms_.push_back(0);
-        }
-    }
+    : law_(law), amplitude_(amplitude), wave_(wave), firstColumn_(firstColumn),
+      columns_(static_cast<std::size_t>(std::max(endColumn - firstColumn, 0))) {
     // Which coordinates u and v depend on, step by step: x for u and y for
     // v to begin with, then those of every term.
     bool uOnY = false, vOnX = false;
@@ -173,22 +161,24 @@ SwayField::SwayField(const SwayLaw& law, double amplitude, double wave, int firs
         const LawStep& step = law.steps[s];
         bool onX = step.sets == Axis::U, onY = step.sets == Axis::V;
         for (std::uint8_t t = 0; t < step.count; ++t) {
+            Source source = Source::Column;
             switch (step.terms[t].of) {
             case Axis::X:
-                onX = true;
+                source = Source::Column;
                 break;
             case Axis::Y:
-                onY = true;
+                source = Source::Row;
                 break;
             case Axis::U:
-                onX = true;
-                onY = onY || uOnY;
+                source = uOnY ? Source::PixelU : Source::Column;
                 break;
             case Axis::V:
-                onY = true;
-                onX = onX || vOnX;
+                source = vOnX ? Source::PixelV : Source::Row;
                 break;
             }
+            sources_[s * 2u + t] = source;
+            onX = onX || source != Source::Row;
+            onY = onY || source != Source::Column;
         }
         if (step.sets == Axis::U) {
             uOnY = onY;
@@ -198,45 +188,108 @@ SwayField::SwayField(const SwayLaw& law, double amplitude, double wave, int firs
     }
     uFollowsX_ = !uOnY;
     vFollowsY_ = !vOnX;
+
+    // The column terms, following u along the steps that leave it on x
+    // alone; a term of u is a column term only while u is such a value.
+    columnTerms_.assign(Terms * columns_, 0.0);
+    for (std::size_t i = 0; i < columns_; ++i) {
+        const int x = firstColumn + static_cast<int>(i);
+        double u = x;
+        for (std::uint8_t s = 0; s < law.count; ++s) {
+            const LawStep& step = law.steps[s];
+            double value = 0;
+            bool onXAlone = true;
+            for (std::uint8_t t = 0; t < step.count; ++t) {
+                const std::size_t k = s * 2u + t;
+                if (sources_[k] != Source::Column) {
+                    onXAlone = false;
+                    continue;
+                }
+                const WaveTerm& w = step.terms[t];
+                const double v = term(w, w.of == Axis::X ? x : u);
+                columnTerms_[k * columns_ + i] = v;
+                value = value + v;
+            }
+            if (step.sets == Axis::U && onXAlone) u = value + x;
+        }
+    }
 }
 
 double SwayField::term(const WaveTerm& t, double of) const {
     return amplitude_ * waveOf(t.wave, of * K / wave_);
 }
 
-SwayField::RowTerms SwayField::rowTerms(double y) const {
-    RowTerms row{};
+std::array<double, SwayField::Terms> SwayField::rowTerms(double y) const {
+    std::array<double, Terms> row{};
+    double v = y;
     for (std::uint8_t s = 0; s < law_.count; ++s) {
-        for (std::uint8_t t = 0; t < law_.steps[s].count; ++t) {
-            const WaveTerm& w = law_.steps[s].terms[t];
-            if (w.of == Axis::Y) row[s * 2u + t] = term(w, y);
+        const LawStep& step = law_.steps[s];
+        double value = 0;
+        bool onYAlone = true;
+        for (std::uint8_t t = 0; t < step.count; ++t) {
+            const std::size_t k = s * 2u + t;
+            if (sources_[k] != Source::Row) {
+                onYAlone = false;
+                continue;
+            }
+            const WaveTerm& w = step.terms[t];
+            row[k] = term(w, w.of == Axis::Y ? y : v);
+            value = value + row[k];
         }
+        if (step.sets == Axis::V && onYAlone) v = value + y;
     }
     return row;
 }
 
-Coordinates SwayField::at(int x, double y, const RowTerms& row) const {
-    const double* column = columnTerms_.data() + static_cast<std::size_t>(x - firstColumn_) * Terms;
-    Coordinates c{static_cast<double>(x), y};
+void SwayField::row(int y, int first, int end, std::span<double> u, std::span<double> v) const {
+    const auto n = std::min(static_cast<std::size_t>(end - first), RunColumns);
+    const std::array<double, Terms> rowTerm = rowTerms(y);
+    const auto i0 = static_cast<std::size_t>(first - firstColumn_);
+    const double dy = y;
+    double* __restrict pu = u.data();
+    double* __restrict pv = v.data();
+    for (std::size_t i = 0; i < n; ++i) {
+        pu[i] = first + static_cast<int>(i);
+        pv[i] = dy;
+    }
+    double sums[RunColumns];
+    double* __restrict value = sums;
     for (std::uint8_t s = 0; s < law_.count; ++s) {
         const LawStep& step = law_.steps[s];
-        double value = 0;
+        std::fill(value, value + n, 0.0);
+        // Term by term in order, as applyLaw adds them.
         for (std::uint8_t t = 0; t < step.count; ++t) {
             const WaveTerm& w = step.terms[t];
             const std::size_t k = s * 2u + t;
-            const double v = w.of == Axis::X   ? column[k]
-                             : w.of == Axis::Y ? row[k]
-                             : w.of == Axis::U ? term(w, c.u)
-                                               : term(w, c.v);
-            value = value + v;
+            switch (sources_[k]) {
+            case Source::Column: {
+                const double* __restrict c = columnTerm(k) + i0;
+                for (std::size_t i = 0; i < n; ++i)
+                    value[i] = value[i] + c[i];
+                break;
+            }
+            case Source::Row:
+                for (std::size_t i = 0; i < n; ++i)
+                    value[i] = value[i] + rowTerm[k];
+                break;
+            case Source::PixelU:
+                for (std::size_t i = 0; i < n; ++i)
+                    value[i] = value[i] + term(w, pu[i]);
+                break;
+            case Source::PixelV:
+                for (std::size_t i = 0; i < n; ++i)
+                    value[i] = value[i] + term(w, pv[i]);
+                break;
+            }
         }
         if (step.sets == Axis::U) {
-            c.u = value + x;
+            for (std::size_t i = 0; i < n; ++i)
+                pu[i] = value[i] + (first + static_cast<int>(i));
         } else {
-            c.v = value + y;
+            for (std::size_t i = 0; i < n; ++i)
+                pv[i] = value[i] + dy;
         }
     }
-    return c;
 }
 
 } // namespace lumiran::pattern

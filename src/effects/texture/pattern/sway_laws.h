@@ -41,31 +41,46 @@ struct Coordinates {
 [[nodiscard]] Coordinates applyLaw(const SwayLaw& law, double x, double y, double amplitude,
                                    double wave);
 
-// applyLaw over a rectangle with the terms of x worked out once a column and
-// those of y once a row: only the terms of u and v remain per pixel.
+// applyLaw over a rectangle, a row at a time and step by step. A term whose
+// argument follows x alone (x, or a u that no y reached yet) is worked out
+// once a column, one that follows y alone once a row: only the terms of a
+// u or v that depends on both remain per pixel. Every value is the one
+// applyLaw gives, bit for bit.
 class SwayField {
   public:
-    static constexpr std::size_t Terms = 6; // steps times terms a step
-
     SwayField(const SwayLaw& law, double amplitude, double wave, int firstColumn, int endColumn);
 
-    // The law's terms of y for one row.
-    using RowTerms = std::array<double, Terms>;
-    [[nodiscard]] RowTerms rowTerms(double y) const;
-    [[nodiscard]] Coordinates at(int x, double y, const RowTerms& row) const;
+    // The longest run of columns row() takes at once.
+    static constexpr std::size_t RunColumns = 512;
+
+    // u and v of the columns first..end-1 of row y (at most RunColumns of
+    // them) into u and v, as long as the run.
+    void row(int y, int first, int end, std::span<double> u, std::span<double> v) const;
 
     // Whether u depends on x alone and v on y alone.
     [[nodiscard]] bool uFollowsX() const { return uFollowsX_; }
     [[nodiscard]] bool vFollowsY() const { return vFollowsY_; }
 
   private:
+    static constexpr std::size_t Terms = 6; // steps times terms a step
+
+    // Where a term's value comes from.
+    enum class Source : std::uint8_t { Column, Row, PixelU, PixelV };
+
     [[nodiscard]] double term(const WaveTerm& t, double of) const;
+    // The terms worked out once a row, for row y.
+    [[nodiscard]] std::array<double, Terms> rowTerms(double y) const;
+    [[nodiscard]] const double* columnTerm(std::size_t k) const {
+        return columnTerms_.data() + k * columns_;
+    }
 
     SwayLaw law_;
     double amplitude_;
     double wave_;
     int firstColumn_;
-    std::vector<double> columnTerms_;
+    std::size_t columns_;
+    std::array<Source, Terms> sources_{};
+    std::vector<double> columnTerms_; // term by term, a value a column
     bool uFollowsX_ = true;
     bool vFollowsY_ = true;
 };

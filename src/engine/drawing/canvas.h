@@ -2,10 +2,12 @@
 
 #include "engine/drawing/colour_ref.h"
 #include "engine/drawing/raster_code.h"
+#include "engine/drawing/row_runs.h"
 #include "engine/surface.h"
 
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace lumiran {
 
@@ -76,11 +78,34 @@ class Canvas {
     void Polygon(std::span<const CanvasPoint> points, ColourRef colour);
 
   private:
+    // A polygon side from its upper end to its lower one.
+    struct Edge {
+        CanvasPoint upper;
+        CanvasPoint lower;
+    };
+    // Where an edge crosses a row: floor + rem / den, 0 <= rem < den.
+    struct Crossing {
+        std::int64_t floor;
+        std::int64_t rem;
+        std::int64_t den;
+    };
+
+    [[nodiscard]] const drawing::Pen& pen();
+    [[nodiscard]] drawing::RowRuns& box(const drawing::Window& window, std::int64_t x0,
+                                        std::int64_t y0, std::int64_t x1, std::int64_t y1);
+
     Surface& surface_;
     int clipLeft_ = 0;
     int clipTop_ = 0;
     int clipRight_ = Surface::MaxDimension;
     int clipBottom_ = Surface::MaxDimension;
+
+    // Reused from call to call: effects draw thousands of small shapes.
+    drawing::Pen thinPen_{1};
+    drawing::Pen pen_{1};
+    drawing::RowRuns runs_{drawing::Window{}};
+    std::vector<Edge> edges_;
+    std::vector<Crossing> crossings_;
 };
 
 } // namespace lumiran

@@ -209,34 +209,46 @@ void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
     const auto edgeEnd = [&](std::size_t i) { return points[(i + 1) % points.size()]; };
 
     if (FillStyle == BrushStyle::Solid) {
+        const auto [low, high] = std::ranges::minmax(points, {}, &CanvasPoint::y);
+        const std::int64_t firstRow = std::max<std::int64_t>(low.y, visible.top);
+        const std::int64_t lastRow = std::min<std::int64_t>(high.y, visible.bottom);
         // Each edge counts for the rows from its upper end up to but not
-        // including its lower one; level edges count for none.
+        // including its lower one; level edges count for none. The crossing
+        // is worked out once, on the edge's first row drawn, then stepped.
         edges_.clear();
         for (std::size_t i = 0; i < points.size(); ++i) {
             CanvasPoint a = points[i];
             CanvasPoint b = edgeEnd(i);
             if (a.y == b.y) continue;
             if (a.y > b.y) std::swap(a, b);
-            edges_.push_back({a, b});
+            const std::int64_t top = std::max<std::int64_t>(a.y, firstRow);
+            if (top >= b.y || top > lastRow) continue;
+            const std::int64_t den = std::int64_t{b.y} - a.y;
+            const std::int64_t down = top - a.y;
+            const std::int64_t across = std::int64_t{b.x} - a.x;
+            Crossing at{};
+            if (down < Small && across < Small && across > -Small) {
+                const auto [q, rem] = floorDivide(down * across, den);
+                at = {a.x + q, rem, den};
+            } else {
+                const Wide num = Wide{down} * across;
+                const auto q = static_cast<std::int64_t>(drawing::floorDiv(num, den));
+                at = {a.x + q, static_cast<std::int64_t>(num - Wide{q} * den), den};
+            }
+            const auto [floorStep, remStep] = floorDivide(across, den);
+            edges_.push_back({top, b.y, at, floorStep, remStep});
         }
-        const auto [low, high] = std::ranges::minmax(points, {}, &CanvasPoint::y);
         runs_.reset(visible);
-        for (std::int64_t y = std::max<std::int64_t>(low.y, visible.top);
-             y <= std::min<std::int64_t>(high.y, visible.bottom); ++y) {
+        for (std::int64_t y = firstRow; y <= lastRow; ++y) {
             crossings_.clear();
-            for (const Edge& e : edges_) {
-                if (y < e.upper.y || y >= e.lower.y) continue;
-                const std::int64_t den = std::int64_t{e.lower.y} - e.upper.y;
-                const std::int64_t down = y - e.upper.y;
-                const std::int64_t across = std::int64_t{e.lower.x} - e.upper.x;
-                if (down < Small && across < Small && across > -Small) {
-                    const auto [q, rem] = floorDivide(down * across, den);
-                    crossings_.push_back({e.upper.x + q, rem, den});
-                } else {
-                    const Wide num = Wide{down} * across;
-                    const auto q = static_cast<std::int64_t>(drawing::floorDiv(num, den));
-                    crossings_.push_back(
-                        {e.upper.x + q, static_cast<std::int64_t>(num - Wide{q} * den), den});
+            for (Edge& e : edges_) {
+                if (y < e.top || y >= e.bottom) continue;
+                crossings_.push_back(e.at);
+                e.at.floor += e.floorStep;
+                e.at.rem += e.remStep;
+                if (e.at.rem >= e.at.den) {
+                    e.at.rem -= e.at.den;
+                    ++e.at.floor;
                 }
             }
             std::ranges::sort(crossings_, [](const Crossing& p, const Crossing& q) {

@@ -78,16 +78,21 @@ class Canvas {
     void Polygon(std::span<const CanvasPoint> points, ColourRef colour);
 
   private:
-    // A polygon side from its upper end to its lower one.
-    struct Edge {
-        CanvasPoint upper;
-        CanvasPoint lower;
-    };
     // Where an edge crosses a row: floor + rem / den, 0 <= rem < den.
     struct Crossing {
         std::int64_t floor;
         std::int64_t rem;
         std::int64_t den;
+    };
+    // A polygon side over the rows from its upper end up to but not
+    // including its lower one, with its crossing of the current row and
+    // the step from row to row.
+    struct Edge {
+        std::int64_t top;
+        std::int64_t bottom; // exclusive
+        Crossing at;
+        std::int64_t floorStep;
+        std::int64_t remStep;
     };
 
     [[nodiscard]] const drawing::Pen& pen();

@@ -47,16 +47,24 @@ Net::Net(const Area& area, int size) : area_(area), size_(size) {
             vertex(a, b) = {std::min(area.left + a * size, area.right - 1),
                             std::min(area.top + b * size, area.bottom - 1)};
     }
-    straightSides();
 }
 
 int Net::reach(int noise) const {
     return std::clamp(std::min(noise / 2, (size_ - 1) / 2), 0, size_);
 }
 
-void Net::straightSides() {
+void Net::reserveSides(int pointsPerSide) {
+    const auto count = [&](std::size_t sides) {
+        return std::pair{sides, sides * static_cast<std::size_t>(pointsPerSide)};
+    };
     across_.clear();
     down_.clear();
+    across_.reserve(count(static_cast<std::size_t>(columns_ - 1) * rows_));
+    down_.reserve(count(static_cast<std::size_t>(columns_) * (rows_ - 1)));
+}
+
+void Net::straightSides() {
+    reserveSides(2);
     for (int b = 0; b < rows_; ++b) {
         for (int a = 0; a < columns_; ++a) {
             if (a + 1 < columns_) {
@@ -84,8 +92,8 @@ void Net::scatter(int noise, RandomGenerator& random) {
     }
     // Sides on the area's border stay straight, so the cells cover it.
     const double amplitude = std::min(noise, size_) / 4.0;
-    across_.clear();
-    down_.clear();
+    // Sides of size pixels split into pieces of 2 to 3 pixels.
+    reserveSides(std::max(2, size_ / 2 + 2));
     for (int b = 0; b < rows_; ++b) {
         for (int a = 0; a < columns_; ++a) {
             if (a + 1 < columns_) {

@@ -7,6 +7,7 @@
 #include "engine/surface.h"
 
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace lumiran::net {
@@ -27,6 +28,10 @@ class Sides {
     void clear() {
         points_.clear();
         starts_.assign(1, 0);
+    }
+    void reserve(std::pair<std::size_t, std::size_t> sidesAndPoints) {
+        starts_.reserve(sidesAndPoints.first + 1);
+        points_.reserve(sidesAndPoints.second);
     }
     // Opens a new side at the point; the following add()s extend it.
     void open(CanvasPoint from) {
@@ -52,7 +57,7 @@ class Net {
   public:
     // Vertices every size pixels from the area's top left, the last row and
     // column on the area's far sides. Border vertices move only along their
-    // border.
+    // border. The sides are laid by scatter() or snapToEdges().
     Net(const Area& area, int size);
 
     // Type 0: each vertex moved by round((Rnd - 0.5) noise) across, then
@@ -85,6 +90,7 @@ class Net {
     }
     [[nodiscard]] bool onBorderColumn(int a) const { return a == 0 || a == columns_ - 1; }
     [[nodiscard]] bool onBorderRow(int b) const { return b == 0 || b == rows_ - 1; }
+    void reserveSides(int pointsPerSide);
     void straightSides();
 
     Area area_;

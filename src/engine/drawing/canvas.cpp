@@ -238,11 +238,25 @@ void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
             const auto [floorStep, remStep] = floorDivide(across, den);
             edges_.push_back({top, b.y, at, floorStep, remStep});
         }
+        // Edges enter by their top row and leave after their last; which of
+        // them comes first in a row does not matter, the crossings are sorted.
+        std::ranges::sort(edges_, {}, &Edge::top);
         runs_.reset(visible);
+        std::size_t entering = 0;
+        std::size_t active = 0; // edges_[0, active) cross the row
         for (std::int64_t y = firstRow; y <= lastRow; ++y) {
+            for (std::size_t i = 0; i < active;) {
+                if (y >= edges_[i].bottom) {
+                    std::swap(edges_[i], edges_[--active]);
+                } else {
+                    ++i;
+                }
+            }
+            for (; entering < edges_.size() && edges_[entering].top <= y; ++entering)
+                std::swap(edges_[active++], edges_[entering]);
             crossings_.clear();
-            for (Edge& e : edges_) {
-                if (y < e.top || y >= e.bottom) continue;
+            for (std::size_t i = 0; i < active; ++i) {
+                Edge& e = edges_[i];
                 crossings_.push_back(e.at);
                 e.at.floor += e.floorStep;
                 e.at.rem += e.remStep;

@@ -25,6 +25,17 @@ Window visibleWindow(const Surface& surface, int left, int top, int right, int b
             std::int64_t{std::min(bottom, surface.height())} - 1};
 }
 
+// A filled box, both corners included, each pixel once.
+void paintBox(Surface& surface, const Window& visible, std::int64_t x0, std::int64_t y0,
+              std::int64_t x1, std::int64_t y1, drawing::BinaryTable table, Pixel colour) {
+    const std::int64_t left = std::max(x0, visible.left);
+    const std::int64_t right = std::min(x1, visible.right);
+    if (left > right) return;
+    for (std::int64_t y = std::max(y0, visible.top); y <= std::min(y1, visible.bottom); ++y)
+        drawing::fillRow(table, &surface.at(static_cast<int>(left), static_cast<int>(y)), colour,
+                         static_cast<std::size_t>(right - left + 1));
+}
+
 // The steps k of 0..length-1 for which start + direction k lies in low..high.
 std::pair<std::int64_t, std::int64_t> stepsWithin(std::int64_t start, std::int64_t direction,
                                                   std::int64_t length, std::int64_t low,
@@ -109,16 +120,6 @@ const drawing::Pen& Canvas::pen() {
     return pen_;
 }
 
-// The rows of a filled box, both corners included.
-RowRuns& Canvas::box(const Window& window, std::int64_t x0, std::int64_t y0, std::int64_t x1,
-                     std::int64_t y1) {
-    runs_.reset(window);
-    for (std::int64_t y = std::max(y0, window.top); y <= std::min(y1, window.bottom); ++y)
-        runs_.add(y, x0, x1);
-    runs_.finish();
-    return runs_;
-}
-
 void Canvas::Line(int x1, int y1, int x2, int y2, ColourRef colour, LineKind kind) {
     const Window visible = visibleWindow(surface_, clipLeft_, clipTop_, clipRight_, clipBottom_);
     if (visible.empty()) return;
@@ -128,13 +129,26 @@ void Canvas::Line(int x1, int y1, int x2, int y2, ColourRef colour, LineKind kin
     const std::int64_t top = std::min(y1, y2);
     const std::int64_t bottom = std::max(y1, y2);
     if (kind == LineKind::BF) {
-        drawing::paintRuns(surface_, visible, box(visible, left, top, right, bottom), thinPen_,
-                           table, colourBitsOf(colour));
+        paintBox(surface_, visible, left, top, right, bottom, table, colourBitsOf(colour));
         return;
     }
     const Pen& linePen = pen();
     const Window reach = linePen.reach(visible);
     const bool dotted = DrawStyle == PenStyle::Dot && linePen.width() == 1;
+    if (kind == LineKind::Segment && linePen.width() == 1) {
+        // The thin line has one pixel a step, each a different one: they are
+        // painted as traced.
+        const Pixel bits = colourBitsOf(colour);
+        drawing::traceLine(
+            x1, y1, x2, y2, visible, [&](std::int64_t x, std::int64_t y, std::int64_t i) {
+                if ((dotted && i % 2 != 0) || x < visible.left || x > visible.right ||
+                    y < visible.top || y > visible.bottom)
+                    return;
+                drawing::fillRow(table, &surface_.at(static_cast<int>(x), static_cast<int>(y)),
+                                 bits, 1);
+            });
+        return;
+    }
     if (kind == LineKind::Segment) {
         runs_.reset(reach);
         drawing::traceLine(x1, y1, x2, y2, reach,
@@ -142,10 +156,8 @@ void Canvas::Line(int x1, int y1, int x2, int y2, ColourRef colour, LineKind kin
                                if (!dotted || i % 2 == 0) runs_.addPixel(x, y);
                            });
     } else {
-        if (FillStyle == BrushStyle::Solid) {
-            drawing::paintRuns(surface_, visible, box(visible, left, top, right, bottom), thinPen_,
-                               table, colourBitsOf(FillColor));
-        }
+        if (FillStyle == BrushStyle::Solid)
+            paintBox(surface_, visible, left, top, right, bottom, table, colourBitsOf(FillColor));
         runs_.reset(reach);
         addBoxOutline(runs_, reach, left, top, right, bottom, dotted);
     }

@@ -96,9 +96,6 @@ class Canvas {
     };
 
     [[nodiscard]] const drawing::Pen& pen();
-    [[nodiscard]] drawing::RowRuns& box(const drawing::Window& window, std::int64_t x0,
-                                        std::int64_t y0, std::int64_t x1, std::int64_t y1);
-
     Surface& surface_;
     int clipLeft_ = 0;
     int clipTop_ = 0;

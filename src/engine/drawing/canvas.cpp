@@ -36,6 +36,18 @@ void paintBox(Surface& surface, const Window& visible, std::int64_t x0, std::int
                          static_cast<std::size_t>(right - left + 1));
 }
 
+// Whether painting twice with the same colour gives what painting once does
+// (the copy, black, white and the and/or modes; not the inverting ones).
+constexpr bool paintsOnce(drawing::BinaryTable table) {
+    const auto result = [table](int s, int d) { return (table >> (s << 1 | d)) & 1; };
+    for (int s = 0; s < 2; ++s) {
+        for (int d = 0; d < 2; ++d) {
+            if (result(s, result(s, d)) != result(s, d)) return false;
+        }
+    }
+    return true;
+}
+
 // The steps k of 0..length-1 for which start + direction k lies in low..high.
 std::pair<std::int64_t, std::int64_t> stepsWithin(std::int64_t start, std::int64_t direction,
                                                   std::int64_t length, std::int64_t low,
@@ -219,6 +231,16 @@ void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
     if (visible.empty()) return;
     const auto table = drawing::tableOf(DrawMode);
     const auto edgeEnd = [&](std::size_t i) { return points[(i + 1) % points.size()]; };
+    // Where a pixel painted twice looks as if painted once, the runs need
+    // not be merged first.
+    const bool direct = paintsOnce(table);
+    const auto paintRun = [&](std::int64_t y, std::int64_t left, std::int64_t right, Pixel bits) {
+        left = std::max(left, visible.left);
+        right = std::min(right, visible.right);
+        if (left > right || y < visible.top || y > visible.bottom) return;
+        drawing::fillRow(table, &surface_.at(static_cast<int>(left), static_cast<int>(y)), bits,
+                         static_cast<std::size_t>(right - left + 1));
+    };
 
     if (FillStyle == BrushStyle::Solid) {
         const auto [low, high] = std::ranges::minmax(points, {}, &CanvasPoint::y);
@@ -284,7 +306,11 @@ void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
             });
             for (std::size_t k = 0; k + 1 < crossings_.size(); k += 2) {
                 const std::int64_t from = crossings_[k].floor + (crossings_[k].rem > 0 ? 1 : 0);
-                runs_.add(y, from, crossings_[k + 1].floor);
+                if (direct) {
+                    paintRun(y, from, crossings_[k + 1].floor, colourBitsOf(FillColor));
+                } else {
+                    runs_.add(y, from, crossings_[k + 1].floor);
+                }
             }
         }
         runs_.finish();

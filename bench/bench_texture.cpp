@@ -3,6 +3,7 @@
 // copy. The 8-pixel mosaic has a target of its own: at most 20 ms.
 #include "bench_support.h"
 #include "effects/texture/mosaic/class_mosaic.h"
+#include "effects/texture/net_mosaic/class_net_mosaic.h"
 #include "effects/texture/pattern/class_pattern.h"
 
 #include <benchmark/benchmark.h>
@@ -166,5 +167,23 @@ void BM_Pattern_ShadePattern(benchmark::State& state) {
                 [](Class_Pattern& e) { e.ShadePatternMethod(1, 0, 0, Side, Side, 128, 128, 255); });
 }
 BENCHMARK(BM_Pattern_ShadePattern)->Unit(benchmark::kMillisecond);
+
+// The irregular nets at their defaults (blocks of 8, noise 8, random net):
+// some 260 000 small polygons and 2 million short lines at this size.
+void BM_NetMosaic_Mosaic(benchmark::State& state) {
+    bench::runKeptPasses<Class_NetMosaic>(
+        state, [](Class_NetMosaic& e, const Surface& kept0, Surface& kept1) {
+            e.Mosaic_Net(kept0, kept1, 0, 0, Side, Side, 8, 8, 0);
+        });
+}
+BENCHMARK(BM_NetMosaic_Mosaic)->Unit(benchmark::kMillisecond);
+
+void BM_NetMosaic_Lines(benchmark::State& state) {
+    bench::runKeptPasses<Class_NetMosaic>(
+        state, [](Class_NetMosaic& e, const Surface& kept0, Surface& kept1) {
+            e.Net_Line(kept0, kept1, 0, 0, Side, Side, 8, 8, 0, 0, 0, 0);
+        });
+}
+BENCHMARK(BM_NetMosaic_Lines)->Unit(benchmark::kMillisecond);
 
 } // namespace

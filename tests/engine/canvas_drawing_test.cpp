@@ -230,6 +230,36 @@ TEST(CanvasPolygon, FillsTheTriangleWithItsEdges) {
     EXPECT_FALSE(outline.contains({2, 2}));
 }
 
+TEST(CanvasPolygon, PaintsEachPixelOnceInEveryMode) {
+    // Outlines whose edges meet, and insides whose runs touch or coincide
+    // (a bow tie, a spike back along itself, cells sharing a corner):
+    // xor must flip each pixel once, giving what or (painted as it comes)
+    // gives. The inside is drawn alone with an outline of colour 0.
+    using Shape = std::vector<CanvasPoint>;
+    const std::vector<Shape> shapes{
+        {{0, 0}, {8, 0}, {0, 8}},
+        {{0, 0}, {9, 9}, {9, 0}, {0, 9}},
+        {{1, 1}, {9, 5}, {1, 5}, {9, 1}, {5, 9}},
+        {{0, 4}, {6, 4}, {2, 4}, {8, 0}, {8, 9}},
+        {{0, 0}, {5, 5}, {0, 9}, {9, 9}, {5, 5}, {9, 0}},
+    };
+    for (std::size_t i = 0; i < shapes.size(); ++i) {
+        const auto draw = [&](PenMode mode, bool fill) {
+            return drawOn(12, 12, [&](Canvas& k) {
+                k.DrawMode = mode;
+                k.FillStyle = fill ? BrushStyle::Solid : BrushStyle::Transparent;
+                k.FillColor = White;
+                k.Polygon(shapes[i], fill ? 0 : White);
+            });
+        };
+        for (const bool fill : {false, true}) {
+            const Points merged = draw(PenMode::MergePen, fill);
+            EXPECT_FALSE(merged.empty()) << i;
+            EXPECT_EQ(draw(PenMode::XorPen, fill), merged) << i << " fill " << fill;
+        }
+    }
+}
+
 TEST(Canvas, ClipsAndSurvivesAnyInput) {
     Surface s(16, 16);
     Canvas canvas(s);

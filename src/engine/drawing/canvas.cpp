@@ -25,14 +25,27 @@ Window visibleWindow(const Surface& surface, int left, int top, int right, int b
             std::int64_t{std::min(bottom, surface.height())} - 1};
 }
 
-// The rows of a filled box, both corners included.
-RowRuns boxRuns(const Window& window, std::int64_t x0, std::int64_t y0, std::int64_t x1,
-                std::int64_t y1) {
-    RowRuns box(window);
-    for (std::int64_t y = std::max(y0, window.top); y <= std::min(y1, window.bottom); ++y)
-        box.add(y, x0, x1);
-    box.finish();
-    return box;
+// A filled box, both corners included, each pixel once.
+void paintBox(Surface& surface, const Window& visible, std::int64_t x0, std::int64_t y0,
+              std::int64_t x1, std::int64_t y1, drawing::BinaryTable table, Pixel colour) {
+    const std::int64_t left = std::max(x0, visible.left);
+    const std::int64_t right = std::min(x1, visible.right);
+    if (left > right) return;
+    for (std::int64_t y = std::max(y0, visible.top); y <= std::min(y1, visible.bottom); ++y)
+        drawing::fillRow(table, &surface.at(static_cast<int>(left), static_cast<int>(y)), colour,
+                         static_cast<std::size_t>(right - left + 1));
+}
+
+// Whether painting twice with the same colour gives what painting once does
+// (the copy, black, white and the and/or modes; not the inverting ones).
+constexpr bool paintsOnce(drawing::BinaryTable table) {
+    const auto result = [table](int s, int d) { return (table >> (s << 1 | d)) & 1; };
+    for (int s = 0; s < 2; ++s) {
+        for (int d = 0; d < 2; ++d) {
+            if (result(s, result(s, d)) != result(s, d)) return false;
+        }
+    }
+    return true;
 }
 
 // The steps k of 0..length-1 for which start + direction k lies in low..high.
@@ -92,12 +105,14 @@ std::int64_t ellipseHalfWidth(std::int64_t rx, std::int64_t ry, std::int64_t dy)
     return h;
 }
 
-// Where an edge crosses a row: floor + rem / den, 0 <= rem < den.
-struct Crossing {
-    std::int64_t floor;
-    std::int64_t rem;
-    std::int64_t den;
-};
+// floor(num / den) for den > 0, with num - q den.
+std::pair<std::int64_t, std::int64_t> floorDivide(std::int64_t num, std::int64_t den) {
+    std::int64_t q = num / den;
+    if (num % den != 0 && num < 0) --q;
+    return {q, num - q * den};
+}
+
+constexpr std::int64_t Small = std::int64_t{1} << 31;
 
 } // namespace
 
@@ -112,6 +127,11 @@ void Canvas::resetClip() {
     setClip(0, 0, Surface::MaxDimension, Surface::MaxDimension);
 }
 
+const drawing::Pen& Canvas::pen() {
+    if (pen_.width() != std::clamp(DrawWidth, 1, 32767)) pen_ = Pen(DrawWidth);
+    return pen_;
+}
+
 void Canvas::Line(int x1, int y1, int x2, int y2, ColourRef colour, LineKind kind) {
     const Window visible = visibleWindow(surface_, clipLeft_, clipTop_, clipRight_, clipBottom_);
     if (visible.empty()) return;
@@ -121,28 +141,40 @@ void Canvas::Line(int x1, int y1, int x2, int y2, ColourRef colour, LineKind kin
     const std::int64_t top = std::min(y1, y2);
     const std::int64_t bottom = std::max(y1, y2);
     if (kind == LineKind::BF) {
-        drawing::paintRuns(surface_, visible, boxRuns(visible, left, top, right, bottom), Pen(1),
-                           table, colourBitsOf(colour));
+        paintBox(surface_, visible, left, top, right, bottom, table, colourBitsOf(colour));
         return;
     }
-    const Pen pen(DrawWidth);
-    const Window reach = pen.reach(visible);
-    const bool dotted = DrawStyle == PenStyle::Dot && pen.width() == 1;
-    RowRuns thin(reach);
+    const Pen& linePen = pen();
+    const Window reach = linePen.reach(visible);
+    const bool dotted = DrawStyle == PenStyle::Dot && linePen.width() == 1;
+    if (kind == LineKind::Segment && linePen.width() == 1) {
+        // The thin line has one pixel a step, each a different one: they are
+        // painted as traced.
+        const Pixel bits = colourBitsOf(colour);
+        drawing::traceLine(
+            x1, y1, x2, y2, visible, [&](std::int64_t x, std::int64_t y, std::int64_t i) {
+                if ((dotted && i % 2 != 0) || x < visible.left || x > visible.right ||
+                    y < visible.top || y > visible.bottom)
+                    return;
+                drawing::fillRow(table, &surface_.at(static_cast<int>(x), static_cast<int>(y)),
+                                 bits, 1);
+            });
+        return;
+    }
     if (kind == LineKind::Segment) {
+        runs_.reset(reach);
         drawing::traceLine(x1, y1, x2, y2, reach,
                            [&](std::int64_t x, std::int64_t y, std::int64_t i) {
-                               if (!dotted || i % 2 == 0) thin.addPixel(x, y);
+                               if (!dotted || i % 2 == 0) runs_.addPixel(x, y);
                            });
     } else {
-        if (FillStyle == BrushStyle::Solid) {
-            drawing::paintRuns(surface_, visible, boxRuns(visible, left, top, right, bottom),
-                               Pen(1), table, colourBitsOf(FillColor));
-        }
-        addBoxOutline(thin, reach, left, top, right, bottom, dotted);
+        if (FillStyle == BrushStyle::Solid)
+            paintBox(surface_, visible, left, top, right, bottom, table, colourBitsOf(FillColor));
+        runs_.reset(reach);
+        addBoxOutline(runs_, reach, left, top, right, bottom, dotted);
     }
-    thin.finish();
-    drawing::paintRuns(surface_, visible, thin, pen, table, colourBitsOf(colour));
+    runs_.finish();
+    drawing::paintRuns(surface_, visible, runs_, linePen, table, colourBitsOf(colour));
 }
 
 void Canvas::Circle(int x, int y, int radius, ColourRef colour) {
@@ -158,8 +190,8 @@ void Canvas::Ellipse(int x, int y, int radiusX, int radiusY, ColourRef colour) {
     const std::int64_t ry = std::min<std::int64_t>(radiusY, MaxRadius);
     const std::int64_t cx = x;
     const std::int64_t cy = y;
-    const Pen pen(DrawWidth);
-    const Window reach = pen.reach(visible);
+    const Pen& outlinePen = pen();
+    const Window reach = outlinePen.reach(visible);
     const std::int64_t dyFirst = std::max(-ry, reach.top - cy);
     const std::int64_t dyLast = std::min(ry, reach.bottom - cy);
     if (dyFirst > dyLast) return;
@@ -174,13 +206,14 @@ void Canvas::Ellipse(int x, int y, int radiusX, int radiusY, ColourRef colour) {
     };
 
     if (FillStyle == BrushStyle::Solid) {
-        RowRuns inside(visible);
+        runs_.reset(visible);
         for (std::int64_t dy = dyFirst; dy <= dyLast; ++dy)
-            inside.add(cy + dy, cx - halfAt(dy), cx + halfAt(dy));
-        inside.finish();
-        drawing::paintRuns(surface_, visible, inside, Pen(1), table, colourBitsOf(FillColor));
+            runs_.add(cy + dy, cx - halfAt(dy), cx + halfAt(dy));
+        runs_.finish();
+        drawing::paintRuns(surface_, visible, runs_, thinPen_, table, colourBitsOf(FillColor));
     }
-    RowRuns outline(reach);
+    RowRuns& outline = runs_;
+    outline.reset(reach);
     for (std::int64_t dy = dyFirst; dy <= dyLast; ++dy) {
         const std::int64_t h = halfAt(dy);
         // Pixels beyond the narrower neighbouring row, and the row's ends.
@@ -189,7 +222,7 @@ void Canvas::Ellipse(int x, int y, int radiusX, int radiusY, ColourRef colour) {
         outline.add(cy + dy, cx + inner, cx + h);
     }
     outline.finish();
-    drawing::paintRuns(surface_, visible, outline, pen, table, colourBitsOf(colour));
+    drawing::paintRuns(surface_, visible, outline, outlinePen, table, colourBitsOf(colour));
 }
 
 void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
@@ -198,51 +231,104 @@ void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
     if (visible.empty()) return;
     const auto table = drawing::tableOf(DrawMode);
     const auto edgeEnd = [&](std::size_t i) { return points[(i + 1) % points.size()]; };
+    // Where a pixel painted twice looks as if painted once, the runs need
+    // not be merged first.
+    const bool direct = paintsOnce(table);
+    const auto paintRun = [&](std::int64_t y, std::int64_t left, std::int64_t right, Pixel bits) {
+        left = std::max(left, visible.left);
+        right = std::min(right, visible.right);
+        if (left > right || y < visible.top || y > visible.bottom) return;
+        drawing::fillRow(table, &surface_.at(static_cast<int>(left), static_cast<int>(y)), bits,
+                         static_cast<std::size_t>(right - left + 1));
+    };
 
     if (FillStyle == BrushStyle::Solid) {
         const auto [low, high] = std::ranges::minmax(points, {}, &CanvasPoint::y);
-        RowRuns inside(visible);
-        std::vector<Crossing> crossings;
-        for (std::int64_t y = std::max<std::int64_t>(low.y, visible.top);
-             y <= std::min<std::int64_t>(high.y, visible.bottom); ++y) {
-            crossings.clear();
-            for (std::size_t i = 0; i < points.size(); ++i) {
-                CanvasPoint a = points[i];
-                CanvasPoint b = edgeEnd(i);
-                if (a.y == b.y) continue;
-                if (a.y > b.y) std::swap(a, b);
-                // Rows from the upper end up to but not including the lower.
-                if (y < a.y || y >= b.y) continue;
-                const std::int64_t den = std::int64_t{b.y} - a.y;
-                const Wide num = Wide{y - a.y} * (std::int64_t{b.x} - a.x);
+        const std::int64_t firstRow = std::max<std::int64_t>(low.y, visible.top);
+        const std::int64_t lastRow = std::min<std::int64_t>(high.y, visible.bottom);
+        // Each edge counts for the rows from its upper end up to but not
+        // including its lower one; level edges count for none. The crossing
+        // is worked out once, on the edge's first row drawn, then stepped.
+        edges_.clear();
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            CanvasPoint a = points[i];
+            CanvasPoint b = edgeEnd(i);
+            if (a.y == b.y) continue;
+            if (a.y > b.y) std::swap(a, b);
+            const std::int64_t top = std::max<std::int64_t>(a.y, firstRow);
+            if (top >= b.y || top > lastRow) continue;
+            const std::int64_t den = std::int64_t{b.y} - a.y;
+            const std::int64_t down = top - a.y;
+            const std::int64_t across = std::int64_t{b.x} - a.x;
+            Crossing at{};
+            if (down < Small && across < Small && across > -Small) {
+                const auto [q, rem] = floorDivide(down * across, den);
+                at = {a.x + q, rem, den};
+            } else {
+                const Wide num = Wide{down} * across;
                 const auto q = static_cast<std::int64_t>(drawing::floorDiv(num, den));
-                crossings.push_back({a.x + q, static_cast<std::int64_t>(num - Wide{q} * den), den});
+                at = {a.x + q, static_cast<std::int64_t>(num - Wide{q} * den), den};
             }
-            std::ranges::sort(crossings, [](const Crossing& p, const Crossing& q) {
-                return p.floor != q.floor ? p.floor < q.floor
-                                          : Wide{p.rem} * q.den < Wide{q.rem} * p.den;
+            const auto [floorStep, remStep] = floorDivide(across, den);
+            edges_.push_back({top, b.y, at, floorStep, remStep});
+        }
+        // Edges enter by their top row and leave after their last; which of
+        // them comes first in a row does not matter, the crossings are sorted.
+        std::ranges::sort(edges_, {}, &Edge::top);
+        runs_.reset(visible);
+        std::size_t entering = 0;
+        std::size_t active = 0; // edges_[0, active) cross the row
+        for (std::int64_t y = firstRow; y <= lastRow; ++y) {
+            for (std::size_t i = 0; i < active;) {
+                if (y >= edges_[i].bottom) {
+                    std::swap(edges_[i], edges_[--active]);
+                } else {
+                    ++i;
+                }
+            }
+            for (; entering < edges_.size() && edges_[entering].top <= y; ++entering)
+                std::swap(edges_[active++], edges_[entering]);
+            crossings_.clear();
+            for (std::size_t i = 0; i < active; ++i) {
+                Edge& e = edges_[i];
+                crossings_.push_back(e.at);
+                e.at.floor += e.floorStep;
+                e.at.rem += e.remStep;
+                if (e.at.rem >= e.at.den) {
+                    e.at.rem -= e.at.den;
+                    ++e.at.floor;
+                }
+            }
+            std::ranges::sort(crossings_, [](const Crossing& p, const Crossing& q) {
+                if (p.floor != q.floor) return p.floor < q.floor;
+                if (p.den < Small && q.den < Small) return p.rem * q.den < q.rem * p.den;
+                return Wide{p.rem} * q.den < Wide{q.rem} * p.den;
             });
-            for (std::size_t k = 0; k + 1 < crossings.size(); k += 2) {
-                const std::int64_t from = crossings[k].floor + (crossings[k].rem > 0 ? 1 : 0);
-                inside.add(y, from, crossings[k + 1].floor);
+            for (std::size_t k = 0; k + 1 < crossings_.size(); k += 2) {
+                const std::int64_t from = crossings_[k].floor + (crossings_[k].rem > 0 ? 1 : 0);
+                if (direct) {
+                    paintRun(y, from, crossings_[k + 1].floor, colourBitsOf(FillColor));
+                } else {
+                    runs_.add(y, from, crossings_[k + 1].floor);
+                }
             }
         }
-        inside.finish();
-        drawing::paintRuns(surface_, visible, inside, Pen(1), table, colourBitsOf(FillColor));
+        runs_.finish();
+        drawing::paintRuns(surface_, visible, runs_, thinPen_, table, colourBitsOf(FillColor));
     }
 
-    const Pen pen(DrawWidth);
-    const Window reach = pen.reach(visible);
-    RowRuns outline(reach);
+    const Pen& outlinePen = pen();
+    const Window reach = outlinePen.reach(visible);
+    runs_.reset(reach);
     for (std::size_t i = 0; i < points.size(); ++i) {
         const CanvasPoint a = points[i];
         const CanvasPoint b = edgeEnd(i);
         drawing::traceLine(
             a.x, a.y, b.x, b.y, reach,
-            [&](std::int64_t x, std::int64_t y, std::int64_t) { outline.addPixel(x, y); });
+            [&](std::int64_t x, std::int64_t y, std::int64_t) { runs_.addPixel(x, y); });
     }
-    outline.finish();
-    drawing::paintRuns(surface_, visible, outline, pen, table, colourBitsOf(colour));
+    runs_.finish();
+    drawing::paintRuns(surface_, visible, runs_, outlinePen, table, colourBitsOf(colour));
 }
 
 } // namespace lumiran

@@ -2,10 +2,12 @@
 
 #include "engine/drawing/colour_ref.h"
 #include "engine/drawing/raster_code.h"
+#include "engine/drawing/row_runs.h"
 #include "engine/surface.h"
 
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace lumiran {
 
@@ -76,11 +78,36 @@ class Canvas {
     void Polygon(std::span<const CanvasPoint> points, ColourRef colour);
 
   private:
+    // Where an edge crosses a row: floor + rem / den, 0 <= rem < den.
+    struct Crossing {
+        std::int64_t floor;
+        std::int64_t rem;
+        std::int64_t den;
+    };
+    // A polygon side over the rows from its upper end up to but not
+    // including its lower one, with its crossing of the current row and
+    // the step from row to row.
+    struct Edge {
+        std::int64_t top;
+        std::int64_t bottom; // exclusive
+        Crossing at;
+        std::int64_t floorStep;
+        std::int64_t remStep;
+    };
+
+    [[nodiscard]] const drawing::Pen& pen();
     Surface& surface_;
     int clipLeft_ = 0;
     int clipTop_ = 0;
     int clipRight_ = Surface::MaxDimension;
     int clipBottom_ = Surface::MaxDimension;
+
+    // Reused from call to call: effects draw thousands of small shapes.
+    drawing::Pen thinPen_{1};
+    drawing::Pen pen_{1};
+    drawing::RowRuns runs_{drawing::Window{}};
+    std::vector<Edge> edges_;
+    std::vector<Crossing> crossings_;
 };
 
 } // namespace lumiran

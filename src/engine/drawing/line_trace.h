@@ -42,10 +42,24 @@ void traceLine(std::int64_t x1, std::int64_t y1, std::int64_t x2, std::int64_t y
 
     // The minor offset as quotient q and remainder r of (2 i dm + n) / (2 n).
     const std::int64_t den = 2 * n;
-    const Wide start = Wide{2} * first * minorDelta + n;
-    auto q = static_cast<std::int64_t>(floorDiv(start, den));
-    auto r = static_cast<std::int64_t>(start - Wide{q} * den);
-    const auto qStep = static_cast<std::int64_t>(floorDiv(2 * minorDelta, den));
+    const auto floorDiv64 = [den](std::int64_t num) {
+        const std::int64_t quotient = num / den;
+        return num % den != 0 && num < 0 ? quotient - 1 : quotient;
+    };
+    std::int64_t q = 0;
+    std::int64_t r = 0;
+    constexpr std::int64_t Small = std::int64_t{1} << 30;
+    if (n < Small && minorDelta < Small && minorDelta > -Small) {
+        // Within 62 bits: the common case, without the 128-bit division.
+        const std::int64_t start = 2 * first * minorDelta + n;
+        q = floorDiv64(start);
+        r = start - q * den;
+    } else {
+        const Wide start = Wide{2} * first * minorDelta + n;
+        q = static_cast<std::int64_t>(floorDiv(start, den));
+        r = static_cast<std::int64_t>(start - Wide{q} * den);
+    }
+    const std::int64_t qStep = floorDiv64(2 * minorDelta);
     const std::int64_t rStep = 2 * minorDelta - qStep * den;
     for (std::int64_t i = first; i <= last; ++i) {
         const std::int64_t major = major1 + step * i;

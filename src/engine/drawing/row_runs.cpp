@@ -52,6 +52,16 @@ Window Pen::reach(const Window& visible) const {
     return {visible.left - high_, visible.top - high_, visible.right - low_, visible.bottom - low_};
 }
 
+void RowRuns::reset(const Window& window) {
+    window_ = window;
+    entries_.clear();
+    runs_.clear();
+    rowStart_.clear();
+    first_ = 0;
+    last_ = -1;
+    sorted_ = true;
+}
+
 void RowRuns::add(std::int64_t y, std::int64_t left, std::int64_t right) {
     if (y < window_.top || y > window_.bottom) return;
     left = std::max(left, window_.left);

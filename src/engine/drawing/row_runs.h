@@ -55,6 +55,9 @@ class RowRuns {
   public:
     explicit RowRuns(const Window& window) : window_(window) {}
 
+    // Empties the shape for a new window, keeping the memory for reuse.
+    void reset(const Window& window);
+
     void add(std::int64_t y, std::int64_t left, std::int64_t right);
     void addPixel(std::int64_t x, std::int64_t y) { add(y, x, x); }
     // Sorts the runs and merges those that overlap or touch.

@@ -19,11 +19,11 @@ int brightness(const Surface& source, int x, int y) {
 // The midpoints of a side moved across it by up to amplitude, then the
 // halves with half the amplitude, down to pieces of a few pixels.
 void displace(CanvasPoint from, CanvasPoint to, double amplitude, RandomGenerator& random,
-              Polyline& out) {
+              Sides& out) {
     const int dx = to.x - from.x;
     const int dy = to.y - from.y;
     if (std::max(std::abs(dx), std::abs(dy)) < 4 || amplitude < 0.5) {
-        out.push_back(to);
+        out.add(to);
         return;
     }
     const double length = std::sqrt(static_cast<double>(dx) * dx + static_cast<double>(dy) * dy);
@@ -47,20 +47,34 @@ Net::Net(const Area& area, int size) : area_(area), size_(size) {
             vertex(a, b) = {std::min(area.left + a * size, area.right - 1),
                             std::min(area.top + b * size, area.bottom - 1)};
     }
-    straightSides();
 }
 
 int Net::reach(int noise) const {
     return std::clamp(std::min(noise / 2, (size_ - 1) / 2), 0, size_);
 }
 
-void Net::straightSides() {
+void Net::reserveSides(int pointsPerSide) {
+    const auto count = [&](std::size_t sides) {
+        return std::pair{sides, sides * static_cast<std::size_t>(pointsPerSide)};
+    };
     across_.clear();
     down_.clear();
+    across_.reserve(count(static_cast<std::size_t>(columns_ - 1) * rows_));
+    down_.reserve(count(static_cast<std::size_t>(columns_) * (rows_ - 1)));
+}
+
+void Net::straightSides() {
+    reserveSides(2);
     for (int b = 0; b < rows_; ++b) {
         for (int a = 0; a < columns_; ++a) {
-            if (a + 1 < columns_) across_.push_back({vertex(a, b), vertex(a + 1, b)});
-            if (b + 1 < rows_) down_.push_back({vertex(a, b), vertex(a, b + 1)});
+            if (a + 1 < columns_) {
+                across_.open(vertex(a, b));
+                across_.add(vertex(a + 1, b));
+            }
+            if (b + 1 < rows_) {
+                down_.open(vertex(a, b));
+                down_.add(vertex(a, b + 1));
+            }
         }
     }
 }
@@ -78,21 +92,19 @@ void Net::scatter(int noise, RandomGenerator& random) {
     }
     // Sides on the area's border stay straight, so the cells cover it.
     const double amplitude = std::min(noise, size_) / 4.0;
-    across_.clear();
-    down_.clear();
+    // Sides of size pixels split into pieces of 2 to 3 pixels.
+    reserveSides(std::max(2, size_ / 2 + 2));
     for (int b = 0; b < rows_; ++b) {
         for (int a = 0; a < columns_; ++a) {
             if (a + 1 < columns_) {
-                Polyline side{vertex(a, b)};
+                across_.open(vertex(a, b));
                 displace(vertex(a, b), vertex(a + 1, b), onBorderRow(b) ? 0 : amplitude, random,
-                         side);
-                across_.push_back(std::move(side));
+                         across_);
             }
             if (b + 1 < rows_) {
-                Polyline side{vertex(a, b)};
+                down_.open(vertex(a, b));
                 displace(vertex(a, b), vertex(a, b + 1), onBorderColumn(a) ? 0 : amplitude, random,
-                         side);
-                down_.push_back(std::move(side));
+                         down_);
             }
         }
     }
@@ -128,27 +140,15 @@ void Net::snapToEdges(const Surface& source, int noise) {
     straightSides();
 }
 
-Polyline Net::cellOutline(int a, int b) const {
-    const Polyline& top = across_[static_cast<std::size_t>(b) * (columns_ - 1) + a];
-    const Polyline& bottom = across_[static_cast<std::size_t>(b + 1) * (columns_ - 1) + a];
-    const Polyline& leftSide = down_[static_cast<std::size_t>(b) * columns_ + a];
-    const Polyline& rightSide = down_[static_cast<std::size_t>(b) * columns_ + a + 1];
-    Polyline outline(top.begin(), top.end());
+void Net::cellOutline(int a, int b, Polyline& outline) const {
+    const auto top = across(a, b);
+    const auto bottom = across(a, b + 1);
+    const auto leftSide = down(a, b);
+    const auto rightSide = down(a + 1, b);
+    outline.assign(top.begin(), top.end());
     outline.insert(outline.end(), rightSide.begin() + 1, rightSide.end());
     outline.insert(outline.end(), bottom.rbegin() + 1, bottom.rend());
     outline.insert(outline.end(), leftSide.rbegin() + 1, leftSide.rend() - 1);
-    return outline;
-}
-
-std::vector<const Polyline*> Net::sidesOfRow(int b) const {
-    std::vector<const Polyline*> sides;
-    for (int a = 0; a + 1 < columns_; ++a)
-        sides.push_back(&across_[static_cast<std::size_t>(b) * (columns_ - 1) + a]);
-    if (b + 1 < rows_) {
-        for (int a = 0; a < columns_; ++a)
-            sides.push_back(&down_[static_cast<std::size_t>(b) * columns_ + a]);
-    }
-    return sides;
 }
 
 } // namespace lumiran::net

@@ -6,6 +6,8 @@
 #include "engine/random_generator.h"
 #include "engine/surface.h"
 
+#include <span>
+#include <utility>
 #include <vector>
 
 namespace lumiran::net {
@@ -20,11 +22,42 @@ struct Area {
 
 using Polyline = std::vector<CanvasPoint>;
 
+// Polylines end to end in one array: side i is points [starts[i], starts[i + 1]).
+class Sides {
+  public:
+    void clear() {
+        points_.clear();
+        starts_.assign(1, 0);
+    }
+    void reserve(std::pair<std::size_t, std::size_t> sidesAndPoints) {
+        starts_.reserve(sidesAndPoints.first + 1);
+        points_.reserve(sidesAndPoints.second);
+    }
+    // Opens a new side at the point; the following add()s extend it.
+    void open(CanvasPoint from) {
+        if (starts_.empty()) starts_.push_back(0);
+        points_.push_back(from);
+        starts_.push_back(points_.size());
+    }
+    void add(CanvasPoint p) {
+        points_.push_back(p);
+        ++starts_.back();
+    }
+    [[nodiscard]] std::span<const CanvasPoint> operator[](std::size_t i) const {
+        return std::span<const CanvasPoint>(points_).subspan(starts_[i],
+                                                             starts_[i + 1] - starts_[i]);
+    }
+
+  private:
+    std::vector<CanvasPoint> points_;
+    std::vector<std::size_t> starts_;
+};
+
 class Net {
   public:
     // Vertices every size pixels from the area's top left, the last row and
     // column on the area's far sides. Border vertices move only along their
-    // border.
+    // border. The sides are laid by scatter() or snapToEdges().
     Net(const Area& area, int size);
 
     // Type 0: each vertex moved by round((Rnd - 0.5) noise) across, then
@@ -36,11 +69,18 @@ class Net {
 
     [[nodiscard]] int cellColumns() const { return columns_ - 1; }
     [[nodiscard]] int cellRows() const { return rows_ - 1; }
-    // The closed outline of cell (a, b), clockwise from its upper left.
-    [[nodiscard]] Polyline cellOutline(int a, int b) const;
-    // Every side once: the horizontal ones of vertex row b and the vertical
-    // ones below it.
-    [[nodiscard]] std::vector<const Polyline*> sidesOfRow(int b) const;
+    // The closed outline of cell (a, b), clockwise from its upper left,
+    // into outline (its memory reused).
+    void cellOutline(int a, int b, Polyline& outline) const;
+    // The side from vertex (a, b) to (a + 1, b), and from (a, b) to (a, b + 1).
+    [[nodiscard]] std::span<const CanvasPoint> across(int a, int b) const {
+        return across_[static_cast<std::size_t>(b) * (columns_ - 1) + a];
+    }
+    [[nodiscard]] std::span<const CanvasPoint> down(int a, int b) const {
+        return down_[static_cast<std::size_t>(b) * columns_ + a];
+    }
+    [[nodiscard]] int vertexColumns() const { return columns_; }
+    [[nodiscard]] int vertexRows() const { return rows_; }
 
   private:
     [[nodiscard]] int reach(int noise) const;
@@ -50,6 +90,7 @@ class Net {
     }
     [[nodiscard]] bool onBorderColumn(int a) const { return a == 0 || a == columns_ - 1; }
     [[nodiscard]] bool onBorderRow(int b) const { return b == 0 || b == rows_ - 1; }
+    void reserveSides(int pointsPerSide);
     void straightSides();
 
     Area area_;
@@ -57,8 +98,8 @@ class Net {
     int columns_ = 0; // vertices across
     int rows_ = 0;    // vertices down
     std::vector<CanvasPoint> vertices_;
-    std::vector<Polyline> across_; // from (a, b) to (a + 1, b), row-major
-    std::vector<Polyline> down_;   // from (a, b) to (a, b + 1), row-major
+    Sides across_; // from (a, b) to (a + 1, b), row-major
+    Sides down_;   // from (a, b) to (a, b + 1), row-major
 };
 
 } // namespace lumiran::net

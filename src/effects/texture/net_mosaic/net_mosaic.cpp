@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace lumiran {
@@ -75,57 +76,74 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         const net::Net net = laidNet(area, blockSize, noise, type, source, context().random);
         SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
 
-        // Every cell filled on the work picture in its own colour.
-        Surface cells(source.width(), source.height());
+        // Every cell filled on the work picture in its own colour. The work
+        // picture is the target itself (its colour bytes, the spare byte
+        // kept) unless the target is also the source.
+        Surface separate;
+        if (&source == &target) separate = Surface(target.width(), target.height());
+        Surface& cells = &source == &target ? separate : target;
+        const int width = area.right - area.left;
+        for (int y = area.top; y < area.bottom; ++y) {
+            for (Pixel& p : cells.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                 static_cast<std::size_t>(width)))
+                p &= 0xFF000000u;
+        }
         Canvas canvas(cells);
         canvas.setClip(area.left, area.top, area.right, area.bottom);
         canvas.FillStyle = BrushStyle::Solid;
+        net::Polyline outline;
         for (int b = 0; b < net.cellRows(); ++b) {
             for (int a = 0; a < net.cellColumns(); ++a) {
                 const ColourRef colour =
                     cellColour(static_cast<std::uint32_t>(b * net.cellColumns() + a));
                 canvas.FillColor = colour;
-                canvas.Polygon(net.cellOutline(a, b), colour);
+                net.cellOutline(a, b, outline);
+                canvas.Polygon(outline, colour);
             }
             if (!finishRow()) return;
         }
 
         // A pixel that no cell reached (where bent sides nearly touch) joins
-        // the cell on its left, or above it in the first column.
-        const int width = area.right - area.left;
-        std::vector<std::uint32_t> numbers(static_cast<std::size_t>(width) *
-                                           (area.bottom - area.top));
-        std::vector<Sums> sums;
+        // the cell on its left, or above it in the first column. The cell
+        // numbers replace the colours on the work picture.
+        const auto cellCount = static_cast<std::size_t>(net.cellRows()) * net.cellColumns();
+        std::vector<Sums> sums(std::min<std::size_t>(cellCount, 0xFFFFFFu) + 1);
         for (int y = area.top; y < area.bottom; ++y) {
-            for (int x = area.left; x < area.right; ++x) {
-                const std::size_t at =
-                    static_cast<std::size_t>(y - area.top) * width + (x - area.left);
-                std::uint32_t n = cellNumber(GetPixel(cells, x, y));
-                if (n == 0 && x > area.left) n = numbers[at - 1];
-                if (n == 0 && y > area.top) n = numbers[at - width];
-                numbers[at] = n;
-                if (n >= sums.size()) sums.resize(n + 1);
-                const ColourRef c = GetPixel(source, x, y);
+            const auto numbers = cells.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                      static_cast<std::size_t>(width));
+            const auto above = y > area.top
+                                   ? cells.row(y - 1).subspan(static_cast<std::size_t>(area.left),
+                                                              static_cast<std::size_t>(width))
+                                   : std::span<Pixel>{};
+            const auto colours = source.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                       static_cast<std::size_t>(width));
+            for (std::size_t i = 0; i < numbers.size(); ++i) {
+                std::uint32_t n = cellNumber(colourRefOf(numbers[i]));
+                if (n == 0 && i > 0) n = numbers[i - 1] & 0xFFFFFFu;
+                if (n == 0 && !above.empty()) n = above[i] & 0xFFFFFFu;
+                numbers[i] = (numbers[i] & 0xFF000000u) | n;
+                const Pixel c = colours[i];
                 Sums& s = sums[n];
-                s.red += static_cast<std::uint64_t>(c & 0xFF);
-                s.green += static_cast<std::uint64_t>((c >> 8) & 0xFF);
-                s.blue += static_cast<std::uint64_t>((c >> 16) & 0xFF);
+                s.red += static_cast<std::uint64_t>(redOf(c));
+                s.green += static_cast<std::uint64_t>(greenOf(c));
+                s.blue += static_cast<std::uint64_t>(blueOf(c));
                 ++s.count;
             }
         }
-        std::vector<ColourRef> means(sums.size());
+        std::vector<Pixel> means(sums.size());
         for (std::size_t n = 0; n < sums.size(); ++n) {
             const Sums& s = sums[n];
             if (s.count != 0)
-                means[n] =
-                    RGB(meanOf(s.red, s.count), meanOf(s.green, s.count), meanOf(s.blue, s.count));
+                means[n] = colourBitsOf(
+                    RGB(meanOf(s.red, s.count), meanOf(s.green, s.count), meanOf(s.blue, s.count)));
         }
         for (int y = area.top; y < area.bottom; ++y) {
-            for (int x = area.left; x < area.right; ++x) {
-                const std::size_t at =
-                    static_cast<std::size_t>(y - area.top) * width + (x - area.left);
-                SetPixelV(target, x, y, means[numbers[at]]);
-            }
+            const auto numbers = cells.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                      static_cast<std::size_t>(width));
+            const auto out = target.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                   static_cast<std::size_t>(width));
+            for (std::size_t i = 0; i < out.size(); ++i)
+                out[i] = (out[i] & 0xFF000000u) | means[numbers[i] & 0xFFFFFFu];
             if (!finishRow()) return;
         }
     });
@@ -146,15 +164,22 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
         Canvas canvas(target);
         canvas.setClip(area.left, area.top, area.right, area.bottom);
         SetProgressRange(0, net.cellRows() + 1);
+        // Every side once: the level ones of vertex row b and the upright
+        // ones below it.
+        const auto draw = [&](std::span<const CanvasPoint> side) {
+            for (std::size_t k = 0; k + 1 < side.size(); ++k)
+                canvas.Line(side[k].x, side[k].y, side[k + 1].x, side[k + 1].y, colour);
+            // A line leaves out its end point; the side's last one is
+            // drawn here so the net's far corners are closed too.
+            canvas.Line(side.back().x, side.back().y, side.back().x, side.back().y, colour,
+                        LineKind::BF);
+        };
         for (int b = 0; b <= net.cellRows(); ++b) {
-            for (const net::Polyline* side : net.sidesOfRow(b)) {
-                for (std::size_t k = 0; k + 1 < side->size(); ++k)
-                    canvas.Line((*side)[k].x, (*side)[k].y, (*side)[k + 1].x, (*side)[k + 1].y,
-                                colour);
-                // A line leaves out its end point; the side's last one is
-                // drawn here so the net's far corners are closed too.
-                canvas.Line(side->back().x, side->back().y, side->back().x, side->back().y, colour,
-                            LineKind::BF);
+            for (int a = 0; a < net.cellColumns(); ++a)
+                draw(net.across(a, b));
+            if (b < net.cellRows()) {
+                for (int a = 0; a <= net.cellColumns(); ++a)
+                    draw(net.down(a, b));
             }
             if (!finishRow()) return;
         }

@@ -30,12 +30,18 @@ template <std::integral T>
     return static_cast<T>(rounded);
 }
 
-// The same conversion where the value cannot leave the target's range (a
+// The same rounding without the guard, kept in floating point, for values
+// known to lie well inside the 32-bit range: no branch, so loops vectorise.
+[[nodiscard]] inline double roundHalfEvenInRange(double value) {
+    constexpr double shifter = 6755399441055744.0; // as in roundHalfEven
+    return (value + shifter) - shifter;
+}
+
+// The conversion where the value cannot leave the target's range (a
 // weighted mean of channels, say): no check, so pixel loops can vectorise.
 template <std::integral T>
 [[nodiscard]] T roundInRange(double value) {
-    constexpr double shifter = 6755399441055744.0; // as in roundHalfEven
-    return static_cast<T>((value + shifter) - shifter);
+    return static_cast<T>(roundHalfEvenInRange(value));
 }
 
 // 16-bit fields keep the low 16 bits of whatever is stored into them.

@@ -254,10 +254,9 @@ struct RippleRow {
 constexpr double RippleMargin = 1e-7;
 constexpr double RippleRelative = 1e-9;
 [[nodiscard]] inline bool clearOfBoundaries(double moved, double af, int original, int last) {
-    constexpr double shifter = 6755399441055744.0; // 1.5 * 2^52: adding it rounds
     const double margin = RippleMargin + RippleRelative * std::abs(af);
     const double half = moved + 0.5;
-    const bool clearOfHalf = std::abs(half - ((half + shifter) - shifter)) > margin;
+    const bool clearOfHalf = std::abs(half - roundHalfEvenInRange(half)) > margin;
     const bool clearOfFirst = (std::abs(moved) > margin) | (original == 0);
     const bool clearOfLast = (std::abs(moved - last) > margin) | (original == last);
     return clearOfHalf & clearOfFirst & clearOfLast;

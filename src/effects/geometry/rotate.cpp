@@ -35,12 +35,11 @@ void Class_Geometry::Rotate(std::int16_t degrees, std::uint8_t axes, std::int16_
             const auto n = static_cast<std::size_t>(end - begin);
             const std::span<double> xs = own.take(n), ys = own.take(n), miss = own.take(n);
             const double dy = y - c.y;
-            constexpr double Shifter = 6755399441055744.0; // adding it rounds half to even
             for (std::size_t i = 0; i < n; ++i) {
                 const double dx = begin + static_cast<double>(i) - c.x;
                 // Bounded by the 16-bit rectangle: the rounding cannot fail.
-                xs[i] = (c.x + dx * cosA - dy * sinA + Shifter) - Shifter;
-                ys[i] = (c.y + dy * cosA + dx * sinA + Shifter) - Shifter;
+                xs[i] = roundHalfEvenInRange(c.x + dx * cosA - dy * sinA);
+                ys[i] = roundHalfEvenInRange(c.y + dy * cosA + dx * sinA);
                 miss[i] = static_cast<double>((xs[i] < 0) | (xs[i] > lastColumn) | (ys[i] < 0) |
                                               (ys[i] > lastRow));
             }

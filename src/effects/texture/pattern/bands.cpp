@@ -155,7 +155,7 @@ void Class_Pattern::ColorTile1(std::uint8_t type, std::int16_t left, std::int16_
                     const double yy = atLeastOne(y);
                     for (int x = first; x < end; ++x) {
                         const auto product =
-                            static_cast<std::uint32_t>(pattern::roundedWhole(atLeastOne(x) * yy));
+                            static_cast<std::uint32_t>(roundHalfEvenInRange(atLeastOne(x) * yy));
                         m[x - first] =
                             static_cast<double>(static_cast<std::int32_t>(product * 10u));
                     }

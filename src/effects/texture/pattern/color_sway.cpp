@@ -103,7 +103,7 @@ class ChannelField {
         std::size_t redo = 0;
         for (std::size_t i = 0; i < n; ++i) {
             const double q = a[i] * d[i] * 255;
-            const double whole = pattern::roundedWhole(q);
+            const double whole = roundHalfEvenInRange(q);
             const bool clear = std::abs(std::abs(q - whole) - 0.5) > Margin;
             out[i] = static_cast<std::int16_t>(clear ? whole : 0.0);
             unsure[i] = static_cast<std::uint8_t>(!clear);

@@ -27,13 +27,6 @@ namespace pattern {
                                      ((rest == -5) & odd));
 }
 
-// A value rounded half to even and kept in floating point, for values that
-// are known to lie well inside the 32-bit range.
-[[nodiscard]] inline double roundedWhole(double value) {
-    constexpr double shifter = 6755399441055744.0; // 1.5 * 2^52
-    return (value + shifter) - shifter;
-}
-
 // The largest whole number a 32-bit conversion takes; beyond it (after
 // rounding) the conversion is the overflow error.
 inline constexpr double Largest32 = 2147483647.0;
@@ -42,7 +35,7 @@ inline constexpr double Largest32 = 2147483647.0;
 // reach beyond it (or is not a number), checked once before the loop
 // rather than at every pixel: a failed run is discarded whole.
 inline void checkMeasure(double largest) {
-    if (!(roundedWhole(largest) <= Largest32)) throw EffectError::overflow();
+    if (!(roundHalfEvenInRange(largest) <= Largest32)) throw EffectError::overflow();
 }
 
 // The band rule round(|C - 256 / p * residue|) and the weight blend for
@@ -176,7 +169,7 @@ void Class_Pattern::paintBandRow(const pattern::Bands& shared, Pixel* __restrict
     std::int16_t* __restrict p = colours.get();
     const double inverse = 1 / period;
     for (int i = 0; i < count; ++i) {
-        const double whole = pattern::roundedWhole(m[i]);
+        const double whole = roundHalfEvenInRange(m[i]);
         // The truncated quotient through a 64-bit integer (std::trunc keeps
         // the compiler from vectorising), from the product with the
         // reciprocal, which is at most one off: moved so that the residue

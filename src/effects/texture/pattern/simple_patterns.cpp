@@ -74,7 +74,7 @@ void Class_Pattern::ColorSpread(std::uint8_t type, std::int16_t left, std::int16
                 for (int i = 0; i < end - first; ++i) {
                     p.red[i] = static_cast<std::int16_t>(reds[i]);
                     p.green[i] = static_cast<std::int16_t>(
-                        static_cast<std::int32_t>(pattern::roundedWhole(ramp[i] + rowRamp)) / 2 %
+                        static_cast<std::int32_t>(roundHalfEvenInRange(ramp[i] + rowRamp)) / 2 %
                         255);
                     p.blue[i] = blueOfRow;
                 }

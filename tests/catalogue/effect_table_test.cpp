@@ -6,7 +6,6 @@
 #include <regex>
 #include <set>
 #include <string>
-#include <tuple>
 #include <utility>
 
 namespace lumiran {
@@ -102,26 +101,6 @@ TEST(EffectTable, KeysAreTheStringsOfTheirIdsOrTheKnownLiterals) {
     EXPECT_EQ(foundLiterals, literals);
 }
 
-TEST(EffectTable, SpellingsTheMenusRelyOn) {
-    // caption, key, window title, string id (0: an English literal)
-    using Case = std::tuple<std::string_view, std::string_view, std::string_view, int>;
-    for (const auto& [caption, key, title, id] : std::initializer_list<Case>{
-             {"Silver Mountain", "Silver M", "白銀の山", 0},
-             {"Sway 1", "Dast and Sway", "揺れ 1", 0},
-             {"Sway 2", "揺れ 2", "揺れ 2", 3317},
-             {"Invasion Effect Brightness", "Invasion Blightness", "RGB複写 光度", 0},
-             {"Hue And Gray", "色相と灰色", "色相と灰色", 4175},
-             // These read as English but are strings of the table.
-             {"Bleeding Filter", "Bleeding Filter", "Bleeding Filter", 3623},
-             {"Force Fields", "Force Fields", "Force Fields", 3455},
-             {"Glowing Pixel 1", "Glowing Pixel 1", "Glowing Pixel 1", 4211},
-             {"Glowing Pixel 2", "Glowing Pixel 2", "Glowing Pixel 2", 4213}}) {
-        const EffectEntry& e = entry(caption);
-        EXPECT_EQ(std::tuple(e.key, e.windowTitle(), e.stringId), std::tuple(key, title, id))
-            << caption;
-    }
-}
-
 TEST(EffectTable, ControlsAreOnesTheDialogHas) {
     using Controls = std::pair<int, std::set<ListKind>>; // sliders, lists
     using enum ListKind;
@@ -203,27 +182,6 @@ TEST(EffectTable, NamedListPairsAreRowsOfTheEntrysLists) {
                                                              {"Jagged", 2},
                                                              {"Blur", 8},
                                                              {"Gaussian Blur", 8}}));
-}
-
-TEST(EffectTable, SliderNamesStepsListsAndDefaults) {
-    // On frm_Level the minimum is Slider1 although OK hands S2 first.
-    const EffectEntry& range = entry("範囲濃度調整");
-    EXPECT_EQ(std::pair(range.slider(1)->label, range.slider(2)->label),
-              std::pair(std::string_view("最小値"), std::string_view("最大値")));
-    const ControlValues v = defaultControlValues(range);
-    EXPECT_EQ(std::tuple(v.sliders[0], v.sliders[1], v.sliders[2], v.eType, v.color),
-              std::tuple(64, 192, 0, 0, 0));
-    EXPECT_EQ(defaultControlValues(entry("HSV Invert")).sliders[2], -20);
-    EXPECT_EQ(entry("Kirsch Filter").slider(1)->largeChange, 45);
-    EXPECT_EQ(entry("Sway 2").slider(2)->largeChange, 50);
-
-    const ListSpec* distance = entry("Sway 1").list(ListKind::G);
-    ASSERT_NE(distance, nullptr);
-    EXPECT_TRUE(distance->caption.empty());
-    EXPECT_EQ(distance->rows, (std::vector<std::string_view>{"1", "2", "3", "4"}));
-    EXPECT_EQ(entry("Monotone").list(ListKind::C)->rows.size(), 16u);
-    // frm_Mani hides a list it is given no rows for.
-    EXPECT_EQ(entry("HSV Cycle").list(ListKind::E), nullptr);
 }
 
 TEST(EffectTable, FindEffectTakesTheKeyThenTheCaption) {

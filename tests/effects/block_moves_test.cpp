@@ -125,7 +125,9 @@ TEST_F(BlockMoves, CrankWalksThereAndBack) {
         const Surface result = crank(step);
         for (int y = 0; y < 9; ++y) {
             EXPECT_EQ(placeOf(result.at(walk[y] + 3, y)), (SourcePlace{3, y})) << y;
-            if (walk[y] > 0) EXPECT_EQ(result.at(0, y), Back) << y;
+            if (walk[y] > 0) {
+                EXPECT_EQ(result.at(0, y), Back) << y;
+            }
         }
     }
     EXPECT_EQ(crank(0), picture);

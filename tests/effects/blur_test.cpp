@@ -220,50 +220,40 @@ TEST_F(Blurs, DiffuseOutlineNeighbourOutsideIsThePixel) {
 // 1x1 pictures and rectangles beyond the picture: every sample stays in the
 // array, and a single pixel has only itself to mix with.
 TEST_F(Blurs, BadRectangles) {
-    using Call = GeometryFixture::Call;
-    const std::function<Call(ProcessRect)> calls[] = {
-        [](ProcessRect q) {
-            return [q](Class_Geometry& e, const ProcessRect&) {
-                e.Blur_Normal(3, 4, q.left, q.top, q.right, q.bottom);
-            };
+    // Each operation on the rectangle q, whatever rectangle the run has.
+    using Operation = void (*)(Class_Geometry&, const ProcessRect&);
+    const Operation operations[] = {
+        [](Class_Geometry& e, const ProcessRect& q) {
+            e.Blur_Normal(3, 4, q.left, q.top, q.right, q.bottom);
         },
-        [](ProcessRect q) {
-            return [q](Class_Geometry& e, const ProcessRect&) {
-                e.Blur_Gaussian(8, 3, q.left, q.top, q.right, q.bottom);
-            };
+        [](Class_Geometry& e, const ProcessRect& q) {
+            e.Blur_Gaussian(8, 3, q.left, q.top, q.right, q.bottom);
         },
-        [](ProcessRect q) {
-            return [q](Class_Geometry& e, const ProcessRect&) {
-                e.Blur_Circle(2, 40, q.left, q.top, q.right, q.bottom, 11);
-            };
+        [](Class_Geometry& e, const ProcessRect& q) {
+            e.Blur_Circle(2, 40, q.left, q.top, q.right, q.bottom, 11);
         },
-        [](ProcessRect q) {
-            return [q](Class_Geometry& e, const ProcessRect&) {
-                e.Blur_CircleSoften(10, 5, q.left, q.top, q.right, q.bottom, 2);
-            };
+        [](Class_Geometry& e, const ProcessRect& q) {
+            e.Blur_CircleSoften(10, 5, q.left, q.top, q.right, q.bottom, 2);
         },
-        [](ProcessRect q) {
-            return [q](Class_Geometry& e, const ProcessRect&) {
-                e.DiffuseOutline1(2, q.left, q.top, q.right, q.bottom);
-            };
+        [](Class_Geometry& e, const ProcessRect& q) {
+            e.DiffuseOutline1(2, q.left, q.top, q.right, q.bottom);
         },
-        [](ProcessRect q) {
-            return [q](Class_Geometry& e, const ProcessRect&) {
-                e.DiffuseOutline2(1, q.left, q.top, q.right, q.bottom);
-            };
+        [](Class_Geometry& e, const ProcessRect& q) {
+            e.DiffuseOutline2(1, q.left, q.top, q.right, q.bottom);
         },
-        [](ProcessRect q) {
-            return [q](Class_Geometry& e, const ProcessRect&) {
-                e.Diffuse_Color(100, q.left, q.top, q.right, q.bottom, 3, -3, 40, 0, 0, 9);
-            };
+        [](Class_Geometry& e, const ProcessRect& q) {
+            e.Diffuse_Color(100, q.left, q.top, q.right, q.bottom, 3, -3, 40, 0, 0, 9);
         },
     };
     const Surface one = valuePicture(1, 1);
     const Surface picture = valuePicture(6, 4);
-    for (std::size_t i = 0; i < std::size(calls); ++i) {
-        EXPECT_EQ(warp(one, calls[i]({0, 0, 1, 1})), one) << i;
-        warp(picture, calls[i]({-5, -5, 50, 50}));
-        EXPECT_EQ(warp(picture, calls[i]({10, 10, 20, 20})), picture) << i;
+    for (std::size_t i = 0; i < std::size(operations); ++i) {
+        const auto on = [&](ProcessRect q) -> Call {
+            return [&, q](Class_Geometry& e, const ProcessRect&) { operations[i](e, q); };
+        };
+        EXPECT_EQ(warp(one, on({0, 0, 1, 1})), one) << i;
+        warp(picture, on({-5, -5, 50, 50}));
+        EXPECT_EQ(warp(picture, on({10, 10, 20, 20})), picture) << i;
         EXPECT_TRUE(context.failures.empty()) << i;
     }
 }

@@ -4,8 +4,6 @@
 #include "catalogue/effect_table.h"
 #include "color_op_fixture.h"
 
-#include <string_view>
-
 namespace lumiran::testing {
 namespace {
 
@@ -31,23 +29,6 @@ struct ColourDispatch : ColorOpFixture {
         return caseOn(dialog, code, values, Surface(1, 1, makePixel(r, g, b)));
     }
 };
-
-TEST_F(ColourDispatch, EveryCatalogueCallOfEitherClassAloneIsServed) {
-    const std::pair<std::string_view, int> classes[] = {{"Class_ColorOp ", 32},
-                                                        {"Class_ColorTable ", 18}};
-    for (const auto& [prefix, count] : classes) {
-        int served = 0;
-        for (const EffectEntry& entry : effectCatalogue()) {
-            if (!entry.call.starts_with(prefix) || entry.call.find("; Class_") != entry.call.npos)
-                continue;
-            const EffectPlan plan =
-                planEffect(entry.dialog, entry.code, defaultControlValues(entry));
-            EXPECT_EQ(plan.status, EffectPlan::Status::Ready) << entry.caption;
-            ++served;
-        }
-        EXPECT_EQ(served, count) << prefix;
-    }
-}
 
 TEST_F(ColourDispatch, MonotoneRowFourteenIsTheHueTriangleAndFifteenTheHistogram) {
     EXPECT_EQ(caseOn(DialogKind::Monotone, 0, V{.color = 14}, 200, 50, 0), (Colour{64, 64, 64}));

@@ -1,73 +1,48 @@
-#include "effects/colour/class_color_op.h"
+// Class_ColorOp's greys: the value each kind stores in all three channels.
+// Kinds 7..10 (maximum, the program's median, minimum, lightness) are checked
+// over every order of the channels with the other rank rules.
+#include "color_op_fixture.h"
 #include "engine/colour_models.h"
 
-#include <gtest/gtest.h>
-
-namespace lumiran {
+namespace lumiran::testing {
 namespace {
 
-struct GrayEffectTest : ::testing::Test {
-    CancelFlag cancel{0};
-    RandomGenerator random;
-    RunContext context{cancel, random};
+using GrayEffect = ColorOpFixture;
 
-    // The stored grey of one pixel under one kind.
-    int greyOf(std::uint8_t kind, int r, int g, int b) {
-        Class_ColorOp effect(context);
-        effect.ImageGetDiBits(Surface(1, 1, makePixel(r, g, b)));
-        effect.Gray_Effect(kind, 0, 0, 1, 1);
-        Surface out;
-        effect.ImageSetDiBits(out);
-        const Pixel p = out.at(0, 0);
-        EXPECT_EQ(redOf(p), greenOf(p));
-        EXPECT_EQ(redOf(p), blueOf(p));
-        return redOf(p);
+TEST_F(GrayEffect, EachKindStoresItsGrey) {
+    const struct {
+        int kind;
+        Colour in;
+        int grey;
+    } cases[] = {
+        {0, {200, 100, 51}, 117}, // 351 / 3
+        {1, {200, 100, 51}, 200},
+        {2, {200, 100, 51}, 100},
+        {3, {200, 100, 51}, 51},
+        {4, {200, 100, 51}, 204}, // 255 - b
+        {5, {200, 100, 51}, 55},  // 255 - r
+        {6, {200, 100, 51}, 155}, // 255 - g
+        {11, {200, 100, 51}, luminanceY(200, 100, 51)},
+        // Colour differences, b - Y + 128 and r - Y + 128: capped above,
+        // wrapped below.
+        {12, {0, 0, 255}, 255},
+        {12, {255, 255, 0}, (128 - luminanceY(255, 255, 0)) & 0xFF},
+        {13, {0, 255, 255}, (128 - luminanceY(0, 255, 255)) & 0xFF},
+        {13, {255, 0, 0}, 255},
+        {14, {90, 80, 70}, 0}, // unknown: the result fields stay at zero
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(runOn(c.in[0], c.in[1], c.in[2], op<&Class_ColorOp::Gray_Effect>(c.kind, rect)),
+                  (Colour{c.grey, c.grey, c.grey}))
+            << "kind " << c.kind;
     }
-};
-
-TEST_F(GrayEffectTest, EachKindPicksItsValue) {
-    const int r = 200, g = 100, b = 51;
-    EXPECT_EQ(greyOf(0, r, g, b), 117); // 351 / 3
-    EXPECT_EQ(greyOf(1, r, g, b), r);
-    EXPECT_EQ(greyOf(2, r, g, b), g);
-    EXPECT_EQ(greyOf(3, r, g, b), b);
-    EXPECT_EQ(greyOf(4, r, g, b), 255 - b);
-    EXPECT_EQ(greyOf(5, r, g, b), 255 - r);
-    EXPECT_EQ(greyOf(6, r, g, b), 255 - g);
-    EXPECT_EQ(greyOf(7, r, g, b), r);
-    EXPECT_EQ(greyOf(8, r, g, b), g);
-    EXPECT_EQ(greyOf(9, r, g, b), b);
-    EXPECT_EQ(greyOf(10, r, g, b), 126); // (200 + 51) / 2 = 125.5 -> 126
-    EXPECT_EQ(greyOf(11, r, g, b), luminanceY(r, g, b));
 }
 
-TEST_F(GrayEffectTest, MedianKindKeepsTheProgramsQuirk) {
-    EXPECT_EQ(greyOf(8, 20, 10, 30), 30);
-}
-
-TEST_F(GrayEffectTest, ColourDifferenceKindsCapAboveAndWrapBelow) {
-    // Blue difference: b - Y + 128.
-    EXPECT_EQ(greyOf(12, 0, 0, 255), 255);                    // 255 - 28 + 128 capped
-    const int y = luminanceY(255, 255, 0);                    // 226.95 -> 227
-    EXPECT_EQ(greyOf(12, 255, 255, 0), (0 - y + 128) & 0xFF); // -99 wraps to 157
-    EXPECT_EQ(greyOf(13, 0, 255, 255), (0 - luminanceY(0, 255, 255) + 128) & 0xFF);
-    EXPECT_EQ(greyOf(13, 255, 0, 0), 255); // 255 - 76 + 128 capped
-}
-
-TEST_F(GrayEffectTest, CalculationTypeClampsWhatWouldWrap) {
+TEST_F(GrayEffect, CalculationTypeClampsWhatWouldWrap) {
     context.flags.calculationFlag = 1; // (r + r1) / 2 per channel, after a clamp
     // Kind 12 gives -99; clamped to 0 before the blend with each source channel.
-    Class_ColorOp effect(context);
-    effect.ImageGetDiBits(Surface(1, 1, makePixel(255, 255, 0)));
-    effect.Gray_Effect(12, 0, 0, 1, 1);
-    Surface out;
-    effect.ImageSetDiBits(out);
-    EXPECT_EQ(out.at(0, 0) & 0xFFFFFF, makePixel(127, 127, 0));
-}
-
-TEST_F(GrayEffectTest, UnknownKindLeavesTheResultFieldsAtZero) {
-    EXPECT_EQ(greyOf(14, 90, 80, 70), 0);
+    EXPECT_EQ(runOn(255, 255, 0, op<&Class_ColorOp::Gray_Effect>(12, rect)), (Colour{127, 127, 0}));
 }
 
 } // namespace
-} // namespace lumiran
+} // namespace lumiran::testing

@@ -64,7 +64,9 @@ TEST(GlassPainting, OnlyTheOutlinesGlowAndWiderSmoothingBroadensThem) {
         } else {
             EXPECT_LT(peak, 255) << look.row;
         }
-        if (look.row % 3 != 0) EXPECT_GE(width, previousWidth) << look.row;
+        if (look.row % 3 != 0) {
+            EXPECT_GE(width, previousWidth) << look.row;
+        }
         previousWidth = width;
     }
 }

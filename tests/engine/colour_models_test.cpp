@@ -17,15 +17,6 @@ TEST(Greys, ThreeWeightsAndTheirRounding) {
     EXPECT_EQ(lightness(7, 0), 4);              // 3.5 -> 4
 }
 
-TEST(Median, IsTheProgramsOwnTestNotATrueMedian) {
-    EXPECT_EQ(programMedian(200, 100, 50), 100);
-    EXPECT_EQ(programMedian(10, 20, 30), 20);
-    EXPECT_EQ(programMedian(10, 30, 20), 20);
-    EXPECT_EQ(programMedian(20, 30, 10), 20);
-    // g < r < b gives b, the largest.
-    EXPECT_EQ(programMedian(20, 10, 30), 30);
-}
-
 TEST(Hsv, GreyHasNoHueAndComesBackUnchanged) {
     for (int v : {0, 1, 77, 128, 255}) {
         const Hsv hsv = rgbToHsv(v, v, v);

@@ -8,7 +8,6 @@
 #include "shell/ui/dialogs/frm_pictureinfo.h"
 #include "shell/ui/dialogs/frm_splash.h"
 #include "shell/ui/dialogs/frm_vasion.h"
-#include "shell/ui/frm_progress.h"
 #include "shell/ui/qt_translations.h"
 
 #include <QApplication>
@@ -22,11 +21,9 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPointer>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSpinBox>
-#include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -115,30 +112,6 @@ void editEveryTab(QDialog& dialog) {
 class DialogsTest : public QObject {
     Q_OBJECT
   private slots:
-    void optionTabsCarryTheirDesignCaptions() {
-        frm_Option dialog(Settings{});
-        const auto& tabs = child<QTabWidget>(dialog, "SSTab1");
-        const QStringList expected{"Undo",           "Calculation", " Raster Operation", "Window",
-                                   "Loading Amount", "Interface",   "Color Settings"};
-        QCOMPARE(tabs.count(), expected.size());
-        for (int i = 0; i < tabs.count(); ++i)
-            QCOMPARE(tabs.tabText(i), expected[i]);
-    }
-
-    void optionListsShowTheFlagLabels() {
-        frm_Option dialog(Settings{});
-        const auto& raster = child<QListWidget>(dialog, "RasterOpList");
-        QCOMPARE(raster.count(), 11);
-        QVERIFY(!raster.item(0)->text().contains(QLatin1String("Dso")));
-        QCOMPARE(raster.item(1)->text(), QStringLiteral("1,   Dso(SrcPaint)"));
-        QCOMPARE(raster.item(6)->text(), QStringLiteral("6,   Dson(NotSrcErase)"));
-        QCOMPARE(raster.item(10)->text(), QStringLiteral("10,   Sdno"));
-        const auto& calculation = child<QListWidget>(dialog, "CalculationList");
-        QCOMPARE(calculation.count(), 11);
-        QCOMPARE(calculation.item(0)->text(), QStringLiteral("0  R=r1"));
-        QCOMPARE(calculation.item(10)->text(), QStringLiteral("10  R=r1*(atn(r/r1*3.14))"));
-    }
-
     void optionOkStoresEveryTab() {
         Settings settings = unusualSettings();
         onDialog("frm_Option", [](QDialog& dialog) {
@@ -193,17 +166,6 @@ class DialogsTest : public QObject {
         QCOMPARE(settings.RasterOpFlag, 200);
         QCOMPARE(settings.AutoRegulation, 7);
         QCOMPARE(settings.MaxUndoCount, 1);
-    }
-
-    // The bar style changes only the look: both styles show the percentage.
-    void bothProgressBarStylesShowHowFarTheRunHasCome() {
-        for (const bool smooth : {false, true}) {
-            CancelFlag cancel{0};
-            frm_Progress progress(cancel, smooth, 9);
-            progress.setPercent(40);
-            QCOMPARE(progress.percent(), 40);
-            QCOMPARE(child<QProgressBar>(progress, "ProgressBar1").maximum(), 100);
-        }
     }
 
     void applyFontSizeReachesNestedChildren() {

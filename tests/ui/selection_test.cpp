@@ -66,15 +66,6 @@ QByteArray pngOf(const QImage& image) {
     return bytes;
 }
 
-EffectBody gray() {
-    return [](EffectInvocation& run) {
-        Class_ColorOp effect(run.context);
-        effect.ImageGetDiBits(run.keptPicture0);
-        effect.Gray_Effect(1, run.rect.left, run.rect.top, run.rect.right, run.rect.bottom);
-        effect.ImageSetDiBits(run.keptPicture1);
-    };
-}
-
 } // namespace
 
 class SelectionTest : public QObject {
@@ -136,7 +127,7 @@ class SelectionTest : public QObject {
         QCOMPARE(toolPanel(frame), QString("ﾂｰﾙ:領域確定(40,20)  -  (10,5)"));
         doc->ToolsNo_Click(tools_menu::Select);
         dragOn(&doc->pictureView(), {40, 20}, {10, 5});
-        QVERIFY(frame.runEffect(*doc, gray()));
+        QVERIFY(frame.runEffect(*doc, ui_testing::grayBody(1)));
         QVERIFY(!doc->outlineTimer().isActive());
         frame.runs().waitForEnd();
         QCOMPARE(doc->document().ToolsFlag, tools::AreaFixed);

@@ -1,10 +1,12 @@
 #pragma once
 
 // What the editor's window tests share: answering the message boxes a step
-// raises, and finding the effect dialog that is up.
+// raises, a run to start, and finding the effect dialog that is up.
+#include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
 #include "catalogue/english_texts.h"
 #include "catalogue/ui/effect_dialog.h"
+#include "effects/colour/class_color_op.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -28,26 +30,41 @@
 
 namespace lumiran::ui_testing {
 
-// Answers every message box with its first button and keeps title and text.
+// Answers every message box with the given button (its first one when the
+// box has no such button) and keeps title, text and details.
 class MessageBoxAnswerer : public QObject {
   public:
-    MessageBoxAnswerer() {
+    explicit MessageBoxAnswerer(QMessageBox::StandardButton answer = QMessageBox::NoButton) {
         timer_.setInterval(20);
-        connect(&timer_, &QTimer::timeout, this, [this] {
+        connect(&timer_, &QTimer::timeout, this, [this, answer] {
             if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
                 titles.append(box->windowTitle());
                 texts.append(box->text());
-                box->buttons().value(0)->click();
+                details.append(box->detailedText());
+                QAbstractButton* button = box->button(answer);
+                if (button == nullptr) button = box->buttons().value(0);
+                if (button != nullptr) button->click();
             }
         });
         timer_.start();
     }
     QStringList titles;
     QStringList texts;
+    QStringList details;
 
   private:
     QTimer timer_;
 };
+
+// Grey of the given kind on the worker thread, as OK runs Monotone.
+inline EffectBody grayBody(std::uint8_t kind = 0) {
+    return [kind](EffectInvocation& run) {
+        Class_ColorOp effect(run.context);
+        effect.ImageGetDiBits(run.keptPicture0);
+        effect.Gray_Effect(kind, run.rect.left, run.rect.top, run.rect.right, run.rect.bottom);
+        effect.ImageSetDiBits(run.keptPicture1);
+    };
+}
 
 // The effect dialog on screen, or null.
 inline EffectDialog* currentDialog() {

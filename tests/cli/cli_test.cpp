@@ -79,15 +79,6 @@ TEST_F(CliTest, EndToEndOnTheBundledSample) {
     EXPECT_TRUE(read("out.bmp").sameColours(expectedGray(sample, 11, 1)));
 }
 
-TEST_F(CliTest, KeyAndCaptionNameTheSameEffectAndDefaultsApply) {
-    const Surface picture = testing::makeVariedPicture(9, 7);
-    const std::string input = writeInput("in.bmp", picture);
-    ASSERT_EQ(run({"apply", "--effect", "ﾓﾉﾄｰﾝ", input, "-o", path("a.bmp")}), 0) << err.str();
-    ASSERT_EQ(run({"apply", "--effect", "monotone", input, "-o", path("b.bmp")}), 0);
-    EXPECT_TRUE(read("a.bmp").sameColours(expectedGray(picture, 0)));
-    EXPECT_TRUE(read("b.bmp").sameColours(read("a.bmp")));
-}
-
 TEST_F(CliTest, ARectangleConfinesTheEffect) {
     const Surface picture = testing::makeVariedPicture(10, 10);
     const std::string input = writeInput("in.bmp", picture);
@@ -98,15 +89,6 @@ TEST_F(CliTest, ARectangleConfinesTheEffect) {
     EXPECT_EQ(result.at(0, 0) & 0xFFFFFF, picture.at(0, 0) & 0xFFFFFF);
     const int red = redOf(picture.at(5, 5));
     EXPECT_EQ(result.at(5, 5) & 0xFFFFFF, makePixel(red, red, red));
-}
-
-TEST_F(CliTest, BatchWritesOneFilePerInput) {
-    const std::string a = writeInput("a.bmp", testing::makeVariedPicture(3, 3));
-    const std::string b = writeInput("b.bmp", testing::makeVariedPicture(4, 2));
-    fs::create_directories(dir / "out");
-    ASSERT_EQ(run({"apply", "--effect", "Monotone", a, b, "--out-dir", path("out")}), 0);
-    EXPECT_TRUE(fs::exists(dir / "out" / "a.bmp"));
-    EXPECT_EQ(read("out/b.bmp").width(), 4);
 }
 
 TEST_F(CliTest, ABatchGivesEveryInputItsOutcomeNamedAndExitsWithTheWorst) {

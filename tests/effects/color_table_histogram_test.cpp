@@ -2,7 +2,6 @@
 // that follows it pixel by pixel.
 #include "color_table_fixture.h"
 #include "effects/colour/histogram_flattening.h"
-#include "shell/string_table.h"
 
 #include <algorithm>
 #include <set>
@@ -154,7 +153,6 @@ TEST_F(ColorTableHistogram, EquationNamesTheSurveyBeforeTheFirstRow) {
         EXPECT_EQ(events.seen.front(), 3441) << mode;
         EXPECT_EQ(std::count(events.seen.begin(), events.seen.end(), 3441), 1) << mode;
     }
-    EXPECT_EQ(LoadResString(3441), "ﾋｽﾄｸﾞﾗﾑ調査中...");
 }
 
 TEST_F(ColorTableHistogram, EquationOnASmallRectangleSpreadsTowardTheLowestLevels) {

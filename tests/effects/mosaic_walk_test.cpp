@@ -175,7 +175,7 @@ INSTANTIATE_TEST_SUITE_P(
         CellCase{"gradation 2 type 3 corner black", gradation2Call(3), 0, 0, {0, 0, 0}},
         CellCase{"gradation 2 type 0 from white", gradation2Call(0), 0, 0, {255, 255, 255}},
         CellCase{"gradation 2 type 5 to black", gradation2Call(5), 1, 3, {0, 0, 0}}),
-    [](const auto& info) { return "Case" + std::to_string(info.index); });
+    [](const auto& param) { return "Case" + std::to_string(param.index); });
 
 } // namespace
 } // namespace lumiran::testing

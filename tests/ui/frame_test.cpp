@@ -19,6 +19,8 @@
 #include <QAction>
 #include <QActionEvent>
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiArea>
@@ -58,6 +60,7 @@ class MessageBoxAnswerer : public QObject {
             if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
                 titles.append(box->windowTitle());
                 texts.append(box->text());
+                informative.append(box->informativeText());
                 details.append(box->detailedText());
                 QAbstractButton* button = box->button(answer_);
                 if (button == nullptr) button = box->buttons().value(0);
@@ -68,6 +71,7 @@ class MessageBoxAnswerer : public QObject {
     }
     QStringList titles;
     QStringList texts;
+    QStringList informative;
     QStringList details;
 
   private:
@@ -218,7 +222,31 @@ class FrameTest : public QObject {
         QCOMPARE(frame.DocumentCount(), 1);
         QCOMPARE(answerer.titles.size(), 1);
         QVERIFY(answerer.titles[0].startsWith(res(ids::ErrorTitle)));
+        // The refusal has no description of its own; its reason stands below.
+        QCOMPARE(answerer.texts[0], QString());
+        QVERIFY(answerer.informative[0].contains("PCX"));
         QCOMPARE(doc->document().picture.width(), 9);
+    }
+
+    // A name relative to the working folder, as a shell passes it: the
+    // caption and the history hold the whole path, and a picture of a few
+    // pixels still gets a window whose caption and buttons fit.
+    void aRelativePathOpensUnderItsWholePath() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.show();
+        const QString whole = writePicture("tiny.bmp", gradient(5, 3));
+        const QString previous = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(dir_.path()));
+        FrmDocument* doc = frame.openFile("tiny.bmp");
+        QVERIFY(QDir::setCurrent(previous));
+        QVERIFY(doc != nullptr);
+        const QString expected = QFileInfo(whole).absoluteFilePath();
+        QCOMPARE(doc->windowTitle(), expected);
+        QCOMPARE(qs(frame.settings().history.entry(0)), expected);
+        QMdiSubWindow* sub = doc->subWindow();
+        QVERIFY(sub != nullptr);
+        QVERIFY(sub->width() >= sub->minimumSizeHint().width());
     }
 
     // A long load offers a cancel; cancelling closes only the document it

@@ -763,7 +763,8 @@ QSize wholePictureSize(QMdiSubWindow& sub) {
     auto* doc = qobject_cast<FrmDocument*>(sub.widget());
     if (doc == nullptr) return sub.size();
     const QSize frame = sub.size() - sub.widget()->size();
-    return doc->pictureView().size() + frame + QSize(4, 4);
+    // A tiny picture still gets a window whose caption and buttons fit.
+    return (doc->pictureView().size() + frame + QSize(4, 4)).expandedTo(sub.minimumSizeHint());
 }
 
 } // namespace
@@ -879,8 +880,12 @@ LoadLimits FrmMain::loadLimits() const {
     return limits;
 }
 
-FrmDocument* FrmMain::openFile(const QString& path) {
-    if (path.isEmpty() || busy() || !CheckWindowLimit()) return nullptr;
+FrmDocument* FrmMain::openFile(const QString& given) {
+    if (given.isEmpty() || busy() || !CheckWindowLimit()) return nullptr;
+    // The caption and the history hold the whole path: a name relative to
+    // the folder the editor was started in would open nothing from the
+    // history of a later start elsewhere.
+    const QString path = QFileInfo(given).absoluteFilePath();
     FrmDocument* doc = makeDocument();
     doc->setPath(path);
     // The new document's progress entry stands in the menu bar while it loads.
@@ -907,6 +912,9 @@ FrmDocument* FrmMain::openFile(const QString& path) {
         }
         QMessageBox box(QMessageBox::Warning, errorTitleText(failure->number()),
                         shown(failure->description()), QMessageBox::Ok, this);
+        // A reader's own refusal has no description: without its reason
+        // on a second line the box would say nothing at all.
+        if (failure->description().empty()) box.setInformativeText(qs(failure->detail()));
         box.setDetailedText(loadFailureDetail(*failure, loaded));
         box.exec();
         // The document that was to hold it goes again; the others stay as they were.

@@ -197,6 +197,18 @@ class FrameTest : public QObject {
         QCOMPARE(answerer.titles, QStringList{res(ids::WindowLimitTitle)});
     }
 
+    // The frame's font takes a damaged stored size within the forms' range.
+    void aStoredFontSizeOutsideTheRangeIsBroughtIntoIt() {
+        const QFont before = QApplication::font();
+        for (const auto& [stored, shown] : {std::pair{"0", 6}, std::pair{"255", 72}}) {
+            MemoryStore store;
+            store.set("Settings", "Font Size", stored);
+            FrmMain frame(store, decoder_);
+            QCOMPARE(QApplication::font().pointSize(), shown);
+        }
+        QApplication::setFont(before);
+    }
+
     void oneCharacterCommandLineIsIgnored() {
         MemoryStore store;
         FrmMain frame(store, decoder_);

@@ -734,7 +734,9 @@ void FrmMain::refreshFrameHistory() {
 
 void FrmMain::applyFontSize() {
     QFont f = QApplication::font();
-    f.setPointSize(settings_.FontSize);
+    // The same range as every form: Qt ignores a size of 0, and 255 would
+    // leave the frame's menus unusable.
+    f.setPointSize(UsableFontSize(settings_.FontSize));
     QApplication::setFont(f);
 }
 

@@ -37,7 +37,9 @@ std::string describeLoadError(const ImageLoadError& error, const std::string& pa
     if (error.number() == 0) {
         return error.detail().starts_with(path) ? error.detail() : path + ": " + error.detail();
     }
-    std::string text = errorTitle(error.number());
+    // A run-time error inside a reader knows no file name: the line names it.
+    std::string text = error.detail().starts_with(path) ? "" : path + ": ";
+    text += errorTitle(error.number());
     if (!error.description().empty()) text += " " + error.description();
     return text + ": " + error.detail();
 }

@@ -8,6 +8,7 @@
 #include "imagefiles/file_io.h"
 #include "imagefiles/load_dispatch.h"
 #include "platform/qt_picture_decoder.h"
+#include "shell/string_table.h"
 #include "test_support.h"
 
 #include <QBuffer>
@@ -275,6 +276,10 @@ TEST_F(CliTest, OwnReadersAreReachedByExtension) {
     std::ofstream(dir / "bad.tga", std::ios::binary) << std::string(30, '\x03');
     EXPECT_EQ(run({"convert", path("bad.tga"), "-o", path("t.bmp")}), cli::ExitUsage);
     EXPECT_NE(err.str().find("bad.tga: TGA: "), std::string::npos) << err.str();
+    // A run-time error of a reader (a text pixmap in free layout) names the file too.
+    std::ofstream(dir / "free.ppm", std::ios::binary) << "P3\n1 1\n255\n1 2 3\n";
+    EXPECT_EQ(run({"convert", path("free.ppm"), "-o", path("f.bmp")}), cli::ExitUsage);
+    EXPECT_NE(err.str().find("free.ppm: " + errorTitle(13)), std::string::npos) << err.str();
     EXPECT_EQ(run({"convert", path("in.xyz"), "-o", path("x.bmp")}), cli::ExitUsage);
     // A bitmap cut in half is refused by name and nothing is written.
     auto bytes = encodeBmp24(testing::makeVariedPicture(8, 8));

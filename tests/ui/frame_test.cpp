@@ -20,6 +20,8 @@
 #include <QAction>
 #include <QActionEvent>
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiArea>
@@ -161,6 +163,18 @@ class FrameTest : public QObject {
         QCOMPARE(answerer.titles, QStringList{res(ids::WindowLimitTitle)});
     }
 
+    // The frame's font takes a damaged stored size within the forms' range.
+    void aStoredFontSizeOutsideTheRangeIsBroughtIntoIt() {
+        const QFont before = QApplication::font();
+        for (const auto& [stored, shown] : {std::pair{"0", 6}, std::pair{"255", 72}}) {
+            MemoryStore store;
+            store.set("Settings", "Font Size", stored);
+            FrmMain frame(store, decoder_);
+            QCOMPARE(QApplication::font().pointSize(), shown);
+        }
+        QApplication::setFont(before);
+    }
+
     void oneCharacterCommandLineIsIgnored() {
         MemoryStore store;
         FrmMain frame(store, decoder_);
@@ -186,7 +200,31 @@ class FrameTest : public QObject {
         QCOMPARE(frame.DocumentCount(), 1);
         QCOMPARE(answerer.titles.size(), 1);
         QVERIFY(answerer.titles[0].startsWith(res(ids::ErrorTitle)));
+        // The refusal has no description of its own; its reason is in the details.
+        QCOMPARE(answerer.texts[0], QString());
+        QVERIFY(answerer.details[0].contains("PCX"));
         QCOMPARE(doc->document().picture.width(), 9);
+    }
+
+    // A name relative to the working folder, as a shell passes it: the
+    // caption and the history hold the whole path, and a picture of a few
+    // pixels still gets a window whose caption and buttons fit.
+    void aRelativePathOpensUnderItsWholePath() {
+        MemoryStore store;
+        FrmMain frame(store, decoder_);
+        frame.show();
+        const QString whole = writePicture("tiny.bmp", gradient(5, 3));
+        const QString previous = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(dir_.path()));
+        FrmDocument* doc = frame.openFile("tiny.bmp");
+        QVERIFY(QDir::setCurrent(previous));
+        QVERIFY(doc != nullptr);
+        const QString expected = QFileInfo(whole).absoluteFilePath();
+        QCOMPARE(doc->windowTitle(), expected);
+        QCOMPARE(qs(frame.settings().history.entry(0)), expected);
+        QMdiSubWindow* sub = doc->subWindow();
+        QVERIFY(sub != nullptr);
+        QVERIFY(sub->width() >= sub->minimumSizeHint().width());
     }
 
     // A long load offers a cancel; cancelling closes only the document it

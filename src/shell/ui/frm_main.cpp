@@ -734,7 +734,9 @@ void FrmMain::refreshFrameHistory() {
 
 void FrmMain::applyFontSize() {
     QFont f = QApplication::font();
-    f.setPointSize(settings_.FontSize);
+    // The same range as every form: Qt ignores a size of 0, and 255 would
+    // leave the frame's menus unusable.
+    f.setPointSize(UsableFontSize(settings_.FontSize));
     QApplication::setFont(f);
 }
 
@@ -763,7 +765,8 @@ QSize wholePictureSize(QMdiSubWindow& sub) {
     auto* doc = qobject_cast<FrmDocument*>(sub.widget());
     if (doc == nullptr) return sub.size();
     const QSize frame = sub.size() - sub.widget()->size();
-    return doc->pictureView().size() + frame + QSize(4, 4);
+    // A tiny picture still gets a window whose caption and buttons fit.
+    return (doc->pictureView().size() + frame + QSize(4, 4)).expandedTo(sub.minimumSizeHint());
 }
 
 } // namespace
@@ -879,8 +882,12 @@ LoadLimits FrmMain::loadLimits() const {
     return limits;
 }
 
-FrmDocument* FrmMain::openFile(const QString& path) {
-    if (path.isEmpty() || busy() || !CheckWindowLimit()) return nullptr;
+FrmDocument* FrmMain::openFile(const QString& given) {
+    if (given.isEmpty() || busy() || !CheckWindowLimit()) return nullptr;
+    // The caption and the history hold the whole path: a name relative to
+    // the folder the editor was started in would open nothing from the
+    // history of a later start elsewhere.
+    const QString path = QFileInfo(given).absoluteFilePath();
     FrmDocument* doc = makeDocument();
     doc->setPath(path);
     // The new document's progress entry stands in the menu bar while it loads.

@@ -68,7 +68,7 @@ class FrmMain : public QMainWindow {
     // The command line: blank-separated paths, ignored when one character long.
     void openCommandLine(const QString& commandLine);
     // Window-count check, a new document, the load; null when refused or failed.
-    FrmDocument* openFile(const QString& path);
+    FrmDocument* openFile(const QString& given);
     // true when one more document may open; shows the message otherwise.
     bool CheckWindowLimit();
     void ApplyRegulation();

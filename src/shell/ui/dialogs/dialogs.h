@@ -48,5 +48,7 @@ void showVersionDialog(const Settings& settings, QWidget* parent);
 
 // Applies the font size to a form and all its children.
 void ApplyFontSize(QWidget& form, int pointSize);
+// The stored size as the forms take it: within the range the options offer.
+[[nodiscard]] int UsableFontSize(int pointSize);
 
 } // namespace lumiran

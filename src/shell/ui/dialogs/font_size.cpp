@@ -13,8 +13,12 @@ constexpr int SmallestFontSize = 6;
 constexpr int LargestFontSize = 72;
 } // namespace
 
+int UsableFontSize(int pointSize) {
+    return std::clamp(pointSize, SmallestFontSize, LargestFontSize);
+}
+
 void ApplyFontSize(QWidget& form, int pointSize) {
-    const int size = std::clamp(pointSize, SmallestFontSize, LargestFontSize);
+    const int size = UsableFontSize(pointSize);
     auto apply = [size](QWidget& widget) {
         QFont font = widget.font();
         font.setPointSize(size);

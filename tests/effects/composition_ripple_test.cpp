@@ -79,15 +79,17 @@ struct RippleCase {
 
 TEST(CompositionRipple, EveryPixelLandsWhereTheLibraryPutsIt) {
     // Shared areas wider, taller and square; the kept image reaches every
-    // level 0..10 in a pattern the ripple cannot smooth over.
+    // level 0..10 in a pattern the ripple cannot smooth over, or is grey,
+    // where every 26th value (13, 39, ...) lies halfway between two levels.
     const RippleCase sizes[] = {
         {61, 47, 57, 50}, {300, 9, 310, 12}, {13, 160, 15, 150}, {257, 203, 257, 203}};
     const int strengths[] = {44, -60, 5, 15, 157, 1000, -250, 0};
     for (const RippleCase& size : sizes) {
         const Surface document = makeVariedPicture(size.documentWidth, size.documentHeight);
-        const Surface kept = makePicture(size.keptWidth, size.keptHeight, [](int x, int y) {
+        const bool grey = size.documentWidth == size.keptWidth;
+        const Surface kept = makePicture(size.keptWidth, size.keptHeight, [grey](int x, int y) {
             const int v = (x * 29 + y * 13 + x * y) % 256;
-            return makePixel(v, (v * 7 + y) % 256, 255 - v);
+            return grey ? makePixel(v, v, v) : makePixel(v, (v * 7 + y) % 256, 255 - v);
         });
         for (const int S : strengths) {
             for (int type = 0; type <= 8; ++type) {

@@ -91,14 +91,16 @@ class RippleField {
     // Moves the pixels in place: whether this type moves them at all.
     [[nodiscard]] bool moves() const { return type_ <= 8; }
 
-    // fx and fy of row y, one per column; 0 on an axis that stays.
+    // fx and fy of row y, one per column; 0 on an axis that stays. Types
+    // 6..8 have one fx a row: rowFx.
     void fillRow(int y) {
         if (type_ >= 6) {
-            std::fill(fx_.begin(), fx_.end(), moveX_ ? f(static_cast<double>(y) / (S_ + 1)) : 0.0);
+            rowFx_ = moveX_ ? f(static_cast<double>(y) / (S_ + 1)) : 0.0;
         } else {
             radialRow(y);
         }
     }
+    [[nodiscard]] double rowFx() const { return rowFx_; }
 
     [[nodiscard]] std::span<const double> fx() const { return fx_; }
     [[nodiscard]] std::span<const double> fy() const { return fy_; }
@@ -218,6 +220,7 @@ class RippleField {
     std::size_t columns_;
     int nearest_ = 0;
     int filledFor_ = -1;
+    double rowFx_ = 0;
     std::vector<double> fx_, fy_, kt_, byX_, byY_;
 };
 
@@ -231,6 +234,15 @@ struct RippleRow {
 // / 26), 0..10.
 [[nodiscard]] inline int rippleLevel(Pixel k) {
     return roundInRange<int>((0.587 * greenOf(k) + 0.299 * redOf(k) + 0.114 * blueOf(k)) / 26.0);
+}
+
+// The same in integers: twice = 299 r + 587 g + 114 b + 13000 thousandths
+// against 26000, exact but at a tie (twice a multiple of 26000: a quotient
+// of k + 1/2), where the weights' rounding in the doubles decides; such a
+// pixel is redone with rippleLevel.
+[[nodiscard]] inline unsigned levelTwice(Pixel k) {
+    return 299u * static_cast<unsigned>(redOf(k)) + 587u * static_cast<unsigned>(greenOf(k)) +
+           114u * static_cast<unsigned>(blueOf(k)) + 13000u;
 }
 
 // x + a f, and the coordinate it gives: outside 0..last it goes back to
@@ -275,12 +287,30 @@ template <bool ByLevel>
     return static_cast<std::uint32_t>(movedY) * row.width + static_cast<std::uint32_t>(movedX);
 }
 
+// The same for types 6..8, whose fx is one value a row.
+std::size_t levelSources(const RippleRow row, const Pixel* __restrict keptRow, const double fx,
+                         const double* __restrict fy, std::span<std::uint32_t> sources,
+                         std::uint8_t* __restrict unsure) {
+    std::uint32_t* __restrict index = sources.data();
+    std::size_t redo = 0;
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        const unsigned twice = levelTwice(keptRow[i]);
+        const unsigned level = twice / 26000u;
+        const int x = row.left + static_cast<int>(i);
+        index[i] = rippleSource<true>(row, x, static_cast<int>(level), fx, fy[i]);
+        const bool tie = twice == level * 26000u;
+        unsure[i] = static_cast<std::uint8_t>(tie);
+        redo += static_cast<std::size_t>(tie);
+    }
+    return redo;
+}
+
 // The source index of each pixel of a row. An axis that stays has values of
-// 0, which leave every coordinate in place. With Checked (approximate
-// values) each pixel's flag in unsure says whether it has to be redone with
-// the exact values; returns how many do. Apart from the class's members, so
-// that nothing the stores reach can alias what the loop reads, and it
-// vectorises.
+// 0, which leave every coordinate in place. Each pixel's flag in unsure says
+// whether it has to be redone: at a tie of its level, and with Checked
+// (approximate values) where the values could move its place; returns how
+// many are. Apart from the class's members, so that nothing the stores
+// reach can alias what the loop reads, and it vectorises.
 template <bool ByLevel, bool Checked>
 std::size_t rippleSources(const RippleRow row, const Pixel* __restrict keptRow,
                           const double* __restrict fx, const double* __restrict fy,
@@ -288,18 +318,20 @@ std::size_t rippleSources(const RippleRow row, const Pixel* __restrict keptRow,
     std::uint32_t* __restrict index = sources.data();
     std::size_t redo = 0;
     for (std::size_t i = 0; i < sources.size(); ++i) {
-        const int Y = rippleLevel(keptRow[i]);
+        const unsigned twice = levelTwice(keptRow[i]);
+        const unsigned level = twice / 26000u;
+        const int Y = static_cast<int>(level);
         const int x = row.left + static_cast<int>(i);
         index[i] = rippleSource<ByLevel>(row, x, Y, fx[i], fy[i]);
+        bool clear = twice != level * 26000u;
         if constexpr (Checked) {
             const double A = wrap16(Y * row.S);
             const double afX = A / 10 * fx[i], afY = A / 16 * fy[i];
-            const bool clear =
-                clearOfBoundaries(movedBy(x, A / 10, fx[i]), afX, x, row.lastX) &
-                clearOfBoundaries(movedBy(row.y, A / 16, fy[i]), afY, row.y, row.lastY);
-            unsure[i] = static_cast<std::uint8_t>(!clear);
-            redo += static_cast<std::size_t>(!clear);
+            clear = clear & clearOfBoundaries(movedBy(x, A / 10, fx[i]), afX, x, row.lastX) &
+                    clearOfBoundaries(movedBy(row.y, A / 16, fy[i]), afY, row.y, row.lastY);
         }
+        unsure[i] = static_cast<std::uint8_t>(!clear);
+        redo += static_cast<std::size_t>(!clear);
     }
     return redo;
 }
@@ -404,12 +436,20 @@ void Class_Composition::Composite_Coordinate(std::uint8_t type, std::uint8_t dir
                 // First every pixel's source, then the copies, which wait on
                 // memory and so overlap.
                 const RippleRow row{area.left, y, S, limits.lastX, limits.lastY, width};
+                std::uint8_t* unsure = own.unsure.data();
                 if (byLevel) {
-                    rippleSources<true, false>(row, keptRow, fx, fy, {index, columns}, nullptr);
+                    const double rowFx = field.rowFx();
+                    if (levelSources(row, keptRow, rowFx, fy, {index, columns}, unsure) > 0) {
+                        for (std::size_t i = 0; i < columns; ++i) {
+                            if (unsure[i] == 0) continue;
+                            index[i] = rippleSource<true>(row, area.left + static_cast<int>(i),
+                                                          rippleLevel(keptRow[i]), rowFx, fy[i]);
+                        }
+                    }
                 } else if (rippleSources<false, true>(row, keptRow, fx, fy, {index, columns},
-                                                      own.unsure.data()) > 0) {
+                                                      unsure) > 0) {
                     for (std::size_t i = 0; i < columns; ++i) {
-                        if (own.unsure[i] == 0) continue;
+                        if (unsure[i] == 0) continue;
                         const auto [exactX, exactY] = field.exact(i);
                         index[i] = rippleSource<false>(row, area.left + static_cast<int>(i),
                                                        rippleLevel(keptRow[i]), exactX, exactY);

@@ -86,7 +86,8 @@ class BrowseTest : public QObject {
                     QCOMPARE(text, QString("-"));
                     ++separators;
                 } else {
-                    QCOMPARE(text, rows[i]->text());
+                    // The menu doubles an ampersand to show one.
+                    QCOMPARE(text, rows[i]->text().replace("&&", "&"));
                 }
             }
         }

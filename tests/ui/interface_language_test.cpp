@@ -1,11 +1,14 @@
 // The text lookup of the editor in each language: string-table ids, the
 // core's Japanese texts, and what the core appends to them.
+#include "catalogue/effect_table.h"
+#include "catalogue/ui/effect_texts.h"
 #include "imagefiles/load_dispatch.h"
 #include "shell/string_table.h"
 #include "shell/ui/interface_translator.h"
 #include "shell/ui/ui_text.h"
 #include "shell/ui_string_ids.h"
 
+#include <QKeySequence>
 #include <QtTest>
 #include <optional>
 
@@ -46,6 +49,41 @@ class InterfaceLanguageTest : public QObject {
         }
         // The English translator goes with its owner.
         QCOMPARE(res(ids::ExitTitle), qs(LoadResString(ids::ExitTitle)));
+    }
+
+    void effectMenuRowsShowEveryAmpersandOfTheirName() {
+        struct Case {
+            const char* caption;
+            InterfaceLanguage language;
+            QString text; // as the menu takes it: "&&" shows one '&'
+        };
+        const Case cases[] = {
+            {"Sine & Cosine Warp", InterfaceLanguage::Japanese, "ｻｲﾝ&&ｺｻｲﾝ･ﾜｰﾌﾟ"},
+            {"Division And Multiplication(&V)", InterfaceLanguage::Japanese, "合成　乗算&&商算"},
+            {"Sobel & Rosenfeld Filter", InterfaceLanguage::Japanese, "Sobel && Rosenfeld･ﾌｨﾙﾀ"},
+            {"Bring Right & Under", InterfaceLanguage::Japanese, "Bring Right && Under"},
+            {"Sobel & Rosenfeld Filter", InterfaceLanguage::English, "Sobel && Rosenfeld Filter"},
+            {"Division And Multiplication(&V)", InterfaceLanguage::English,
+             "Division And Multiplication(&V)"},
+        };
+        for (const Case& c : cases) {
+            const EffectEntry* entry = findEffect(c.caption);
+            QVERIFY2(entry != nullptr, c.caption);
+            QCOMPARE(effectMenuText(*entry, c.language), c.text);
+        }
+        // The captions' "(&X)" are the only accelerators of the effect menus.
+        for (const EffectEntry& entry : effectCatalogue()) {
+            const std::string_view caption = entry.caption;
+            const auto open = caption.find("(&");
+            const QKeySequence english =
+                open == std::string_view::npos
+                    ? QKeySequence()
+                    : QKeySequence(QKeySequence::mnemonic("&" + qs(caption.substr(open + 2, 1))));
+            QCOMPARE(QKeySequence::mnemonic(effectMenuText(entry, InterfaceLanguage::English)),
+                     english);
+            QCOMPARE(QKeySequence::mnemonic(effectMenuText(entry, InterfaceLanguage::Japanese)),
+                     QKeySequence());
+        }
     }
 };
 

@@ -2,19 +2,39 @@
 
 #include "shell/ui/ui_text.h"
 
+#include <string>
+#include <string_view>
+
 namespace lumiran {
+
+namespace {
+
+// A menu reads '&' as the accelerator mark. The catalogue's only
+// accelerators are the captions' "(&X)"; every other '&' is part of the
+// name ("Sobel & Rosenfeld", "ｻｲﾝ&ｺｻｲﾝ･ﾜｰﾌﾟ", "合成　乗算&商算") and is doubled
+// so that it shows.
+QString withLiteralAmpersands(std::string_view text) {
+    QString shown = qs(text);
+    for (qsizetype i = shown.size() - 1; i >= 0; --i) {
+        if (shown[i] != u'&') continue;
+        const bool accelerator = i > 0 && shown[i - 1] == u'(' && i + 2 < shown.size() &&
+                                 shown[i + 2] == u')' && shown[i + 1] != u'&';
+        if (!accelerator) shown.insert(i, u'&');
+    }
+    return shown;
+}
+
+} // namespace
 
 QString effectMenuText(const EffectEntry& entry, InterfaceLanguage language) {
     if (language == InterfaceLanguage::English) {
-        // "Sobel & Rosenfeld Filter": an ampersand before a blank is the
-        // word, not an accelerator ("Mean(&M)" keeps its own).
         // An entry without a caption (two composition rows) reads as its key's English.
-        QString text = entry.caption.empty() ? qs(englishEffectName(entry)) : qs(entry.caption);
-        return text.replace(QStringLiteral("& "), QStringLiteral("&& "));
+        return withLiteralAmpersands(entry.caption.empty() ? englishEffectName(entry)
+                                                           : std::string(entry.caption));
     }
-    const QString text =
-        entry.stringId != 0 ? qs(LoadResString(entry.stringId)) : qs(entry.caption);
-    return text.isEmpty() ? qs(entry.key) : text;
+    const std::string_view text =
+        entry.stringId != 0 ? LoadResString(entry.stringId) : entry.caption;
+    return withLiteralAmpersands(text.empty() ? entry.key : text);
 }
 
 QString effectTitleText(const EffectEntry& entry, InterfaceLanguage language) {

@@ -26,33 +26,66 @@ mosaic::Extent extentOf(const ProcessRect& rect, const Surface& picture) {
 
 } // namespace
 
+std::vector<hide::Shade> Class_HideEffect::blockShades(int width, int height,
+                                                       const Lighting& lighting) {
+    std::vector<hide::Shade> shades(static_cast<std::size_t>(width) * height);
+    const double radius = std::min(width, height) / 2.0;
+    for (int i = 0; i < height; ++i) {
+        for (int j = 0; j < width; ++j) {
+            shades[static_cast<std::size_t>(i) * width + j] = hide::sphereShade(
+                lighting.light, j - (width - 1) / 2.0, i - (height - 1) / 2.0, radius);
+        }
+    }
+    return shades;
+}
+
 // Cells inside the sphere take the lit colour of the block's mean (type 0)
 // or of their own pixel (any other type); cells outside it are left to the
 // picture. A folded cell keeps its unfolded place in the sphere, so the
 // edge row or column it lands on is painted as often as it folds, the last
 // cell inside the sphere winning.
 void Class_HideEffect::shadeBlock(std::span<const int> rows, std::span<const int> columns,
-                                  std::int16_t type, const Lighting& lighting) {
+                                  std::int16_t type, const Lighting& lighting,
+                                  std::span<const hide::Shade> shades, bool plain) {
     const int height = static_cast<int>(rows.size());
     const int width = static_cast<int>(columns.size());
     const Rgb16 mean = mosaic::blockMean(ImageBits, rows, columns);
-    const double radius = std::min(width, height) / 2.0;
+    const double ambient = lighting.ambient;
+    const double weights[3] = {lighting.reflection[0], lighting.reflection[1],
+                               lighting.reflection[2]};
     for (int i = 0; i < height; ++i) {
         const int y = rows[static_cast<std::size_t>(i)];
         if (y == mosaic::SkippedCell) continue;
+        const Pixel* in = ImageBits.row(y).data();
+        Pixel* out = TransBits.row(y).data();
+        const hide::Shade* rowShades = shades.data() + static_cast<std::size_t>(i) * width;
         for (int j = 0; j < width; ++j) {
             const int x = columns[static_cast<std::size_t>(j)];
             if (x == mosaic::SkippedCell) continue;
-            const hide::Shade shade = hide::sphereShade(lighting.light, j - (width - 1) / 2.0,
-                                                        i - (height - 1) / 2.0, radius);
+            const hide::Shade& shade = rowShades[j];
             if (!shade.inside) continue;
-            const Pixel p = ImageBits.at(x, y);
+            const Pixel p = in[x];
             const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+            if (plain) {
+                // No blend and no overflow possible: roundTo and the shared
+                // tail's clamp are a rounding and a clamp.
+                const int c[3] = {type == 0 ? mean.red : r, type == 0 ? mean.green : g,
+                                  type == 0 ? mean.blue : b};
+                int v[3];
+                for (int k = 0; k < 3; ++k) {
+                    v[k] = std::clamp(roundInRange<std::int32_t>(c[k] * shade.diffuse +
+                                                                 weights[k] * shade.specular +
+                                                                 ambient),
+                                      0, 255);
+                }
+                out[x] = withColour(out[x], v[0], v[1], v[2]);
+                continue;
+            }
             const Rgb16 lit =
                 type == 0 ? hide::shadeColour(lighting, shade, mean.red, mean.green, mean.blue)
                           : hide::shadeColour(lighting, shade, r, g, b);
             const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, b, lit);
-            TransBits.at(x, y) = withColour(TransBits.at(x, y), v.red, v.green, v.blue);
+            out[x] = withColour(out[x], v.red, v.green, v.blue);
         }
     }
 }
@@ -62,11 +95,31 @@ void Class_HideEffect::shadedWalk(const ProcessRect& rect, const mosaic::BlockGr
     const mosaic::Extent extent = extentOf(rect, ImageBits);
     const int blockRows = mosaic::blockRowCount(extent, grid);
     SetProgressRange(0, blockRows);
-    std::vector<int> rows(static_cast<std::size_t>(grid.height));
-    std::vector<int> columns(static_cast<std::size_t>(grid.width));
+    if (blockRows == 0) return;
+    // Every block has the same cells, so their shading is worked out once.
+    const std::vector<hide::Shade> shades = blockShades(grid.width, grid.height, lighting);
+    const bool plain = !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting);
+    auto rowOfBlocks = [&](int k) {
+        std::vector<int> rows(static_cast<std::size_t>(grid.height));
+        std::vector<int> columns(static_cast<std::size_t>(grid.width));
+        mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int) {
+            shadeBlock(rows, columns, type, lighting, shades, plain);
+        });
+    };
+    if (grid.rowsAreDisjoint()) {
+        // One loop row a row of blocks: each writes only the picture rows of
+        // its own blocks, folded rows included. Bands are counted in rows of
+        // blocks, so both cores get work on a small picture too.
+        const ProcessRect blockRowsRect{static_cast<std::int16_t>(extent.firstColumn), 0,
+                                        static_cast<std::int16_t>(extent.endColumn),
+                                        static_cast<std::int16_t>(blockRows)};
+        BandPlan plan = bandPlan(blockRowsRect);
+        plan.bandRows = std::max(1, plan.bandRows / std::max(grid.height, 1));
+        rowsInBands(blockRowsRect, plan, [&](int, int k, int, int) { rowOfBlocks(k); });
+        return;
+    }
     for (int k = 0; k < blockRows; ++k) {
-        mosaic::forEachBlockInRow(extent, grid, k, rows, columns,
-                                  [&](int) { shadeBlock(rows, columns, type, lighting); });
+        rowOfBlocks(k);
         if (!finishRow()) return;
     }
 }
@@ -107,12 +160,14 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
         SetProgressRange(0, blockRows);
         if (blockRows == 0) return;
         const int blockColumns = (extent.endColumn - 1 - extent.firstColumn) / size + 1;
+        const std::vector<hide::Shade> shades = blockShades(size, size, lighting);
+        const bool plain = !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting);
         std::vector<int> rows(size);
         std::vector<int> columns(size);
         for (int k = 0; k < blockRows; ++k) {
             mosaic::forEachRandomBlockInRow(
                 extent, blockColumns, context().random, rows, columns,
-                [&](int, int) { shadeBlock(rows, columns, type, lighting); });
+                [&](int, int) { shadeBlock(rows, columns, type, lighting, shades, plain); });
             if (!finishRow()) return;
         }
     });

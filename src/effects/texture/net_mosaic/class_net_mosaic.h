@@ -39,7 +39,7 @@ class Class_NetMosaic : public PixelFrame {
         int unitsPerBand = 1;
         int count = 0;
     };
-    [[nodiscard]] Bands bandsOf(int count, long long pixelsPerUnit);
+    [[nodiscard]] Bands bandsOf(int count, long long pixelsPerUnit, int perThread);
     // Calls work(worker, k) for every band k, on several threads when the
     // bands allow; work returns how many units (progress steps) band k
     // held. A cancel stops the bands not yet begun; an error thrown by a

@@ -98,15 +98,16 @@ std::vector<RowReach> cellRowReaches(const net::Net& net) {
 
 // How count units of work (rows of cells, rows of pixels) are shared out:
 // bands of unitsPerBand, at least the frame's smallest band of pixels and
-// about four a thread, so that both cores keep busy to the end.
-Class_NetMosaic::Bands Class_NetMosaic::bandsOf(int count, long long pixelsPerUnit) {
+// about perThread a thread, so that every core keeps busy to the end.
+Class_NetMosaic::Bands Class_NetMosaic::bandsOf(int count, long long pixelsPerUnit, int perThread) {
     const RowThreading& threading = context().threading;
     if (count <= 0) return {1, 1, 0};
     const long long least = std::max<long long>(
         1, (std::max(threading.bandPixels, 1) + std::max<long long>(pixelsPerUnit, 1) - 1) /
                std::max<long long>(pixelsPerUnit, 1));
     const int threads = std::max(threading.threads, 1);
-    const long long even = (count + 4LL * threads - 1) / (4LL * threads);
+    const long long bandsWanted = static_cast<long long>(threads) * std::max(perThread, 1);
+    const long long even = (count + bandsWanted - 1) / bandsWanted;
     const auto unitsPerBand = static_cast<int>(std::min<long long>(count, std::max(least, even)));
     const int bandCount = (count + unitsPerBand - 1) / unitsPerBand;
     return {std::min(threads, bandCount), unitsPerBand, bandCount};
@@ -181,7 +182,8 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         const std::vector<RowReach> reaches = cellRowReaches(net);
         const int cellRows = net.cellRows();
         const int size = blockSize;
-        const Bands bands = bandsOf(cellRows, static_cast<long long>(size) * width);
+        // Few bands: the cells across a band's border are visited by both.
+        const Bands bands = bandsOf(cellRows, static_cast<long long>(size) * width, 2);
         // Where the net's row b of vertices lay before it was moved.
         const auto rowOfCellRow = [&](int b) {
             return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
@@ -258,7 +260,7 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                     RGB(meanOf(s.red, s.count), meanOf(s.green, s.count), meanOf(s.blue, s.count)));
         }
         const int height = area.bottom - area.top;
-        const Bands rowBands = bandsOf(height, width);
+        const Bands rowBands = bandsOf(height, width, 4);
         inBands(rowBands, [&](int, int k) {
             const int first = area.top + k * rowBands.unitsPerBand;
             const int end = std::min(area.bottom, first + rowBands.unitsPerBand);

@@ -343,23 +343,6 @@ void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
     }
 
     const Pen& outlinePen = pen();
-    if (direct && outlinePen.width() == 1) {
-        // The thin outline painted as traced: where sides meet or run over
-        // each other, a pixel painted twice looks as if painted once.
-        const Pixel bits = colourBitsOf(colour);
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            const CanvasPoint a = points[i];
-            const CanvasPoint b = edgeEnd(i);
-            drawing::traceLine(a.x, a.y, b.x, b.y, visible,
-                               [&](std::int64_t x, std::int64_t y, std::int64_t) {
-                                   if (x < visible.left || x > visible.right || y < visible.top ||
-                                       y > visible.bottom)
-                                       return;
-                                   paint(x, y, 1, bits);
-                               });
-        }
-        return;
-    }
     const Window reach = outlinePen.reach(visible);
     runs_.reset(reach);
     for (std::size_t i = 0; i < points.size(); ++i) {

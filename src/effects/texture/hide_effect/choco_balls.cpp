@@ -26,18 +26,75 @@ mosaic::Extent extentOf(const ProcessRect& rect, const Surface& picture) {
 
 } // namespace
 
-std::vector<hide::Shade> Class_HideEffect::blockShades(int width, int height,
-                                                       const Lighting& lighting) {
-    std::vector<hide::Shade> shades(static_cast<std::size_t>(width) * height);
+namespace hide {
+
+// The sphere of radius size / 2 around a block's middle at each of its
+// cells, row by row; for the plain path also as arrays, the specular term
+// already weighted per channel (w s is the same product either way).
+struct BlockTerms {
+    int width = 0;
+    bool plain = false; // no blend, and the shading cannot overflow
+    std::vector<Shade> cells;
+    std::vector<double> diffuse;
+    std::vector<double> specular[3];
+    std::vector<std::uint8_t> inside;
+};
+
+} // namespace hide
+
+namespace {
+
+hide::BlockTerms blockTerms(int width, int height, const Lighting& lighting, bool plain) {
+    hide::BlockTerms terms;
+    terms.width = width;
+    terms.plain = plain;
+    const auto count = static_cast<std::size_t>(width) * height;
+    terms.cells.resize(count);
+    terms.diffuse.resize(count);
+    for (auto& s : terms.specular)
+        s.resize(count);
+    terms.inside.resize(count);
     const double radius = std::min(width, height) / 2.0;
     for (int i = 0; i < height; ++i) {
         for (int j = 0; j < width; ++j) {
-            shades[static_cast<std::size_t>(i) * width + j] = hide::sphereShade(
-                lighting.light, j - (width - 1) / 2.0, i - (height - 1) / 2.0, radius);
+            const auto k = static_cast<std::size_t>(i) * width + j;
+            const hide::Shade shade = hide::sphereShade(lighting.light, j - (width - 1) / 2.0,
+                                                        i - (height - 1) / 2.0, radius);
+            terms.cells[k] = shade;
+            terms.diffuse[k] = shade.diffuse;
+            for (int c = 0; c < 3; ++c)
+                terms.specular[c][k] = lighting.reflection[c] * shade.specular;
+            terms.inside[k] = shade.inside ? 1 : 0;
         }
     }
-    return shades;
+    return terms;
 }
+
+// One row of a block whose columns are a plain run, with no blend and no
+// overflow possible: roundTo and the shared tail's clamp are a rounding and
+// a clamp. c d + w s + ambient as the scalar rule adds it; the colour is
+// the block's mean or, with ownColour, each pixel's own. Without a branch
+// and with restrict arrays, the loop vectorises.
+void shadePlainRow(const Pixel* __restrict in, Pixel* __restrict out, int count,
+                   const double* __restrict diffuse, const double* __restrict red,
+                   const double* __restrict green, const double* __restrict blue,
+                   const std::uint8_t* __restrict inside, double ambient, bool ownColour,
+                   Rgb16 mean) {
+    for (int j = 0; j < count; ++j) {
+        const Pixel p = in[j];
+        const double d = diffuse[j];
+        const int r = ownColour ? redOf(p) : mean.red;
+        const int g = ownColour ? greenOf(p) : mean.green;
+        const int b = ownColour ? blueOf(p) : mean.blue;
+        auto lit = [&](int c, double ws) {
+            return std::clamp(roundInRange<std::int32_t>(c * d + ws + ambient), 0, 255);
+        };
+        const Pixel shaded = withColour(out[j], lit(r, red[j]), lit(g, green[j]), lit(b, blue[j]));
+        out[j] = inside[j] != 0 ? shaded : out[j];
+    }
+}
+
+} // namespace
 
 // Cells inside the sphere take the lit colour of the block's mean (type 0)
 // or of their own pixel (any other type); cells outside it are left to the
@@ -46,41 +103,32 @@ std::vector<hide::Shade> Class_HideEffect::blockShades(int width, int height,
 // cell inside the sphere winning.
 void Class_HideEffect::shadeBlock(std::span<const int> rows, std::span<const int> columns,
                                   std::int16_t type, const Lighting& lighting,
-                                  std::span<const hide::Shade> shades, bool plain) {
+                                  const hide::BlockTerms& terms) {
     const int height = static_cast<int>(rows.size());
     const int width = static_cast<int>(columns.size());
     const Rgb16 mean = mosaic::blockMean(ImageBits, rows, columns);
-    const double ambient = lighting.ambient;
-    const double weights[3] = {lighting.reflection[0], lighting.reflection[1],
-                               lighting.reflection[2]};
+    const bool runOfColumns = terms.plain && mosaic::isPlainRun(columns);
     for (int i = 0; i < height; ++i) {
         const int y = rows[static_cast<std::size_t>(i)];
         if (y == mosaic::SkippedCell) continue;
         const Pixel* in = ImageBits.row(y).data();
         Pixel* out = TransBits.row(y).data();
-        const hide::Shade* rowShades = shades.data() + static_cast<std::size_t>(i) * width;
+        const auto first = static_cast<std::size_t>(i) * width;
+        if (runOfColumns) {
+            const int x0 = columns.front();
+            shadePlainRow(in + x0, out + x0, width, terms.diffuse.data() + first,
+                          terms.specular[0].data() + first, terms.specular[1].data() + first,
+                          terms.specular[2].data() + first, terms.inside.data() + first,
+                          lighting.ambient, type != 0, mean);
+            continue;
+        }
         for (int j = 0; j < width; ++j) {
             const int x = columns[static_cast<std::size_t>(j)];
             if (x == mosaic::SkippedCell) continue;
-            const hide::Shade& shade = rowShades[j];
+            const hide::Shade& shade = terms.cells[first + static_cast<std::size_t>(j)];
             if (!shade.inside) continue;
             const Pixel p = in[x];
             const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-            if (plain) {
-                // No blend and no overflow possible: roundTo and the shared
-                // tail's clamp are a rounding and a clamp.
-                const int c[3] = {type == 0 ? mean.red : r, type == 0 ? mean.green : g,
-                                  type == 0 ? mean.blue : b};
-                int v[3];
-                for (int k = 0; k < 3; ++k) {
-                    v[k] = std::clamp(roundInRange<std::int32_t>(c[k] * shade.diffuse +
-                                                                 weights[k] * shade.specular +
-                                                                 ambient),
-                                      0, 255);
-                }
-                out[x] = withColour(out[x], v[0], v[1], v[2]);
-                continue;
-            }
             const Rgb16 lit =
                 type == 0 ? hide::shadeColour(lighting, shade, mean.red, mean.green, mean.blue)
                           : hide::shadeColour(lighting, shade, r, g, b);
@@ -97,14 +145,14 @@ void Class_HideEffect::shadedWalk(const ProcessRect& rect, const mosaic::BlockGr
     SetProgressRange(0, blockRows);
     if (blockRows == 0) return;
     // Every block has the same cells, so their shading is worked out once.
-    const std::vector<hide::Shade> shades = blockShades(grid.width, grid.height, lighting);
-    const bool plain = !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting);
+    const hide::BlockTerms terms =
+        blockTerms(grid.width, grid.height, lighting,
+                   !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting));
     auto rowOfBlocks = [&](int k) {
         std::vector<int> rows(static_cast<std::size_t>(grid.height));
         std::vector<int> columns(static_cast<std::size_t>(grid.width));
-        mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int) {
-            shadeBlock(rows, columns, type, lighting, shades, plain);
-        });
+        mosaic::forEachBlockInRow(extent, grid, k, rows, columns,
+                                  [&](int) { shadeBlock(rows, columns, type, lighting, terms); });
     };
     if (grid.rowsAreDisjoint()) {
         // One loop row a row of blocks: each writes only the picture rows of
@@ -160,14 +208,14 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
         SetProgressRange(0, blockRows);
         if (blockRows == 0) return;
         const int blockColumns = (extent.endColumn - 1 - extent.firstColumn) / size + 1;
-        const std::vector<hide::Shade> shades = blockShades(size, size, lighting);
-        const bool plain = !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting);
+        const hide::BlockTerms terms = blockTerms(
+            size, size, lighting, !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting));
         std::vector<int> rows(size);
         std::vector<int> columns(size);
         for (int k = 0; k < blockRows; ++k) {
             mosaic::forEachRandomBlockInRow(
                 extent, blockColumns, context().random, rows, columns,
-                [&](int, int) { shadeBlock(rows, columns, type, lighting, shades, plain); });
+                [&](int, int) { shadeBlock(rows, columns, type, lighting, terms); });
             if (!finishRow()) return;
         }
     });

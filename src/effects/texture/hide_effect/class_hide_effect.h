@@ -6,13 +6,12 @@
 #include <cstdint>
 #include <span>
 #include <utility>
-#include <vector>
 
 namespace lumiran {
 
 namespace hide {
 struct Lighting;
-struct Shade;
+struct BlockTerms;
 class SphereRow;
 } // namespace hide
 
@@ -137,15 +136,10 @@ class Class_HideEffect : public PixelFrame {
     // blocks.
     void shadedWalk(const ProcessRect& rect, const mosaic::BlockGrid& grid, std::int16_t type,
                     const hide::Lighting& lighting);
-    // The sphere of radius size / 2 around a block's middle at each of its
-    // cells, row by row.
-    [[nodiscard]] static std::vector<hide::Shade> blockShades(int width, int height,
-                                                              const hide::Lighting& lighting);
-    // One block as that sphere; plain when there is no blend and the
-    // shading cannot overflow.
+    // One block as a sphere of radius size / 2 around its middle, whose
+    // terms at each cell the walk works out once.
     void shadeBlock(std::span<const int> rows, std::span<const int> columns, std::int16_t type,
-                    const hide::Lighting& lighting, std::span<const hide::Shade> shades,
-                    bool plain);
+                    const hide::Lighting& lighting, const hide::BlockTerms& terms);
     // Every pixel of the rectangle in the tiling of spheres of radius q:
     // inside a sphere the lit colour of the source its lens(dx, dy, cx, cy)
     // names, outside the background.

@@ -86,5 +86,35 @@ TEST_F(NetMosaic, ABlockSizeOfZeroIsTheOverflowError) {
     EXPECT_EQ(failureNumbers(), std::vector<int>{6});
 }
 
+TEST_F(NetMosaic, BandsOfRowsPaintTheCellsAsOneThreadDoes) {
+    // Bands of one row of cells or more, where bent cells reach across the
+    // bands' borders and overlap; the same net each time.
+    const Surface varied = makeVariedPicture(150, 97);
+    struct Case {
+        int size, noise;
+        std::uint8_t type;
+        ProcessRect rect;
+    };
+    const Case cases[] = {{8, 8, 0, {}},
+                          {8, 64, 0, {}},
+                          {13, 40, 0, {}},
+                          {5, 2, 1, {}},
+                          {9, 30, 0, {-7, 11, 140, 200}}};
+    for (const Case& c : cases) {
+        // One band over the whole picture, then bands of one row of cells
+        // on one thread and on several.
+        const RowThreading threadings[] = {{1, 1 << 30}, {1, 1}, {2, 1}, {3, 1}, {2, 1 << 12}};
+        Surface whole;
+        for (const RowThreading& threading : threadings) {
+            context.threading = threading;
+            random = RandomGenerator();
+            const Surface banded = mosaic(varied, c.size, c.noise, c.type, c.rect);
+            if (whole.empty()) whole = banded;
+            EXPECT_EQ(banded, whole) << c.size << " " << c.noise << " on " << threading.threads;
+        }
+        EXPECT_GE(coloursOf(whole).size(), 30u) << c.size << " " << c.noise;
+    }
+}
+
 } // namespace
 } // namespace lumiran::testing

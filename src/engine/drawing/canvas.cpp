@@ -114,6 +114,20 @@ std::pair<std::int64_t, std::int64_t> floorDivide(std::int64_t num, std::int64_t
 
 constexpr std::int64_t Small = std::int64_t{1} << 31;
 
+// Sorts by less: by insertion for the few elements a small polygon has,
+// where a library sort's setup costs more than the sorting.
+template <typename T, typename Less>
+void sortFew(std::vector<T>& items, Less less) {
+    if (items.size() > 16) {
+        std::ranges::sort(items, less);
+        return;
+    }
+    for (std::size_t i = 1; i < items.size(); ++i) {
+        for (std::size_t j = i; j > 0 && less(items[j], items[j - 1]); --j)
+            std::swap(items[j], items[j - 1]);
+    }
+}
+
 } // namespace
 
 void Canvas::setClip(int left, int top, int right, int bottom) {
@@ -234,12 +248,23 @@ void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
     // Where a pixel painted twice looks as if painted once, the runs need
     // not be merged first.
     const bool direct = paintsOnce(table);
+    // The copy, by far the most common mode, is written here rather than
+    // through the table's kernel: nets paint thousands of short runs.
+    const bool copies = table == drawing::tableOf(PenMode::CopyPen);
+    const auto paint = [&](std::int64_t x, std::int64_t y, std::size_t n, Pixel bits) {
+        Pixel* at = &surface_.at(static_cast<int>(x), static_cast<int>(y));
+        if (!copies) {
+            drawing::fillRow(table, at, bits, n);
+            return;
+        }
+        for (std::size_t i = 0; i < n; ++i)
+            at[i] = (at[i] & drawing::SpareByte) | (bits & drawing::ColourBytes);
+    };
     const auto paintRun = [&](std::int64_t y, std::int64_t left, std::int64_t right, Pixel bits) {
         left = std::max(left, visible.left);
         right = std::min(right, visible.right);
         if (left > right || y < visible.top || y > visible.bottom) return;
-        drawing::fillRow(table, &surface_.at(static_cast<int>(left), static_cast<int>(y)), bits,
-                         static_cast<std::size_t>(right - left + 1));
+        paint(left, y, static_cast<std::size_t>(right - left + 1), bits);
     };
 
     if (FillStyle == BrushStyle::Solid) {
@@ -274,7 +299,7 @@ void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
         }
         // Edges enter by their top row and leave after their last; which of
         // them comes first in a row does not matter, the crossings are sorted.
-        std::ranges::sort(edges_, {}, &Edge::top);
+        sortFew(edges_, [](const Edge& p, const Edge& q) { return p.top < q.top; });
         runs_.reset(visible);
         std::size_t entering = 0;
         std::size_t active = 0; // edges_[0, active) cross the row
@@ -299,7 +324,7 @@ void Canvas::Polygon(std::span<const CanvasPoint> points, ColourRef colour) {
                     ++e.at.floor;
                 }
             }
-            std::ranges::sort(crossings_, [](const Crossing& p, const Crossing& q) {
+            sortFew(crossings_, [](const Crossing& p, const Crossing& q) {
                 if (p.floor != q.floor) return p.floor < q.floor;
                 if (p.den < Small && q.den < Small) return p.rem * q.den < q.rem * p.den;
                 return Wide{p.rem} * q.den < Wide{q.rem} * p.den;

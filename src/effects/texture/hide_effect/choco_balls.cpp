@@ -26,33 +26,114 @@ mosaic::Extent extentOf(const ProcessRect& rect, const Surface& picture) {
 
 } // namespace
 
+namespace hide {
+
+// The sphere of radius size / 2 around a block's middle at each of its
+// cells, row by row; for the plain path also as arrays, the specular term
+// already weighted per channel (w s is the same product either way).
+struct BlockTerms {
+    int width = 0;
+    bool plain = false; // no blend, and the shading cannot overflow
+    std::vector<Shade> cells;
+    std::vector<double> diffuse;
+    std::vector<double> specular[3];
+    std::vector<std::uint8_t> inside;
+};
+
+} // namespace hide
+
+namespace {
+
+hide::BlockTerms blockTerms(int width, int height, const Lighting& lighting, bool plain) {
+    hide::BlockTerms terms;
+    terms.width = width;
+    terms.plain = plain;
+    const auto count = static_cast<std::size_t>(width) * height;
+    terms.cells.resize(count);
+    terms.diffuse.resize(count);
+    for (auto& s : terms.specular)
+        s.resize(count);
+    terms.inside.resize(count);
+    const double radius = std::min(width, height) / 2.0;
+    for (int i = 0; i < height; ++i) {
+        for (int j = 0; j < width; ++j) {
+            const auto k = static_cast<std::size_t>(i) * width + j;
+            const hide::Shade shade = hide::sphereShade(lighting.light, j - (width - 1) / 2.0,
+                                                        i - (height - 1) / 2.0, radius);
+            terms.cells[k] = shade;
+            terms.diffuse[k] = shade.diffuse;
+            for (int c = 0; c < 3; ++c)
+                terms.specular[c][k] = lighting.reflection[c] * shade.specular;
+            terms.inside[k] = shade.inside ? 1 : 0;
+        }
+    }
+    return terms;
+}
+
+// One row of a block whose columns are a plain run, with no blend and no
+// overflow possible: roundTo and the shared tail's clamp are a rounding and
+// a clamp. c d + w s + ambient as the scalar rule adds it; the colour is
+// the block's mean or, with ownColour, each pixel's own. Without a branch
+// and with restrict arrays, the loop vectorises.
+void shadePlainRow(const Pixel* __restrict in, Pixel* __restrict out, int count,
+                   const double* __restrict diffuse, const double* __restrict red,
+                   const double* __restrict green, const double* __restrict blue,
+                   const std::uint8_t* __restrict inside, double ambient, bool ownColour,
+                   Rgb16 mean) {
+    for (int j = 0; j < count; ++j) {
+        const Pixel p = in[j];
+        const double d = diffuse[j];
+        const int r = ownColour ? redOf(p) : mean.red;
+        const int g = ownColour ? greenOf(p) : mean.green;
+        const int b = ownColour ? blueOf(p) : mean.blue;
+        auto lit = [&](int c, double ws) {
+            return std::clamp(roundInRange<std::int32_t>(c * d + ws + ambient), 0, 255);
+        };
+        const Pixel shaded = withColour(out[j], lit(r, red[j]), lit(g, green[j]), lit(b, blue[j]));
+        out[j] = inside[j] != 0 ? shaded : out[j];
+    }
+}
+
+} // namespace
+
 // Cells inside the sphere take the lit colour of the block's mean (type 0)
 // or of their own pixel (any other type); cells outside it are left to the
 // picture. A folded cell keeps its unfolded place in the sphere, so the
 // edge row or column it lands on is painted as often as it folds, the last
 // cell inside the sphere winning.
 void Class_HideEffect::shadeBlock(std::span<const int> rows, std::span<const int> columns,
-                                  std::int16_t type, const Lighting& lighting) {
+                                  std::int16_t type, const Lighting& lighting,
+                                  const hide::BlockTerms& terms) {
     const int height = static_cast<int>(rows.size());
     const int width = static_cast<int>(columns.size());
     const Rgb16 mean = mosaic::blockMean(ImageBits, rows, columns);
-    const double radius = std::min(width, height) / 2.0;
+    const bool runOfColumns = terms.plain && mosaic::isPlainRun(columns);
     for (int i = 0; i < height; ++i) {
         const int y = rows[static_cast<std::size_t>(i)];
         if (y == mosaic::SkippedCell) continue;
+        const Pixel* in = ImageBits.row(y).data();
+        Pixel* out = TransBits.row(y).data();
+        const auto first = static_cast<std::size_t>(i) * width;
+        if (runOfColumns) {
+            const int x0 = columns.front();
+            shadePlainRow(in + x0, out + x0, width, terms.diffuse.data() + first,
+                          terms.specular[0].data() + first, terms.specular[1].data() + first,
+                          terms.specular[2].data() + first, terms.inside.data() + first,
+                          lighting.ambient, type != 0, mean);
+            continue;
+        }
         for (int j = 0; j < width; ++j) {
             const int x = columns[static_cast<std::size_t>(j)];
             if (x == mosaic::SkippedCell) continue;
-            const hide::Shade shade = hide::sphereShade(lighting.light, j - (width - 1) / 2.0,
-                                                        i - (height - 1) / 2.0, radius);
+            const hide::Shade& shade = terms.cells[first + static_cast<std::size_t>(j)];
             if (!shade.inside) continue;
-            const Pixel p = ImageBits.at(x, y);
+            const Pixel p = in[x];
             const int r = redOf(p), g = greenOf(p), b = blueOf(p);
             const Rgb16 lit =
                 type == 0 ? hide::shadeColour(lighting, shade, mean.red, mean.green, mean.blue)
                           : hide::shadeColour(lighting, shade, r, g, b);
             const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, b, lit);
-            TransBits.at(x, y) = withColour(TransBits.at(x, y), v.red, v.green, v.blue);
+            out[x] = withColour(out[x], v.red, v.green, v.blue);
         }
     }
 }
@@ -62,11 +143,31 @@ void Class_HideEffect::shadedWalk(const ProcessRect& rect, const mosaic::BlockGr
     const mosaic::Extent extent = extentOf(rect, ImageBits);
     const int blockRows = mosaic::blockRowCount(extent, grid);
     SetProgressRange(0, blockRows);
-    std::vector<int> rows(static_cast<std::size_t>(grid.height));
-    std::vector<int> columns(static_cast<std::size_t>(grid.width));
-    for (int k = 0; k < blockRows; ++k) {
+    if (blockRows == 0) return;
+    // Every block has the same cells, so their shading is worked out once.
+    const hide::BlockTerms terms =
+        blockTerms(grid.width, grid.height, lighting,
+                   !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting));
+    auto rowOfBlocks = [&](int k) {
+        std::vector<int> rows(static_cast<std::size_t>(grid.height));
+        std::vector<int> columns(static_cast<std::size_t>(grid.width));
         mosaic::forEachBlockInRow(extent, grid, k, rows, columns,
-                                  [&](int) { shadeBlock(rows, columns, type, lighting); });
+                                  [&](int) { shadeBlock(rows, columns, type, lighting, terms); });
+    };
+    if (grid.rowsAreDisjoint()) {
+        // One loop row a row of blocks: each writes only the picture rows of
+        // its own blocks, folded rows included. Bands are counted in rows of
+        // blocks, so both cores get work on a small picture too.
+        const ProcessRect blockRowsRect{static_cast<std::int16_t>(extent.firstColumn), 0,
+                                        static_cast<std::int16_t>(extent.endColumn),
+                                        static_cast<std::int16_t>(blockRows)};
+        BandPlan plan = bandPlan(blockRowsRect);
+        plan.bandRows = std::max(1, plan.bandRows / std::max(grid.height, 1));
+        rowsInBands(blockRowsRect, plan, [&](int, int k, int, int) { rowOfBlocks(k); });
+        return;
+    }
+    for (int k = 0; k < blockRows; ++k) {
+        rowOfBlocks(k);
         if (!finishRow()) return;
     }
 }
@@ -107,12 +208,14 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
         SetProgressRange(0, blockRows);
         if (blockRows == 0) return;
         const int blockColumns = (extent.endColumn - 1 - extent.firstColumn) / size + 1;
+        const hide::BlockTerms terms = blockTerms(
+            size, size, lighting, !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting));
         std::vector<int> rows(size);
         std::vector<int> columns(size);
         for (int k = 0; k < blockRows; ++k) {
             mosaic::forEachRandomBlockInRow(
                 extent, blockColumns, context().random, rows, columns,
-                [&](int, int) { shadeBlock(rows, columns, type, lighting); });
+                [&](int, int) { shadeBlock(rows, columns, type, lighting, terms); });
             if (!finishRow()) return;
         }
     });

@@ -4,11 +4,14 @@
 #include "engine/pixel_frame.h"
 
 #include <cstdint>
+#include <span>
+#include <utility>
 
 namespace lumiran {
 
 namespace hide {
 struct Lighting;
+struct BlockTerms;
 class SphereRow;
 } // namespace hide
 
@@ -22,6 +25,25 @@ class SphereRow;
 class Class_HideEffect : public PixelFrame {
   public:
     using PixelFrame::PixelFrame;
+
+    // Lends a picture to ImageBits for the loan's lifetime and hands it back
+    // however the call ends, instead of copying it: every call that writes
+    // TransBits only reads ImageBits, and none reads the kept pictures
+    // through the context.
+    class SourceLoan {
+      public:
+        SourceLoan(Class_HideEffect& effect, Surface& picture)
+            : effect_(effect), picture_(picture) {
+            effect_.ImageBits = std::move(picture_);
+        }
+        SourceLoan(const SourceLoan&) = delete;
+        SourceLoan& operator=(const SourceLoan&) = delete;
+        ~SourceLoan() { picture_ = std::move(effect_.ImageBits); }
+
+      private:
+        Class_HideEffect& effect_;
+        Surface& picture_;
+    };
 
     // "Sketch Noise": pencil stamps of side width (types 0..9) dropped at
     // random until as many as fit the rectangle's area have fallen.
@@ -114,9 +136,10 @@ class Class_HideEffect : public PixelFrame {
     // blocks.
     void shadedWalk(const ProcessRect& rect, const mosaic::BlockGrid& grid, std::int16_t type,
                     const hide::Lighting& lighting);
-    // One block as a sphere of radius size / 2 around its middle.
+    // One block as a sphere of radius size / 2 around its middle, whose
+    // terms at each cell the walk works out once.
     void shadeBlock(std::span<const int> rows, std::span<const int> columns, std::int16_t type,
-                    const hide::Lighting& lighting);
+                    const hide::Lighting& lighting, const hide::BlockTerms& terms);
     // Every pixel of the rectangle in the tiling of spheres of radius q:
     // inside a sphere the lit colour of the source its lens(dx, dy, cx, cy)
     // names, outside the background.

@@ -32,6 +32,21 @@ class Class_NetMosaic : public PixelFrame {
                   std::int16_t right, std::int16_t bottom, std::int16_t blockSize,
                   std::int16_t noise, std::uint8_t type, std::int16_t red, std::int16_t green,
                   std::int16_t blue);
+
+  private:
+    struct Bands {
+        int workers = 1;
+        int unitsPerBand = 1;
+        int count = 0;
+    };
+    [[nodiscard]] Bands bandsOf(int count, long long pixelsPerUnit, int perThread);
+    // Calls work(worker, k) for every band k, on several threads when the
+    // bands allow; work returns how many units (progress steps) band k
+    // held. A cancel stops the bands not yet begun; an error thrown by a
+    // band is rethrown here, the lowest band's when several fail. Returns
+    // false when the run was cancelled.
+    template <typename Work>
+    bool inBands(const Bands& bands, Work&& work);
 };
 
 } // namespace lumiran

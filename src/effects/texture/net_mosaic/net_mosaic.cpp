@@ -3,7 +3,10 @@
 #include "engine/drawing/drawing.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
+#include <exception>
+#include <mutex>
 #include <span>
 #include <vector>
 
@@ -64,7 +67,92 @@ net::Net laidNet(const net::Area& area, std::int16_t blockSize, std::int16_t noi
     return net;
 }
 
+// The rows of the picture a row of cells reaches, both inclusive.
+struct RowReach {
+    int first = 0;
+    int last = -1;
+};
+
+std::vector<RowReach> cellRowReaches(const net::Net& net) {
+    std::vector<RowReach> reaches(static_cast<std::size_t>(net.cellRows()));
+    const auto widen = [](RowReach& reach, std::span<const CanvasPoint> side) {
+        for (const CanvasPoint& p : side) {
+            reach.first = std::min(reach.first, p.y);
+            reach.last = std::max(reach.last, p.y);
+        }
+    };
+    for (int b = 0; b < net.cellRows(); ++b) {
+        RowReach& reach = reaches[static_cast<std::size_t>(b)];
+        reach = {net.across(0, b).front().y, net.across(0, b).front().y};
+        for (int a = 0; a < net.cellColumns(); ++a) {
+            widen(reach, net.across(a, b));
+            widen(reach, net.across(a, b + 1));
+        }
+        for (int a = 0; a < net.vertexColumns(); ++a)
+            widen(reach, net.down(a, b));
+    }
+    return reaches;
+}
+
 } // namespace
+
+// How count units of work (rows of cells, rows of pixels) are shared out:
+// bands of unitsPerBand, at least the frame's smallest band of pixels and
+// about perThread a thread, so that every core keeps busy to the end.
+Class_NetMosaic::Bands Class_NetMosaic::bandsOf(int count, long long pixelsPerUnit, int perThread) {
+    const RowThreading& threading = context().threading;
+    if (count <= 0) return {1, 1, 0};
+    const long long least = std::max<long long>(
+        1, (std::max(threading.bandPixels, 1) + std::max<long long>(pixelsPerUnit, 1) - 1) /
+               std::max<long long>(pixelsPerUnit, 1));
+    const int threads = std::max(threading.threads, 1);
+    const long long bandsWanted = static_cast<long long>(threads) * std::max(perThread, 1);
+    const long long even = (count + bandsWanted - 1) / bandsWanted;
+    const auto unitsPerBand = static_cast<int>(std::min<long long>(count, std::max(least, even)));
+    const int bandCount = (count + unitsPerBand - 1) / unitsPerBand;
+    return {std::min(threads, bandCount), unitsPerBand, bandCount};
+}
+
+template <typename Work>
+bool Class_NetMosaic::inBands(const Bands& bands, Work&& work) {
+    if (bands.workers <= 1) {
+        for (int k = 0; k < bands.count; ++k) {
+            const int units = work(0, k);
+            for (int i = 0; i < units; ++i) {
+                if (!finishRow()) return false;
+            }
+        }
+        return true;
+    }
+    std::atomic<int> next{0};
+    std::atomic<bool> stop{false};
+    std::mutex progress;
+    std::exception_ptr failure;
+    int failedBand = bands.count;
+    context().workers().run(bands.workers, [&](int worker) {
+        for (int k = next.fetch_add(1); k < bands.count && !stop.load(); k = next.fetch_add(1)) {
+            try {
+                const int units = work(worker, k);
+                const std::scoped_lock lock(progress);
+                for (int i = 0; i < units; ++i) {
+                    if (!finishRow()) {
+                        stop = true;
+                        break;
+                    }
+                }
+            } catch (...) {
+                const std::scoped_lock lock(progress);
+                if (k < failedBand) {
+                    failedBand = k;
+                    failure = std::current_exception();
+                }
+                stop = true;
+            }
+        }
+    });
+    if (failure) std::rethrow_exception(failure);
+    return !context().cancelled();
+}
 
 void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::int16_t left,
                                  std::int16_t top, std::int16_t right, std::int16_t bottom,
@@ -83,25 +171,63 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         if (&source == &target) separate = Surface(target.width(), target.height());
         Surface& cells = &source == &target ? separate : target;
         const int width = area.right - area.left;
-        for (int y = area.top; y < area.bottom; ++y) {
-            for (Pixel& p : cells.row(y).subspan(static_cast<std::size_t>(area.left),
-                                                 static_cast<std::size_t>(width)))
-                p &= 0xFF000000u;
-        }
-        Canvas canvas(cells);
-        canvas.setClip(area.left, area.top, area.right, area.bottom);
-        canvas.FillStyle = BrushStyle::Solid;
-        net::Polyline outline;
-        for (int b = 0; b < net.cellRows(); ++b) {
-            for (int a = 0; a < net.cellColumns(); ++a) {
-                const ColourRef colour =
-                    cellColour(static_cast<std::uint32_t>(b * net.cellColumns() + a));
-                canvas.FillColor = colour;
-                net.cellOutline(a, b, outline);
-                canvas.Polygon(outline, colour);
+        const auto areaRow = [&](Surface& picture, int y) {
+            return picture.row(y).subspan(static_cast<std::size_t>(area.left),
+                                          static_cast<std::size_t>(width));
+        };
+        // Bands of rows of the picture, each painting every cell that
+        // reaches into it, in the cells' order and clipped to its rows: a
+        // pixel where cells touch takes the last one's colour, as when the
+        // cells are painted over the whole picture one after the other.
+        const std::vector<RowReach> reaches = cellRowReaches(net);
+        const int cellRows = net.cellRows();
+        const int size = blockSize;
+        // Few bands: the cells across a band's border are visited by both.
+        const Bands bands = bandsOf(cellRows, static_cast<long long>(size) * width, 2);
+        // Where the net's row b of vertices lay before it was moved.
+        const auto rowOfCellRow = [&](int b) {
+            return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
+                                                                   area.bottom - area.top));
+        };
+        struct Painter {
+            explicit Painter(Surface& picture) : canvas(picture) {}
+            Canvas canvas;
+            net::Polyline outline;
+        };
+        std::vector<Painter> painters;
+        painters.reserve(static_cast<std::size_t>(bands.workers));
+        for (int w = 0; w < bands.workers; ++w)
+            painters.emplace_back(cells);
+        const bool painted = inBands(bands, [&](int worker, int k) {
+            const int firstCellRow = k * bands.unitsPerBand;
+            const int endCellRow = std::min(cellRows, firstCellRow + bands.unitsPerBand);
+            const int bandTop = rowOfCellRow(firstCellRow);
+            const int bandBottom = endCellRow == cellRows ? area.bottom : rowOfCellRow(endCellRow);
+            for (int y = bandTop; y < bandBottom; ++y) {
+                for (Pixel& p : areaRow(cells, y))
+                    p &= 0xFF000000u;
             }
-            if (!finishRow()) return;
-        }
+            Painter& painter = painters[static_cast<std::size_t>(worker)];
+            Canvas& canvas = painter.canvas;
+            canvas.setClip(area.left, bandTop, area.right, bandBottom);
+            canvas.FillStyle = BrushStyle::Solid;
+            for (int b = 0; b < cellRows; ++b) {
+                const RowReach& reach = reaches[static_cast<std::size_t>(b)];
+                if (reach.last < bandTop || reach.first >= bandBottom) continue;
+                for (int a = 0; a < net.cellColumns(); ++a) {
+                    net.cellOutline(a, b, painter.outline);
+                    const auto [low, high] =
+                        std::ranges::minmax(painter.outline, {}, &CanvasPoint::y);
+                    if (high.y < bandTop || low.y >= bandBottom) continue;
+                    const ColourRef colour =
+                        cellColour(static_cast<std::uint32_t>(b * net.cellColumns() + a));
+                    canvas.FillColor = colour;
+                    canvas.Polygon(painter.outline, colour);
+                }
+            }
+            return endCellRow - firstCellRow;
+        });
+        if (!painted) return;
 
         // A pixel that no cell reached (where bent sides nearly touch) joins
         // the cell on its left, or above it in the first column. The cell
@@ -109,12 +235,8 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         const auto cellCount = static_cast<std::size_t>(net.cellRows()) * net.cellColumns();
         std::vector<Sums> sums(std::min<std::size_t>(cellCount, 0xFFFFFFu) + 1);
         for (int y = area.top; y < area.bottom; ++y) {
-            const auto numbers = cells.row(y).subspan(static_cast<std::size_t>(area.left),
-                                                      static_cast<std::size_t>(width));
-            const auto above = y > area.top
-                                   ? cells.row(y - 1).subspan(static_cast<std::size_t>(area.left),
-                                                              static_cast<std::size_t>(width))
-                                   : std::span<Pixel>{};
+            const auto numbers = areaRow(cells, y);
+            const auto above = y > area.top ? areaRow(cells, y - 1) : std::span<Pixel>{};
             const auto colours = source.row(y).subspan(static_cast<std::size_t>(area.left),
                                                        static_cast<std::size_t>(width));
             for (std::size_t i = 0; i < numbers.size(); ++i) {
@@ -137,15 +259,19 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 means[n] = colourBitsOf(
                     RGB(meanOf(s.red, s.count), meanOf(s.green, s.count), meanOf(s.blue, s.count)));
         }
-        for (int y = area.top; y < area.bottom; ++y) {
-            const auto numbers = cells.row(y).subspan(static_cast<std::size_t>(area.left),
-                                                      static_cast<std::size_t>(width));
-            const auto out = target.row(y).subspan(static_cast<std::size_t>(area.left),
-                                                   static_cast<std::size_t>(width));
-            for (std::size_t i = 0; i < out.size(); ++i)
-                out[i] = (out[i] & 0xFF000000u) | means[numbers[i] & 0xFFFFFFu];
-            if (!finishRow()) return;
-        }
+        const int height = area.bottom - area.top;
+        const Bands rowBands = bandsOf(height, width, 4);
+        inBands(rowBands, [&](int, int k) {
+            const int first = area.top + k * rowBands.unitsPerBand;
+            const int end = std::min(area.bottom, first + rowBands.unitsPerBand);
+            for (int y = first; y < end; ++y) {
+                const auto numbers = areaRow(cells, y);
+                const auto out = areaRow(target, y);
+                for (std::size_t i = 0; i < out.size(); ++i)
+                    out[i] = (out[i] & 0xFF000000u) | means[numbers[i] & 0xFFFFFFu];
+            }
+            return end - first;
+        });
     });
 }
 

@@ -87,7 +87,8 @@ void BM_Halftone_Ordered8x8(benchmark::State& state) {
 BENCHMARK(BM_Halftone_Ordered8x8)->Unit(benchmark::kMillisecond);
 
 // Every kernel two-level in mono (filter, colour mode), and Floyd &
-// Steinberg in colour.
+// Steinberg in colour. The diffusions run on two threads: their processor
+// time is the whole process's.
 void BM_Halftone_ErrorDiffuse(benchmark::State& state) {
     const auto filter = static_cast<std::int16_t>(state.range(0));
     const auto mode = static_cast<std::int16_t>(state.range(1));
@@ -104,6 +105,7 @@ BENCHMARK(BM_Halftone_ErrorDiffuse)
     ->Args({4, 0})
     ->Args({5, 0})
     ->Args({6, 0})
+    ->MeasureProcessCPUTime()
     ->Unit(benchmark::kMillisecond);
 
 // The entries that share the diffusion: Floyd & Steinberg (filter 2 of the
@@ -118,20 +120,20 @@ void BM_Halftone_FixedErrorDiffuse(benchmark::State& state) {
     ditherInPlace(state,
                   [](Class_Dithering& e) { e.Dither_ErrorFixed(1, 0, 0, Side, Side, 0, 2, 42); });
 }
-BENCHMARK(BM_Halftone_FixedErrorDiffuse)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Halftone_FixedErrorDiffuse)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
 
 void BM_Halftone_ColorPaintDither(benchmark::State& state) {
     ditherInPlace(state, [](Class_Dithering& e) {
         e.Dither_ErrorDiffuseColorPaint(1, 0, 0, Side, Side, 0, 2);
     });
 }
-BENCHMARK(BM_Halftone_ColorPaintDither)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Halftone_ColorPaintDither)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
 
 void BM_Halftone_ErrorDiffusePhoto(benchmark::State& state) {
     runOneArray(state, bench::photoLikePicture(),
                 [](Class_Dithering& e) { e.Dither_ErrorDiffuse(1, 0, 0, Side, Side, 0, 2); });
 }
-BENCHMARK(BM_Halftone_ErrorDiffusePhoto)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Halftone_ErrorDiffusePhoto)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
 
 void BM_Halftone_RandomDither(benchmark::State& state) {
     ditherInPlace(

@@ -133,39 +133,85 @@ Surface saturatedPicture(int width, int height, std::uint32_t seed) {
     });
 }
 
+// One thread, and two with every picture shared out: the groups of rows
+// on the second thread trail those on the first.
+const RowThreading Threadings[] = {{.threads = 1}, {.threads = 2, .bandPixels = 1}};
+
 TEST_F(Diffusion, RowsTogetherMatchTheRowsOneAfterTheOther) {
     // Several rows run at once, each some columns behind the row above.
-    // Widths and heights around those lags (3 to 9 columns) and the four
-    // rows of a band, rectangles inside the picture, and rows too few for a
-    // band or so near the bottom that the kernel is clamped onto them.
+    // Widths and heights around those lags (3 to 9 columns), the four rows
+    // of a band and the 32 columns a thread runs before it tells the other,
+    // rectangles inside the picture, and rows too few for a band or so near
+    // the bottom that the kernel is clamped onto them.
     const ProcessRect areas[] = {
-        {0, 0, 1, 14},  {5, 0, 7, 14},  {2, 1, 5, 13},  {0, 0, 40, 1}, {0, 0, 40, 2},
-        {3, 2, 37, 5},  {1, 0, 5, 14},  {4, 3, 10, 12}, {0, 1, 9, 14}, {2, 0, 13, 9},
-        {0, 0, 40, 14}, {7, 2, 26, 11}, {1, 4, 33, 10}, {0, 0, 19, 8}, {6, 5, 16, 6},
+        {0, 0, 1, 14},  {5, 0, 7, 14},  {2, 1, 5, 13},  {0, 0, 40, 1},  {0, 0, 40, 2},
+        {3, 2, 37, 5},  {1, 0, 5, 14},  {4, 3, 10, 12}, {0, 1, 9, 14},  {2, 0, 13, 9},
+        {0, 0, 40, 14}, {7, 2, 26, 11}, {1, 4, 33, 10}, {0, 0, 19, 8},  {6, 5, 16, 6},
+        {0, 0, 31, 13}, {1, 0, 33, 14}, {0, 3, 34, 14}, {2, 1, 67, 11}, {0, 0, 70, 14},
     };
-    for (std::int16_t filter = 0; filter < 7; ++filter) {
-        const auto seed = static_cast<std::uint32_t>(filter);
-        for (const Surface& picture :
-             {noisePicture(40, 14, 11u + seed), saturatedPicture(40, 14, 5u + seed)}) {
-            for (const bool mono : {true, false}) {
-                for (const std::int16_t level : {2, 8}) {
-                    for (const ProcessRect& area : areas) {
-                        Surface expected = picture;
-                        literalDiffusion(expected, area, DiffusionKernels[filter], mono,
-                                         levelTable(level), exactError);
-                        const Surface got =
-                            run(picture, area, [&](Class_Dithering& e, ProcessRect r) {
-                                e.Dither_ErrorDiffuse(filter, r.left, r.top, r.right, r.bottom,
-                                                      mono ? 0 : 1, level);
-                            });
-                        ASSERT_EQ(got, expected)
-                            << "filter " << filter << " mono " << mono << " level " << level
-                            << " area " << area.left << "," << area.top << "," << area.right << ","
-                            << area.bottom;
+    for (const RowThreading& threading : Threadings) {
+        context.threading = threading;
+        for (std::int16_t filter = 0; filter < 7; ++filter) {
+            const auto seed = static_cast<std::uint32_t>(filter);
+            for (const Surface& picture :
+                 {noisePicture(70, 14, 11u + seed), saturatedPicture(70, 14, 5u + seed)}) {
+                for (const bool mono : {true, false}) {
+                    for (const std::int16_t level : {2, 8}) {
+                        for (const ProcessRect& area : areas) {
+                            Surface expected = picture;
+                            literalDiffusion(expected, area, DiffusionKernels[filter], mono,
+                                             levelTable(level), exactError);
+                            const Surface got =
+                                run(picture, area, [&](Class_Dithering& e, ProcessRect r) {
+                                    e.Dither_ErrorDiffuse(filter, r.left, r.top, r.right, r.bottom,
+                                                          mono ? 0 : 1, level);
+                                });
+                            ASSERT_EQ(got, expected)
+                                << "threads " << threading.threads << " filter " << filter
+                                << " mono " << mono << " level " << level << " area " << area.left
+                                << "," << area.top << "," << area.right << "," << area.bottom;
+                        }
                     }
                 }
             }
         }
+    }
+}
+
+// Stops the run once a number of rows have ended.
+struct CancelAfter : ProgressSink {
+    RunContext& context;
+    int rows;
+    void showPercent(int) override {
+        if (--rows == 0) context.requestCancel();
+    }
+    CancelAfter(RunContext& c, int n) : context(c), rows(n) {}
+};
+
+TEST_F(Diffusion, TwoThreadsCountEveryRowAndStopTogether) {
+    context.threading = {.threads = 2, .bandPixels = 1};
+    const Surface picture = noisePicture(60, 30, 4);
+    // Rows above and below the picture count too.
+    const ProcessRect beyond{-5, -3, 70, 34};
+    {
+        Class_Dithering effect(context);
+        effect.ImageGetDiBits(picture);
+        effect.Dither_ErrorDiffuse(1, beyond.left, beyond.top, beyond.right, beyond.bottom, 0, 2);
+        EXPECT_EQ(effect.progressCount(), 37);
+    }
+    // A cancel at a row's end stops the other thread too, at the end of its
+    // group or while it waits on the stopped one.
+    for (const int after : {1, 6, 20}) {
+        cancel = 0;
+        CancelAfter sink(context, after);
+        context.progress = &sink;
+        Class_Dithering effect(context);
+        effect.ImageGetDiBits(picture);
+        effect.Dither_ErrorDiffuse(5, 0, 0, 60, 30, 1, 2);
+        EXPECT_TRUE(context.cancelled());
+        EXPECT_GE(effect.progressCount(), after);
+        EXPECT_LE(effect.progressCount(), after + 1);
+        context.progress = nullptr;
     }
 }
 
@@ -255,20 +301,24 @@ TEST_F(Diffusion, ColorPaintRunsFromTheDrawingColour) {
     context.flags.drawingColor = {200, 100, 0};
     const Surface picture = noisePicture(21, 13, 8);
     const ProcessRect inner{2, 1, 19, 12};
-    for (std::int16_t filter = 0; filter < 7; ++filter) {
-        for (const std::int16_t paintType : {0, 1}) {
-            for (const std::int16_t level : {2, 4, 6}) {
-                const std::array<LevelTable, 3> paint{drawingColorLevelTable(level, paintType, 200),
-                                                      drawingColorLevelTable(level, paintType, 100),
-                                                      drawingColorLevelTable(level, paintType, 0)};
-                Surface expected = picture;
-                literalDiffusion(expected, inner, DiffusionKernels[filter], false, paint[0],
-                                 exactError, &paint);
-                EXPECT_EQ(run(picture, inner,
-                              op<&Class_Dithering::Dither_ErrorDiffuseColorPaint>(
-                                  filter, rect, paintType, level)),
-                          expected)
-                    << "filter " << filter << " paint type " << paintType << " level " << level;
+    for (const RowThreading& threading : Threadings) {
+        context.threading = threading;
+        for (std::int16_t filter = 0; filter < 7; ++filter) {
+            for (const std::int16_t paintType : {0, 1}) {
+                for (const std::int16_t level : {2, 4, 6}) {
+                    const std::array<LevelTable, 3> paint{
+                        drawingColorLevelTable(level, paintType, 200),
+                        drawingColorLevelTable(level, paintType, 100),
+                        drawingColorLevelTable(level, paintType, 0)};
+                    Surface expected = picture;
+                    literalDiffusion(expected, inner, DiffusionKernels[filter], false, paint[0],
+                                     exactError, &paint);
+                    EXPECT_EQ(run(picture, inner,
+                                  op<&Class_Dithering::Dither_ErrorDiffuseColorPaint>(
+                                      filter, rect, paintType, level)),
+                              expected)
+                        << "filter " << filter << " paint type " << paintType << " level " << level;
+                }
             }
         }
     }

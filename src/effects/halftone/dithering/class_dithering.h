@@ -109,6 +109,10 @@ class Class_Dithering : public PixelFrame {
     void rowsOf(int kernel, const ProcessRect& rect, const diffusion::Bounds& bounds,
                 const DiffusionKernel& prepared, Quantise& quantise, bool byGreyAlone,
                 bool inScanOrder);
+    // Whether the rows of a wavefront are worth a second thread.
+    [[nodiscard]] bool sharesRows(const diffusion::Bounds& bounds);
+    template <typename Rows>
+    void rowsOnTwoThreads(const ProcessRect& rect, const diffusion::Bounds& bounds, Rows& rows);
     void randomDither(const ProcessRect& rect, bool mono, std::int16_t level);
 
     LevelTable MonoLevelTable{};

@@ -2,6 +2,7 @@
 
 #include "effects/halftone/dithering/diffusion_kernel.h"
 #include "effects/halftone/dithering/level_tables.h"
+#include "effects/halftone/dithering/row_relay.h"
 #include "engine/pixel.h"
 
 #include <algorithm>
@@ -269,7 +270,7 @@ class RowDiffusion {
                  Quantise& quantise, Quantise* byGrey)
         : picture_(picture), width_(width), bounds_(bounds), kernel_(kernel), quantise_(quantise),
           byGrey_(byGrey), fastFrom_(bounds.left + Shape::ReachLeft),
-          fastTo_(bounds.right - 1 - Shape::ReachRight) {
+          fastTo_(bounds.right - 1 - Shape::ReachRight), bands_(countBands()) {
         if constexpr (GreyPath) {
             if (byGrey_ == nullptr) return;
             for (int grey = 0; grey < 256; ++grey) {
@@ -311,25 +312,35 @@ class RowDiffusion {
     }
 
     // One row alone.
-    void run(int y) {
-        if (y + Rows > bounds_.bottom - 1 || fastFrom_ > fastTo_) {
-            Pixel* row = rowAt(y);
-            for (int x = bounds_.left; x < bounds_.right; ++x)
-                clampedStep(row, x, y);
-            return;
-        }
-        withCursor([&]<typename Cursor>() { runRows<Cursor, 1>(y); });
-    }
+    void run(int y) { (void)runRow(y, NoGate{}); }
 
     // The rows from y on: a band of BandRows where no share of theirs is
     // clamped onto a lower row, else row y alone. Gives the rows done.
     int runFrom(int y) {
-        if (y + BandRows - 1 + Rows > bounds_.bottom - 1 || fastFrom_ > fastTo_) {
-            run(y);
-            return 1;
+        if (bandAt(y)) {
+            withCursor([&]<typename Cursor>() { (void)runRows<Cursor, BandRows>(y, NoGate{}); });
+            return BandRows;
         }
-        withCursor([&]<typename Cursor>() { runRows<Cursor, BandRows>(y); });
-        return BandRows;
+        run(y);
+        return 1;
+    }
+
+    // The rows as groups from the top, as runFrom takes them: bands while
+    // they fit, then the rows one at a time.
+    [[nodiscard]] int groups() const { return bands_ + (bounds_.bottom - bandsEnd()); }
+    [[nodiscard]] int groupTop(int g) const {
+        return g < bands_ ? bounds_.top + g * BandRows : bandsEnd() + (g - bands_);
+    }
+    [[nodiscard]] int groupRows(int g) const { return g < bands_ ? BandRows : 1; }
+
+    // Group g trailing the group above through the gate. False where it
+    // gave up, the run having stopped.
+    [[nodiscard]] bool runGroup(int g, const RowGate& gate) {
+        const int y = groupTop(g);
+        if (g >= bands_) return runRow(y, gate);
+        bool done = false;
+        withCursor([&]<typename Cursor>() { done = runRows<Cursor, BandRows>(y, gate); });
+        return done;
     }
 
   private:
@@ -370,30 +381,69 @@ class RowDiffusion {
         return picture_ + static_cast<std::ptrdiff_t>(y) * width_;
     }
 
+    [[nodiscard]] bool bandAt(int y) const {
+        return y + BandRows - 1 + Rows <= bounds_.bottom - 1 && fastFrom_ <= fastTo_;
+    }
+    [[nodiscard]] int bandsEnd() const { return bounds_.top + bands_ * BandRows; }
+    [[nodiscard]] int countBands() const {
+        int n = 0;
+        while (bandAt(bounds_.top + n * BandRows))
+            ++n;
+        return n;
+    }
+
+    // Row y alone: by the clamped step where the kernel reaches below the
+    // bounds or no column is free of clamping.
+    template <typename Gate>
+    bool runRow(int y, const Gate& gate) {
+        if (y + Rows > bounds_.bottom - 1 || fastFrom_ > fastTo_) {
+            Pixel* row = rowAt(y);
+            for (int x = bounds_.left; x < bounds_.right;) {
+                const int end = std::min(bounds_.right, x + Gate::Block);
+                if (!gate.wait(std::min(end + Lag, bounds_.right))) return false;
+                for (; x < end; ++x)
+                    clampedStep(row, x, y);
+                gate.publish(end);
+            }
+            return true;
+        }
+        bool done = false;
+        withCursor([&]<typename Cursor>() { done = runRows<Cursor, 1>(y, gate); });
+        return done;
+    }
+
     // R rows from y0, row r at column left + t - r Lag in step t. Where
-    // every row is inside its stretch the steps run without a test.
-    template <typename Cursor, int R>
-    [[gnu::flatten]] void runRows(int y0) {
+    // every row is inside its stretch the steps run without a test. The
+    // steps go in blocks; the first row of a block's last step stands Lag
+    // columns behind where the row above must have come, as a row below
+    // in the band stands behind the one above it.
+    template <typename Cursor, int R, typename Gate>
+    [[gnu::flatten]] bool runRows(int y0, const Gate& gate) {
         const int left = bounds_.left;
         const int steps = bounds_.right - left + (R - 1) * Lag;
         std::array<Cursor, R> cursors{};
         for (int r = 0; r < R; ++r)
             cursors[static_cast<std::size_t>(r)].row = rowAt(y0 + r);
-        auto anyStep = [&](int t) {
-            for (int r = 0; r < R; ++r)
-                stepAnywhere(cursors[static_cast<std::size_t>(r)], left + t - r * Lag, y0 + r);
-        };
         const int steadyFrom = fastFrom_ - left + (R - 1) * Lag + 1;
         const int steadyTo = fastTo_ - left;
-        int t = 0;
-        for (; t < std::min(steadyFrom, steps); ++t)
-            anyStep(t);
-        if (t < steadyTo) {
-            steady<Cursor, R>(cursors, left, t, steadyTo);
-            t = steadyTo;
+        for (int t = 0; t < steps;) {
+            const bool inSteady = t >= steadyFrom && t < steadyTo;
+            const int stretchEnd = t < steadyFrom ? steadyFrom : inSteady ? steadyTo : steps;
+            const int end = std::min({steps, t + Gate::Block, stretchEnd});
+            if (!gate.wait(std::min(left + end + Lag, bounds_.right))) return false;
+            if (inSteady) {
+                steady<Cursor, R>(cursors, left, t, end);
+            } else {
+                for (int s = t; s < end; ++s) {
+                    for (int r = 0; r < R; ++r)
+                        stepAnywhere(cursors[static_cast<std::size_t>(r)], left + s - r * Lag,
+                                     y0 + r);
+                }
+            }
+            gate.publish(left + end - (R - 1) * Lag);
+            t = end;
         }
-        for (; t < steps; ++t)
-            anyStep(t);
+        return true;
     }
 
     template <typename Cursor, int R>
@@ -636,6 +686,7 @@ class RowDiffusion {
     Quantise* byGrey_;
     int fastFrom_; // the stretch of columns where no share is clamped
     int fastTo_;
+    int bands_; // the groups of BandRows from the top
     // By grey, and nothing for NoGrey: each share as the bytes to add and
     // to take away and, where it is a tie, a one in each colour byte;
     // ownExact_ where a share on the row rounds by the old value in doubles.

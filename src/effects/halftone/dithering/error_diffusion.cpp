@@ -1,6 +1,9 @@
 #include "effects/halftone/dithering/class_dithering.h"
 #include "effects/halftone/dithering/diffusion_row.h"
 
+#include <exception>
+#include <mutex>
+
 namespace lumiran {
 namespace {
 
@@ -21,6 +24,10 @@ void Class_Dithering::rowsOf(int kernel, const ProcessRect& rect, const diffusio
         diffusion::RowDiffusion<OneError, decltype(filter)::value, Quantise> rows(
             result().pixels().data(), result().width(), bounds, prepared, quantise,
             byGreyAlone ? &quantise : nullptr);
+        if (!inScanOrder && sharesRows(bounds)) {
+            rowsOnTwoThreads(rect, bounds, rows);
+            return;
+        }
         // A band of rows runs at its first row; progress and cancel still
         // come once a row.
         int doneUntil = bounds.top;
@@ -34,6 +41,59 @@ void Class_Dithering::rowsOf(int kernel, const ProcessRect& rect, const diffusio
             }
         });
     });
+}
+
+bool Class_Dithering::sharesRows(const diffusion::Bounds& bounds) {
+    // Below these a second thread costs more than it gains; a band of one
+    // pixel (the tests' setting) shares every picture out.
+    constexpr long long BandsForTwo = 4;
+    constexpr int NarrowestShared = 256;
+    const RowThreading& threading = context().threading;
+    const int width = bounds.right - bounds.left;
+    const int height = bounds.bottom - bounds.top;
+    return threading.threads >= 2 && height >= 2 && width >= 1 &&
+           width >= std::min(threading.bandPixels, NarrowestShared) &&
+           static_cast<long long>(width) * height >= BandsForTwo * threading.bandPixels;
+}
+
+// The groups of rows in a wavefront on two threads, each group trailing
+// the one above by the kernel's lag. Every row of the rectangle still
+// counts for progress, the rows outside the picture before and after the
+// others as on one thread; a cancel stops both threads at the end of
+// their groups, a thread waiting on a stopped group gives up at once. Where
+// the threads keep waiting on each other the calling thread goes on alone.
+template <typename Rows>
+void Class_Dithering::rowsOnTwoThreads(const ProcessRect& rect, const diffusion::Bounds& bounds,
+                                       Rows& rows) {
+    for (int y = rect.top; y < bounds.top; ++y) {
+        if (!finishRow()) return;
+    }
+    diffusion::GroupRelay relay(rows.groups());
+    std::mutex rowEnd;
+    std::exception_ptr failure;
+    context().workers().run(2, [&](int worker) {
+        try {
+            for (int g = relay.claim(worker); g >= 0; g = relay.claim(worker)) {
+                if (!rows.runGroup(g, relay.gate(g))) return;
+                const std::scoped_lock lock(rowEnd);
+                for (int i = 0; i < rows.groupRows(g); ++i) {
+                    if (!finishRow()) {
+                        relay.stop();
+                        return;
+                    }
+                }
+            }
+        } catch (...) {
+            const std::scoped_lock lock(rowEnd);
+            if (!failure) failure = std::current_exception();
+            relay.stop();
+        }
+    });
+    if (failure) std::rethrow_exception(failure);
+    if (relay.stopped()) return;
+    for (int y = bounds.bottom; y < loopEnd(rect.bottom); ++y) {
+        if (!finishRow()) return;
+    }
 }
 
 void Class_Dithering::diffuse(int kernel, const ProcessRect& rect, bool mono, std::int16_t level,

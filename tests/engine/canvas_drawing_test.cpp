@@ -260,6 +260,22 @@ TEST(CanvasPolygon, PaintsEachPixelOnceInEveryMode) {
     }
 }
 
+TEST(CanvasPolygon, AnOutlineCutByThePicturesEdgeKeepsItsPixelsAbove) {
+    // Sides traced back over a row widen its last run to the left, past an
+    // earlier run of the row; the cut picture must still show them.
+    const CanvasPoint outline[] = {{7, 4}, {10, 5}, {12, 6}, {14, 5}, {12, 4}, {6, 4}};
+    const Points whole = drawOn(16, 10, [&](Canvas& k) { k.Polygon(outline, White); });
+    ASSERT_TRUE(whole.contains({6, 4}));
+    for (int height = 1; height <= 8; ++height) {
+        Points above;
+        for (const auto& p : whole) {
+            if (p.second < height) above.insert(p);
+        }
+        EXPECT_EQ(drawOn(16, height, [&](Canvas& k) { k.Polygon(outline, White); }), above)
+            << height;
+    }
+}
+
 TEST(Canvas, ClipsAndSurvivesAnyInput) {
     Surface s(16, 16);
     Canvas canvas(s);

@@ -70,6 +70,12 @@ void RowRuns::add(std::int64_t y, std::int64_t left, std::int64_t right) {
     if (!entries_.empty()) {
         Entry& last = entries_.back();
         if (last.y == y && left <= last.run.right + 1 && right + 1 >= last.run.left) {
+            // Widened to the left, the run may now start before an earlier
+            // run of its row: then the rows need their sort.
+            if (left < last.run.left && entries_.size() >= 2) {
+                const Entry& before = entries_[entries_.size() - 2];
+                if (before.y == y && before.run.left > left) sorted_ = false;
+            }
             last.run.left = std::min(last.run.left, left);
             last.run.right = std::max(last.run.right, right);
             return;

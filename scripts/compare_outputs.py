@@ -326,6 +326,12 @@ def main() -> int:
             print("%-40s %4d cases  %4d same  %3d differ  %3d refused by both  %5.1fs" % (
                 name, len(cases), counts["same"], counts["differ"], counts["both-refused"],
                 time.monotonic() - t0), flush=True)
+            refusals: dict[str, int] = {}
+            for o in outcomes:
+                if o.status == "both-refused":
+                    refusals[o.detail] = refusals.get(o.detail, 0) + 1
+            for message, n in sorted(refusals.items()):
+                print("  refused by both (%d): %s" % (n, message))
             for o in outcomes:
                 if o.status == "differ":
                     print("  DIFFER %s | %s | picture %s%s | args: %s\n         %s" % (

@@ -259,7 +259,7 @@ def compare_case(opts, effect: dict, case: Case, kept: str | None, scratch: str,
             return Outcome(effect["caption"], case, "same")
         detail = describe_difference(a, b)
         if opts.keep_differing:
-            stem = os.path.join(opts.keep_differing, "%s-%d" % (re.sub(r"\W+", "_", effect["name"]), n))
+            stem = os.path.join(opts.keep_differing, "%s-%d" % (re.sub(r"\W+", "_", effect.get("name") or effect["key"]), n))
             shutil.copy(a, stem + "-old.bmp")
             shutil.copy(b, stem + "-new.bmp")
         return Outcome(effect["caption"], case, "differ", detail)
@@ -295,7 +295,7 @@ def main() -> int:
     listing = subprocess.run([opts.new, "list", "--json"], capture_output=True, text=True, check=True)
     effects = [e for e in json.loads(listing.stdout)
                if re.search(opts.family, e["family"], re.I)
-               and any(re.search(opts.effects, e[k], re.I) for k in ("caption", "key", "name"))]
+               and any(re.search(opts.effects, e.get(k, ""), re.I) for k in ("caption", "key", "name"))]
     if not effects:
         print("no effect matches %r" % opts.effects, file=sys.stderr)
         return 2
@@ -311,7 +311,7 @@ def main() -> int:
             cases = build_cases(effect, pictures, opts.cases)
             if opts.list:
                 for c in cases:
-                    print("%s | %s | %s | %s" % (effect["caption"] or effect["name"], c.label, c.picture.name,
+                    print("%s | %s | %s | %s" % (effect["caption"] or effect.get("name", effect["key"]), c.label, c.picture.name,
                                                  " ".join(c.args)))
                 continue
             kept = kept_picture if needs_kept(opts.new, effect, pictures[0], scratch) else None
@@ -322,7 +322,7 @@ def main() -> int:
             counts = {k: sum(1 for o in outcomes if o.status == k) for k in totals}
             for k in totals:
                 totals[k] += counts[k]
-            name = effect["caption"] or effect["name"]
+            name = effect["caption"] or effect.get("name", effect["key"])
             print("%-40s %4d cases  %4d same  %3d differ  %3d refused by both  %5.1fs" % (
                 name, len(cases), counts["same"], counts["differ"], counts["both-refused"],
                 time.monotonic() - t0), flush=True)

@@ -147,15 +147,28 @@ inline Rgb16 HsvToRgb(double hue, double saturation, double value) {
     return hsv;
 }
 
-// HsvToRgb with selects, for saturation and value within 0 to 1.
-[[nodiscard]] inline Rgb16 hsvToRgbInRange(double hue, double saturation, double value) {
+// The hue's sextant as HsvToRgb takes it: i = floor(h) of h = H / 60 in
+// single precision (6 or more counts as 0), and the rise f within it.
+struct HueSector {
+    // Kept as a float: i < k exactly when the float is below k, and
+    // comparisons on one integer would be merged into a switch, which no
+    // vector unit runs.
+    float sector = 0;
+    double rise = 0;
+};
+
+[[nodiscard]] inline HueSector hueSectorOf(double hue) {
     float h = static_cast<float>(hue / 60);
     h = h >= 6 ? 0.0f : h;
-    // The sector i = floor(h), kept as a float: i < k exactly when the float
-    // is below k, and comparisons on one integer would be merged into a
-    // switch, which no vector unit runs.
     const float sector = std::floor(h);
-    const double f = h - sector;
+    return {sector, h - sector};
+}
+
+// HsvToRgb with selects, for saturation and value within 0 to 1, from the
+// hue's sextant.
+[[nodiscard]] inline Rgb16 hsvToRgbInSector(HueSector hue, double saturation, double value) {
+    const float sector = hue.sector;
+    const double f = hue.rise;
     const double p = static_cast<float>((1 - saturation) * value);
     const double q = static_cast<float>((1 - f * saturation) * value);
     const double t = static_cast<float>((1 - (1 - f) * saturation) * value);
@@ -179,6 +192,10 @@ inline Rgb16 HsvToRgb(double hue, double saturation, double value) {
     };
     return {channel(grey ? value : red), channel(grey ? value : green),
             channel(grey ? value : blue)};
+}
+
+[[nodiscard]] inline Rgb16 hsvToRgbInRange(double hue, double saturation, double value) {
+    return hsvToRgbInSector(hueSectorOf(hue), saturation, value);
 }
 
 struct Hls {

@@ -154,7 +154,8 @@ class PixelFrame {
     // source. Rows and columns that fall outside the picture are dropped
     // rather than reached; rows still count for progress. With AnyOrder each
     // thread calls a copy of the rule of its own, so a rule may keep a cache;
-    // a rule that carries state from pixel to pixel names TopToBottom.
+    // a rule that carries state from pixel to pixel names TopToBottom. A
+    // rule with a member startRow(y) has it called before each of its rows.
     template <ResultTail Tail, Destination Dest = Destination::InPlace,
               RowOrder Order = RowOrder::AnyOrder, typename Rule>
     void mapPixels(const ProcessRect& rect, Rule&& rule) {
@@ -163,6 +164,9 @@ class PixelFrame {
         const Span span = spanOf(rect);
         const bool blend = blends(Tail) && calculationFlag() > 0;
         auto mapOneRow = [&](auto& ownRule, int y) {
+            // A rule with terms by row works them out here, outside the
+            // pixel loop, which then stays free of the test.
+            if constexpr (requires { ownRule.startRow(y); }) ownRule.startRow(y);
             const Pixel* source = ImageBits.row(y).data();
             Pixel* destination = target.row(y).data();
             // Without a blend the loop is free of branches, so the

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -115,6 +116,79 @@ void Class_ColorOp::HSVInvert(std::int16_t left, std::int16_t top, std::int16_t 
     });
 }
 
+namespace {
+
+// HSVCycle's terms by column, worked out once a row: the angle and its arc
+// tangent depend on dx only through dx^2, so one evaluation serves the
+// columns on both sides of the centre.
+class HsvCycleRule {
+  public:
+    HsvCycleRule(int cx, int cy, int firstColumn, int endColumn, double maxAngle, std::int16_t hue,
+                 std::int16_t saturation, std::int16_t intensity)
+        : cx_(cx), cy_(cy), firstColumn_(firstColumn), maxAngle_(maxAngle), hue_(hue),
+          saturation_(saturation), intensity_(intensity),
+          reach_(std::max(std::abs(cx - firstColumn), std::abs(cx - (endColumn - 1))) + 1),
+          intensityRise_(static_cast<std::size_t>(std::max(endColumn - firstColumn, 0))),
+          saturationRise_(intensityRise_.size()), degrees_(intensityRise_.size()),
+          sector_(intensityRise_.size()), rise_(intensityRise_.size()) {}
+
+    void startRow(int y) {
+        const double dy = cy_ - y;
+        const auto columns = static_cast<int>(intensityRise_.size());
+        for (int k = 0; k < reach_; ++k) {
+            const double dx = static_cast<double>(k);
+            const double angle = std::sqrt(dx * dx + dy * dy) / 180 * 3.1415;
+            const double a = std::atan(angle);
+            double h = hue_ * angle / maxAngle_;
+            if (h > 360) h -= 360;
+            const HueSector hs = hueSectorOf(h);
+            // Columns cx - k and cx + k, where they lie in the row.
+            for (const int x : {cx_ - k - firstColumn_, cx_ + k - firstColumn_}) {
+                if (x < 0 || x >= columns) continue;
+                const auto i = static_cast<std::size_t>(x);
+                intensityRise_[i] = 2 * intensity_ * a;
+                saturationRise_[i] = saturation_ / 255.0 * 3 * a;
+                degrees_[i] = h;
+                sector_[i] = hs.sector;
+                rise_[i] = hs.rise;
+            }
+        }
+    }
+
+    Rgb16 operator()(int x, int /*y*/, int& r, int& g, int& b) const {
+        const auto i = static_cast<std::size_t>(x - firstColumn_);
+        // Zero channels are raised to 1, for the blend as well.
+        r = std::max(r, 1);
+        g = std::max(g, 1);
+        b = std::max(b, 1);
+        const int mx = std::max(r, std::max(g, b));
+        const int mn = std::min(r, std::min(g, b));
+        const double s = static_cast<double>(mx - mn) / mx;
+        // At most 2 * 255 * pi / 2 + 255: always a 16-bit value.
+        const int value =
+            std::min<int>(roundInRange<std::int16_t>(std::abs(intensityRise_[i] + mx)), 255);
+        const double sat = std::min(std::abs(saturationRise_[i] + s), 1.0);
+        // A centre at (0, 0) makes the hue infinite or undefined, which only
+        // the scalar conversion takes as the rule does.
+        if (maxAngle_ == 0) return absolute(HsvToRgb(degrees_[i], sat, value / 255.0));
+        return absolute(hsvToRgbInSector({sector_[i], rise_[i]}, sat, value / 255.0));
+    }
+
+  private:
+    int cx_, cy_, firstColumn_;
+    double maxAngle_;
+    std::int16_t hue_, saturation_, intensity_;
+    int reach_;
+    // By column from firstColumn_.
+    std::vector<double> intensityRise_;  // 2 intensity atan(angle)
+    std::vector<double> saturationRise_; // saturation / 255 * 3 atan(angle)
+    std::vector<double> degrees_;
+    std::vector<float> sector_;
+    std::vector<double> rise_;
+};
+
+} // namespace
+
 void Class_ColorOp::HSVCycle(std::int16_t left, std::int16_t top, std::int16_t right,
                              std::int16_t bottom, std::uint8_t /*method*/, std::int16_t hue,
                              std::int16_t saturation, std::int16_t intensity, std::int16_t xPercent,
@@ -127,23 +201,9 @@ void Class_ColorOp::HSVCycle(std::int16_t left, std::int16_t top, std::int16_t r
         // centre at (0, 0) gives 0, and the hue below becomes infinite.
         const double maxAngle =
             std::sqrt(static_cast<double>(cx) * cx + static_cast<double>(cy) * cy) / 180 * 3.1415;
-        mapPixels<ResultTail::Clamp>(rect, [&](int x, int y, int& r, int& g, int& b) {
-            const double dx = cx - x, dy = cy - y;
-            const double angle = std::sqrt(dx * dx + dy * dy) / 180 * 3.1415;
-            // Zero channels are raised to 1, for the blend as well.
-            r = std::max(r, 1);
-            g = std::max(g, 1);
-            b = std::max(b, 1);
-            const MaxMin m = MaxMinOfThree(r, g, b);
-            const double s = static_cast<double>(m.max - m.min) / m.max;
-            const double a = std::atan(angle);
-            const int value =
-                std::min<int>(roundTo<std::int16_t>(std::abs(2 * intensity * a + m.max)), 255);
-            double h = hue * angle / maxAngle;
-            if (h > 360) h -= 360;
-            const double sat = std::min(std::abs(saturation / 255.0 * 3 * a + s), 1.0);
-            return absolute(HsvToRgb(h, sat, value / 255.0));
-        });
+        const Span span = spanOf(rect);
+        mapPixels<ResultTail::Clamp>(rect, HsvCycleRule(cx, cy, span.firstColumn, span.endColumn,
+                                                        maxAngle, hue, saturation, intensity));
     });
 }
 

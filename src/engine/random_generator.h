@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 namespace lumiran {
 
@@ -14,6 +15,19 @@ class RandomGenerator {
     // Next value in [0, 1), a multiple of 2^-24.
     [[nodiscard]] double next();
     [[nodiscard]] std::uint32_t state() const { return state_; }
+
+    // The next out.size() values in turn, as that many calls of next() give
+    // them; several runs of the sequence at once, so the loop vectorises.
+    void take(std::span<double> out);
+    // Moves on by count values without making them.
+    void skip(std::uint64_t count);
+    // A copy that stands count values further on: the values a loop would
+    // draw there can be made on another thread, in any order.
+    [[nodiscard]] RandomGenerator ahead(std::uint64_t count) const {
+        RandomGenerator later = *this;
+        later.skip(count);
+        return later;
+    }
 
   private:
     std::uint32_t state_ = InitialState;

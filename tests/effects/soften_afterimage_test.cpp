@@ -73,12 +73,12 @@ Displace ripple(double a, double wavelength, int direction) {
     };
 }
 
-Displace vortex(double a, int direction) {
+Displace vortex(double a, int direction, double cx = Cx, double cy = Cy) {
     return [=](int x, int y, int j) {
-        const double dx = x + j - Cx, dy = y + j - Cy;
+        const double dx = x + j - cx, dy = y + j - cy;
         const double t = std::sqrt(0.6 * dx * dx + dy * dy) / (a / 4.0) / 3.14;
-        return directed(direction, x, y, std::sin(t) * dx + Cx - std::cos(t) * dy,
-                        std::cos(t) * dx + Cy + std::sin(t) * dy);
+        return directed(direction, x, y, std::sin(t) * dx + cx - std::cos(t) * dy,
+                        std::cos(t) * dx + cy + std::sin(t) * dy);
     };
 }
 
@@ -105,6 +105,34 @@ TEST_F(Soften, AfterImagesMatchTheirFormulas) {
                 EXPECT_TRUE(turned == afterImageModel(picture, count, type, vortex(42, d)))
                     << "vortex " << +type << +d << " " << count;
             }
+        }
+    }
+    EXPECT_TRUE(context.failures.empty());
+}
+
+// The vortex's turned points come from the vector sine and cosine, rows in
+// bands on several threads: every sample must land where the library's
+// values put it, for tight and wide twists and centres off the middle.
+TEST_F(Soften, VortexSamplesLandWhereTheLibraryPutsThem) {
+    context.threading = {3, 500};
+    struct Case {
+        int width, height;
+        std::int16_t amplitude, xPercent, yPercent, count;
+    };
+    for (const Case c : {Case{301, 203, 42, 50, 50, 3}, Case{256, 250, 1, 20, 90, 2},
+                         Case{199, 257, -37, 0, 100, 4}, Case{120, 90, 900, 75, 33, 1}}) {
+        const Surface picture = randomPicture(c.width, c.height);
+        const double cx = std::nearbyint(c.width / 100.0 * c.xPercent);
+        const double cy = std::nearbyint(c.height / 100.0 * c.yPercent);
+        for (std::uint8_t d = 0; d <= 2; ++d) {
+            const Surface turned = run(picture, [&](Class_Soften& e, R r) {
+                e.AfterImage_Vortex(c.count, d % 2, d, r.left, r.top, r.right, r.bottom,
+                                    c.amplitude, c.xPercent, c.yPercent);
+            });
+            EXPECT_TRUE(turned ==
+                        afterImageModel(picture, c.count, d % 2, vortex(c.amplitude, d, cx, cy)))
+                << c.width << "x" << c.height << " amplitude " << c.amplitude << " direction "
+                << +d;
         }
     }
     EXPECT_TRUE(context.failures.empty());

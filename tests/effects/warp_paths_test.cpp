@@ -8,6 +8,7 @@
 #include "geometry_fixture.h"
 
 #include <cmath>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -29,36 +30,50 @@ struct WarpPaths : GeometryFixture {
     // A warp pixel by pixel through the one-pixel sampler.
     Surface sampled(const ProcessRect& r, const std::function<void(G&, int, int)>& pixel) {
         return warp(picture, r, [&](G& e, const ProcessRect& rect) {
-            for (int y = std::max<int>(rect.top, 0); y < std::min<int>(rect.bottom, 29); ++y)
-                for (int x = std::max<int>(rect.left, 0); x < std::min<int>(rect.right, 37); ++x)
+            for (int y = std::max<int>(rect.top, 0);
+                 y < std::min<int>(rect.bottom, picture.height()); ++y)
+                for (int x = std::max<int>(rect.left, 0);
+                     x < std::min<int>(rect.right, picture.width()); ++x)
                     pixel(e, x, y);
         });
     }
 };
 
 TEST_F(WarpPaths, ScatterizeDrawsXThenYForEveryPixelInRowOrder) {
-    for (const ProcessRect& r : Rects) {
-        for (const std::uint8_t direction : {0, 1, 2}) {
-            for (const std::int16_t range : {8, 0, -5}) {
-                random = RandomGenerator();
-                const Surface fast = warp(picture, r, [&](G& e, const ProcessRect& rect) {
-                    e.Scatterize(direction, range, rect.left, rect.top, rect.right, rect.bottom);
-                });
-                const std::uint32_t after = random.state();
-                random = RandomGenerator();
-                const auto offset = [&] {
-                    return static_cast<double>(
-                        roundTo<std::int32_t>((range + 1) * random.next() - range / 2.0));
-                };
-                const Surface plain = sampled(r, [&](G& e, int x, int y) {
-                    const double mx = direction == 1 ? x : x + offset();
-                    const double my = direction == 0 ? y : y + offset();
-                    e.WarpSample(direction, x, y, mx, my, r.left, r.top, r.right, r.bottom);
-                });
-                const std::string what = nameOf(r) + " direction " + std::to_string(direction) +
-                                         " range " + std::to_string(range);
-                EXPECT_EQ(fast, plain) << what;
-                EXPECT_EQ(after, random.state()) << what;
+    // A tall picture on three threads in bands of a row or two: its rows
+    // draw from several places of the sequence at once.
+    const Surface tall = positionPicture(23, 75);
+    const ProcessRect TallRects[] = {{0, 0, 23, 75}, {3, -6, 19, 70}};
+    for (const bool isTall : {false, true}) {
+        if (isTall) {
+            picture = tall;
+            context.threading = {3, 23};
+        }
+        for (const ProcessRect& r : isTall ? std::span<const ProcessRect>(TallRects)
+                                           : std::span<const ProcessRect>(Rects)) {
+            for (const std::uint8_t direction : {0, 1, 2}) {
+                for (const std::int16_t range : {8, 0, -5}) {
+                    random = RandomGenerator();
+                    const Surface fast = warp(picture, r, [&](G& e, const ProcessRect& rect) {
+                        e.Scatterize(direction, range, rect.left, rect.top, rect.right,
+                                     rect.bottom);
+                    });
+                    const std::uint32_t after = random.state();
+                    random = RandomGenerator();
+                    const auto offset = [&] {
+                        return static_cast<double>(
+                            roundTo<std::int32_t>((range + 1) * random.next() - range / 2.0));
+                    };
+                    const Surface plain = sampled(r, [&](G& e, int x, int y) {
+                        const double mx = direction == 1 ? x : x + offset();
+                        const double my = direction == 0 ? y : y + offset();
+                        e.WarpSample(direction, x, y, mx, my, r.left, r.top, r.right, r.bottom);
+                    });
+                    const std::string what = nameOf(r) + " direction " + std::to_string(direction) +
+                                             " range " + std::to_string(range);
+                    EXPECT_EQ(fast, plain) << what;
+                    EXPECT_EQ(after, random.state()) << what;
+                }
             }
         }
     }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -63,6 +64,31 @@ TEST(RandomGenerator, AFreshGeneratorRepeatsTheSameSequence) {
         ASSERT_GE(v, 0.0);
         ASSERT_LT(v, 1.0);
     }
+}
+
+// Values made in bulk or from a copy moved ahead are the ones next() gives in
+// turn, whatever the count's remainder by the bulk loop's width.
+TEST(RandomGenerator, BulkAndSkippedDrawsFollowTheSequence) {
+    RandomGenerator start;
+    for (int i = 0; i < 5; ++i)
+        (void)start.next();
+    for (const std::size_t count : {0, 1, 15, 16, 17, 100, 8197}) {
+        for (const std::uint64_t offset : {0, 3, 70001}) {
+            RandomGenerator one = start;
+            for (std::uint64_t i = 0; i < offset; ++i)
+                (void)one.next();
+            RandomGenerator bulk = start.ahead(offset);
+            ASSERT_EQ(bulk.state(), one.state()) << offset;
+            std::vector<double> values(count);
+            bulk.take(values);
+            for (std::size_t i = 0; i < count; ++i)
+                ASSERT_EQ(values[i], one.next()) << count << " from " << offset << " at " << i;
+            EXPECT_EQ(bulk.state(), one.state()) << count << " from " << offset;
+        }
+    }
+    // The sequence repeats after 2^24 values, also for counts beyond 32 bits.
+    EXPECT_EQ(start.ahead(std::uint64_t{1} << 24).state(), start.state());
+    EXPECT_EQ(start.ahead((std::uint64_t{1} << 40) + 3).state(), start.ahead(3).state());
 }
 
 } // namespace

@@ -18,11 +18,11 @@ void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std:
         const bool movesX = direction != 1, movesY = direction != 0;
         const std::size_t perPixel = movesX && movesY ? 2 : 1;
         const double scale = range + 1, half = range / 2.0;
-        // One draw per moved axis and pixel, x before y, rows in order: the
-        // draws land where they always do if they are taken in that order.
-        // Only the draws are in that chain, so they are taken for a few rows
-        // at a time on this thread, and those rows then make their offsets
-        // and sample on every core.
+        // One draw per moved axis and pixel, x before y, rows in order. The
+        // generator's sequence can be entered anywhere, so each row makes
+        // its own draws from where the sequence stands at its first pixel,
+        // and the rows run on every core; the generator moves on a few rows
+        // at a time, as a cancel may stop after any of them.
         const auto fill = [&](int y, int first, std::span<const double> draws, std::span<double> xs,
                               std::span<double> ys) {
             const double* dx = draws.data();
@@ -35,11 +35,6 @@ void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std:
                 ys[i] = y + (movesY ? oy : 0.0);
             }
         };
-        const auto take = [&](std::span<double> draws) {
-            RandomGenerator& random = context().random;
-            for (double& draw : draws)
-                draw = random.next();
-        };
         const Span span = spanOf(rect);
         const int endRow = loopEnd(rect.bottom);
         if (span.empty() || endRow > std::numeric_limits<std::int16_t>::max()) {
@@ -48,7 +43,7 @@ void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std:
                                                 std::span<double> ys, RowScratch& scratch) {
                                                 const std::span<double> draws =
                                                     scratch.take(xs.size() * perPixel);
-                                                take(draws);
+                                                context().random.take(draws);
                                                 fill(y, first, draws, xs, ys);
                                             });
             return;
@@ -60,27 +55,29 @@ void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std:
         const BandPlan whole = bandPlan(rect);
         const auto columns = static_cast<std::size_t>(span.endColumn - span.firstColumn);
         const std::size_t rowDraws = columns * perPixel;
-        std::vector<double> draws(rowDraws * ChunkRows);
         const SampleBounds bounds = boundsOf(span);
         std::vector<RowScratch> scratch(
             static_cast<std::size_t>(std::max(context().threading.threads, 1)));
+        RandomGenerator& random = context().random;
         for (int chunk = span.firstRow; chunk < span.endRow; chunk += ChunkRows) {
             const int rows = std::min(ChunkRows, span.endRow - chunk);
-            take(std::span(draws).first(rowDraws * static_cast<std::size_t>(rows)));
+            const RandomGenerator first = random;
+            random.skip(rowDraws * static_cast<std::size_t>(rows));
             const ProcessRect chunkRect{left, static_cast<std::int16_t>(chunk), right,
                                         static_cast<std::int16_t>(chunk + rows)};
+            // Bands of a few rows: a thread the system stops for a while
+            // holds up little of the chunk.
             const BandPlan plan{std::min(whole.workers, rows),
-                                std::max(1, rows / std::max(whole.workers, 1))};
+                                std::clamp(whole.bandRows, 1, ChunkRows / 8)};
             const bool done =
                 rowsInBands(chunkRect, plan, [&](int worker, int y, int begin, int end) {
                     RowScratch& own = scratch[static_cast<std::size_t>(worker)];
                     own.release();
                     const auto n = static_cast<std::size_t>(end - begin);
+                    const std::span<double> draws = own.take(rowDraws);
+                    first.ahead(static_cast<std::size_t>(y - chunk) * rowDraws).take(draws);
                     const std::span<double> xs = own.take(n), ys = own.take(n);
-                    fill(y, begin,
-                         std::span(draws).subspan(static_cast<std::size_t>(y - chunk) * rowDraws,
-                                                  rowDraws),
-                         xs, ys);
+                    fill(y, begin, draws, xs, ys);
                     sampleRow(direction, y, begin, xs, ys, bounds, own.indices(n));
                 });
             if (!done) return;

@@ -1,7 +1,9 @@
 // The afterimages: each pixel the mean of count + 1 samples displaced by a
 // wave, a ripple or a vortex.
+#include "effects/geometry/vector_trig.h"
 #include "effects/smoothing/soften_window.h"
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <vector>
@@ -31,6 +33,48 @@ std::vector<double> tabulate(int first, int count, F f) {
 
 } // namespace
 
+template <typename SamplesAt>
+void Class_Soften::afterImageRow(int count, int type, const ProcessRect& bounds, int y,
+                                 int firstColumn, int endColumn, SamplesAt& samplesAt) {
+    Pixel* out = TransBits.row(y).data();
+    for (int x = firstColumn; x < endColumn; ++x) {
+        auto sample = samplesAt(x, y);
+        int sumR = 0, sumG = 0, sumB = 0;
+        IntRgb first{};
+        for (int j = 0; j <= count; ++j) {
+            Position p = sample(j);
+            if (p.x < bounds.left) p.x = x;
+            if (p.y < bounds.top) p.y = y;
+            if (p.x > bounds.right - 1) p.x = x;
+            if (p.y > bounds.bottom - 1) p.y = y;
+            const IntRgb e = channelsOf(ImageBits.at(p.x, p.y));
+            if (j == 0) first = e;
+            sumR += e.r;
+            sumG += e.g;
+            sumB += e.b;
+        }
+        // The sums are 16-bit fields and wrap.
+        const IntRgb sum{wrap16(sumR), wrap16(sumG), wrap16(sumB)};
+        const int samples = count + 1;
+        IntRgb v{checkedDivide(sum.r, samples), checkedDivide(sum.g, samples),
+                 checkedDivide(sum.b, samples)};
+        if (type != 0) {
+            // The first sample counted Weight times, Weight growing with
+            // its difference from the mean.
+            const int d =
+                std::abs(v.r - first.r) + std::abs(v.g - first.g) + std::abs(v.b - first.b);
+            const int weight = std::clamp(d / 3, 0, 128);
+            auto channel = [&](int s, int e) {
+                return checkedDivide(s - e + weight * e, count + weight);
+            };
+            v = {channel(sum.r, first.r), channel(sum.g, first.g), channel(sum.b, first.b)};
+        }
+        const IntRgb c = channelsOf(ImageBits.at(x, y));
+        const Rgb16 e = finishPixel<ResultTail::Clamp>(c.r, c.g, c.b, soften::resultFields(v));
+        out[x] = withColour(out[x], e.red, e.green, e.blue);
+    }
+}
+
 template <RowOrder Order, typename SamplesAt>
 void Class_Soften::afterImageRows(int count, int type, const ProcessRect& rect,
                                   SamplesAt samplesAt) {
@@ -39,43 +83,7 @@ void Class_Soften::afterImageRows(int count, int type, const ProcessRect& rect,
         soften::windowCentres(rect, ImageBits.width(), ImageBits.height(), 1);
     SetProgressRange(centres.top, centres.bottom);
     forEachRow<Order>(centres, [&](int y, int firstColumn, int endColumn) {
-        Pixel* out = TransBits.row(y).data();
-        for (int x = firstColumn; x < endColumn; ++x) {
-            auto sample = samplesAt(x, y);
-            int sumR = 0, sumG = 0, sumB = 0;
-            IntRgb first{};
-            for (int j = 0; j <= count; ++j) {
-                Position p = sample(j);
-                if (p.x < bounds.left) p.x = x;
-                if (p.y < bounds.top) p.y = y;
-                if (p.x > bounds.right - 1) p.x = x;
-                if (p.y > bounds.bottom - 1) p.y = y;
-                const IntRgb e = channelsOf(ImageBits.at(p.x, p.y));
-                if (j == 0) first = e;
-                sumR += e.r;
-                sumG += e.g;
-                sumB += e.b;
-            }
-            // The sums are 16-bit fields and wrap.
-            const IntRgb sum{wrap16(sumR), wrap16(sumG), wrap16(sumB)};
-            const int samples = count + 1;
-            IntRgb v{checkedDivide(sum.r, samples), checkedDivide(sum.g, samples),
-                     checkedDivide(sum.b, samples)};
-            if (type != 0) {
-                // The first sample counted Weight times, Weight growing with
-                // its difference from the mean.
-                const int d =
-                    std::abs(v.r - first.r) + std::abs(v.g - first.g) + std::abs(v.b - first.b);
-                const int weight = std::clamp(d / 3, 0, 128);
-                auto channel = [&](int s, int e) {
-                    return checkedDivide(s - e + weight * e, count + weight);
-                };
-                v = {channel(sum.r, first.r), channel(sum.g, first.g), channel(sum.b, first.b)};
-            }
-            const IntRgb c = channelsOf(ImageBits.at(x, y));
-            const Rgb16 e = finishPixel<ResultTail::Clamp>(c.r, c.g, c.b, soften::resultFields(v));
-            out[x] = withColour(out[x], e.red, e.green, e.blue);
-        }
+        afterImageRow(count, type, bounds, y, firstColumn, endColumn, samplesAt);
     });
 }
 
@@ -166,36 +174,62 @@ struct VortexTurn {
     Position centre;
     double amplitude = 0;
 
+    [[nodiscard]] double angle(double dx, double dy) const {
+        // An amplitude of 0 divides by zero here; the rounding then fails
+        // with the overflow error.
+        return std::sqrt(0.6 * (dx * dx) + dy * dy) / (amplitude / 4.0) / 3.14;
+    }
+    [[nodiscard]] double turnedX(double s, double c, double dx, double dy) const {
+        return s * dx + centre.x - c * dy;
+    }
+    [[nodiscard]] double turnedY(double s, double c, double dx, double dy) const {
+        return c * dx + centre.y + s * dy;
+    }
+
     [[nodiscard]] Position operator()(int px, int py) const {
         const double dx = px - centre.x;
         const double dy = py - centre.y;
-        // An amplitude of 0 divides by zero here; the rounding below then
-        // fails with the overflow error.
-        const double t = std::sqrt(0.6 * (dx * dx) + dy * dy) / (amplitude / 4.0) / 3.14;
+        const double t = angle(dx, dy);
         const double s = std::sin(t);
         const double c = std::cos(t);
-        return {roundTo<std::int32_t>(s * dx + centre.x - c * dy),
-                roundTo<std::int32_t>(c * dx + centre.y + s * dy)};
+        return {roundTo<std::int32_t>(turnedX(s, c, dx, dy)),
+                roundTo<std::int32_t>(turnedY(s, c, dx, dy))};
     }
 };
 
+// Whether v rounds to the same integer when it moves by less than margin:
+// sines and cosines of the vector functions stray from the library's by a
+// few units in the last place, which moves a turned point by far less than
+// 1e-9 of the offsets it multiplies. A NaN or an infinity is never clear.
+[[nodiscard]] inline bool clearOfHalf(double v, double margin) {
+    const double half = v + 0.5;
+    return std::abs(half - roundHalfEvenInRange(half)) > margin;
+}
+
 // The turned points of count + 1 consecutive rows, so that each point is
 // worked out once instead of once for every pixel whose samples reach it.
-// The rows are filled in order: the loop must run top to bottom.
+// A thread keeps rows of its own and must visit its rows in increasing
+// order; a row is made on the vector unit, its sines and cosines redone by
+// the library only where a point lies too near a rounding boundary to be
+// sure.
 class VortexRows {
   public:
     VortexRows(const VortexTurn& turn, int firstColumn, int columns, int rows)
         : turn_(turn), firstColumn_(firstColumn), columns_(columns), rows_(rows),
-          points_(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)) {}
-
-    [[nodiscard]] Position at(int px, int py) {
-        while (filledTo_ <= py)
-            fill(filledTo_++);
-        return points_[slot(py) + static_cast<std::size_t>(px - firstColumn_)];
+          points_(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)),
+          dx_(static_cast<std::size_t>(columns)), t_(dx_.size()), sin_(dx_.size()),
+          cos_(dx_.size()), unsure_(dx_.size()) {
+        for (std::size_t i = 0; i < dx_.size(); ++i)
+            dx_[i] = firstColumn + static_cast<int>(i) - turn.centre.x;
     }
 
-    void startAt(int row) {
-        if (filledTo_ < row) filledTo_ = row;
+    // The points of rows py .. py + count, by column from the first.
+    void rowsFrom(int py, std::span<const Position*> rows) {
+        if (filledTo_ < py) filledTo_ = py;
+        while (filledTo_ < py + rows_)
+            fill(filledTo_++);
+        for (std::size_t j = 0; j < rows.size(); ++j)
+            rows[j] = points_.data() + slot(py + static_cast<int>(j));
     }
 
   private:
@@ -203,9 +237,32 @@ class VortexRows {
         return static_cast<std::size_t>(py % rows_) * static_cast<std::size_t>(columns_);
     }
     void fill(int py) {
-        const std::size_t base = slot(py);
-        for (int i = 0; i < columns_; ++i)
-            points_[base + static_cast<std::size_t>(i)] = turn_(firstColumn_ + i, py);
+        // Locals and restrict: the stores may then not alias what the loops
+        // read, and the loops vectorise.
+        const VortexTurn turn = turn_;
+        const double dy = py - turn.centre.y;
+        const std::size_t n = dx_.size();
+        const double* __restrict dx = dx_.data();
+        double* __restrict t = t_.data();
+        for (std::size_t i = 0; i < n; ++i)
+            t[i] = turn.angle(dx[i], dy);
+        trig::sinCos(t_, sin_, cos_);
+        const double* __restrict s = sin_.data();
+        const double* __restrict c = cos_.data();
+        Position* __restrict out = points_.data() + slot(py);
+        std::uint8_t* __restrict unsure = unsure_.data();
+        for (std::size_t i = 0; i < n; ++i) {
+            const double x = turn.turnedX(s[i], c[i], dx[i], dy);
+            const double y = turn.turnedY(s[i], c[i], dx[i], dy);
+            const double margin = 1e-7 + 1e-9 * (std::abs(dx[i]) + std::abs(dy));
+            const bool clear = clearOfHalf(x, margin) & clearOfHalf(y, margin);
+            // Also a point redone below must hold a number meanwhile.
+            out[i] = {roundInRange<std::int32_t>(clear ? x : 0.0),
+                      roundInRange<std::int32_t>(clear ? y : 0.0)};
+            unsure[i] = static_cast<std::uint8_t>(!clear);
+        }
+        for (std::size_t i = 0; i < n; ++i)
+            if (unsure[i] != 0) out[i] = turn(firstColumn_ + static_cast<int>(i), py);
     }
 
     VortexTurn turn_;
@@ -214,10 +271,87 @@ class VortexRows {
     int rows_;
     int filledTo_ = 0;
     std::vector<Position> points_;
+    std::vector<double> dx_, t_, sin_, cos_;
+    std::vector<std::uint8_t> unsure_;
 };
 
 // Above this many samples the rows would cost more memory than they save.
 constexpr int MaxCachedSamples = 256;
+
+// The samples of a run of pixels of a row, taken one j at a time across the
+// run: the places are consecutive in memory and the loop runs on the vector
+// unit, gathering the pixels. Then the means, the integer quotients made
+// as exact quotients of doubles (below 2^53 they truncate as the integer
+// division does), so that they vectorise too.
+constexpr int RunPixels = 256;
+
+struct VortexRun {
+    std::array<int, RunPixels> r, g, b;
+    std::array<Pixel, RunPixels> first;
+
+    template <typename Dir>
+    void sum(Dir, std::span<const Position*> rows, int column, int x0, int y, int m,
+             const ProcessRect& bounds, const Pixel* __restrict image, int width) {
+        const auto sample = [&](const Position* __restrict p, int i) {
+            const int x = x0 + i;
+            int px = Dir::value == 1 ? x : p[i].x;
+            int py = Dir::value == 0 ? y : p[i].y;
+            // The pixel's own x and y lie inside the bounds.
+            px = (px < bounds.left) | (px > bounds.right - 1) ? x : px;
+            py = (py < bounds.top) | (py > bounds.bottom - 1) ? y : py;
+            return image[py * width + px];
+        };
+        const auto n = static_cast<std::size_t>(m);
+        for (std::size_t i = 0; i < n; ++i) {
+            const Pixel e = sample(rows[0] + column, static_cast<int>(i));
+            first[i] = e;
+            const IntRgb v = channelsOf(e);
+            r[i] = v.r;
+            g[i] = v.g;
+            b[i] = v.b;
+        }
+        for (std::size_t j = 1; j < rows.size(); ++j) {
+            const Position* p = rows[j] + column + static_cast<int>(j);
+            for (std::size_t i = 0; i < n; ++i) {
+                const IntRgb v = channelsOf(sample(p, static_cast<int>(i)));
+                r[i] += v.r;
+                g[i] += v.g;
+                b[i] += v.b;
+            }
+        }
+    }
+
+    // The sums, wrapped to 16 bits, become the means of the smooth type.
+    void means(int count, int type, int m) {
+        const double samples = count + 1;
+        bool zero = false;
+        for (std::size_t i = 0; i < static_cast<std::size_t>(m); ++i) {
+            const IntRgb sum{wrap16(r[i]), wrap16(g[i]), wrap16(b[i])};
+            IntRgb v{quotient(sum.r, samples), quotient(sum.g, samples), quotient(sum.b, samples)};
+            if (type != 0) {
+                // The first sample counted Weight times, Weight growing with
+                // its difference from the mean.
+                const IntRgb e = channelsOf(first[i]);
+                const int d = std::abs(v.r - e.r) + std::abs(v.g - e.g) + std::abs(v.b - e.b);
+                const int weight = std::clamp(d / 3, 0, 128);
+                const int divisor = count + weight;
+                zero |= divisor == 0;
+                const double by = divisor == 0 ? 1.0 : divisor;
+                v = {quotient(sum.r - e.r + weight * e.r, by),
+                     quotient(sum.g - e.g + weight * e.g, by),
+                     quotient(sum.b - e.b + weight * e.b, by)};
+            }
+            r[i] = v.r;
+            g[i] = v.g;
+            b[i] = v.b;
+        }
+        if (zero) throw EffectError::divisionByZero();
+    }
+
+    [[nodiscard]] static int quotient(int numerator, double divisor) {
+        return static_cast<int>(numerator / divisor);
+    }
+};
 
 } // namespace
 
@@ -228,35 +362,78 @@ void Class_Soften::AfterImage_Vortex(std::int16_t count, std::uint8_t type, std:
     guardedTrans([&] {
         const ProcessRect rect{left, top, right, bottom};
         const VortexTurn turn{centreOf(rect, xPercent, yPercent), static_cast<double>(amplitude)};
-        auto place = [direction](int x, int y, int j, auto turned) -> Position {
-            switch (direction) {
-            case 0:
-                return {turned().x, y};
-            case 1:
-                return {x, turned().y};
-            case 2:
-                return turned();
-            default:
-                return {x + j, y + j};
+        // Direction 0 keeps the row, 1 the column, 2 neither.
+        auto place = [](int x, int y, auto dir, Position turned) -> Position {
+            if constexpr (dir == 0) {
+                return {turned.x, y};
+            } else if constexpr (dir == 1) {
+                return {x, turned.y};
+            } else {
+                return turned;
             }
         };
         const int samples = count + 1;
-        const ProcessRect c = soften::windowCentres(rect, ImageBits.width(), ImageBits.height(), 1);
-        if (samples < 1 || samples > MaxCachedSamples) {
-            auto samplesAt = [&](int x, int y) {
-                return
-                    [&, x, y](int j) { return place(x, y, j, [&] { return turn(x + j, y + j); }); };
-            };
-            afterImageRows<RowOrder::AnyOrder>(count, type, rect, samplesAt);
+        if (direction > 2) {
+            // No turn: the samples run down the diagonal.
+            afterImageRows<RowOrder::AnyOrder>(count, type, rect, [](int x, int y) {
+                return [x, y](int j) { return Position{x + j, y + j}; };
+            });
             return;
         }
-        VortexRows rows(turn, c.left, c.right - c.left + count, samples);
-        rows.startAt(c.top);
-        auto samplesAt = [&](int x, int y) {
-            return
-                [&, x, y](int j) { return place(x, y, j, [&] { return rows.at(x + j, y + j); }); };
+        const auto byDirection = [&](auto run) {
+            switch (direction) {
+            case 0:
+                return run(std::integral_constant<int, 0>{});
+            case 1:
+                return run(std::integral_constant<int, 1>{});
+            default:
+                return run(std::integral_constant<int, 2>{});
+            }
         };
-        afterImageRows<RowOrder::TopToBottom>(count, type, rect, samplesAt);
+        if (samples < 1 || samples > MaxCachedSamples) {
+            byDirection([&](auto dir) {
+                afterImageRows<RowOrder::AnyOrder>(count, type, rect, [&](int x, int y) {
+                    return [&, x, y](int j) { return place(x, y, dir, turn(x + j, y + j)); };
+                });
+            });
+            return;
+        }
+        // Rows in bands of many rows, each thread with turned points of its
+        // own: a band makes count rows of points beyond its last row.
+        const ProcessRect bounds =
+            soften::cutToPicture(rect, ImageBits.width(), ImageBits.height());
+        const ProcessRect c = soften::windowCentres(rect, ImageBits.width(), ImageBits.height(), 1);
+        SetProgressRange(c.top, c.bottom);
+        BandPlan plan = bandPlan(c);
+        plan.bandRows = std::max(plan.bandRows, 16 * samples);
+        std::vector<VortexRows> points(
+            static_cast<std::size_t>(std::max(plan.workers, 1)),
+            VortexRows(turn, c.left, std::max(c.right - c.left + count, 0), samples));
+        const Pixel* image = ImageBits.pixels().data();
+        const int width = ImageBits.width();
+        byDirection([&](auto dir) {
+            rowsInBands(c, plan, [&](int worker, int y, int firstColumn, int endColumn) {
+                std::array<const Position*, MaxCachedSamples> rows{};
+                const std::span<const Position*> reach(rows.data(),
+                                                       static_cast<std::size_t>(samples));
+                points[static_cast<std::size_t>(worker)].rowsFrom(y, reach);
+                Pixel* out = TransBits.row(y).data();
+                for (int x0 = firstColumn; x0 < endColumn; x0 += RunPixels) {
+                    const int m = std::min(RunPixels, endColumn - x0);
+                    VortexRun run;
+                    run.sum(dir, reach, x0 - c.left, x0, y, m, bounds, image, width);
+                    run.means(count, type, m);
+                    for (int i = 0; i < m; ++i) {
+                        const int x = x0 + i;
+                        const IntRgb source = channelsOf(image[y * width + x]);
+                        const Rgb16 e = finishPixel<ResultTail::Clamp>(
+                            source.r, source.g, source.b,
+                            soften::resultFields({run.r[i], run.g[i], run.b[i]}));
+                        out[x] = withColour(out[x], e.red, e.green, e.blue);
+                    }
+                }
+            });
+        });
     });
 }
 

@@ -100,6 +100,10 @@ class Class_Soften : public PixelFrame {
     // pixel, sample(j) the position of its j-th sample before the bounds.
     template <RowOrder Order, typename SamplesAt>
     void afterImageRows(int count, int type, const ProcessRect& rect, SamplesAt samplesAt);
+    // One row of them, bounds the rectangle cut to the picture.
+    template <typename SamplesAt>
+    void afterImageRow(int count, int type, const ProcessRect& bounds, int y, int firstColumn,
+                       int endColumn, SamplesAt& samplesAt);
 
     void meanSmoothing(int reach, const ProcessRect& rect);
     void adaptiveSmoothing(int reach, const ProcessRect& rect);

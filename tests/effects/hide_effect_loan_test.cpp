@@ -60,7 +60,9 @@ TEST_P(HideEffectLoan, KeptPictureZeroComesBackAsItWas) {
             } else {
                 EXPECT_TRUE(document.picture.sameSize(before)) << what;
             }
-            if (!oneShot) EXPECT_EQ(state.keep.keptPicture0, before) << what;
+            if (!oneShot) {
+                EXPECT_EQ(state.keep.keptPicture0, before) << what;
+            }
         }
     }
 }
@@ -69,10 +71,10 @@ INSTANTIATE_TEST_SUITE_P(LitBlocksAndSpheres, HideEffectLoan,
                          ::testing::Values(LoanCase{"Choco Ball"}, LoanCase{"Choco Ball Gap"},
                                            LoanCase{"Choco Ball Random"}, LoanCase{"Ball 1"},
                                            LoanCase{"Ball 1", 1}, LoanCase{"Specular"}),
-                         [](const auto& info) {
-                             std::string name = info.param.effect;
+                         [](const auto& param) {
+                             std::string name = param.param.effect;
                              std::erase(name, ' ');
-                             return name + (info.param.blockSize != 0 ? "Refused" : "");
+                             return name + (param.param.blockSize != 0 ? "Refused" : "");
                          });
 
 } // namespace

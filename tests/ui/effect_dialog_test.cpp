@@ -80,26 +80,26 @@ class EffectDialogTest : public QObject {
                 labels << label->text();
             for (int n = 1; n <= 8; ++n) {
                 const QScrollBar* slider = dialog->slider(n);
-                const SliderSpec* spec = entry.slider(n);
-                if (spec == nullptr) {
+                const SliderSpec* expected = entry.slider(n);
+                if (expected == nullptr) {
                     QVERIFY2(slider == nullptr || !slider->isVisible(), name);
                     continue;
                 }
                 QVERIFY2(slider->isVisible(), name);
-                QCOMPARE(slider->minimum(), spec->min);
-                QCOMPARE(slider->maximum(), spec->max);
-                QCOMPARE(slider->value(), spec->defaultValue);
-                QCOMPARE(dialog->values().sliders[n - 1], double(spec->defaultValue));
-                QVERIFY2(labels.contains(qs(spec->label)), name);
+                QCOMPARE(slider->minimum(), expected->min);
+                QCOMPARE(slider->maximum(), expected->max);
+                QCOMPARE(slider->value(), expected->defaultValue);
+                QCOMPARE(dialog->values().sliders[n - 1], double(expected->defaultValue));
+                QVERIFY2(labels.contains(qs(expected->label)), name);
             }
             for (const auto& [kind, list] : {std::pair{ListKind::E, dialog->typeList()},
                                              std::pair{ListKind::C, dialog->colorList()}}) {
-                const ListSpec* spec = entry.list(kind);
-                if (spec == nullptr) {
+                const ListSpec* expected = entry.list(kind);
+                if (expected == nullptr) {
                     QVERIFY2(list == nullptr || !list->parentWidget()->isVisible(), name);
                     continue;
                 }
-                QCOMPARE(list->count(), int(spec->rows.size()));
+                QCOMPARE(list->count(), int(expected->rows.size()));
                 QCOMPARE(list->currentRow(), 0);
             }
             dialog->close();

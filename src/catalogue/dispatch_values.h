@@ -55,4 +55,13 @@ template <typename Class, typename Call>
     };
 }
 
+// The same with the source lent rather than copied (runWithTransOnSource).
+template <typename Class, typename Call>
+[[nodiscard]] EffectPlanner withTransOnSource(Call call) {
+    return [call](const ControlValues& v) {
+        return EffectPlan::ready(runWithTransOnSource<Class>(
+            [call, v](Class& e, const ProcessRect& r) { call(e, v, r); }));
+    };
+}
+
 } // namespace lumiran::dispatch

@@ -81,6 +81,21 @@ template <typename Class, typename Call>
     }};
 }
 
+// The same with kept picture 0 lent to the object as its source rather
+// than copied (PixelFrame::SourceLoan), for calls that only read it.
+template <typename Class, typename Call>
+[[nodiscard]] EffectBody runWithTransOnSource(Call call) {
+    return ReplacingBody{[call](EffectInvocation& run) {
+        Class effect(run.context);
+        effect.ImageGetDiBitsTrans(run.keptPicture0);
+        {
+            const typename Class::SourceLoan loan(effect, run.keptPicture0);
+            call(effect, run.rect);
+        }
+        effect.ImageSetDiBitsTrans(run.keptPicture1);
+    }};
+}
+
 // Several calls in a row as one run: one snapshot, one progress bar that
 // the steps share in equal parts, and a cancel or failure that ends the run
 // after the step it hit, so the picture goes back as it was. The first step

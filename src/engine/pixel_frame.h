@@ -13,6 +13,7 @@
 #include <mutex>
 #include <new>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace lumiran {
@@ -62,6 +63,24 @@ class PixelFrame {
     // Write the array into the picture and free both arrays.
     void ImageSetDiBits(Surface& picture);
     void ImageSetDiBitsTrans(Surface& picture);
+
+    // Lends a picture to ImageBits for the loan's lifetime instead of
+    // copying it, and hands it back however the call ends: for calls that
+    // write TransBits, only read ImageBits and never read the kept pictures
+    // through the context. A 4096x4096 run then holds two pictures, not three.
+    class SourceLoan {
+      public:
+        SourceLoan(PixelFrame& effect, Surface& picture) : effect_(effect), picture_(picture) {
+            effect_.ImageBits = std::move(picture_);
+        }
+        SourceLoan(const SourceLoan&) = delete;
+        SourceLoan& operator=(const SourceLoan&) = delete;
+        ~SourceLoan() { picture_ = std::move(effect_.ImageBits); }
+
+      private:
+        PixelFrame& effect_;
+        Surface& picture_;
+    };
 
     [[nodiscard]] int progressCount() const { return ProgressCount; }
     [[nodiscard]] int progressTotal() const { return ProgressTotal; }

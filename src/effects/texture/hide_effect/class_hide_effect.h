@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <span>
-#include <utility>
 
 namespace lumiran {
 
@@ -25,25 +24,6 @@ class SphereRow;
 class Class_HideEffect : public PixelFrame {
   public:
     using PixelFrame::PixelFrame;
-
-    // Lends a picture to ImageBits for the loan's lifetime and hands it back
-    // however the call ends, instead of copying it: every call that writes
-    // TransBits only reads ImageBits, and none reads the kept pictures
-    // through the context.
-    class SourceLoan {
-      public:
-        SourceLoan(Class_HideEffect& effect, Surface& picture)
-            : effect_(effect), picture_(picture) {
-            effect_.ImageBits = std::move(picture_);
-        }
-        SourceLoan(const SourceLoan&) = delete;
-        SourceLoan& operator=(const SourceLoan&) = delete;
-        ~SourceLoan() { picture_ = std::move(effect_.ImageBits); }
-
-      private:
-        Class_HideEffect& effect_;
-        Surface& picture_;
-    };
 
     // "Sketch Noise": pencil stamps of side width (types 0..9) dropped at
     // random until as many as fit the rectangle's area have fallen.

@@ -14,29 +14,11 @@ using V = const ControlValues&;
 using R = const ProcessRect&;
 using E = Class_HideEffect;
 
-// A case that reads kept picture 0 and writes a separate destination, as
-// dispatch::withTrans, with the source lent to the object rather than
-// copied: a 4096x4096 run holds two pictures instead of three.
-template <typename Call>
-EffectPlanner withTransOnSource(Call call) {
-    return [call](const ControlValues& v) {
-        return EffectPlan::ready(ReplacingBody{[call, v](EffectInvocation& run) {
-            E effect(run.context);
-            effect.ImageGetDiBitsTrans(run.keptPicture0);
-            {
-                const E::SourceLoan loan(effect, run.keptPicture0);
-                call(effect, v, run.rect);
-            }
-            effect.ImageSetDiBitsTrans(run.keptPicture1);
-        }});
-    };
-}
-
 // The calls of the sphere family share one argument pattern:
 // (D(S4), rect, S1, S2, S3, S5, S5, S5, D(S6), C, E).
 template <auto Operation>
 EffectPlanner spheres(bool lists = true) {
-    return withTransOnSource([lists](E& e, V v, R r) {
+    return dispatch::withTransOnSource<E>([lists](E& e, V v, R r) {
         const std::int16_t reflection = slider(v, 5);
         (e.*Operation)(v.sliders[3], r.left, r.top, r.right, r.bottom, slider(v, 1), slider(v, 2),
                        slider(v, 3), reflection, reflection, reflection, v.sliders[5],
@@ -64,27 +46,27 @@ void registerHideEffectEffects(EffectDispatch& d) {
 
     // Ball Effect.
     d.add(DialogKind::Mani, 49, spheres<&E::Specular>());
-    d.add(DialogKind::Mani, 54, withTransOnSource([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 54, dispatch::withTransOnSource<E>([](E& e, V v, R r) {
               e.Mosaic_Shading(sliderByte(v, 4), r.left, r.top, r.right, r.bottom, 0, slider(v, 1),
                                slider(v, 2), slider(v, 3), slider(v, 5), slider(v, 6));
           }));
-    d.add(DialogKind::Mani, 55, withTransOnSource([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 55, dispatch::withTransOnSource<E>([](E& e, V v, R r) {
               const std::uint8_t size = sliderByte(v, 4);
               e.Mosaic_ShadingGap(size, size, r.left, r.top, r.right, r.bottom, 0, 0, slider(v, 1),
                                   slider(v, 2), slider(v, 3), 0, slider(v, 5), slider(v, 6));
           }));
-    d.add(DialogKind::Mani, 56, withTransOnSource([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 56, dispatch::withTransOnSource<E>([](E& e, V v, R r) {
               e.Mosaic_ShadingRandom(sliderByte(v, 4), r.left, r.top, r.right, r.bottom, 0,
                                      slider(v, 1), slider(v, 2), slider(v, 3), slider(v, 5),
                                      slider(v, 6));
           }));
-    d.add(DialogKind::Sepia, 1, withTransOnSource([](E& e, V v, R r) {
+    d.add(DialogKind::Sepia, 1, dispatch::withTransOnSource<E>([](E& e, V v, R r) {
               const std::uint8_t size = sliderByte(v, 1);
               e.Mosaic_Glowing(size, size, r.left, r.top, r.right, r.bottom, 0, 0);
           }));
     // Glowing Pixel 2: the type is S1 - 247, never 0, so each pixel's own
     // colour is lit.
-    d.add(DialogKind::Mani, 89, withTransOnSource([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 89, dispatch::withTransOnSource<E>([](E& e, V v, R r) {
               e.Mosaic_ShadingRandom(sliderByte(v, 4), r.left, r.top, r.right, r.bottom,
                                      static_cast<std::int16_t>(slider(v, 1) - 247), slider(v, 1),
                                      slider(v, 2), slider(v, 3), slider(v, 5), slider(v, 6));

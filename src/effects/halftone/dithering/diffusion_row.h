@@ -175,38 +175,27 @@ struct KernelShape {
             n += t.dy > 0 ? 1 : 0;
         return n;
     }();
+    // The largest of(tap) over the taps kept, and 0.
+    template <typename Keep, typename Of>
+    static constexpr int largest(Keep keep, Of of) {
+        int most = 0;
+        for (const KernelTap& t : Kernel.taps)
+            most = keep(t) ? std::max<int>(most, of(t)) : most;
+        return most;
+    }
+    static constexpr bool isLower(const KernelTap& t) { return t.dy > 0; }
+    static constexpr bool isAny(const KernelTap&) { return true; }
+    static constexpr int dxOf(const KernelTap& t) { return t.dx; }
+    static constexpr int leftOf(const KernelTap& t) { return -t.dx; }
+    static constexpr int dyOf(const KernelTap& t) { return t.dy; }
+
     // The columns the lower shares reach, from the pixel's own.
-    static constexpr int LowerLeft = [] {
-        int dx = 0;
-        for (const KernelTap& t : Kernel.taps)
-            dx = t.dy > 0 ? std::min<int>(dx, t.dx) : dx;
-        return dx;
-    }();
-    static constexpr int LowerRight = [] {
-        int dx = 0;
-        for (const KernelTap& t : Kernel.taps)
-            dx = t.dy > 0 ? std::max<int>(dx, t.dx) : dx;
-        return dx;
-    }();
-    static constexpr int LowerRows = [] {
-        int dy = 0;
-        for (const KernelTap& t : Kernel.taps)
-            dy = std::max<int>(dy, t.dy);
-        return dy;
-    }();
+    static constexpr int LowerLeft = -largest(isLower, leftOf);
+    static constexpr int LowerRight = largest(isLower, dxOf);
+    static constexpr int LowerRows = largest(isAny, dyOf);
     // The columns any share reaches, left and right of the pixel's own.
-    static constexpr int ReachLeft = [] {
-        int dx = 0;
-        for (const KernelTap& t : Kernel.taps)
-            dx = std::max<int>(dx, -t.dx);
-        return dx;
-    }();
-    static constexpr int ReachRight = [] {
-        int dx = 0;
-        for (const KernelTap& t : Kernel.taps)
-            dx = std::max<int>(dx, t.dx);
-        return dx;
-    }();
+    static constexpr int ReachLeft = largest(isAny, leftOf);
+    static constexpr int ReachRight = largest(isAny, dxOf);
     static constexpr std::array<std::size_t, LowerCount> Lower = [] {
         std::array<std::size_t, LowerCount> lower{};
         std::size_t n = 0;

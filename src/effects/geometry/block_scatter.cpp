@@ -1,6 +1,6 @@
-// Cutting Picture, the block scatters and Random Circle: blocks and circles
-// of kept picture 0 blitted onto kept picture 1 at places drawn from the
-// one random generator, in a fixed order of draws.
+// The block scatters and Random Circle: blocks and circles of kept picture 0
+// blitted onto kept picture 1 at places drawn from the one random generator,
+// in a fixed order of draws.
 #include "effects/geometry/warp_rows.h"
 #include "engine/drawing/drawing.h"
 
@@ -80,48 +80,6 @@ int sign(int v) {
 }
 
 } // namespace
-
-void Class_Geometry::CuttingPicture(std::int16_t width, std::int16_t height, std::int16_t left,
-                                    std::int16_t top, std::int16_t right, std::int16_t bottom) {
-    guarded([&] {
-        const Pictures p = blitPictures(1);
-        if (!p || width < 1 || height < 1 || right <= left || bottom <= top) return;
-        const int spanX = right - left + 1, spanY = bottom - top + 1;
-        SetProgressRange(0, (bottom - top + height - 1) / height);
-        struct Place {
-            int x = 0;
-            int y = 0;
-        };
-        std::vector<Place> places(static_cast<std::size_t>(right - left));
-        for (int y = top; y < bottom; y += height) {
-            // The places across, then down. A patch keeps its own place, so
-            // patches that overlap write the same pixels and their order
-            // does not matter: the rows of the patches further on are
-            // fetched while the nearer ones are copied.
-            for (Place& place : places) {
-                place.x = roundTo<std::int32_t>(left + context().random.next() * spanX);
-                place.y = roundTo<std::int32_t>(top + context().random.next() * spanY);
-            }
-            constexpr std::size_t Ahead = 8;
-            for (std::size_t k = 0; k < places.size(); ++k) {
-                if (k + Ahead < places.size()) {
-                    const Place next = places[k + Ahead];
-                    if (next.x >= 0 && next.x < p.source->width()) {
-                        const int last =
-                            std::min({next.y + height, p.source->height(), next.y + 8});
-                        for (int row = std::max(next.y, 0); row < last; ++row) {
-                            __builtin_prefetch(p.source->row(row).data() + next.x);
-                            __builtin_prefetch(p.target->row(row).data() + next.x, 1);
-                        }
-                    }
-                }
-                copyBlock(*p.target, places[k].x, places[k].y, width, height, *p.source,
-                          places[k].x, places[k].y);
-            }
-            if (!finishRow()) return;
-        }
-    });
-}
 
 void Class_Geometry::BlockScatter_Type1(std::int16_t size, std::int16_t passes, std::uint8_t kind,
                                         std::int16_t left, std::int16_t top, std::int16_t right,

@@ -12,9 +12,8 @@ namespace lumiran {
 
 CoverMask::CoverMask(int width, int height)
     : width_(std::max(width, 0)), height_(std::max(height, 0)),
-      wordsPerRow_((width_ + 63) / 64 + 1),
-      bits_(static_cast<std::size_t>((height_ + TileRows - 1) / TileRows) * wordsPerRow_ *
-            TileRows) {
+      columnWords_(static_cast<std::size_t>((height_ + LineWords - 1) / LineWords * LineWords)),
+      columns_((width_ + 63) / 64 + 1), bits_(columnWords_ * static_cast<std::size_t>(columns_)) {
     // Picture memory is not cleared when it is handed out.
     std::ranges::fill(bits_, std::uint64_t{0});
 }
@@ -35,15 +34,10 @@ void CoverMask::coverWide(int x0, int x1, int y0, int y1) {
     }
 }
 
-void CoverMask::copyRow(std::span<const CoverMask> masks, int y, const Pixel* source,
-                        Pixel* target) {
-    if (masks.empty()) return;
-    const int width = masks.front().width_;
-    const int words = (width + 63) / 64;
+void CoverMask::copyRow(int y, const Pixel* source, Pixel* target) const {
+    const int words = (width_ + 63) / 64;
     for (int column = 0; column < words; ++column) {
-        std::uint64_t covered = 0;
-        for (const CoverMask& mask : masks)
-            covered |= mask.word(y, column);
+        std::uint64_t covered = word(y, column);
         if (covered == 0) continue;
         const Pixel* from = source + column * 64;
         Pixel* to = target + column * 64;

@@ -3,7 +3,8 @@
 // Which pixels of a box some patch covers, one bit a pixel, for effects
 // that lay many small patches of one picture onto another at the patches'
 // own places: the patches are marked in any order, and each row of the
-// target then takes the covered pixels in one pass over the row.
+// target then takes the covered pixels in one pass over the row. A word
+// holds part of one row, so threads may mark rows of their own at once.
 #include "engine/picture_memory.h"
 #include "engine/pixel.h"
 
@@ -35,47 +36,39 @@ class CoverMask {
         const int shift = x0 & 63;
         const std::uint64_t low = ones << shift;
         const std::uint64_t high = (ones >> 1) >> (63 - shift);
-        const int column = x0 >> 6;
-        for (int y = y0; y < y1; ++y) {
-            std::uint64_t* word = bits_.data() + indexOf(y, column);
-            word[0] |= low;
-            if (high != 0) word[TileRows] |= high;
+        std::uint64_t* word = bits_.data() + indexOf(y0, x0 >> 6);
+        const int rows = y1 - y0;
+        for (int i = 0; i < rows; ++i)
+            word[i] |= low;
+        if (high != 0) {
+            word += columnWords_;
+            for (int i = 0; i < rows; ++i)
+                word[i] |= high;
         }
     }
 
-    // Asks for the line of pixel (x, y) ahead of a cover() there, as the
-    // marks land at random places; the place is clamped into the box.
-    void prefetch(int x, int y) const {
-        x = std::clamp(x, 0, std::max(width_ - 1, 0));
-        y = std::clamp(y, 0, std::max(height_ - 1, 0));
-        __builtin_prefetch(bits_.data() + indexOf(y, x >> 6), 1);
-    }
-
     // The covered pixels of row y of the box, from source onto target,
-    // both starting at the box's first column; masks are read together, so
-    // several threads can each mark a mask of their own.
-    static void copyRow(std::span<const CoverMask> masks, int y, const Pixel* source,
-                        Pixel* target);
+    // both starting at the box's first column.
+    void copyRow(int y, const Pixel* source, Pixel* target) const;
 
   private:
-    // Words are kept in tiles of 8 rows of one word column, a cache line
-    // each: the rows of a patch share a line, and a row of words is 8
-    // lines apart.
-    static constexpr int TileRows = 8;
+    // Words are kept column by column, so that the rows of a patch are
+    // one run of words; a column starts on a line of its own.
+    static constexpr int LineWords = 8;
 
     [[nodiscard]] static std::uint64_t onesBelow(int n) {
         return n >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << n) - 1;
     }
     [[nodiscard]] std::size_t indexOf(int y, int column) const {
-        return (static_cast<std::size_t>(y / TileRows) * wordsPerRow_ + column) * TileRows +
-               y % TileRows;
+        return static_cast<std::size_t>(column) * columnWords_ + static_cast<std::size_t>(y);
     }
     [[nodiscard]] std::uint64_t word(int y, int column) const { return bits_[indexOf(y, column)]; }
     void coverWide(int x0, int x1, int y0, int y1);
 
     int width_ = 0;
     int height_ = 0;
-    int wordsPerRow_ = 0; // one spare word column, for a run's carry
+    std::size_t columnWords_ = 0; // the height, whole lines
+    int columns_ = 0;             // one spare column, for a run's carry
     // A mask the size of a picture's row count is megabytes: picture
     // memory, so that it comes in huge pages.
     std::vector<std::uint64_t, PictureAllocator<std::uint64_t>> bits_;

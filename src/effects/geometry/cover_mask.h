@@ -1,76 +1,79 @@
 #pragma once
 
-// Which pixels of a box some patch covers, one bit a pixel, for effects
-// that lay many small patches of one picture onto another at the patches'
-// own places: the patches are marked in any order, and each row of the
-// target then takes the covered pixels in one pass over the row. A word
-// holds part of one row, so threads may mark rows of their own at once.
+// Which pixels of a box some patch covers, for effects that lay many
+// patches of one size of one picture onto another at the patches' own
+// places: each patch marks only its top left corner, one bit; spread()
+// then grows every mark into its patch in a few passes over the mask, and
+// each row of the target takes the covered pixels in one pass over the row.
 #include "engine/picture_memory.h"
 #include "engine/pixel.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 namespace lumiran {
 
 class CoverMask {
   public:
-    CoverMask(int width, int height);
+    // A box of width x height for patches of patchWidth x patchHeight whose
+    // corners lie at or right of and below (firstX, firstY), in the box's
+    // coordinates: corners left of or above the box still reach into it.
+    CoverMask(int width, int height, int patchWidth, int patchHeight, int firstX, int firstY);
 
-    [[nodiscard]] int width() const { return width_; }
-    [[nodiscard]] int height() const { return height_; }
-
-    // Marks columns [x0, x1) of rows [y0, y1); the caller clips to the box
-    // and leaves out empty ranges.
-    void cover(int x0, int x1, int y0, int y1) {
-        const int n = x1 - x0;
-        if (n > 64) {
-            coverWide(x0, x1, y0, y1);
-            return;
-        }
-        // A run of at most 64 bits reaches at most the next word.
-        const std::uint64_t ones = onesBelow(n);
-        const int shift = x0 & 63;
-        const std::uint64_t low = ones << shift;
-        const std::uint64_t high = (ones >> 1) >> (63 - shift);
-        std::uint64_t* word = bits_.data() + indexOf(y0, x0 >> 6);
-        const int rows = y1 - y0;
-        for (int i = 0; i < rows; ++i)
-            word[i] |= low;
-        if (high != 0) {
-            word += columnWords_;
-            for (int i = 0; i < rows; ++i)
-                word[i] |= high;
-        }
+    // Where the mark of a patch at (x, y) goes, as word() and bit(); a
+    // patch that misses the box gets an empty bit.
+    struct Mark {
+        std::uint32_t word;
+        std::uint64_t bit;
+    };
+    [[nodiscard]] Mark markOf(int x, int y) const {
+        const auto mx = static_cast<std::uint32_t>(x + marginX_);
+        const auto my = static_cast<std::uint32_t>(y + marginY_);
+        const bool inside = mx < static_cast<std::uint32_t>(markWidth_) &&
+                            my < static_cast<std::uint32_t>(markHeight_);
+        const std::uint32_t word = static_cast<std::uint32_t>(mx / 64) * columnWords_ + my;
+        return {inside ? word : 0, inside ? std::uint64_t{1} << (mx % 64) : 0};
     }
+    void mark(Mark m) { bits_[m.word] |= m.bit; }
+    void prefetch(std::uint32_t word) const { __builtin_prefetch(bits_.data() + word, 1); }
+
+    // Takes the marks of another mask of the same box and patch.
+    void merge(const CoverMask& other);
+    // Every mark becomes its patch.
+    void spread();
 
     // The covered pixels of row y of the box, from source onto target,
     // both starting at the box's first column.
     void copyRow(int y, const Pixel* source, Pixel* target) const;
 
   private:
-    // Words are kept column by column, so that the rows of a patch are
-    // one run of words; a column starts on a line of its own.
-    static constexpr int LineWords = 8;
-
-    [[nodiscard]] static std::uint64_t onesBelow(int n) {
-        return n >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << n) - 1;
+    [[nodiscard]] std::uint64_t& at(int column, int row) {
+        return bits_[static_cast<std::size_t>(column) * columnWords_ +
+                     static_cast<std::size_t>(row)];
     }
-    [[nodiscard]] std::size_t indexOf(int y, int column) const {
-        return static_cast<std::size_t>(column) * columnWords_ + static_cast<std::size_t>(y);
+    [[nodiscard]] std::uint64_t at(int column, int row) const {
+        return bits_[static_cast<std::size_t>(column) * columnWords_ +
+                     static_cast<std::size_t>(row)];
     }
-    [[nodiscard]] std::uint64_t word(int y, int column) const { return bits_[indexOf(y, column)]; }
-    void coverWide(int x0, int x1, int y0, int y1);
+    void spreadAcross(int shift);
+    void spreadDown(int shift);
 
     int width_ = 0;
     int height_ = 0;
-    std::size_t columnWords_ = 0; // the height, whole lines
-    int columns_ = 0;             // one spare column, for a run's carry
-    // A mask the size of a picture's row count is megabytes: picture
-    // memory, so that it comes in huge pages.
+    int patchWidth_ = 0;
+    int patchHeight_ = 0;
+    // Corners left of the box are kept in whole words before it, corners
+    // above it in rows before it.
+    int marginX_ = 0;
+    int marginY_ = 0;
+    int markWidth_ = 0;
+    int markHeight_ = 0;
+    int columns_ = 0;
+    std::uint32_t columnWords_ = 0;
+    // Words column by column: a patch's rows are one run of words. A mask
+    // for a large picture is megabytes: picture memory, so that it comes
+    // in huge pages.
     std::vector<std::uint64_t, PictureAllocator<std::uint64_t>> bits_;
 };
 

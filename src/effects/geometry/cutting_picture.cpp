@@ -3,17 +3,16 @@
 #include "effects/geometry/class_geometry.h"
 #include "effects/geometry/cover_mask.h"
 #include "engine/numeric.h"
+#include "engine/row_bands.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <vector>
 
 namespace lumiran {
 namespace {
-
-// Patches placed between two looks at the cancel flag.
-constexpr long long ChunkPatches = 1 << 18;
 
 struct Box {
     int left = 0;
@@ -29,7 +28,7 @@ constexpr int MaxMasks = 4;
 
 // The scratch of one placing thread: a band's draws, then its marks.
 struct BandScratch {
-    explicit BandScratch(std::size_t draws) : draws(draws), word(draws / 2), bit(draws / 2) {}
+    explicit BandScratch(std::size_t count) : draws(count), word(count / 2), bit(count / 2) {}
     std::vector<double> draws;
     std::vector<std::uint32_t> word;
     std::vector<std::uint64_t> bit;
@@ -82,7 +81,7 @@ void Class_Geometry::CuttingPicture(std::int16_t width, std::int16_t height, std
 
         // A patch keeps its own place, so a pixel that any patch covers
         // ends as the source's pixel whatever order the patches come in:
-        // only the draws keep their order. A chunk of bands is placed on
+        // only the draws keep their order. The bands are placed on
         // every core, each band entering the generator's sequence where it
         // starts, and each patch marks its corner; at the end the marks grow
         // into their patches and each row takes its covered pixels at once.
@@ -100,43 +99,49 @@ void Class_Geometry::CuttingPicture(std::int16_t width, std::int16_t height, std
         const bool marks = p.source != p.target && !box.empty();
         const bool small =
             static_cast<long long>(box.width) * box.height < 2LL * context().threading.bandPixels;
-        const int workers =
-            !marks || small ? 1 : std::clamp(context().workers().threads(), 1, MaxMasks);
+        const int workers = small ? 1 : std::clamp(context().workers().threads(), 1, MaxMasks);
 
+        RandomGenerator& random = context().random;
+        if (!marks) {
+            for (int band = 0; band < bands; ++band) {
+                random.skip(bandDraws);
+                if (!finishRow()) return;
+            }
+            return;
+        }
         std::vector<CoverMask> masks;
         std::vector<BandScratch> scratch;
-        if (marks) {
-            for (int w = 0; w < workers; ++w) {
-                masks.emplace_back(box.width, box.height, width, height, left - box.left,
-                                   top - box.top);
-                scratch.emplace_back(bandDraws);
-            }
+        for (int w = 0; w < workers; ++w) {
+            masks.emplace_back(box.width, box.height, width, height, left - box.left,
+                               top - box.top);
+            scratch.emplace_back(bandDraws);
         }
         const BandMarks mark{left, top, static_cast<double>(across) + 1,
                              static_cast<double>(bottom - top) + 1, box};
-        const int chunkBands =
-            static_cast<int>(std::clamp<long long>(ChunkPatches / across, 1, bands));
-        RandomGenerator& random = context().random;
-        for (int chunk = 0; chunk < bands; chunk += chunkBands) {
-            const int count = std::min(chunkBands, bands - chunk);
-            const RandomGenerator first = random;
-            random.skip(bandDraws * static_cast<std::uint64_t>(count));
-            if (marks) {
-                std::atomic<int> nextBand{0};
-                context().workers().run(workers, [&](int worker) {
-                    BandScratch& own = scratch[static_cast<std::size_t>(worker)];
-                    for (int band = nextBand++; band < count; band = nextBand++) {
-                        first.ahead(bandDraws * static_cast<std::uint64_t>(band)).take(own.draws);
-                        mark(own, masks[static_cast<std::size_t>(worker)]);
-                    }
-                });
+        // Bands are claimed in turn and counted for progress as they end; a
+        // cancel stops every thread after its band, and the generator then
+        // stands after as many bands as ended.
+        const RandomGenerator first = random;
+        RowBands claims(0, bands, 1);
+        int ended = 0;
+        context().workers().run(workers, [&](int worker) {
+            BandScratch& own = scratch[static_cast<std::size_t>(worker)];
+            for (RowBands::Band b = claims.claim(); !b.empty(); b = claims.claim()) {
+                if (!claims.mayStart(b.begin)) return;
+                first.ahead(bandDraws * static_cast<std::uint64_t>(b.begin)).take(own.draws);
+                mark(own, masks[static_cast<std::size_t>(worker)]);
+                const std::scoped_lock lock(claims.rowEnd());
+                ++ended;
+                if (!finishRow()) {
+                    claims.cancel();
+                    return;
+                }
             }
-            // A cancel leaves the target as it was: the run's result is
-            // thrown away then.
-            for (int band = 0; band < count; ++band)
-                if (!finishRow()) return;
-        }
-        if (!marks) return;
+        });
+        random.skip(bandDraws * static_cast<std::uint64_t>(ended));
+        // A cancel leaves the target as it was: the run's result is thrown
+        // away then.
+        if (!claims.finish()) return;
 
         CoverMask& mask = masks.front();
         for (std::size_t w = 1; w < masks.size(); ++w)
@@ -148,10 +153,10 @@ void Class_Geometry::CuttingPicture(std::int16_t width, std::int16_t height, std
         constexpr int RowsAClaim = 16;
         std::atomic<int> nextRow{0};
         context().workers().run(small ? 1 : context().workers().threads(), [&](int) {
-            for (int first = nextRow.fetch_add(RowsAClaim); first < box.height;
-                 first = nextRow.fetch_add(RowsAClaim)) {
-                const int last = std::min(first + RowsAClaim, box.height);
-                for (int y = first; y < last; ++y) {
+            for (int begin = nextRow.fetch_add(RowsAClaim); begin < box.height;
+                 begin = nextRow.fetch_add(RowsAClaim)) {
+                const int end = std::min(begin + RowsAClaim, box.height);
+                for (int y = begin; y < end; ++y) {
                     mask.copyRow(y, source.row(box.top + y).data() + box.left,
                                  target.row(box.top + y).data() + box.left);
                 }

@@ -8,6 +8,7 @@
 #include <exception>
 #include <mutex>
 #include <span>
+#include <stdexcept>
 #include <vector>
 
 namespace lumiran {
@@ -44,6 +45,13 @@ struct Sums {
     std::uint64_t blue = 0;
     std::uint64_t count = 0;
 };
+
+// An index that must lie within size: past it the numbering has gone wrong,
+// which ends the run with an error rather than reaching outside the sums.
+std::size_t checkedIndex(std::size_t index, std::size_t size) {
+    if (index >= size) throw std::logic_error("cell number outside its band");
+    return index;
+}
 
 int meanOf(std::uint64_t sum, std::uint64_t count) {
     return roundTo<int>(static_cast<double>(sum) / static_cast<double>(count));
@@ -90,6 +98,30 @@ std::vector<RowReach> cellRowReaches(const net::Net& net) {
         }
         for (int a = 0; a < net.vertexColumns(); ++a)
             widen(reach, net.down(a, b));
+    }
+    return reaches;
+}
+
+// The rows of the picture the sides of each row of vertices reach: the
+// level sides of row b and the upright ones from it to row b + 1.
+std::vector<RowReach> vertexRowReaches(const net::Net& net) {
+    std::vector<RowReach> reaches(static_cast<std::size_t>(net.vertexRows()));
+    for (int b = 0; b < net.vertexRows(); ++b) {
+        RowReach& reach = reaches[static_cast<std::size_t>(b)];
+        const int y = net.across(0, b).front().y;
+        reach = {y, y};
+        const auto widen = [&](std::span<const CanvasPoint> side) {
+            for (const CanvasPoint& p : side) {
+                reach.first = std::min(reach.first, p.y);
+                reach.last = std::max(reach.last, p.y);
+            }
+        };
+        for (int a = 0; a < net.cellColumns(); ++a)
+            widen(net.across(a, b));
+        if (b < net.cellRows()) {
+            for (int a = 0; a < net.vertexColumns(); ++a)
+                widen(net.down(a, b));
+        }
     }
     return reaches;
 }
@@ -234,9 +266,11 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         // numbers replace the colours on the work picture.
         const auto cellCount = static_cast<std::size_t>(net.cellRows()) * net.cellColumns();
         std::vector<Sums> sums(std::min<std::size_t>(cellCount, 0xFFFFFFu) + 1);
-        for (int y = area.top; y < area.bottom; ++y) {
+        // Row y of the numbering, its sums into sums[0] for no cell and
+        // sums[n - low + 1] for cell number n.
+        const auto numberRow = [&](int y, bool fromAbove, std::uint32_t low, std::span<Sums> into) {
             const auto numbers = areaRow(cells, y);
-            const auto above = y > area.top ? areaRow(cells, y - 1) : std::span<Pixel>{};
+            const auto above = fromAbove ? areaRow(cells, y - 1) : std::span<Pixel>{};
             const auto colours = source.row(y).subspan(static_cast<std::size_t>(area.left),
                                                        static_cast<std::size_t>(width));
             for (std::size_t i = 0; i < numbers.size(); ++i) {
@@ -245,11 +279,62 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 if (n == 0 && !above.empty()) n = above[i] & 0xFFFFFFu;
                 numbers[i] = (numbers[i] & 0xFF000000u) | n;
                 const Pixel c = colours[i];
-                Sums& s = sums[n];
+                Sums& s = into[n == 0 ? 0 : checkedIndex(n - low + 1, into.size())];
                 s.red += static_cast<std::uint64_t>(redOf(c));
                 s.green += static_cast<std::uint64_t>(greenOf(c));
                 s.blue += static_cast<std::uint64_t>(blueOf(c));
                 ++s.count;
+            }
+        };
+        // By bands of rows: only an unreached first pixel of a row takes a
+        // number from the row above, so bands whose first rows begin with a
+        // cell number their rows alone; otherwise everything goes in order.
+        // A band's pixels belong to the cells painted into its rows, so each
+        // band sums into the range of those cells' numbers.
+        const int height = area.bottom - area.top;
+        const Bands numberBands = bandsOf(height, width, 4);
+        const auto bandTopOf = [&](int k) { return area.top + k * numberBands.unitsPerBand; };
+        bool alone = numberBands.workers > 1 && cellCount < 0xFFFFFFu;
+        for (int k = 1; alone && k < numberBands.count; ++k)
+            alone = cellNumber(colourRefOf(areaRow(cells, bandTopOf(k)).front())) != 0;
+        if (!alone) {
+            for (int y = area.top; y < area.bottom; ++y)
+                numberRow(y, y > area.top, 1, sums);
+        } else {
+            struct BandSums {
+                std::uint32_t low = 1;
+                std::vector<Sums> sums;
+            };
+            std::vector<BandSums> bandSums(static_cast<std::size_t>(numberBands.count));
+            const auto columns = static_cast<std::uint32_t>(net.cellColumns());
+            inBands(numberBands, [&](int, int k) {
+                const int first = bandTopOf(k);
+                const int end = std::min(area.bottom, first + numberBands.unitsPerBand);
+                int lowRow = cellRows;
+                int highRow = 0;
+                for (int b = 0; b < cellRows; ++b) {
+                    const RowReach& reach = reaches[static_cast<std::size_t>(b)];
+                    if (reach.last < first || reach.first >= end) continue;
+                    lowRow = std::min(lowRow, b);
+                    highRow = std::max(highRow, b);
+                }
+                BandSums& band = bandSums[static_cast<std::size_t>(k)];
+                band.low = static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
+                band.sums.assign(static_cast<std::uint32_t>(highRow + 1) * columns - band.low + 2,
+                                 Sums{});
+                for (int y = first; y < end; ++y)
+                    numberRow(y, y > first, band.low, band.sums);
+                return 0;
+            });
+            if (context().cancelled()) return;
+            for (const BandSums& band : bandSums) {
+                for (std::size_t j = 0; j < band.sums.size(); ++j) {
+                    Sums& s = sums[j == 0 ? 0 : band.low + j - 1];
+                    s.red += band.sums[j].red;
+                    s.green += band.sums[j].green;
+                    s.blue += band.sums[j].blue;
+                    s.count += band.sums[j].count;
+                }
             }
         }
         std::vector<Pixel> means(sums.size());
@@ -259,7 +344,6 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 means[n] = colourBitsOf(
                     RGB(meanOf(s.red, s.count), meanOf(s.green, s.count), meanOf(s.blue, s.count)));
         }
-        const int height = area.bottom - area.top;
         const Bands rowBands = bandsOf(height, width, 4);
         inBands(rowBands, [&](int, int k) {
             const int first = area.top + k * rowBands.unitsPerBand;
@@ -284,31 +368,61 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
         const net::Net net = laidNet(area, blockSize, noise, type, source, context().random);
-        BitBlt(target, area.left, area.top, area.right - area.left, area.bottom - area.top, source,
-               area.left, area.top, SRCCOPY);
         const ColourRef colour = RGB(red, green, blue);
-        Canvas canvas(target);
-        canvas.setClip(area.left, area.top, area.right, area.bottom);
-        SetProgressRange(0, net.cellRows() + 1);
-        // Every side once: the level ones of vertex row b and the upright
-        // ones below it.
-        const auto draw = [&](std::span<const CanvasPoint> side) {
-            for (std::size_t k = 0; k + 1 < side.size(); ++k)
-                canvas.Line(side[k].x, side[k].y, side[k + 1].x, side[k + 1].y, colour);
-            // A line leaves out its end point; the side's last one is
-            // drawn here so the net's far corners are closed too.
-            canvas.Line(side.back().x, side.back().y, side.back().x, side.back().y, colour,
-                        LineKind::BF);
+        const int vertexRows = net.vertexRows();
+        SetProgressRange(0, vertexRows);
+        // Every side is one colour drawn over the copy, so a pixel's result
+        // does not depend on the order of the sides: bands of rows each copy
+        // their rows of the source and draw every side that reaches into
+        // them, clipped to their rows.
+        const std::vector<RowReach> reaches = vertexRowReaches(net);
+        const int width = area.right - area.left;
+        const int size = blockSize;
+        const Bands bands = bandsOf(vertexRows, static_cast<long long>(size) * width, 2);
+        const auto rowOfVertexRow = [&](int b) {
+            return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
+                                                                   area.bottom - area.top));
         };
-        for (int b = 0; b <= net.cellRows(); ++b) {
-            for (int a = 0; a < net.cellColumns(); ++a)
-                draw(net.across(a, b));
-            if (b < net.cellRows()) {
-                for (int a = 0; a <= net.cellColumns(); ++a)
-                    draw(net.down(a, b));
+        std::vector<Canvas> canvases;
+        canvases.reserve(static_cast<std::size_t>(bands.workers));
+        for (int w = 0; w < bands.workers; ++w)
+            canvases.emplace_back(target);
+        inBands(bands, [&](int worker, int k) {
+            const int firstRow = k * bands.unitsPerBand;
+            const int endRow = std::min(vertexRows, firstRow + bands.unitsPerBand);
+            const int bandTop = rowOfVertexRow(firstRow);
+            const int bandBottom = endRow == vertexRows ? area.bottom : rowOfVertexRow(endRow);
+            if (&source != &target) {
+                for (int y = bandTop; y < bandBottom; ++y) {
+                    const auto from = source.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                            static_cast<std::size_t>(width));
+                    std::ranges::copy(from, target.row(y).begin() + area.left);
+                }
             }
-            if (!finishRow()) return;
-        }
+            Canvas& canvas = canvases[static_cast<std::size_t>(worker)];
+            canvas.setClip(area.left, bandTop, area.right, bandBottom);
+            const auto draw = [&](std::span<const CanvasPoint> side) {
+                const auto [low, high] = std::ranges::minmax(side, {}, &CanvasPoint::y);
+                if (high.y < bandTop || low.y >= bandBottom) return;
+                for (std::size_t i = 0; i + 1 < side.size(); ++i)
+                    canvas.Line(side[i].x, side[i].y, side[i + 1].x, side[i + 1].y, colour);
+                // A line leaves out its end point; the side's last one is
+                // drawn here so the net's far corners are closed too.
+                canvas.Line(side.back().x, side.back().y, side.back().x, side.back().y, colour,
+                            LineKind::BF);
+            };
+            for (int b = 0; b < vertexRows; ++b) {
+                const RowReach& reach = reaches[static_cast<std::size_t>(b)];
+                if (reach.last < bandTop || reach.first >= bandBottom) continue;
+                for (int a = 0; a < net.cellColumns(); ++a)
+                    draw(net.across(a, b));
+                if (b < net.cellRows()) {
+                    for (int a = 0; a < net.vertexColumns(); ++a)
+                        draw(net.down(a, b));
+                }
+            }
+            return endRow - firstRow;
+        });
     });
 }
 

@@ -173,11 +173,12 @@ class Class_Pattern : public PixelFrame {
     template <bool Blend>
     void paintBandRow(const pattern::Bands& shared, Pixel* __restrict row, double* __restrict m,
                       int count) const;
-    // Colours the pixels whose level(x, y) (0 a joint's line, 1 and 2 right
-    // of and below it) the line type colours, each then blended or clamped;
-    // other pixels stay untouched.
-    template <typename Level>
-    void paintJoints(const ProcessRect& rect, std::uint8_t lineType, Level&& level);
+    // Colours the pixels whose level (0 a joint's line, 1 and 2 right of and
+    // below it) the line type colours, each then blended or clamped; other
+    // pixels stay untouched. levelRow(y, first, end, scratch) gives the
+    // levels of a row's columns [first, end), in scratch or elsewhere.
+    template <typename LevelRow>
+    void paintJoints(const ProcessRect& rect, std::uint8_t lineType, LevelRow&& levelRow);
     // The grid joints of LineInput_Normal and LineInput_Gap.
     void gridJoints(const ProcessRect& rect, std::int16_t width, std::int16_t height, int shift,
                     bool columns, std::uint8_t type);

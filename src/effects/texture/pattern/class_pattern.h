@@ -147,7 +147,17 @@ class Class_Pattern : public PixelFrame {
                     std::int16_t amplitude, std::int16_t wave, std::int16_t strength,
                     std::int16_t power, std::int16_t weight);
 
+    // ImageGetDiBits for the tile walls: ImageBits takes the picture's size
+    // now and each row's pixels when a wall's row loop first reaches it, so
+    // the copy runs on the loop's threads; finishRows() copies the rows no
+    // loop reached. The picture must outlive the object's use of ImageBits.
+    void ImageGetDiBitsByRows(const Surface& picture);
+    void finishRows();
+
   private:
+    // The row y of ImageBits from the picture of ImageGetDiBitsByRows, once;
+    // nothing after ImageGetDiBits.
+    void takeRow(int y);
     // The per-pixel frame of the colour fields: pattern(x, y) gives P for
     // the three channels, which the weight blend mixes with the source.
     template <RowOrder Order = RowOrder::AnyOrder, typename Pattern>
@@ -185,6 +195,8 @@ class Class_Pattern : public PixelFrame {
     // A wall of drawn tiles; the layout picks each tile's drawing.
     void drawnJoints(const ProcessRect& rect, int size, std::vector<mosaic::CellMask> variants,
                      pattern::TileLayout layout, std::uint8_t type);
+    const Surface* rowSource_ = nullptr;
+    std::vector<std::uint8_t> rowTaken_; // written only by the row's own loop
     void colorSway(int law, std::int16_t weight, std::uint8_t type, const ProcessRect& rect,
                    const std::int16_t (&amplitudeAndWave)[6], double degree = 1);
 };

@@ -97,6 +97,7 @@ void Class_Pattern::paintJoints(const ProcessRect& rect, std::uint8_t lineType,
     const int deepest = rule.deepest();
     const bool blend = calculationFlag() > 0;
     forEachRow(rect, [&](int y, int first, int end) {
+        takeRow(y);
         std::vector<std::uint8_t> scratch;
         const std::uint8_t* levels = levelRow(y, first, end, scratch);
         Pixel* row = ImageBits.row(y).data();

@@ -3,6 +3,7 @@
 #include "effects/texture/pattern/tile_joints.h"
 
 #include <algorithm>
+#include <atomic>
 
 namespace lumiran {
 namespace pattern {
@@ -93,6 +94,43 @@ int TileLines::rowPeriod() const {
 
 } // namespace pattern
 
+void Class_Pattern::ImageGetDiBitsByRows(const Surface& picture) {
+    ImageBits = Surface::uninitialised(picture.width(), picture.height());
+    rowSource_ = &picture;
+    rowTaken_.assign(static_cast<std::size_t>(picture.height()), 0);
+}
+
+void Class_Pattern::takeRow(int y) {
+    if (rowSource_ == nullptr || rowTaken_[static_cast<std::size_t>(y)] != 0) return;
+    std::ranges::copy(rowSource_->row(y), ImageBits.row(y).begin());
+    rowTaken_[static_cast<std::size_t>(y)] = 1;
+}
+
+void Class_Pattern::finishRows() {
+    if (rowSource_ == nullptr) return;
+    const int height = ImageBits.height();
+    const RowThreading& threading = context().threading;
+    const int threads = std::max(1, threading.threads);
+    const bool shared = threads > 1 && static_cast<long long>(ImageBits.pixelCount()) >=
+                                           2LL * std::max(threading.bandPixels, 1);
+    if (!shared) {
+        for (int y = 0; y < height; ++y)
+            takeRow(y);
+    } else {
+        const int bandRows = std::max(1, height / (4 * threads));
+        std::atomic<int> next{0};
+        context().workers().run(threads, [&](int) {
+            for (int first = next.fetch_add(bandRows); first < height;
+                 first = next.fetch_add(bandRows)) {
+                const int end = std::min(height, first + bandRows);
+                for (int y = first; y < end; ++y)
+                    takeRow(y);
+            }
+        });
+    }
+    rowSource_ = nullptr;
+}
+
 void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std::int16_t height,
                                int shift, bool columns, std::uint8_t type) {
     // Tiles share their joints: each starts on the last column and row of
@@ -127,6 +165,7 @@ void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std:
     // picture replays, in the walk's order, the cells that fall on it: the
     // rows are independent.
     forEachRow(rect, [&](int y, int, int) {
+        takeRow(y);
         Pixel* row = ImageBits.row(y).data();
         const auto paint = [&](int x, int level) {
             Pixel& p = row[x];

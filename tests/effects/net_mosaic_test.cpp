@@ -83,6 +83,32 @@ TEST_F(NetMosaic, TheWallNetDrawsBlackJointsOverThePicture) {
     }
 }
 
+TEST_F(NetMosaic, ARectangleTakenAsFilledPaintsAsTheFilledOne) {
+    // The run leaves the rectangle of kept picture 1 unfilled and says so:
+    // whatever it holds there, the mosaic is the one over the background,
+    // spare bytes included; outside it nothing is touched.
+    const Surface varied = makeVariedPicture(150, 97);
+    const Pixel background = makePixel(1, 2, 3) | 0x5A000000u;
+    for (const RowThreading threading : {RowThreading{1, 1 << 30}, RowThreading{2, 1}}) {
+        context.threading = threading;
+        random = RandomGenerator();
+        Surface filled(150, 97, background);
+        Class_NetMosaic(context).Mosaic_Net(varied, filled, 5, -3, 140, 90, 8, 8, 0);
+        random = RandomGenerator();
+        Surface garbage(150, 97, 0xA5C3E1F0u);
+        Class_NetMosaic taken(context);
+        taken.takeRectangleAsFilled(background);
+        taken.Mosaic_Net(varied, garbage, 5, -3, 140, 90, 8, 8, 0);
+        for (int y = 0; y < 97; ++y) {
+            for (int x = 0; x < 150; ++x) {
+                const bool inside = x >= 5 && x < 140 && y < 90;
+                ASSERT_EQ(garbage.at(x, y), inside ? filled.at(x, y) : Pixel{0xA5C3E1F0u})
+                    << x << "," << y << " on " << threading.threads;
+            }
+        }
+    }
+}
+
 TEST_F(NetMosaic, ABlockSizeOfZeroIsTheOverflowError) {
     mosaic(makeVariedPicture(8, 8), 0, 8, 0);
     EXPECT_EQ(failureNumbers(), std::vector<int>{6});

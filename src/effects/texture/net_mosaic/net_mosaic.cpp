@@ -186,6 +186,42 @@ bool Class_NetMosaic::inBands(const Bands& bands, Work&& work) {
     return !context().cancelled();
 }
 
+template <typename PrepareRow>
+std::optional<net::Net>
+Class_NetMosaic::layAlongside(const net::Area& area, std::int16_t blockSize, std::int16_t noise,
+                              std::uint8_t type, const Surface& source, PrepareRow&& prepareRow) {
+    std::optional<net::Net> net;
+    const RowThreading& threading = context().threading;
+    const int threads = std::max(threading.threads, 1);
+    const long long pixels =
+        static_cast<long long>(area.right - area.left) * (area.bottom - area.top);
+    if (threads <= 1 || pixels < 2LL * std::max(threading.bandPixels, 1)) {
+        net.emplace(laidNet(area, blockSize, noise, type, source, context().random));
+        for (int y = area.top; y < area.bottom; ++y)
+            prepareRow(y);
+        return net;
+    }
+    constexpr int Chunk = 16;
+    std::atomic<int> next{area.top};
+    std::exception_ptr failure;
+    context().workers().run(threads, [&](int worker) {
+        if (worker == 0) {
+            try {
+                net.emplace(laidNet(area, blockSize, noise, type, source, context().random));
+            } catch (...) {
+                failure = std::current_exception();
+            }
+        }
+        for (int first = next.fetch_add(Chunk); first < area.bottom;
+             first = next.fetch_add(Chunk)) {
+            for (int y = first; y < std::min(area.bottom, first + Chunk); ++y)
+                prepareRow(y);
+        }
+    });
+    if (failure) std::rethrow_exception(failure);
+    return net;
+}
+
 void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::int16_t left,
                                  std::int16_t top, std::int16_t right, std::int16_t bottom,
                                  std::int16_t blockSize, std::int16_t noise, std::uint8_t type) {
@@ -193,12 +229,9 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         checkSize(blockSize);
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
-        const net::Net net = laidNet(area, blockSize, noise, type, source, context().random);
-        SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
-
         // Every cell filled on the work picture in its own colour. The work
-        // picture is the target itself (its colour bytes, the spare byte
-        // kept) unless the target is also the source.
+        // picture is the target itself (its colour bytes cleared, the spare
+        // byte kept) unless the target is also the source.
         Surface separate;
         if (&source == &target) separate = Surface(target.width(), target.height());
         Surface& cells = &source == &target ? separate : target;
@@ -207,6 +240,20 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             return picture.row(y).subspan(static_cast<std::size_t>(area.left),
                                           static_cast<std::size_t>(width));
         };
+        const std::optional<Pixel> fill = &source == &target ? std::nullopt : rectangleFill_;
+        const std::optional<net::Net> laid =
+            layAlongside(area, blockSize, noise, type, source, [&](int y) {
+                const auto row = areaRow(cells, y);
+                if (fill) {
+                    std::ranges::fill(row, *fill & 0xFF000000u);
+                } else {
+                    for (Pixel& p : row)
+                        p &= 0xFF000000u;
+                }
+            });
+        const net::Net& net = *laid;
+        SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
+
         // Bands of rows of the picture, each painting every cell that
         // reaches into it, in the cells' order and clipped to its rows: a
         // pixel where cells touch takes the last one's colour, as when the
@@ -235,10 +282,6 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             const int endCellRow = std::min(cellRows, firstCellRow + bands.unitsPerBand);
             const int bandTop = rowOfCellRow(firstCellRow);
             const int bandBottom = endCellRow == cellRows ? area.bottom : rowOfCellRow(endCellRow);
-            for (int y = bandTop; y < bandBottom; ++y) {
-                for (Pixel& p : areaRow(cells, y))
-                    p &= 0xFF000000u;
-            }
             Painter& painter = painters[static_cast<std::size_t>(worker)];
             Canvas& canvas = painter.canvas;
             canvas.setClip(area.left, bandTop, area.right, bandBottom);
@@ -367,16 +410,22 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
         checkSize(blockSize);
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
-        const net::Net net = laidNet(area, blockSize, noise, type, source, context().random);
+        const int width = area.right - area.left;
+        const std::optional<net::Net> laid =
+            layAlongside(area, blockSize, noise, type, source, [&](int y) {
+                if (&source == &target) return;
+                const auto from = source.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                        static_cast<std::size_t>(width));
+                std::ranges::copy(from, target.row(y).begin() + area.left);
+            });
+        const net::Net& net = *laid;
         const ColourRef colour = RGB(red, green, blue);
         const int vertexRows = net.vertexRows();
         SetProgressRange(0, vertexRows);
         // Every side is one colour drawn over the copy, so a pixel's result
-        // does not depend on the order of the sides: bands of rows each copy
-        // their rows of the source and draw every side that reaches into
-        // them, clipped to their rows.
+        // does not depend on the order of the sides: bands of rows each draw
+        // every side that reaches into them, clipped to their rows.
         const std::vector<RowReach> reaches = vertexRowReaches(net);
-        const int width = area.right - area.left;
         const int size = blockSize;
         const Bands bands = bandsOf(vertexRows, static_cast<long long>(size) * width, 2);
         const auto rowOfVertexRow = [&](int b) {
@@ -392,13 +441,6 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
             const int endRow = std::min(vertexRows, firstRow + bands.unitsPerBand);
             const int bandTop = rowOfVertexRow(firstRow);
             const int bandBottom = endRow == vertexRows ? area.bottom : rowOfVertexRow(endRow);
-            if (&source != &target) {
-                for (int y = bandTop; y < bandBottom; ++y) {
-                    const auto from = source.row(y).subspan(static_cast<std::size_t>(area.left),
-                                                            static_cast<std::size_t>(width));
-                    std::ranges::copy(from, target.row(y).begin() + area.left);
-                }
-            }
             Canvas& canvas = canvases[static_cast<std::size_t>(worker)];
             canvas.setClip(area.left, bandTop, area.right, bandBottom);
             const auto draw = [&](std::span<const CanvasPoint> side) {

@@ -66,18 +66,21 @@ void fillWithBackground(RunContext& context, const Surface& source, Surface& pic
 }
 
 // A case whose call draws from kept picture 0 over kept picture 1 in the
-// background colour, that fill made here on every thread, not by the run.
-// With a hole the call must write every pixel of the rectangle.
+// background colour, that fill made here on every thread, not by the run,
+// and left to the call in the rectangle: a call that does not write every
+// pixel there takes it as filled.
 template <typename Call>
 EffectPlanner overBackground(Call call, bool callWritesRectangle = false) {
     return [call, callWritesRectangle](const ControlValues& v) {
-        return EffectPlan::ready(ReplacingBody{[call, v,
-                                                callWritesRectangle](EffectInvocation& run) {
-            fillWithBackground(run.context, run.keptPicture0, run.keptPicture1,
-                               callWritesRectangle ? holeOf(run.rect, run.keptPicture0) : Hole{});
-            Class_NetMosaic net(run.context);
-            call(net, v, run);
-        }});
+        return EffectPlan::ready(
+            ReplacingBody{[call, v, callWritesRectangle](EffectInvocation& run) {
+                fillWithBackground(run.context, run.keptPicture0, run.keptPicture1,
+                                   holeOf(run.rect, run.keptPicture0));
+                Class_NetMosaic net(run.context);
+                if (!callWritesRectangle)
+                    net.takeRectangleAsFilled(toPixel(run.context.flags.backColor));
+                call(net, v, run);
+            }});
     };
 }
 

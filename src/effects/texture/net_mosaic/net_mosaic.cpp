@@ -316,18 +316,35 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             const auto above = fromAbove ? areaRow(cells, y - 1) : std::span<Pixel>{};
             const auto colours = source.row(y).subspan(static_cast<std::size_t>(area.left),
                                                        static_cast<std::size_t>(width));
+            // Pixels of a cell come in runs along the row: each run is
+            // summed here and added to its cell's sums once.
+            std::uint32_t runNumber = 0;
+            std::uint32_t red = 0, green = 0, blue = 0, count = 0;
+            const auto addRun = [&] {
+                if (count == 0) return;
+                Sums& s = into[runNumber == 0 ? 0 : checkedIndex(runNumber - low + 1, into.size())];
+                s.red += red;
+                s.green += green;
+                s.blue += blue;
+                s.count += count;
+            };
             for (std::size_t i = 0; i < numbers.size(); ++i) {
                 std::uint32_t n = cellNumber(colourRefOf(numbers[i]));
                 if (n == 0 && i > 0) n = numbers[i - 1] & 0xFFFFFFu;
                 if (n == 0 && !above.empty()) n = above[i] & 0xFFFFFFu;
                 numbers[i] = (numbers[i] & 0xFF000000u) | n;
+                if (n != runNumber) {
+                    addRun();
+                    runNumber = n;
+                    red = green = blue = count = 0;
+                }
                 const Pixel c = colours[i];
-                Sums& s = into[n == 0 ? 0 : checkedIndex(n - low + 1, into.size())];
-                s.red += static_cast<std::uint64_t>(redOf(c));
-                s.green += static_cast<std::uint64_t>(greenOf(c));
-                s.blue += static_cast<std::uint64_t>(blueOf(c));
-                ++s.count;
+                red += static_cast<std::uint32_t>(redOf(c));
+                green += static_cast<std::uint32_t>(greenOf(c));
+                blue += static_cast<std::uint32_t>(blueOf(c));
+                ++count;
             }
+            addRun();
         };
         // By bands of rows: only an unreached first pixel of a row takes a
         // number from the row above, so bands whose first rows begin with a

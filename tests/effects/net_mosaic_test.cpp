@@ -19,12 +19,14 @@ struct NetMosaic : TextureFixture {
                                             static_cast<std::int16_t>(noise), type);
         return target;
     }
-    Surface lines(const Surface& source, int size, int noise, std::uint8_t type) {
+    Surface lines(const Surface& source, int size, int noise, std::uint8_t type,
+                  ProcessRect rect = {}) {
+        if (rect == ProcessRect{})
+            rect = ProcessRect::wholePicture(source.width(), source.height());
         Surface target(source.width(), source.height());
-        Class_NetMosaic(context).Net_Line(
-            source, target, 0, 0, static_cast<std::int16_t>(source.width()),
-            static_cast<std::int16_t>(source.height()), static_cast<std::int16_t>(size),
-            static_cast<std::int16_t>(noise), type, 0, 0, 0);
+        Class_NetMosaic(context).Net_Line(source, target, rect.left, rect.top, rect.right,
+                                          rect.bottom, static_cast<std::int16_t>(size),
+                                          static_cast<std::int16_t>(noise), type, 0, 0, 0);
         return target;
     }
 };
@@ -81,14 +83,41 @@ TEST_F(NetMosaic, TheWallNetDrawsBlackJointsOverThePicture) {
     }
 }
 
+TEST_F(NetMosaic, ARectangleTakenAsFilledPaintsAsTheFilledOne) {
+    // The run leaves the rectangle of kept picture 1 unfilled and says so:
+    // whatever it holds there, the mosaic is the one over the background,
+    // spare bytes included; outside it nothing is touched.
+    const Surface varied = makeVariedPicture(150, 97);
+    const Pixel background = makePixel(1, 2, 3) | 0x5A000000u;
+    for (const RowThreading threading : {RowThreading{1, 1 << 30}, RowThreading{2, 1}}) {
+        context.threading = threading;
+        random = RandomGenerator();
+        Surface filled(150, 97, background);
+        Class_NetMosaic(context).Mosaic_Net(varied, filled, 5, -3, 140, 90, 8, 8, 0);
+        random = RandomGenerator();
+        Surface garbage(150, 97, 0xA5C3E1F0u);
+        Class_NetMosaic taken(context);
+        taken.takeRectangleAsFilled(background);
+        taken.Mosaic_Net(varied, garbage, 5, -3, 140, 90, 8, 8, 0);
+        for (int y = 0; y < 97; ++y) {
+            for (int x = 0; x < 150; ++x) {
+                const bool inside = x >= 5 && x < 140 && y < 90;
+                ASSERT_EQ(garbage.at(x, y), inside ? filled.at(x, y) : Pixel{0xA5C3E1F0u})
+                    << x << "," << y << " on " << threading.threads;
+            }
+        }
+    }
+}
+
 TEST_F(NetMosaic, ABlockSizeOfZeroIsTheOverflowError) {
     mosaic(makeVariedPicture(8, 8), 0, 8, 0);
     EXPECT_EQ(failureNumbers(), std::vector<int>{6});
 }
 
-TEST_F(NetMosaic, BandsOfRowsPaintTheCellsAsOneThreadDoes) {
+TEST_F(NetMosaic, BandsOfRowsPaintTheCellsAndTheJointsAsOneThreadDoes) {
     // Bands of one row of cells or more, where bent cells reach across the
-    // bands' borders and overlap; the same net each time.
+    // bands' borders and overlap, and the cells are numbered and their
+    // joints drawn by bands of rows too; the same net each time.
     const Surface varied = makeVariedPicture(150, 97);
     struct Case {
         int size, noise;
@@ -105,14 +134,23 @@ TEST_F(NetMosaic, BandsOfRowsPaintTheCellsAsOneThreadDoes) {
         // on one thread and on several.
         const RowThreading threadings[] = {{1, 1 << 30}, {1, 1}, {2, 1}, {3, 1}, {2, 1 << 12}};
         Surface whole;
+        Surface wholeLines;
         for (const RowThreading& threading : threadings) {
             context.threading = threading;
             random = RandomGenerator();
             const Surface banded = mosaic(varied, c.size, c.noise, c.type, c.rect);
-            if (whole.empty()) whole = banded;
+            random = RandomGenerator();
+            const Surface bandedLines = lines(varied, c.size, c.noise, c.type, c.rect);
+            if (whole.empty()) {
+                whole = banded;
+                wholeLines = bandedLines;
+            }
             EXPECT_EQ(banded, whole) << c.size << " " << c.noise << " on " << threading.threads;
+            EXPECT_EQ(bandedLines, wholeLines)
+                << "lines " << c.size << " " << c.noise << " on " << threading.threads;
         }
         EXPECT_GE(coloursOf(whole).size(), 30u) << c.size << " " << c.noise;
+        EXPECT_NE(wholeLines, varied);
     }
 }
 

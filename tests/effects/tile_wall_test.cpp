@@ -4,6 +4,7 @@
 #include "texture_fixture.h"
 
 #include <algorithm>
+#include <functional>
 #include <set>
 
 namespace lumiran::testing {
@@ -75,27 +76,31 @@ TEST_P(GridJoints, AreTheLiteralWalkColouringInPlace) {
     const Surface picture =
         makePicture(19, 13, [](int x, int y) { return makePixel(10 + x * 12, 20 + y * 19, 100); });
     const int deepest[4] = {1, 1, 2, 0};
-    for (std::uint8_t type = 0; type < 4; ++type) {
-        const Surface out = run<P>(
-            picture,
-            [&](P& e, const ProcessRect& r) {
-                if (g.shifted == 0) {
-                    e.LineInput_Normal(g.width, g.height, r.left, r.top, r.right, r.bottom, true,
-                                       type);
-                } else {
-                    e.LineInput_Gap(g.width, g.height, r.left, r.top, r.right, r.bottom,
-                                    g.shifted == 2, type);
+    // Rows of the picture on one thread, and one row a band on three.
+    for (const RowThreading threading : {RowThreading{1, 1 << 20}, RowThreading{3, 1}})
+        for (std::uint8_t type = 0; type < 4; ++type) {
+            context.threading = threading;
+            const Surface out = run<P>(
+                picture,
+                [&](P& e, const ProcessRect& r) {
+                    if (g.shifted == 0) {
+                        e.LineInput_Normal(g.width, g.height, r.left, r.top, r.right, r.bottom,
+                                           true, type);
+                    } else {
+                        e.LineInput_Gap(g.width, g.height, r.left, r.top, r.right, r.bottom,
+                                        g.shifted == 2, type);
+                    }
+                },
+                false, g.rect);
+            const Surface expected = literalWall(picture, g, type, deepest[type]);
+            for (int y = 0; y < picture.height(); ++y) {
+                for (int x = 0; x < picture.width(); ++x) {
+                    EXPECT_EQ(colourAt(out, x, y), colourAt(expected, x, y))
+                        << "type " << int(type) << " at " << x << "," << y << " on "
+                        << threading.threads;
                 }
-            },
-            false, g.rect);
-        const Surface expected = literalWall(picture, g, type, deepest[type]);
-        for (int y = 0; y < picture.height(); ++y) {
-            for (int x = 0; x < picture.width(); ++x) {
-                EXPECT_EQ(colourAt(out, x, y), colourAt(expected, x, y))
-                    << "type " << int(type) << " at " << x << "," << y;
             }
         }
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -178,6 +183,51 @@ TEST_F(DrawnTiles, EveryDrawingIsItsOwnAndRandomArcsRepeatFromAFreshGenerator) {
     EXPECT_EQ(random.state(), expected.state());
     random = RandomGenerator();
     EXPECT_EQ(run<P>(grey, arcs), first);
+}
+
+TEST_F(DrawnTiles, AreLaidFromTheRectanglesTopWhereverThePictureBegins) {
+    // A rectangle reaching d rows above the picture paints the picture as
+    // the same rectangle paints rows d on of a picture d rows taller: the
+    // first two rows of tiles look at no row above the rectangle, later
+    // rows repeat with the tiles.
+    const auto pixel = [](int x, int y) { return makePixel(x * 7 % 256, y * 5 % 256, 90); };
+    using Wall = std::function<void(P&, const ProcessRect&)>;
+    const std::pair<const char*, Wall> walls[] = {
+        {"arcs",
+         [](P& e, const ProcessRect& r) {
+             e.Draw_ArcCrest(12, r.left, r.top, r.right, r.bottom, 0, 0, 0);
+         }},
+        {"chequer",
+         [](P& e, const ProcessRect& r) {
+             e.Draw_ArcCrest(9, r.left, r.top, r.right, r.bottom, 2, 2, 0);
+         }},
+        {"rows",
+         [](P& e, const ProcessRect& r) {
+             e.Draw_ArcCrest(8, r.left, r.top, r.right, r.bottom, 3, 1, 0);
+         }},
+        {"lozenges",
+         [](P& e, const ProcessRect& r) {
+             e.LineInput_Lozenge(10, r.left, r.top, r.right, r.bottom, 2, 0);
+         }},
+        {"circles",
+         [](P& e, const ProcessRect& r) {
+             e.LineInput_Circle(24, r.left, r.top, r.right, r.bottom, 3, 2);
+         }},
+    };
+    for (const auto& [name, wall] : walls) {
+        for (const int d : {0, 1, 2, 7, 30}) {
+            const Surface tall = makePicture(37, 40 + d, pixel);
+            const Surface picture =
+                makePicture(37, 40, [&](int x, int y) { return pixel(x, y + d); });
+            const Surface whole = run<P>(tall, wall, false, ProcessRect{0, 0, 37, 40 + d});
+            const Surface cut = run<P>(picture, wall, false, ProcessRect{0, -d, 37, 40});
+            for (int y = 0; y < 40; ++y) {
+                for (int x = 0; x < 37; ++x)
+                    ASSERT_EQ(cut.at(x, y), whole.at(x, y + d))
+                        << name << " " << d << " " << x << "," << y;
+            }
+        }
+    }
 }
 
 TEST_F(DrawnTiles, ATileOfNoPixelsIsTheOverflowError) {

@@ -4,6 +4,7 @@
 #include "test_support.h"
 
 #include <climits>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
@@ -86,6 +87,41 @@ TEST(CanvasLine, ExcludesTheEndPointAndCoversTheSamePixelsBackwards) {
     // Halves round toward the larger coordinate: (0,0)-(4,1) steps at x = 2.
     EXPECT_EQ(drawOn(6, 3, [](Canvas& k) { k.Line(0, 0, 4, 1, White); }),
               (Points{{0, 0}, {1, 0}, {2, 1}, {3, 1}}));
+}
+
+TEST(CanvasLine, StepsSitOnTheIdealLineRoundedHalvesUp) {
+    // Every line of the 9 x 9 neighbourhood from (20, 20), whole and cut by
+    // a window at either end: step i of n sits at minor coordinate
+    // m1 + floor((2 i dm + n) / (2 n)), written out with a plain floor.
+    const auto floorOf = [](long long num, long long den) {
+        return num >= 0 ? num / den : -((-num + den - 1) / den);
+    };
+    for (int dx = -9; dx <= 9; ++dx) {
+        for (int dy = -9; dy <= 9; ++dy) {
+            const int n = std::max(std::abs(dx), std::abs(dy));
+            if (n == 0) continue;
+            const bool xMajor = std::abs(dx) >= std::abs(dy);
+            for (const int cut : {0, 1, 3}) {
+                // The window drops the first cut columns (rows) of the line.
+                const int sx = dx > 0 ? 1 : -1, sy = dy > 0 ? 1 : -1;
+                Points expected;
+                for (int i = cut; i < n; ++i) {
+                    const long long minor = floorOf(2LL * i * (xMajor ? dy : dx) + n, 2LL * n);
+                    expected.insert(xMajor ? std::pair{20 + sx * i, 20 + static_cast<int>(minor)}
+                                           : std::pair{20 + static_cast<int>(minor), 20 + sy * i});
+                }
+                const Points drawn = drawOn(41, 41, [&](Canvas& k) {
+                    if (xMajor) {
+                        k.setClip(dx > 0 ? 20 + cut : 0, 0, dx > 0 ? 41 : 21 - cut, 41);
+                    } else {
+                        k.setClip(0, dy > 0 ? 20 + cut : 0, 41, dy > 0 ? 41 : 21 - cut);
+                    }
+                    k.Line(20, 20, 20 + dx, 20 + dy, White);
+                });
+                EXPECT_EQ(drawn, expected) << dx << "," << dy << " cut " << cut;
+            }
+        }
+    }
 }
 
 TEST(CanvasLine, PenShapeByWidth) {

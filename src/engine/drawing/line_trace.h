@@ -42,7 +42,13 @@ void traceLine(std::int64_t x1, std::int64_t y1, std::int64_t x2, std::int64_t y
 
     // The minor offset as quotient q and remainder r of (2 i dm + n) / (2 n).
     const std::int64_t den = 2 * n;
-    const auto floorDiv64 = [den](std::int64_t num) {
+    const auto floorDiv64 = [den](std::int64_t num) -> std::int64_t {
+        // The step's numerator lies within one den of 0 (the minor delta is
+        // at most the major one), as does the start of an unclipped line:
+        // no division for the short lines of nets and outlines.
+        if (num >= 0 && num < den) return 0;
+        if (num < 0 && num >= -den) return -1;
+        if (num == den) return 1;
         const std::int64_t quotient = num / den;
         return num % den != 0 && num < 0 ? quotient - 1 : quotient;
     };

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "effects/texture/net_mosaic/net_grid.h"
 #include "engine/pixel_frame.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace lumiran {
 
@@ -33,7 +35,20 @@ class Class_NetMosaic : public PixelFrame {
                   std::int16_t noise, std::uint8_t type, std::int16_t red, std::int16_t green,
                   std::int16_t blue);
 
+    // The dispatch has not filled the target's rectangle with the
+    // background: Mosaic_Net takes it as filled with this colour (it reads
+    // only the spare bytes there) and writes it whole.
+    void takeRectangleAsFilled(Pixel background) { rectangleFill_ = background; }
+
   private:
+    std::optional<Pixel> rectangleFill_;
+    // Lays the net on one thread while the others prepare the area's rows
+    // (prepareRow(y)) from the top, and then helps them: the first touch of
+    // the target's pages costs about as much as laying the net.
+    template <typename PrepareRow>
+    std::optional<net::Net> layAlongside(const net::Area& area, std::int16_t blockSize,
+                                         std::int16_t noise, std::uint8_t type,
+                                         const Surface& source, PrepareRow&& prepareRow);
     struct Bands {
         int workers = 1;
         int unitsPerBand = 1;

@@ -8,6 +8,7 @@
 #include <exception>
 #include <mutex>
 #include <span>
+#include <stdexcept>
 #include <vector>
 
 namespace lumiran {
@@ -44,6 +45,13 @@ struct Sums {
     std::uint64_t blue = 0;
     std::uint64_t count = 0;
 };
+
+// An index that must lie within size: past it the numbering has gone wrong,
+// which ends the run with an error rather than reaching outside the sums.
+std::size_t checkedIndex(std::size_t index, std::size_t size) {
+    if (index >= size) throw std::logic_error("cell number outside its band");
+    return index;
+}
 
 int meanOf(std::uint64_t sum, std::uint64_t count) {
     return roundTo<int>(static_cast<double>(sum) / static_cast<double>(count));
@@ -90,6 +98,30 @@ std::vector<RowReach> cellRowReaches(const net::Net& net) {
         }
         for (int a = 0; a < net.vertexColumns(); ++a)
             widen(reach, net.down(a, b));
+    }
+    return reaches;
+}
+
+// The rows of the picture the sides of each row of vertices reach: the
+// level sides of row b and the upright ones from it to row b + 1.
+std::vector<RowReach> vertexRowReaches(const net::Net& net) {
+    std::vector<RowReach> reaches(static_cast<std::size_t>(net.vertexRows()));
+    for (int b = 0; b < net.vertexRows(); ++b) {
+        RowReach& reach = reaches[static_cast<std::size_t>(b)];
+        const int y = net.across(0, b).front().y;
+        reach = {y, y};
+        const auto widen = [&](std::span<const CanvasPoint> side) {
+            for (const CanvasPoint& p : side) {
+                reach.first = std::min(reach.first, p.y);
+                reach.last = std::max(reach.last, p.y);
+            }
+        };
+        for (int a = 0; a < net.cellColumns(); ++a)
+            widen(net.across(a, b));
+        if (b < net.cellRows()) {
+            for (int a = 0; a < net.vertexColumns(); ++a)
+                widen(net.down(a, b));
+        }
     }
     return reaches;
 }
@@ -154,6 +186,42 @@ bool Class_NetMosaic::inBands(const Bands& bands, Work&& work) {
     return !context().cancelled();
 }
 
+template <typename PrepareRow>
+std::optional<net::Net>
+Class_NetMosaic::layAlongside(const net::Area& area, std::int16_t blockSize, std::int16_t noise,
+                              std::uint8_t type, const Surface& source, PrepareRow&& prepareRow) {
+    std::optional<net::Net> net;
+    const RowThreading& threading = context().threading;
+    const int threads = std::max(threading.threads, 1);
+    const long long pixels =
+        static_cast<long long>(area.right - area.left) * (area.bottom - area.top);
+    if (threads <= 1 || pixels < 2LL * std::max(threading.bandPixels, 1)) {
+        net.emplace(laidNet(area, blockSize, noise, type, source, context().random));
+        for (int y = area.top; y < area.bottom; ++y)
+            prepareRow(y);
+        return net;
+    }
+    constexpr int Chunk = 16;
+    std::atomic<int> next{area.top};
+    std::exception_ptr failure;
+    context().workers().run(threads, [&](int worker) {
+        if (worker == 0) {
+            try {
+                net.emplace(laidNet(area, blockSize, noise, type, source, context().random));
+            } catch (...) {
+                failure = std::current_exception();
+            }
+        }
+        for (int first = next.fetch_add(Chunk); first < area.bottom;
+             first = next.fetch_add(Chunk)) {
+            for (int y = first; y < std::min(area.bottom, first + Chunk); ++y)
+                prepareRow(y);
+        }
+    });
+    if (failure) std::rethrow_exception(failure);
+    return net;
+}
+
 void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::int16_t left,
                                  std::int16_t top, std::int16_t right, std::int16_t bottom,
                                  std::int16_t blockSize, std::int16_t noise, std::uint8_t type) {
@@ -161,12 +229,9 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         checkSize(blockSize);
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
-        const net::Net net = laidNet(area, blockSize, noise, type, source, context().random);
-        SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
-
         // Every cell filled on the work picture in its own colour. The work
-        // picture is the target itself (its colour bytes, the spare byte
-        // kept) unless the target is also the source.
+        // picture is the target itself (its colour bytes cleared, the spare
+        // byte kept) unless the target is also the source.
         Surface separate;
         if (&source == &target) separate = Surface(target.width(), target.height());
         Surface& cells = &source == &target ? separate : target;
@@ -175,6 +240,20 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             return picture.row(y).subspan(static_cast<std::size_t>(area.left),
                                           static_cast<std::size_t>(width));
         };
+        const std::optional<Pixel> fill = &source == &target ? std::nullopt : rectangleFill_;
+        const std::optional<net::Net> laid =
+            layAlongside(area, blockSize, noise, type, source, [&](int y) {
+                const auto row = areaRow(cells, y);
+                if (fill) {
+                    std::ranges::fill(row, *fill & 0xFF000000u);
+                } else {
+                    for (Pixel& p : row)
+                        p &= 0xFF000000u;
+                }
+            });
+        const net::Net& net = *laid;
+        SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
+
         // Bands of rows of the picture, each painting every cell that
         // reaches into it, in the cells' order and clipped to its rows: a
         // pixel where cells touch takes the last one's colour, as when the
@@ -203,10 +282,6 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             const int endCellRow = std::min(cellRows, firstCellRow + bands.unitsPerBand);
             const int bandTop = rowOfCellRow(firstCellRow);
             const int bandBottom = endCellRow == cellRows ? area.bottom : rowOfCellRow(endCellRow);
-            for (int y = bandTop; y < bandBottom; ++y) {
-                for (Pixel& p : areaRow(cells, y))
-                    p &= 0xFF000000u;
-            }
             Painter& painter = painters[static_cast<std::size_t>(worker)];
             Canvas& canvas = painter.canvas;
             canvas.setClip(area.left, bandTop, area.right, bandBottom);
@@ -234,22 +309,92 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         // numbers replace the colours on the work picture.
         const auto cellCount = static_cast<std::size_t>(net.cellRows()) * net.cellColumns();
         std::vector<Sums> sums(std::min<std::size_t>(cellCount, 0xFFFFFFu) + 1);
-        for (int y = area.top; y < area.bottom; ++y) {
+        // Row y of the numbering, its sums into sums[0] for no cell and
+        // sums[n - low + 1] for cell number n.
+        const auto numberRow = [&](int y, bool fromAbove, std::uint32_t low, std::span<Sums> into) {
             const auto numbers = areaRow(cells, y);
-            const auto above = y > area.top ? areaRow(cells, y - 1) : std::span<Pixel>{};
+            const auto above = fromAbove ? areaRow(cells, y - 1) : std::span<Pixel>{};
             const auto colours = source.row(y).subspan(static_cast<std::size_t>(area.left),
                                                        static_cast<std::size_t>(width));
+            // Pixels of a cell come in runs along the row: each run is
+            // summed here and added to its cell's sums once.
+            std::uint32_t runNumber = 0;
+            std::uint32_t red = 0, green = 0, blue = 0, count = 0;
+            const auto addRun = [&] {
+                if (count == 0) return;
+                Sums& s = into[runNumber == 0 ? 0 : checkedIndex(runNumber - low + 1, into.size())];
+                s.red += red;
+                s.green += green;
+                s.blue += blue;
+                s.count += count;
+            };
             for (std::size_t i = 0; i < numbers.size(); ++i) {
                 std::uint32_t n = cellNumber(colourRefOf(numbers[i]));
                 if (n == 0 && i > 0) n = numbers[i - 1] & 0xFFFFFFu;
                 if (n == 0 && !above.empty()) n = above[i] & 0xFFFFFFu;
                 numbers[i] = (numbers[i] & 0xFF000000u) | n;
+                if (n != runNumber) {
+                    addRun();
+                    runNumber = n;
+                    red = green = blue = count = 0;
+                }
                 const Pixel c = colours[i];
-                Sums& s = sums[n];
-                s.red += static_cast<std::uint64_t>(redOf(c));
-                s.green += static_cast<std::uint64_t>(greenOf(c));
-                s.blue += static_cast<std::uint64_t>(blueOf(c));
-                ++s.count;
+                red += static_cast<std::uint32_t>(redOf(c));
+                green += static_cast<std::uint32_t>(greenOf(c));
+                blue += static_cast<std::uint32_t>(blueOf(c));
+                ++count;
+            }
+            addRun();
+        };
+        // By bands of rows: only an unreached first pixel of a row takes a
+        // number from the row above, so bands whose first rows begin with a
+        // cell number their rows alone; otherwise everything goes in order.
+        // A band's pixels belong to the cells painted into its rows, so each
+        // band sums into the range of those cells' numbers.
+        const int height = area.bottom - area.top;
+        const Bands numberBands = bandsOf(height, width, 4);
+        const auto bandTopOf = [&](int k) { return area.top + k * numberBands.unitsPerBand; };
+        bool alone = numberBands.workers > 1 && cellCount < 0xFFFFFFu;
+        for (int k = 1; alone && k < numberBands.count; ++k)
+            alone = cellNumber(colourRefOf(areaRow(cells, bandTopOf(k)).front())) != 0;
+        if (!alone) {
+            for (int y = area.top; y < area.bottom; ++y)
+                numberRow(y, y > area.top, 1, sums);
+        } else {
+            struct BandSums {
+                std::uint32_t low = 1;
+                std::vector<Sums> sums;
+            };
+            std::vector<BandSums> bandSums(static_cast<std::size_t>(numberBands.count));
+            const auto columns = static_cast<std::uint32_t>(net.cellColumns());
+            inBands(numberBands, [&](int, int k) {
+                const int first = bandTopOf(k);
+                const int end = std::min(area.bottom, first + numberBands.unitsPerBand);
+                int lowRow = cellRows;
+                int highRow = 0;
+                for (int b = 0; b < cellRows; ++b) {
+                    const RowReach& reach = reaches[static_cast<std::size_t>(b)];
+                    if (reach.last < first || reach.first >= end) continue;
+                    lowRow = std::min(lowRow, b);
+                    highRow = std::max(highRow, b);
+                }
+                BandSums& band = bandSums[static_cast<std::size_t>(k)];
+                band.low = static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
+                band.sums.assign(static_cast<std::uint32_t>(highRow + 1) * columns - band.low + 2,
+                                 Sums{});
+                for (int y = first; y < end; ++y)
+                    numberRow(y, y > first, band.low, band.sums);
+                return 0;
+            });
+            if (context().cancelled()) return;
+            for (const BandSums& band : bandSums) {
+                for (std::size_t j = 0; j < band.sums.size(); ++j) {
+                    Sums& s = sums[j == 0 ? 0 : band.low + j - 1];
+                    s.red += band.sums[j].red;
+                    s.green += band.sums[j].green;
+                    s.blue += band.sums[j].blue;
+                    s.count += band.sums[j].count;
+                }
             }
         }
         std::vector<Pixel> means(sums.size());
@@ -259,7 +404,6 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 means[n] = colourBitsOf(
                     RGB(meanOf(s.red, s.count), meanOf(s.green, s.count), meanOf(s.blue, s.count)));
         }
-        const int height = area.bottom - area.top;
         const Bands rowBands = bandsOf(height, width, 4);
         inBands(rowBands, [&](int, int k) {
             const int first = area.top + k * rowBands.unitsPerBand;
@@ -283,32 +427,61 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
         checkSize(blockSize);
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
-        const net::Net net = laidNet(area, blockSize, noise, type, source, context().random);
-        BitBlt(target, area.left, area.top, area.right - area.left, area.bottom - area.top, source,
-               area.left, area.top, SRCCOPY);
+        const int width = area.right - area.left;
+        const std::optional<net::Net> laid =
+            layAlongside(area, blockSize, noise, type, source, [&](int y) {
+                if (&source == &target) return;
+                const auto from = source.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                        static_cast<std::size_t>(width));
+                std::ranges::copy(from, target.row(y).begin() + area.left);
+            });
+        const net::Net& net = *laid;
         const ColourRef colour = RGB(red, green, blue);
-        Canvas canvas(target);
-        canvas.setClip(area.left, area.top, area.right, area.bottom);
-        SetProgressRange(0, net.cellRows() + 1);
-        // Every side once: the level ones of vertex row b and the upright
-        // ones below it.
-        const auto draw = [&](std::span<const CanvasPoint> side) {
-            for (std::size_t k = 0; k + 1 < side.size(); ++k)
-                canvas.Line(side[k].x, side[k].y, side[k + 1].x, side[k + 1].y, colour);
-            // A line leaves out its end point; the side's last one is
-            // drawn here so the net's far corners are closed too.
-            canvas.Line(side.back().x, side.back().y, side.back().x, side.back().y, colour,
-                        LineKind::BF);
+        const int vertexRows = net.vertexRows();
+        SetProgressRange(0, vertexRows);
+        // Every side is one colour drawn over the copy, so a pixel's result
+        // does not depend on the order of the sides: bands of rows each draw
+        // every side that reaches into them, clipped to their rows.
+        const std::vector<RowReach> reaches = vertexRowReaches(net);
+        const int size = blockSize;
+        const Bands bands = bandsOf(vertexRows, static_cast<long long>(size) * width, 2);
+        const auto rowOfVertexRow = [&](int b) {
+            return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
+                                                                   area.bottom - area.top));
         };
-        for (int b = 0; b <= net.cellRows(); ++b) {
-            for (int a = 0; a < net.cellColumns(); ++a)
-                draw(net.across(a, b));
-            if (b < net.cellRows()) {
-                for (int a = 0; a <= net.cellColumns(); ++a)
-                    draw(net.down(a, b));
+        std::vector<Canvas> canvases;
+        canvases.reserve(static_cast<std::size_t>(bands.workers));
+        for (int w = 0; w < bands.workers; ++w)
+            canvases.emplace_back(target);
+        inBands(bands, [&](int worker, int k) {
+            const int firstRow = k * bands.unitsPerBand;
+            const int endRow = std::min(vertexRows, firstRow + bands.unitsPerBand);
+            const int bandTop = rowOfVertexRow(firstRow);
+            const int bandBottom = endRow == vertexRows ? area.bottom : rowOfVertexRow(endRow);
+            Canvas& canvas = canvases[static_cast<std::size_t>(worker)];
+            canvas.setClip(area.left, bandTop, area.right, bandBottom);
+            const auto draw = [&](std::span<const CanvasPoint> side) {
+                const auto [low, high] = std::ranges::minmax(side, {}, &CanvasPoint::y);
+                if (high.y < bandTop || low.y >= bandBottom) return;
+                for (std::size_t i = 0; i + 1 < side.size(); ++i)
+                    canvas.Line(side[i].x, side[i].y, side[i + 1].x, side[i + 1].y, colour);
+                // A line leaves out its end point; the side's last one is
+                // drawn here so the net's far corners are closed too.
+                canvas.Line(side.back().x, side.back().y, side.back().x, side.back().y, colour,
+                            LineKind::BF);
+            };
+            for (int b = 0; b < vertexRows; ++b) {
+                const RowReach& reach = reaches[static_cast<std::size_t>(b)];
+                if (reach.last < bandTop || reach.first >= bandBottom) continue;
+                for (int a = 0; a < net.cellColumns(); ++a)
+                    draw(net.across(a, b));
+                if (b < net.cellRows()) {
+                    for (int a = 0; a < net.vertexColumns(); ++a)
+                        draw(net.down(a, b));
+                }
             }
-            if (!finishRow()) return;
-        }
+            return endRow - firstRow;
+        });
     });
 }
 

@@ -10,30 +10,47 @@
 namespace lumiran {
 namespace {
 
-// The class draws from kept picture 0 straight into kept picture 1.
-template <typename Call>
-EffectPlanner onKeptPictures(Call call) {
-    return [call](const ControlValues& v) {
-        return EffectPlan::ready([call, v](EffectInvocation& run) {
-            Class_NetMosaic net(run.context);
-            call(net, v, run);
-        });
-    };
+// The columns [left, right) of the rows [top, bottom) that a fill leaves
+// for the call to write; empty when it fills everything.
+struct Hole {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+};
+
+Hole holeOf(const ProcessRect& rect, const Surface& picture) {
+    Hole hole{std::max<int>(rect.left, 0), std::max<int>(rect.top, 0),
+              std::min<int>(rect.right, picture.width()),
+              std::min<int>(rect.bottom, picture.height())};
+    if (hole.left >= hole.right || hole.top >= hole.bottom) return {};
+    return hole;
 }
 
 // Kept picture 1 as the run would leave it for a body that draws over it:
-// the whole picture in the background colour. Filled here by bands of rows
-// on every thread, since the first touch of a fresh picture's pages is most
-// of a fill's cost.
-void fillWithBackground(RunContext& context, const Surface& source, Surface& picture) {
+// the whole picture in the background colour, but for the hole, which the
+// call writes whole. Filled here by bands of rows on every thread, since
+// the first touch of a fresh picture's pages is most of a fill's cost.
+void fillWithBackground(RunContext& context, const Surface& source, Surface& picture,
+                        const Hole& hole = {}) {
     picture = Surface::uninitialised(source.width(), source.height());
     const Pixel colour = toPixel(context.flags.backColor);
     const int height = picture.height();
+    const auto fillRow = [&](int y) {
+        const auto row = picture.row(y);
+        if (y < hole.top || y >= hole.bottom) {
+            std::ranges::fill(row, colour);
+            return;
+        }
+        std::fill(row.begin(), row.begin() + hole.left, colour);
+        std::fill(row.begin() + hole.right, row.end(), colour);
+    };
     const int threads = std::max(1, context.threading.threads);
     const bool shared = threads > 1 && static_cast<long long>(picture.pixelCount()) >=
                                            2LL * std::max(context.threading.bandPixels, 1);
     if (!shared) {
-        std::ranges::fill(picture.pixels(), colour);
+        for (int y = 0; y < height; ++y)
+            fillRow(y);
         return;
     }
     const int bandRows = std::max(1, height / (4 * threads));
@@ -43,21 +60,27 @@ void fillWithBackground(RunContext& context, const Surface& source, Surface& pic
              first = next.fetch_add(bandRows)) {
             const int end = std::min(height, first + bandRows);
             for (int y = first; y < end; ++y)
-                std::ranges::fill(picture.row(y), colour);
+                fillRow(y);
         }
     });
 }
 
-// A case whose call draws over kept picture 1 in the background colour, as
-// onKeptPictures, with that fill made here on every thread, not by the run.
+// A case whose call draws from kept picture 0 over kept picture 1 in the
+// background colour, that fill made here on every thread, not by the run,
+// and left to the call in the rectangle: a call that does not write every
+// pixel there takes it as filled.
 template <typename Call>
-EffectPlanner overBackground(Call call) {
-    return [call](const ControlValues& v) {
-        return EffectPlan::ready(ReplacingBody{[call, v](EffectInvocation& run) {
-            fillWithBackground(run.context, run.keptPicture0, run.keptPicture1);
-            Class_NetMosaic net(run.context);
-            call(net, v, run);
-        }});
+EffectPlanner overBackground(Call call, bool callWritesRectangle = false) {
+    return [call, callWritesRectangle](const ControlValues& v) {
+        return EffectPlan::ready(
+            ReplacingBody{[call, v, callWritesRectangle](EffectInvocation& run) {
+                fillWithBackground(run.context, run.keptPicture0, run.keptPicture1,
+                                   holeOf(run.rect, run.keptPicture0));
+                Class_NetMosaic net(run.context);
+                if (!callWritesRectangle)
+                    net.takeRectangleAsFilled(toPixel(run.context.flags.backColor));
+                call(net, v, run);
+            }});
     };
 }
 
@@ -73,12 +96,15 @@ void registerNetMosaicEffects(EffectDispatch& d) {
               e.Mosaic_Net(run.keptPicture0, run.keptPicture1, r.left, r.top, r.right, r.bottom,
                            slider(v, 1), slider(v, 2), row(v.eType));
           }));
-    // The joints are drawn in black.
-    d.add(DialogKind::Level, 18, onKeptPictures([](Class_NetMosaic& e, V v, I run) {
-              const ProcessRect& r = run.rect;
-              e.Net_Line(run.keptPicture0, run.keptPicture1, r.left, r.top, r.right, r.bottom,
-                         slider(v, 1), slider(v, 2), row(v.eType), 0, 0, 0);
-          }));
+    // The joints are drawn in black over a copy of the rectangle.
+    d.add(DialogKind::Level, 18,
+          overBackground(
+              [](Class_NetMosaic& e, V v, I run) {
+                  const ProcessRect& r = run.rect;
+                  e.Net_Line(run.keptPicture0, run.keptPicture1, r.left, r.top, r.right, r.bottom,
+                             slider(v, 1), slider(v, 2), row(v.eType), 0, 0, 0);
+              },
+              true));
 }
 
 } // namespace lumiran

@@ -147,7 +147,17 @@ class Class_Pattern : public PixelFrame {
                     std::int16_t amplitude, std::int16_t wave, std::int16_t strength,
                     std::int16_t power, std::int16_t weight);
 
+    // ImageGetDiBits for the tile walls: ImageBits takes the picture's size
+    // now and each row's pixels when a wall's row loop first reaches it, so
+    // the copy runs on the loop's threads; finishRows() copies the rows no
+    // loop reached. The picture must outlive the object's use of ImageBits.
+    void ImageGetDiBitsByRows(const Surface& picture);
+    void finishRows();
+
   private:
+    // The row y of ImageBits from the picture of ImageGetDiBitsByRows, once;
+    // nothing after ImageGetDiBits.
+    void takeRow(int y);
     // The per-pixel frame of the colour fields: pattern(x, y) gives P for
     // the three channels, which the weight blend mixes with the source.
     template <RowOrder Order = RowOrder::AnyOrder, typename Pattern>
@@ -173,17 +183,20 @@ class Class_Pattern : public PixelFrame {
     template <bool Blend>
     void paintBandRow(const pattern::Bands& shared, Pixel* __restrict row, double* __restrict m,
                       int count) const;
-    // Colours the pixels whose level(x, y) (0 a joint's line, 1 and 2 right
-    // of and below it) the line type colours, each then blended or clamped;
-    // other pixels stay untouched.
-    template <typename Level>
-    void paintJoints(const ProcessRect& rect, std::uint8_t lineType, Level&& level);
+    // Colours the pixels whose level (0 a joint's line, 1 and 2 right of and
+    // below it) the line type colours, each then blended or clamped; other
+    // pixels stay untouched. levelRow(y, first, end, scratch) gives the
+    // levels of a row's columns [first, end), in scratch or elsewhere.
+    template <typename LevelRow>
+    void paintJoints(const ProcessRect& rect, std::uint8_t lineType, LevelRow&& levelRow);
     // The grid joints of LineInput_Normal and LineInput_Gap.
     void gridJoints(const ProcessRect& rect, std::int16_t width, std::int16_t height, int shift,
                     bool columns, std::uint8_t type);
     // A wall of drawn tiles; the layout picks each tile's drawing.
     void drawnJoints(const ProcessRect& rect, int size, std::vector<mosaic::CellMask> variants,
                      pattern::TileLayout layout, std::uint8_t type);
+    const Surface* rowSource_ = nullptr;
+    std::vector<std::uint8_t> rowTaken_; // written only by the row's own loop
     void colorSway(int law, std::int16_t weight, std::uint8_t type, const ProcessRect& rect,
                    const std::int16_t (&amplitudeAndWave)[6], double degree = 1);
 };

@@ -97,24 +97,36 @@ void registerPatternEffects(EffectDispatch& d) {
                      sliderByte(v, 3), slider(v, 4), slider(v, 5), slider(v, 6), slider(v, 7),
                      slider(v, 8));
     });
-    add(DialogKind::Level, 43, [](E& e, V v, R r) {
+    // The walls copy the source row by row on the threads of their loops.
+    auto addWall = [&d](DialogKind dialog, int code, auto call) {
+        d.add(dialog, code, [call](V v) {
+            return EffectPlan::ready(ReplacingBody{[call, v](EffectInvocation& run) {
+                E effect(run.context);
+                effect.ImageGetDiBitsByRows(run.keptPicture0);
+                call(effect, v, run.rect);
+                effect.finishRows();
+                effect.ImageSetDiBits(run.keptPicture1);
+            }});
+        });
+    };
+    addWall(DialogKind::Level, 43, [](E& e, V v, R r) {
         e.LineInput_Normal(slider(v, 1), slider(v, 2), r.left, r.top, r.right, r.bottom, true,
                            row(v.eType));
     });
     // The direction row "垂直" shifts columns of tiles, "水平" rows.
-    add(DialogKind::Level, 44, [](E& e, V v, R r) {
+    addWall(DialogKind::Level, 44, [](E& e, V v, R r) {
         e.LineInput_Gap(slider(v, 1), slider(v, 2), r.left, r.top, r.right, r.bottom, v.color == 0,
                         row(v.eType));
     });
-    add(DialogKind::Emboss, 49, [](E& e, V v, R r) {
+    addWall(DialogKind::Emboss, 49, [](E& e, V v, R r) {
         e.Draw_ArcCrest(slider(v, 1), r.left, r.top, r.right, r.bottom, row(v.eType), row(v.color),
                         0);
     });
-    add(DialogKind::Emboss, 50, [](E& e, V v, R r) {
+    addWall(DialogKind::Emboss, 50, [](E& e, V v, R r) {
         e.LineInput_Lozenge(slider(v, 1), r.left, r.top, r.right, r.bottom, row(v.eType),
                             row(v.color));
     });
-    add(DialogKind::Emboss, 59, [](E& e, V v, R r) {
+    addWall(DialogKind::Emboss, 59, [](E& e, V v, R r) {
         e.LineInput_Circle(slider(v, 1), r.left, r.top, r.right, r.bottom, row(v.eType),
                            row(v.color));
     });

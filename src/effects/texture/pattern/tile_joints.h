@@ -47,6 +47,15 @@ struct TileLayout {
 class TileLines {
   public:
     TileLines(int size, std::vector<CellMask> variants, TileLayout layout, const ProcessRect& rect);
+    // Rows of tiles repeat every rowPeriod() tiles' rows of pixels (0: they
+    // do not), so from the rectangle's third row on, rows that many apart
+    // have the same levels.
+    [[nodiscard]] int rowPeriod() const;
+    // The levels of row y from column first to end.
+    void levelRow(int y, int first, int end, std::uint8_t* out) const {
+        for (int x = first; x < end; ++x)
+            out[x - first] = static_cast<std::uint8_t>(level(x, y));
+    }
     // 0, 1 or 2, or 3 off the joints.
     [[nodiscard]] int level(int x, int y) const {
         if (line(x, y)) return 0;
@@ -75,21 +84,30 @@ class TileLines {
     ProcessRect rect_;
     std::vector<Place> columns_;
     std::vector<Place> rows_;
+    int size_ = 1;
     const CellMask* single_ = nullptr; // the one drawing of a wall of like tiles
 };
 
 } // namespace pattern
 
-template <typename Level>
-void Class_Pattern::paintJoints(const ProcessRect& rect, std::uint8_t lineType, Level&& level) {
+template <typename LevelRow>
+void Class_Pattern::paintJoints(const ProcessRect& rect, std::uint8_t lineType,
+                                LevelRow&& levelRow) {
     const pattern::JointRule rule(lineType);
+    const int deepest = rule.deepest();
+    const bool blend = calculationFlag() > 0;
     forEachRow(rect, [&](int y, int first, int end) {
+        takeRow(y);
+        std::vector<std::uint8_t> scratch;
+        const std::uint8_t* levels = levelRow(y, first, end, scratch);
         Pixel* row = ImageBits.row(y).data();
         for (int x = first; x < end; ++x) {
-            const int l = level(x, y);
-            if (l > rule.deepest()) continue;
+            const int l = levels[x - first];
+            if (l > deepest) continue;
             const int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);
-            const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, b, rule.at(l, r, g, b));
+            const Rgb16 at = rule.at(l, r, g, b);
+            const Rgb16 v = blend ? endPixel<ResultTail::Clamp, true>(r, g, b, at)
+                                  : endPixel<ResultTail::Clamp, false>(r, g, b, at);
             row[x] = withColour(row[x], v.red, v.green, v.blue);
         }
     });

@@ -3,6 +3,7 @@
 #include "effects/texture/pattern/tile_joints.h"
 
 #include <algorithm>
+#include <atomic>
 
 namespace lumiran {
 namespace pattern {
@@ -73,10 +74,62 @@ TileLines::TileLines(int size, std::vector<CellMask> variants, TileLayout layout
     };
     columns_ = placesOf(rect.right - rect.left);
     rows_ = placesOf(rect.bottom - rect.top);
+    size_ = size;
     if (layout_.kind == TileLayout::Kind::Same) single_ = &variants_[layout_.first];
 }
 
+int TileLines::rowPeriod() const {
+    switch (layout_.kind) {
+    case TileLayout::Kind::Same:
+    case TileLayout::Kind::Columns:
+        return size_;
+    case TileLayout::Kind::Chequer:
+    case TileLayout::Kind::Rows:
+        return 2 * size_;
+    case TileLayout::Kind::Table:
+        return 0;
+    }
+    return 0;
+}
+
 } // namespace pattern
+
+void Class_Pattern::ImageGetDiBitsByRows(const Surface& picture) {
+    ImageBits = Surface::uninitialised(picture.width(), picture.height());
+    rowSource_ = &picture;
+    rowTaken_.assign(static_cast<std::size_t>(picture.height()), 0);
+}
+
+void Class_Pattern::takeRow(int y) {
+    if (rowSource_ == nullptr || rowTaken_[static_cast<std::size_t>(y)] != 0) return;
+    std::ranges::copy(rowSource_->row(y), ImageBits.row(y).begin());
+    rowTaken_[static_cast<std::size_t>(y)] = 1;
+}
+
+void Class_Pattern::finishRows() {
+    if (rowSource_ == nullptr) return;
+    const int height = ImageBits.height();
+    const RowThreading& threading = context().threading;
+    const int threads = std::max(1, threading.threads);
+    const bool shared = threads > 1 && static_cast<long long>(ImageBits.pixelCount()) >=
+                                           2LL * std::max(threading.bandPixels, 1);
+    if (!shared) {
+        for (int y = 0; y < height; ++y)
+            takeRow(y);
+    } else {
+        const int bandRows = std::max(1, height / (4 * threads));
+        std::atomic<int> next{0};
+        context().workers().run(threads, [&](int) {
+            for (int first = next.fetch_add(bandRows); first < height;
+                 first = next.fetch_add(bandRows)) {
+                const int end = std::min(height, first + bandRows);
+                for (int y = first; y < end; ++y)
+                    takeRow(y);
+            }
+        });
+    }
+    rowSource_ = nullptr;
+}
 
 void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std::int16_t height,
                                int shift, bool columns, std::uint8_t type) {
@@ -93,37 +146,64 @@ void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std:
     }
     const Span span = spanOf(rect);
     const mosaic::Extent extent{span.firstColumn, span.endColumn, span.firstRow, span.endRow};
+    // Throws for a step of 0 before any row.
     const int blockRows = mosaic::blockRowCount(extent, grid);
-    SetProgressRange(0, blockRows);
+    SetProgressRange(rect.top, rect.bottom);
     if (blockRows == 0) return;
     const pattern::JointRule rule(type);
     const int deepest = rule.deepest();
+    const bool blend = calculationFlag() > 0;
+    const int rise = std::max(grid.columnShift[0], grid.columnShift[1]);
+    const int lastRow = extent.endRow - 1;
+    const int lastColumn = extent.endColumn - 1;
 
     // Each tile colours its cells (i, j) of level min(i, j) in place, in the
     // walk's order and reading what the array holds: a pixel that two tiles
     // reach (their shared joint, a fold at the far sides) is coloured again
     // from what the first one left. Cells beyond the type's deepest level
-    // stay.
-    std::vector<int> rows(static_cast<std::size_t>(height));
-    std::vector<int> cells(static_cast<std::size_t>(width));
-    const auto paint = [&](int y, int x, int level) {
-        Pixel& p = ImageBits.at(x, y);
-        const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-        const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, b, rule.at(level, r, g, b));
-        p = withColour(p, v.red, v.green, v.blue);
-    };
-    for (int k = 0; k < blockRows; ++k) {
-        mosaic::forEachBlockInRow(extent, grid, k, rows, cells, [&](int) {
-            for (int i = 0; i < height; ++i) {
-                if (rows[i] == mosaic::SkippedCell) continue;
-                const int lastCell = i <= deepest ? width - 1 : std::min(deepest, width - 1);
-                for (int j = 0; j <= lastCell; ++j) {
-                    if (cells[j] != mosaic::SkippedCell) paint(rows[i], cells[j], std::min(i, j));
+    // stay. A pixel is only ever coloured from itself, so each row of the
+    // picture replays, in the walk's order, the cells that fall on it: the
+    // rows are independent.
+    forEachRow(rect, [&](int y, int, int) {
+        takeRow(y);
+        Pixel* row = ImageBits.row(y).data();
+        const auto paint = [&](int x, int level) {
+            Pixel& p = row[x];
+            const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+            const Rgb16 v =
+                blend ? endPixel<ResultTail::Clamp, true>(r, g, b, rule.at(level, r, g, b))
+                      : endPixel<ResultTail::Clamp, false>(r, g, b, rule.at(level, r, g, b));
+            p = withColour(p, v.red, v.green, v.blue);
+        };
+        // Rows of tiles whose origin row lies in [y - height + 1, y + rise]
+        // can reach row y; the last row also takes the folds of every tile
+        // reaching past it, whose origins lie in the same range.
+        const int base = extent.firstRow + grid.firstRow;
+        const int kFirst = std::max(0, (y - height + 1 - base + grid.stepY - 1) / grid.stepY);
+        const int kEnd = std::min(blockRows, (y + rise - base) / grid.stepY + 1);
+        for (int k = kFirst; k < kEnd; ++k) {
+            const int rowOrigin = base + k * grid.stepY;
+            int m = 0;
+            for (int x0 = extent.firstColumn - grid.rowShift[k & 1]; x0 <= lastColumn;
+                 x0 += grid.stepX, ++m) {
+                const int y0 = rowOrigin - grid.columnShift[m & 1];
+                if (y0 > lastRow || y0 + height <= extent.firstRow ||
+                    x0 + width <= extent.firstColumn) {
+                    continue;
+                }
+                // The cells of this tile on row y: one, or every one from
+                // row y on where the tile folds onto the last row.
+                const int iFirst = y - y0;
+                if (iFirst < 0 || iFirst >= height) continue;
+                const int iEnd = y == lastRow ? height : iFirst + 1;
+                for (int i = iFirst; i < iEnd; ++i) {
+                    const int lastCell = i <= deepest ? width - 1 : std::min(deepest, width - 1);
+                    for (int j = std::max(0, extent.firstColumn - x0); j <= lastCell; ++j)
+                        paint(std::min(x0 + j, lastColumn), std::min(i, j));
                 }
             }
-        });
-        if (!finishRow()) return;
-    }
+        }
+    });
 }
 
 void Class_Pattern::LineInput_Normal(std::int16_t width, std::int16_t height, std::int16_t left,
@@ -143,7 +223,36 @@ void Class_Pattern::drawnJoints(const ProcessRect& rect, int size,
                                 std::uint8_t type) {
     SetProgressRange(rect.top, rect.bottom);
     const pattern::TileLines lines(size, std::move(variants), std::move(layout), rect);
-    paintJoints(rect, type, [&](int x, int y) { return lines.level(x, y); });
+    // A pixel's level looks two rows up, so from the rectangle's third row
+    // on the rows of levels repeat with the rows of tiles: each distinct
+    // one is worked out once, here, before the rows run.
+    const Span span = spanOf(rect);
+    const int period = span.empty() ? 0 : lines.rowPeriod();
+    const auto width = static_cast<std::size_t>(span.endColumn - span.firstColumn);
+    const int firstRepeating = rect.top + 2;
+    std::vector<std::uint8_t> repeated(static_cast<std::size_t>(period) * width);
+    if (period > 0) {
+        std::vector<bool> made(static_cast<std::size_t>(period));
+        int left = period;
+        for (int y = std::max(span.firstRow, firstRepeating); y < span.endRow && left > 0; ++y) {
+            const auto key = static_cast<std::size_t>((y - rect.top) % period);
+            if (made[key]) continue;
+            lines.levelRow(y, span.firstColumn, span.endColumn, &repeated[key * width]);
+            made[key] = true;
+            --left;
+        }
+    }
+    paintJoints(
+        rect, type,
+        [&](int y, int first, int end, std::vector<std::uint8_t>& scratch) -> const std::uint8_t* {
+            if (period > 0 && y >= firstRepeating) {
+                const auto key = static_cast<std::size_t>((y - rect.top) % period);
+                return &repeated[key * width] + (first - span.firstColumn);
+            }
+            scratch.resize(static_cast<std::size_t>(end - first));
+            lines.levelRow(y, first, end, scratch.data());
+            return scratch.data();
+        });
 }
 
 namespace {

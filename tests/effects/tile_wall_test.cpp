@@ -4,6 +4,7 @@
 #include "texture_fixture.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <set>
 
@@ -215,12 +216,14 @@ TEST_F(DrawnTiles, AreLaidFromTheRectanglesTopWhereverThePictureBegins) {
          }},
     };
     for (const auto& [name, wall] : walls) {
-        for (const int d : {0, 1, 2, 7, 30}) {
+        for (const std::int16_t d : {0, 1, 2, 7, 30}) {
             const Surface tall = makePicture(37, 40 + d, pixel);
             const Surface picture =
                 makePicture(37, 40, [&](int x, int y) { return pixel(x, y + d); });
-            const Surface whole = run<P>(tall, wall, false, ProcessRect{0, 0, 37, 40 + d});
-            const Surface cut = run<P>(picture, wall, false, ProcessRect{0, -d, 37, 40});
+            const Surface whole =
+                run<P>(tall, wall, false, ProcessRect{0, 0, 37, static_cast<std::int16_t>(40 + d)});
+            const Surface cut =
+                run<P>(picture, wall, false, ProcessRect{0, static_cast<std::int16_t>(-d), 37, 40});
             for (int y = 0; y < 40; ++y) {
                 for (int x = 0; x < 37; ++x)
                     ASSERT_EQ(cut.at(x, y), whole.at(x, y + d))

@@ -157,6 +157,16 @@ TEST_F(HideEffectTest, ChocoBallRandomKeepsTheRowsOfBlocksBeforeACancel) {
         cancel = 0;
         whole[threads / 2] = run<E>(source, choco, true);
         EXPECT_EQ(random.state(), RandomGenerator().ahead(13 * 5 * 2).state());
+        // Left unfetched, TransBits starts as the source all the same.
+        random = RandomGenerator();
+        {
+            E effect(context);
+            effect.ImageGetDiBits(source);
+            choco(effect, ProcessRect::wholePicture(40, 100));
+            Surface unfetched;
+            effect.ImageSetDiBitsTrans(unfetched);
+            EXPECT_EQ(unfetched, whole[threads / 2]) << threads;
+        }
 
         random = RandomGenerator();
         Progress progress(cancel);

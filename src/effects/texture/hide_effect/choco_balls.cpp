@@ -204,6 +204,10 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
                                             std::int16_t type, std::int16_t lightX,
                                             std::int16_t lightY, std::int16_t lightZ,
                                             std::int16_t reflection, std::int16_t ambient) {
+    // A caller may leave TransBits unfetched: it is then the source, copied
+    // here, by bands alongside the painting where the blocks are painted
+    // by bands, and whole otherwise, also when the call fails.
+    const bool copySource = TransBits.empty();
     guarded([&] {
         const Lighting lighting = lightingOf(lightX, lightY, lightZ, reflection, ambient);
         const mosaic::Extent extent = extentOf({left, top, right, bottom}, ImageBits);
@@ -214,9 +218,11 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
         const hide::BlockTerms terms = blockTerms(
             size, size, lighting, !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting));
         if (terms.plain) {
-            scatteredShading(extent, blockRows, blockColumns, size, type, lighting, terms);
+            scatteredShading(extent, blockRows, blockColumns, size, type, lighting, terms,
+                             copySource);
             return;
         }
+        if (copySource) TransBits = ImageBits;
         std::vector<int> rows(size);
         std::vector<int> columns(size);
         for (int k = 0; k < blockRows; ++k) {
@@ -229,6 +235,7 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
             if (!finishRow()) return;
         }
     });
+    if (TransBits.empty()) TransBits = ImageBits;
 }
 
 // The sequential walk draws a row of blocks, paints it and counts it. Here
@@ -250,7 +257,8 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
 // would walk every band once a round and cost more than the effect.
 void Class_HideEffect::scatteredShading(const mosaic::Extent& extent, int blockRows,
                                         int blockColumns, int size, std::int16_t type,
-                                        const Lighting& lighting, const hide::BlockTerms& terms) {
+                                        const Lighting& lighting, const hide::BlockTerms& terms,
+                                        bool copySource) {
     struct Origin {
         int x;
         int y;
@@ -270,14 +278,16 @@ void Class_HideEffect::scatteredShading(const mosaic::Extent& extent, int blockR
         }
     }
 
-    // Both arrays of a band stay in a core's cache at 4096 columns.
+    // Both arrays of a band stay in a core's cache at 4096 columns. Bands
+    // are counted from the picture's top, since one that copies the source
+    // copies every row of the picture.
     constexpr int BandRows = 32;
-    const int bands = (extent.endRow - extent.firstRow + BandRows - 1) / BandRows;
+    const int bands = (ImageBits.height() + BandRows - 1) / BandRows;
     std::vector<std::vector<std::uint32_t>> byBand(static_cast<std::size_t>(bands));
     const int last = extent.endRow - 1; // rows past the extent fold onto it
     for (std::size_t i = 0; i < origins.size(); ++i) {
-        const int top = std::min(origins[i].y, last) - extent.firstRow;
-        const int bottom = std::min(origins[i].y + size - 1, last) - extent.firstRow;
+        const int top = std::min(origins[i].y, last);
+        const int bottom = std::min(origins[i].y + size - 1, last);
         for (int b = top / BandRows; b <= bottom / BandRows; ++b)
             byBand[static_cast<std::size_t>(b)].push_back(static_cast<std::uint32_t>(i));
     }
@@ -290,13 +300,20 @@ void Class_HideEffect::scatteredShading(const mosaic::Extent& extent, int blockR
     std::vector<std::vector<int>> scratchRows(static_cast<std::size_t>(workers),
                                               std::vector<int>(cells));
     std::vector<std::vector<int>> scratchColumns = scratchRows;
+    // The last thing made, so that nothing fails while it is not yet the
+    // source.
+    if (copySource) TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
     std::atomic<int> nextBand{0};
     auto paint = [&](int worker) {
         std::vector<int>& rows = scratchRows[static_cast<std::size_t>(worker)];
         std::vector<int>& columns = scratchColumns[static_cast<std::size_t>(worker)];
         for (int b = nextBand++; b < bands; b = nextBand++) {
-            const int rowBegin = extent.firstRow + b * BandRows;
-            const int rowEnd = std::min(rowBegin + BandRows, extent.endRow);
+            const int rowBegin = b * BandRows;
+            const int rowEnd = std::min(rowBegin + BandRows, ImageBits.height());
+            if (copySource) {
+                for (int y = rowBegin; y < rowEnd; ++y)
+                    std::ranges::copy(ImageBits.row(y), TransBits.row(y).begin());
+            }
             for (const std::uint32_t i : byBand[static_cast<std::size_t>(b)]) {
                 mosaic::foldAxis(origins[i].y, extent.firstRow, extent.endRow, rows);
                 mosaic::foldAxis(origins[i].x, extent.firstColumn, extent.endColumn, columns);

@@ -90,9 +90,9 @@ void registerPixelMoves(EffectDispatch& d) {
           }));
     // Scatterize: the background list reaches no argument; every pixel of
     // the rectangle is written. It reads only ImageBits, so kept picture 0
-    // is lent to it rather than copied.
+    // is lent to it rather than copied, and it starts TransBits itself.
     d.add(DialogKind::Emboss, 37,
-          dispatch::withTransOnSource<Class_Geometry>([](Class_Geometry& e, V v, R r) {
+          dispatch::onSourceWithOwnTrans<Class_Geometry>([](Class_Geometry& e, V v, R r) {
               e.Scatterize(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom);
           }));
 }

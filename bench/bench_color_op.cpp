@@ -80,6 +80,12 @@ void BM_ColorOp_OneColorStyle(benchmark::State& state) {
 }
 BENCHMARK(BM_ColorOp_OneColorStyle)->Unit(benchmark::kMillisecond);
 
+void BM_ColorOp_Momo(benchmark::State& state) {
+    runPass(state,
+            [](Class_ColorOp& e) { e.Momo_Effect(128, 64, 128, 192, 0, 0, Side, Side, 50, 50); });
+}
+BENCHMARK(BM_ColorOp_Momo)->Unit(benchmark::kMillisecond);
+
 void BM_ColorOp_Hue(benchmark::State& state) {
     const auto mode = static_cast<std::uint8_t>(state.range(0));
     runPass(state, [mode](Class_ColorOp& e) { e.Hue(mode, 128, 0, 0, Side, Side); });

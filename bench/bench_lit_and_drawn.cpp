@@ -82,6 +82,13 @@ void BM_HideEffect_ChocoBall(benchmark::State& state) {
 }
 BENCHMARK(BM_HideEffect_ChocoBall)->Unit(benchmark::kMillisecond);
 
+void BM_HideEffect_ChocoBallRandom(benchmark::State& state) {
+    runLit(state, [](Class_HideEffect& e) {
+        e.Mosaic_ShadingRandom(12, 0, 0, Side, Side, 0, 0, 0, 10, 255, 32);
+    });
+}
+BENCHMARK(BM_HideEffect_ChocoBallRandom)->Unit(benchmark::kMillisecond);
+
 void BM_HideEffect_SketchNoise(benchmark::State& state) {
     runLit(state, [](Class_HideEffect& e) { e.Texture_Cloud(8, 8, 0, 0, Side, Side, 0); });
 }

@@ -64,4 +64,13 @@ template <typename Class, typename Call>
     };
 }
 
+// The same with TransBits left to the call (runOnSourceWithOwnTrans).
+template <typename Class, typename Call>
+[[nodiscard]] EffectPlanner onSourceWithOwnTrans(Call call) {
+    return [call](const ControlValues& v) {
+        return EffectPlan::ready(runOnSourceWithOwnTrans<Class>(
+            [call, v](Class& e, const ProcessRect& r) { call(e, v, r); }));
+    };
+}
+
 } // namespace lumiran::dispatch

@@ -96,6 +96,21 @@ template <typename Class, typename Call>
     }};
 }
 
+// The same again with TransBits left unfetched, for calls that make it
+// themselves as a copy of ImageBits (by bands, alongside their own rows):
+// the copy then runs on every core and never twice.
+template <typename Class, typename Call>
+[[nodiscard]] EffectBody runOnSourceWithOwnTrans(Call call) {
+    return ReplacingBody{[call](EffectInvocation& run) {
+        Class effect(run.context);
+        {
+            const typename Class::SourceLoan loan(effect, run.keptPicture0);
+            call(effect, run.rect);
+        }
+        effect.ImageSetDiBitsTrans(run.keptPicture1);
+    }};
+}
+
 // Several calls in a row as one run: one snapshot, one progress bar that
 // the steps share in equal parts, and a cancel or failure that ends the run
 // after the step it hit, so the picture goes back as it was. The first step

@@ -124,6 +124,17 @@ TEST_F(ColorOpFrame, MomoBrightensWithTheDistanceFromTheCentreAndFailsOnAKOfZero
     EXPECT_TRUE(context.cancelled());
 }
 
+TEST_F(ColorOpFrame, MomoOverflowComesFromThePixelThatCausesIt) {
+    // K = 1 and the centre at (5, 0): red is 160 dist, past 16 bits from
+    // dist 205 on, so row 0 is done up to column 209 and stops there.
+    const Surface source(500, 3, makePixel(200, 100, 50));
+    const Surface out = run(source, op<&C::Momo_Effect>(1, 0, 0, 0, rect, 1, 1));
+    EXPECT_EQ(failureNumber(), 6);
+    EXPECT_EQ(colourOf(out.at(209, 0)), (Colour{255, 255, 255}));
+    EXPECT_EQ(out.at(210, 0), source.at(210, 0));
+    EXPECT_EQ(out.at(0, 1), source.at(0, 1));
+}
+
 TEST_F(ColorOpFrame, SilverMountainInvertsAndWavesByTheBaseValue) {
     auto silver = [](int addGreen, int mono) {
         return op<&C::SilverMountain>(1, 42, 1, 0, addGreen, 0, mono, 0, rect);

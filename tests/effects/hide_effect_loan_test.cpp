@@ -1,6 +1,7 @@
-// The lit blocks and spheres read kept picture 0 lent to the object instead
-// of a copy of it: the picture comes back whole whether the run is applied,
-// cancelled or refused, in the editor and on the command line.
+// The lit blocks and spheres, and Scatterize, read kept picture 0 lent to
+// the object instead of a copy of it: the picture comes back whole whether
+// the run is applied, cancelled or refused, in the editor and on the
+// command line.
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
 #include "shell/effect_run.h"
@@ -76,6 +77,9 @@ INSTANTIATE_TEST_SUITE_P(LitBlocksAndSpheres, HideEffectLoan,
                              std::erase(name, ' ');
                              return name + (param.param.blockSize != 0 ? "Refused" : "");
                          });
+// The one warp that reads its source only through ImageBits.
+INSTANTIATE_TEST_SUITE_P(Scatter, HideEffectLoan, ::testing::Values(LoanCase{"Scatterize"}),
+                         [](const auto&) { return std::string("Scatterize"); });
 
 } // namespace
 } // namespace lumiran

@@ -131,6 +131,61 @@ TEST_F(HideEffectTest, FoldedCellsOfAnEdgeBlockArePaintedByTheirUnfoldedPlace) {
     }
 }
 
+// The random blocks are drawn and counted before they are painted, in
+// bands of rows on several threads: a cancel after the first row of blocks
+// must still leave that row's draws and blocks only, and the threads must
+// not change the picture.
+TEST_F(HideEffectTest, ChocoBallRandomKeepsTheRowsOfBlocksBeforeACancel) {
+    struct Progress : ProgressSink {
+        CancelFlag& flag;
+        int steps = 0;
+        explicit Progress(CancelFlag& f) : flag(f) {}
+        void showPercent(int) override {
+            ++steps;
+            flag = 1;
+        }
+    };
+    // 40 x 100 in blocks of 8: 13 rows of 5 blocks, over four bands of rows.
+    const Surface source = makeVariedPicture(40, 100);
+    auto choco = [](E& e, const ProcessRect& r) {
+        e.Mosaic_ShadingRandom(8, r.left, r.top, r.right, r.bottom, 0, 0, 0, 10, 255, 32);
+    };
+    Surface whole[2];
+    for (const int threads : {1, 3}) {
+        context.threading = {.threads = threads, .bandPixels = 1};
+        random = RandomGenerator();
+        cancel = 0;
+        whole[threads / 2] = run<E>(source, choco, true);
+        EXPECT_EQ(random.state(), RandomGenerator().ahead(13 * 5 * 2).state());
+        // Left unfetched, TransBits starts as the source all the same.
+        random = RandomGenerator();
+        {
+            E effect(context);
+            effect.ImageGetDiBits(source);
+            choco(effect, ProcessRect::wholePicture(40, 100));
+            Surface unfetched;
+            effect.ImageSetDiBitsTrans(unfetched);
+            EXPECT_EQ(unfetched, whole[threads / 2]) << threads;
+        }
+
+        random = RandomGenerator();
+        Progress progress(cancel);
+        context.progress = &progress;
+        const Surface cut = run<E>(source, choco, true);
+        context.progress = nullptr;
+        EXPECT_EQ(progress.steps, 1);
+        EXPECT_EQ(random.state(), RandomGenerator().ahead(5 * 2).state()) << threads;
+        int changed = 0;
+        for (int y = 0; y < source.height(); ++y) {
+            for (int x = 0; x < source.width(); ++x)
+                changed += cut.at(x, y) != source.at(x, y) ? 1 : 0;
+        }
+        EXPECT_GT(changed, 0) << threads;
+        EXPECT_LE(changed, 5 * 8 * 8) << threads;
+    }
+    EXPECT_EQ(whole[1], whole[0]);
+}
+
 TEST_F(HideEffectTest, InkDiscsLiftThePictureByHalfTheBlock) {
     for (const auto& [type, lift] : {std::pair{0, 10}, std::pair{1, 15}}) {
         const Surface noisy = run<E>(uniformPicture(60, 40, 100, 100, 100),

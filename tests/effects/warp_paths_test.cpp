@@ -73,6 +73,15 @@ TEST_F(WarpPaths, ScatterizeDrawsXThenYForEveryPixelInRowOrder) {
                                              " range " + std::to_string(range);
                     EXPECT_EQ(fast, plain) << what;
                     EXPECT_EQ(after, random.state()) << what;
+                    // With TransBits left to the call, the rows and columns
+                    // outside the rectangle still come from the source.
+                    random = RandomGenerator();
+                    Class_Geometry own(context);
+                    own.ImageGetDiBits(picture);
+                    own.Scatterize(direction, range, r.left, r.top, r.right, r.bottom);
+                    Surface unfetched;
+                    own.ImageSetDiBitsTrans(unfetched);
+                    EXPECT_EQ(unfetched, fast) << what << " unfetched";
                 }
             }
         }

@@ -85,40 +85,4 @@ void Class_ColorOp::BlightnessAdjust(std::uint8_t flag, std::int16_t amount, std
     });
 }
 
-void Class_ColorOp::Momo_Effect(std::int16_t amount, std::int16_t addRed, std::int16_t addGreen,
-                                std::int16_t addBlue, std::int16_t left, std::int16_t top,
-                                std::int16_t right, std::int16_t bottom, std::int16_t xPercent,
-                                std::int16_t yPercent) {
-    guarded([&] {
-        const ProcessRect rect{left, top, right, bottom};
-        const int cx = roundTo<std::int16_t>(wrap16(right - left) / 100.0 * xPercent + left);
-        const int cy = roundTo<std::int16_t>(wrap16(bottom - top) / 100.0 * yPercent + top);
-        const double lastRow = wrap16(bottom - 1);
-        const double lastColumn = wrap16(right - 1);
-        // A K of 0 makes every pixel an infinity or a NaN below, which ends
-        // the run through the handler at the first pixel.
-        const int k = roundTo<std::int16_t>(std::sqrt(lastRow * lastRow + lastColumn * lastColumn) *
-                                            amount / 360);
-        const double halfK = k / 2.0;
-        const std::array<int, 3> adds{addRed, addGreen, addBlue};
-
-        mapPixels<ResultTail::Clamp>(rect, [&](int x, int y, int& r, int& g, int& b) {
-            const double dx = x - cx, dy = y - cy;
-            const double dist = std::sqrt(dx * dx + dy * dy);
-            const MaxMin m = MaxMinOfThree(r, g, b);
-            const int t = roundTo<std::int16_t>((halfK + m.max) / 2);
-            const int l = lightness(m.max, m.min);
-            if (l == 0) r = g = b = 1;
-            const int divisor = nonZero(l);
-            auto channel = [&](int c, int add) -> int {
-                const int scaled = scaledChannel(c, divisor, t);
-                int v = roundTo<std::int16_t>(scaled * dist / k);
-                if (v < add) v = wrap16(v + add);
-                return v;
-            };
-            return Channels{channel(r, adds[0]), channel(g, adds[1]), channel(b, adds[2])}.fields();
-        });
-    });
-}
-
 } // namespace lumiran

@@ -89,8 +89,10 @@ void registerPixelMoves(EffectDispatch& d) {
                           r.right, r.bottom, slider(v, 5), slider(v, 3), slider(v, 4));
           }));
     // Scatterize: the background list reaches no argument; every pixel of
-    // the rectangle is written.
-    d.add(DialogKind::Emboss, 37, warp([](Class_Geometry& e, V v, R r) {
+    // the rectangle is written. It reads only ImageBits, so kept picture 0
+    // is lent to it rather than copied, and it starts TransBits itself.
+    d.add(DialogKind::Emboss, 37,
+          dispatch::onSourceWithOwnTrans<Class_Geometry>([](Class_Geometry& e, V v, R r) {
               e.Scatterize(row(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom);
           }));
 }

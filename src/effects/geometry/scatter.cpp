@@ -12,6 +12,13 @@ namespace lumiran {
 
 void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std::int16_t left,
                                 std::int16_t top, std::int16_t right, std::int16_t bottom) {
+    // A caller may leave TransBits unfetched: it is then the source. The
+    // rows the bands sample take the source beside the span as they are
+    // written; every other row (outside the span, or not reached after a
+    // cancel or a failure) is copied at the end.
+    const bool copySource = TransBits.empty();
+    std::vector<std::uint8_t> rowDone;
+    bool copiedWhole = false;
     guarded([&] {
         if (direction > 2) return;
         const ProcessRect rect{left, top, right, bottom};
@@ -38,6 +45,10 @@ void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std:
         const Span span = spanOf(rect);
         const int endRow = loopEnd(rect.bottom);
         if (span.empty() || endRow > std::numeric_limits<std::int16_t>::max()) {
+            if (copySource) {
+                TransBits = ImageBits;
+                copiedWhole = true;
+            }
             warpRows<RowOrder::TopToBottom>(rect, direction,
                                             [&](int y, int first, std::span<double> xs,
                                                 std::span<double> ys, RowScratch& scratch) {
@@ -59,6 +70,10 @@ void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std:
         std::vector<RowScratch> scratch(
             static_cast<std::size_t>(std::max(context().threading.threads, 1)));
         RandomGenerator& random = context().random;
+        if (copySource) {
+            TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+            rowDone.assign(static_cast<std::size_t>(ImageBits.height()), 0);
+        }
         for (int chunk = span.firstRow; chunk < span.endRow; chunk += ChunkRows) {
             const int rows = std::min(ChunkRows, span.endRow - chunk);
             const RandomGenerator first = random;
@@ -79,12 +94,29 @@ void Class_Geometry::Scatterize(std::uint8_t direction, std::int16_t range, std:
                     const std::span<double> xs = own.take(n), ys = own.take(n);
                     fill(y, begin, draws, xs, ys);
                     sampleRow(direction, y, begin, xs, ys, bounds, own.indices(n));
+                    if (copySource) {
+                        const std::span<const Pixel> in = ImageBits.row(y);
+                        const std::span<Pixel> out = TransBits.row(y);
+                        std::copy(in.begin(), in.begin() + begin, out.begin());
+                        std::copy(in.begin() + end, in.end(), out.begin() + end);
+                        rowDone[static_cast<std::size_t>(y)] = 1;
+                    }
                 });
             if (!done) return;
         }
         for (int y = span.endRow; y < endRow; ++y)
             if (!finishRow()) return;
     });
+    if (!copySource || copiedWhole) return;
+    if (rowDone.size() != static_cast<std::size_t>(ImageBits.height()) ||
+        !TransBits.sameSize(ImageBits)) {
+        TransBits = ImageBits;
+        return;
+    }
+    for (int y = 0; y < ImageBits.height(); ++y) {
+        if (rowDone[static_cast<std::size_t>(y)] == 0)
+            std::ranges::copy(ImageBits.row(y), TransBits.row(y).begin());
+    }
 }
 
 void Class_Geometry::LatticeGlass(std::int16_t cell, std::int16_t left, std::int16_t top,

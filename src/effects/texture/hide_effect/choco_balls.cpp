@@ -4,6 +4,7 @@
 #include "effects/texture/hide_effect/sphere_light.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <vector>
 
@@ -103,14 +104,14 @@ void shadePlainRow(const Pixel* __restrict in, Pixel* __restrict out, int count,
 // cell inside the sphere winning.
 void Class_HideEffect::shadeBlock(std::span<const int> rows, std::span<const int> columns,
                                   std::int16_t type, const Lighting& lighting,
-                                  const hide::BlockTerms& terms) {
+                                  const hide::BlockTerms& terms, Rgb16 mean, int rowBegin,
+                                  int rowEnd) {
     const int height = static_cast<int>(rows.size());
     const int width = static_cast<int>(columns.size());
-    const Rgb16 mean = mosaic::blockMean(ImageBits, rows, columns);
     const bool runOfColumns = terms.plain && mosaic::isPlainRun(columns);
     for (int i = 0; i < height; ++i) {
         const int y = rows[static_cast<std::size_t>(i)];
-        if (y == mosaic::SkippedCell) continue;
+        if (y == mosaic::SkippedCell || y < rowBegin || y >= rowEnd) continue;
         const Pixel* in = ImageBits.row(y).data();
         Pixel* out = TransBits.row(y).data();
         const auto first = static_cast<std::size_t>(i) * width;
@@ -151,8 +152,10 @@ void Class_HideEffect::shadedWalk(const ProcessRect& rect, const mosaic::BlockGr
     auto rowOfBlocks = [&](int k) {
         std::vector<int> rows(static_cast<std::size_t>(grid.height));
         std::vector<int> columns(static_cast<std::size_t>(grid.width));
-        mosaic::forEachBlockInRow(extent, grid, k, rows, columns,
-                                  [&](int) { shadeBlock(rows, columns, type, lighting, terms); });
+        mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int) {
+            shadeBlock(rows, columns, type, lighting, terms,
+                       mosaic::blockMean(ImageBits, rows, columns), extent.firstRow, extent.endRow);
+        });
     };
     if (grid.rowsAreDisjoint()) {
         // One loop row a row of blocks: each writes only the picture rows of
@@ -201,6 +204,10 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
                                             std::int16_t type, std::int16_t lightX,
                                             std::int16_t lightY, std::int16_t lightZ,
                                             std::int16_t reflection, std::int16_t ambient) {
+    // A caller may leave TransBits unfetched: it is then the source, copied
+    // here, by bands alongside the painting where the blocks are painted
+    // by bands, and whole otherwise, also when the call fails.
+    const bool copySource = TransBits.empty();
     guarded([&] {
         const Lighting lighting = lightingOf(lightX, lightY, lightZ, reflection, ambient);
         const mosaic::Extent extent = extentOf({left, top, right, bottom}, ImageBits);
@@ -210,15 +217,116 @@ void Class_HideEffect::Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left
         const int blockColumns = (extent.endColumn - 1 - extent.firstColumn) / size + 1;
         const hide::BlockTerms terms = blockTerms(
             size, size, lighting, !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting));
+        if (terms.plain) {
+            scatteredShading(extent, blockRows, blockColumns, size, type, lighting, terms,
+                             copySource);
+            return;
+        }
+        if (copySource) TransBits = ImageBits;
         std::vector<int> rows(size);
         std::vector<int> columns(size);
         for (int k = 0; k < blockRows; ++k) {
             mosaic::forEachRandomBlockInRow(
-                extent, blockColumns, context().random, rows, columns,
-                [&](int, int) { shadeBlock(rows, columns, type, lighting, terms); });
+                extent, blockColumns, context().random, rows, columns, [&](int, int) {
+                    shadeBlock(rows, columns, type, lighting, terms,
+                               mosaic::blockMean(ImageBits, rows, columns), extent.firstRow,
+                               extent.endRow);
+                });
             if (!finishRow()) return;
         }
     });
+    if (TransBits.empty()) TransBits = ImageBits;
+}
+
+// The sequential walk draws a row of blocks, paints it and counts it. Here
+// every row is drawn and counted first, a cancel cutting the rows short
+// after the one it follows, and the painting comes after: no one sees the
+// picture in between, and with no blend and no overflow possible (and every
+// origin inside the extent, so no block is empty) the painting cannot fail.
+// So the blocks painted, the draws taken and the steps shown are those of
+// the sequential walk; only a cancel that comes during the painting is too
+// late, as one after the last row would be.
+//
+// The blocks lie at random over the whole picture, so painting them in
+// drawing order misses the cache at nearly every block. Instead each band
+// of picture rows takes the blocks that reach it, in drawing order, and
+// paints only its own rows of them, so the last block drawn still wins
+// where blocks overlap; bands run on every core. A block's mean is worked
+// out in each band it reaches, cheaper than a pass of its own over the
+// scattered blocks. Painting in several rounds (to keep progress moving)
+// would walk every band once a round and cost more than the effect.
+void Class_HideEffect::scatteredShading(const mosaic::Extent& extent, int blockRows,
+                                        int blockColumns, int size, std::int16_t type,
+                                        const Lighting& lighting, const hide::BlockTerms& terms,
+                                        bool copySource) {
+    struct Origin {
+        int x;
+        int y;
+    };
+    const auto cells = static_cast<std::size_t>(size);
+    std::vector<Origin> origins;
+    origins.reserve(static_cast<std::size_t>(blockRows) * static_cast<std::size_t>(blockColumns));
+    {
+        std::vector<int> rows(cells);
+        std::vector<int> columns(cells);
+        for (int k = 0; k < blockRows; ++k) {
+            mosaic::forEachRandomBlockInRow(extent, blockColumns, context().random, rows, columns,
+                                            [&](int x0, int y0) {
+                                                origins.push_back({x0, y0});
+                                            });
+            if (!finishRow()) break;
+        }
+    }
+
+    // Both arrays of a band stay in a core's cache at 4096 columns. Bands
+    // are counted from the picture's top, since one that copies the source
+    // copies every row of the picture.
+    constexpr int BandRows = 32;
+    const int bands = (ImageBits.height() + BandRows - 1) / BandRows;
+    std::vector<std::vector<std::uint32_t>> byBand(static_cast<std::size_t>(bands));
+    const int last = extent.endRow - 1; // rows past the extent fold onto it
+    for (std::size_t i = 0; i < origins.size(); ++i) {
+        const int top = std::min(origins[i].y, last);
+        const int bottom = std::min(origins[i].y + size - 1, last);
+        for (int b = top / BandRows; b <= bottom / BandRows; ++b)
+            byBand[static_cast<std::size_t>(b)].push_back(static_cast<std::uint32_t>(i));
+    }
+
+    const ProcessRect whole{
+        static_cast<std::int16_t>(extent.firstColumn), static_cast<std::int16_t>(extent.firstRow),
+        static_cast<std::int16_t>(extent.endColumn), static_cast<std::int16_t>(extent.endRow)};
+    const int workers = std::max(1, std::min(bandPlan(whole).workers, bands));
+    // Each worker's folded cells, made here: a worker may not throw.
+    std::vector<std::vector<int>> scratchRows(static_cast<std::size_t>(workers),
+                                              std::vector<int>(cells));
+    std::vector<std::vector<int>> scratchColumns = scratchRows;
+    // The last thing made, so that nothing fails while it is not yet the
+    // source.
+    if (copySource) TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+    std::atomic<int> nextBand{0};
+    auto paint = [&](int worker) {
+        std::vector<int>& rows = scratchRows[static_cast<std::size_t>(worker)];
+        std::vector<int>& columns = scratchColumns[static_cast<std::size_t>(worker)];
+        for (int b = nextBand++; b < bands; b = nextBand++) {
+            const int rowBegin = b * BandRows;
+            const int rowEnd = std::min(rowBegin + BandRows, ImageBits.height());
+            if (copySource) {
+                for (int y = rowBegin; y < rowEnd; ++y)
+                    std::ranges::copy(ImageBits.row(y), TransBits.row(y).begin());
+            }
+            for (const std::uint32_t i : byBand[static_cast<std::size_t>(b)]) {
+                mosaic::foldAxis(origins[i].y, extent.firstRow, extent.endRow, rows);
+                mosaic::foldAxis(origins[i].x, extent.firstColumn, extent.endColumn, columns);
+                shadeBlock(rows, columns, type, lighting, terms,
+                           mosaic::blockMean(ImageBits, rows, columns), rowBegin, rowEnd);
+            }
+        }
+    };
+    if (workers > 1) {
+        context().workers().run(workers, paint);
+    } else {
+        paint(0);
+    }
 }
 
 void Class_HideEffect::Mosaic_Glowing(std::uint8_t width, std::uint8_t height, std::int16_t left,

@@ -42,7 +42,8 @@ class Class_HideEffect : public PixelFrame {
                         std::int16_t lightY, std::int16_t lightZ, std::int16_t reflection,
                         std::int16_t ambient);
     // The same blocks at origins drawn at random, as many as the regular
-    // walk lays.
+    // walk lays. TransBits may be left unfetched: the call then starts it
+    // as a copy of ImageBits itself.
     void Mosaic_ShadingRandom(std::uint8_t size, std::int16_t left, std::int16_t top,
                               std::int16_t right, std::int16_t bottom, std::int16_t type,
                               std::int16_t lightX, std::int16_t lightY, std::int16_t lightZ,
@@ -117,9 +118,19 @@ class Class_HideEffect : public PixelFrame {
     void shadedWalk(const ProcessRect& rect, const mosaic::BlockGrid& grid, std::int16_t type,
                     const hide::Lighting& lighting);
     // One block as a sphere of radius size / 2 around its middle, whose
-    // terms at each cell the walk works out once.
+    // terms at each cell the walk works out once; mean is the block's mean.
+    // Only the cells on picture rows rowBegin to rowEnd - 1 are painted.
     void shadeBlock(std::span<const int> rows, std::span<const int> columns, std::int16_t type,
-                    const hide::Lighting& lighting, const hide::BlockTerms& terms);
+                    const hide::Lighting& lighting, const hide::BlockTerms& terms, Rgb16 mean,
+                    int rowBegin, int rowEnd);
+    // Mosaic_ShadingRandom where nothing can fail: every row of blocks drawn
+    // and counted first, then the blocks painted in bands of picture rows
+    // on every core, each band taking its blocks in drawing order. With
+    // copySource, TransBits is made here and each band first copies its
+    // rows of the source into it.
+    void scatteredShading(const mosaic::Extent& extent, int blockRows, int blockColumns, int size,
+                          std::int16_t type, const hide::Lighting& lighting,
+                          const hide::BlockTerms& terms, bool copySource);
     // Every pixel of the rectangle in the tiling of spheres of radius q:
     // inside a sphere the lit colour of the source its lens(dx, dy, cx, cy)
     // names, outside the background.

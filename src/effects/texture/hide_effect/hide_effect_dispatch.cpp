@@ -55,7 +55,7 @@ void registerHideEffectEffects(EffectDispatch& d) {
               e.Mosaic_ShadingGap(size, size, r.left, r.top, r.right, r.bottom, 0, 0, slider(v, 1),
                                   slider(v, 2), slider(v, 3), 0, slider(v, 5), slider(v, 6));
           }));
-    d.add(DialogKind::Mani, 56, dispatch::withTransOnSource<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 56, dispatch::onSourceWithOwnTrans<E>([](E& e, V v, R r) {
               e.Mosaic_ShadingRandom(sliderByte(v, 4), r.left, r.top, r.right, r.bottom, 0,
                                      slider(v, 1), slider(v, 2), slider(v, 3), slider(v, 5),
                                      slider(v, 6));
@@ -66,7 +66,7 @@ void registerHideEffectEffects(EffectDispatch& d) {
           }));
     // Glowing Pixel 2: the type is S1 - 247, never 0, so each pixel's own
     // colour is lit.
-    d.add(DialogKind::Mani, 89, dispatch::withTransOnSource<E>([](E& e, V v, R r) {
+    d.add(DialogKind::Mani, 89, dispatch::onSourceWithOwnTrans<E>([](E& e, V v, R r) {
               e.Mosaic_ShadingRandom(sliderByte(v, 4), r.left, r.top, r.right, r.bottom,
                                      static_cast<std::int16_t>(slider(v, 1) - 247), slider(v, 1),
                                      slider(v, 2), slider(v, 3), slider(v, 5), slider(v, 6));

@@ -217,6 +217,59 @@ TEST_F(Blurs, DiffuseOutlineNeighbourOutsideIsThePixel) {
     }
 }
 
+// Both outlines against the rule pixel by pixel, every kind, on rows split
+// among threads, over the whole picture and an inner rectangle whose last
+// row and column have neighbours outside it. Channels within a narrow band
+// keep most moves inside the rectangle.
+TEST_F(Blurs, DiffuseOutlinesFollowTheRuleOnThreads) {
+    context.threading = {3, 500};
+    std::uint32_t seed = 12345;
+    const Surface picture = makePicture(61, 47, [&](int, int) {
+        seed = seed * 1103515245u + 12345u;
+        const auto v = [&](int shift) { return 90 + static_cast<int>((seed >> shift) % 40); };
+        return makePixel(v(8), v(14), v(20));
+    });
+    const auto model = [&](int kind, bool byBlue, const ProcessRect& r) {
+        Surface out = picture;
+        const int right = std::min<int>(r.right, picture.width());
+        const int bottom = std::min<int>(r.bottom, picture.height());
+        const auto within = [](int own, int moved, int first, int end) {
+            return moved >= first && moved < end ? moved : own;
+        };
+        const int dx = kind == 1 ? 0 : 1, dy = kind == 0 ? 0 : 1;
+        for (int y = r.top; y < bottom; ++y) {
+            for (int x = r.left; x < right; ++x) {
+                const Pixel p = picture.at(x, y);
+                const bool inside = x + dx < right && y + dy < bottom;
+                const Pixel n = inside ? picture.at(x + dx, y + dy) : p;
+                const int m2 = (redOf(n) + greenOf(n) + blueOf(n) + 1) / 3;
+                const int m = (redOf(p) + greenOf(p) + blueOf(p)) / 3;
+                const int d = byBlue ? blueOf(p) - m2 : m - m2;
+                const int sx = byBlue || dx == 0 ? x : within(x, x + d, r.left, right);
+                const int sy = byBlue || dy != 0 ? within(y, y + d, r.top, bottom) : y;
+                out.at(x, y) = picture.at(sx, sy);
+            }
+        }
+        return out;
+    };
+    for (const ProcessRect rect : {ProcessRect{0, 0, 61, 47}, ProcessRect{7, 5, 50, 40}}) {
+        for (std::uint8_t kind = 0; kind < 3; ++kind) {
+            for (const bool byBlue : {false, true}) {
+                const Surface result =
+                    warp(picture, rect, [&](Class_Geometry& e, const ProcessRect& r) {
+                        if (byBlue) {
+                            e.DiffuseOutline2(kind, r.left, r.top, r.right, r.bottom);
+                        } else {
+                            e.DiffuseOutline1(kind, r.left, r.top, r.right, r.bottom);
+                        }
+                    });
+                EXPECT_EQ(result, model(kind, byBlue, rect))
+                    << "kind " << +kind << (byBlue ? " by blue" : "") << " rect " << rect.left;
+            }
+        }
+    }
+}
+
 // 1x1 pictures and rectangles beyond the picture: every sample stays in the
 // array, and a single pixel has only itself to mix with.
 TEST_F(Blurs, BadRectangles) {

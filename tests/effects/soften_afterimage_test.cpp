@@ -64,10 +64,10 @@ Displace wave(double a, double w, int direction) {
 // The centre of a 37x29 picture at 30 % and 60 %: round(11.1), round(17.4).
 constexpr double Cx = 11, Cy = 17;
 
-Displace ripple(double a, double wavelength, int direction) {
+Displace ripple(double a, double wavelength, int direction, double cx = Cx, double cy = Cy) {
     return [=](int x, int y, int j) {
         const double t =
-            std::sqrt(0.6 * std::pow(x - Cx, 2) + std::pow(y - Cy, 2)) * (1.0 - wavelength / 100);
+            std::sqrt(0.6 * std::pow(x - cx, 2) + std::pow(y - cy, 2)) * (1.0 - wavelength / 100);
         return directed(direction, x, y, x + j + a / 5.0 * std::sin(t),
                         y + j + a / 8.0 * std::sin(t));
     };
@@ -133,6 +133,40 @@ TEST_F(Soften, VortexSamplesLandWhereTheLibraryPutsThem) {
                         afterImageModel(picture, c.count, d % 2, vortex(c.amplitude, d, cx, cy)))
                 << c.width << "x" << c.height << " amplitude " << c.amplitude << " direction "
                 << +d;
+        }
+    }
+    EXPECT_TRUE(context.failures.empty());
+}
+
+// The wave and the ripple take their samples over runs of a row, the
+// ripple's sines from the vector unit, rows on several threads: rows wider
+// than a run, amplitudes and wavelengths that reach far or hit halves.
+TEST_F(Soften, WaveAndRippleRunsMatchTheirFormulasOnThreads) {
+    context.threading = {3, 500};
+    struct Case {
+        int width, height;
+        std::int16_t amplitude, wavelength, count;
+    };
+    for (const Case c : {Case{301, 67, 12, 32, 9}, Case{530, 41, 100, 7, 4},
+                         Case{260, 50, -45, -90, 2}, Case{300, 33, 5, 100, 1}}) {
+        const Surface picture = randomPicture(c.width, c.height);
+        const double cx = std::nearbyint(c.width / 100.0 * 30);
+        const double cy = std::nearbyint(c.height / 100.0 * 60);
+        for (std::uint8_t d = 0; d <= 2; ++d) {
+            const Surface waved = run(picture, [&](Class_Soften& e, R r) {
+                e.AfterImage_Wave(c.count, d % 2, d, r.left, r.top, r.right, r.bottom, c.amplitude,
+                                  c.wavelength, 30, 60);
+            });
+            EXPECT_TRUE(waved == afterImageModel(picture, c.count, d % 2,
+                                                 wave(c.amplitude, c.wavelength, d)))
+                << "wave " << c.width << " amplitude " << c.amplitude << " direction " << +d;
+            const Surface rippled = run(picture, [&](Class_Soften& e, R r) {
+                e.AfterImage_Ripple(c.count, d % 2, d, r.left, r.top, r.right, r.bottom,
+                                    c.amplitude, c.wavelength, 30, 60);
+            });
+            EXPECT_TRUE(rippled == afterImageModel(picture, c.count, d % 2,
+                                                   ripple(c.amplitude, c.wavelength, d, cx, cy)))
+                << "ripple " << c.width << " amplitude " << c.amplitude << " direction " << +d;
         }
     }
     EXPECT_TRUE(context.failures.empty());

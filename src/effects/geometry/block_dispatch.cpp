@@ -124,8 +124,9 @@ void registerBlurs(EffectDispatch& d) {
           plainOrMapped(&Class_Geometry::Blur_Gaussian, &Class_Geometry::Blur_CircleSoften));
     // Diffuse Outline: the direction list is the neighbour's kind. The
     // second spread type is a row of its own for the first direction only;
-    // with the others it spreads as the first type does.
-    d.add(DialogKind::Emboss, 41, warp([](Class_Geometry& e, V v, R r) {
+    // with the others it spreads as the first type does. Both read only
+    // ImageBits, so the source is lent.
+    d.add(DialogKind::Emboss, 41, warpOnSource([](Class_Geometry& e, V v, R r) {
               if (v.eType == 0 && second(v.color)) {
                   e.DiffuseOutline2(0, r.left, r.top, r.right, r.bottom);
               } else {

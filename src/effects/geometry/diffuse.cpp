@@ -7,9 +7,6 @@
 namespace lumiran {
 namespace {
 
-// The neighbour of kind 0 right, 1 below, 2 below right.
-constexpr std::array<blur::Tap, 3> Neighbours{{{1, 0}, {0, 1}, {1, 1}}};
-
 // round((r + g + b) / 3): a third is never a half, so no tie arises.
 int roundedMean(Pixel p) {
     return (redOf(p) + greenOf(p) + blueOf(p) + 1) / 3;
@@ -23,18 +20,74 @@ Pixel movedWithin(const Surface& image, const Bounds& span, int x, int y, int dx
                     blur::within(y, y + dy, span.firstRow, span.endRow));
 }
 
-// The neighbour of the kind, or the pixel itself when the neighbour lies
-// outside: the whole position falls back, not each axis.
-template <typename Bounds>
-Pixel neighbourOf(const Surface& image, const Bounds& span, int x, int y, blur::Tap step) {
-    const int nx = x + step.dx, ny = y + step.dy;
-    const bool inside = nx < span.endColumn && ny < span.endRow;
-    return image.at(inside ? nx : x, inside ? ny : y);
-}
-
 Rgb16 colourOf(Pixel p) {
     return {static_cast<std::int16_t>(redOf(p)), static_cast<std::int16_t>(greenOf(p)),
             static_cast<std::int16_t>(blueOf(p))};
+}
+
+// The rule of the diffuse outlines with the neighbour's step (Dx, Dy) fixed,
+// reading through row pointers set once per row: below, the neighbour's row
+// is a plain row and a horizontal move stays within the pixel's own row, so
+// the loops vectorise with narrow gathers. ByBlue moves vertically by the
+// pixel's blue against the neighbour's mean, else along the neighbour's way
+// by the pixel's own mean.
+template <int Dx, int Dy, bool ByBlue>
+struct OutlineRule {
+    const Pixel* image;
+    std::ptrdiff_t stride;
+    int firstColumn, endColumn, firstRow, endRow;
+    const Pixel* own = nullptr;
+    const Pixel* neighbours = nullptr;
+    bool rowInside = false;
+
+    void startRow(int y) {
+        own = image + static_cast<std::ptrdiff_t>(y) * stride;
+        rowInside = y + Dy < endRow;
+        neighbours = rowInside ? own + Dy * stride : own;
+    }
+
+    Rgb16 operator()(int x, int y, int& r, int& g, int& b) const {
+        // The whole position falls back to the pixel when the neighbour
+        // lies outside, not each axis.
+        const bool inside = rowInside && (Dx == 0 || x + Dx < endColumn);
+        const Pixel n = inside ? neighbours[x + Dx] : own[x];
+        const int m2 = roundedMean(n);
+        Pixel s;
+        if constexpr (ByBlue) {
+            const int sy = blur::within(y, y + (b - m2), firstRow, endRow);
+            s = image[static_cast<std::ptrdiff_t>(sy) * stride + x];
+        } else {
+            // The step in brightness towards the neighbour moves the sample
+            // along the neighbour's way: flat areas stay.
+            const int d = (r + g + b) / 3 - m2;
+            const int sx = Dx != 0 ? blur::within(x, x + d, firstColumn, endColumn) : x;
+            if constexpr (Dy == 0) {
+                s = own[sx];
+            } else {
+                const int sy = blur::within(y, y + d, firstRow, endRow);
+                s = image[static_cast<std::ptrdiff_t>(sy) * stride + sx];
+            }
+        }
+        return colourOf(s);
+    }
+};
+
+// Runs body with the rule of the kind: 0 right, 1 below, 2 below right.
+template <bool ByBlue, typename Body>
+void withOutlineRule(int kind, const Surface& image, int firstColumn, int endColumn, int firstRow,
+                     int endRow, Body body) {
+    const auto make = [&]<int Dx, int Dy>() {
+        return OutlineRule<Dx, Dy, ByBlue>{
+            image.pixels().data(), image.width(), firstColumn, endColumn, firstRow, endRow};
+    };
+    switch (kind) {
+    case 0:
+        return body(make.template operator()<1, 0>());
+    case 1:
+        return body(make.template operator()<0, 1>());
+    default:
+        return body(make.template operator()<1, 1>());
+    }
 }
 
 } // namespace
@@ -45,19 +98,9 @@ void Class_Geometry::DiffuseOutline1(std::uint8_t kind, std::int16_t left, std::
         if (kind > 2) return;
         const ProcessRect rect{left, top, right, bottom};
         const Span span = spanOf(rect);
-        const blur::Tap step = Neighbours[kind];
-        mapPixels<ResultTail::Clamp, Destination::Trans>(
-            rect, [&](int x, int y, int& r, int& g, int& b) -> Rgb16 {
-                const int m = (r + g + b) / 3;
-                const Pixel n = neighbourOf(ImageBits, span, x, y, step);
-                const int m2 = roundedMean(n);
-                // The step in brightness towards the neighbour moves the
-                // sample along the neighbour's way: flat areas stay.
-                const int d = m - m2;
-                const Pixel s =
-                    movedWithin(ImageBits, span, x, y, step.dx != 0 ? d : 0, step.dy != 0 ? d : 0);
-                return colourOf(s);
-            });
+        withOutlineRule<false>(
+            kind, ImageBits, span.firstColumn, span.endColumn, span.firstRow, span.endRow,
+            [&](auto rule) { mapPixels<ResultTail::Clamp, Destination::Trans>(rect, rule); });
     });
 }
 
@@ -67,16 +110,11 @@ void Class_Geometry::DiffuseOutline2(std::uint8_t kind, std::int16_t left, std::
         if (kind > 2) return;
         const ProcessRect rect{left, top, right, bottom};
         const Span span = spanOf(rect);
-        const blur::Tap step = Neighbours[kind];
-        mapPixels<ResultTail::Clamp, Destination::Trans>(
-            rect, [&](int x, int y, int&, int&, int& b) -> Rgb16 {
-                const Pixel n = neighbourOf(ImageBits, span, x, y, step);
-                const int m2 = roundedMean(n);
-                // Vertical always: the pixel's blue against the neighbour's
-                // mean bends the rows along the brightness edges.
-                const Pixel s = movedWithin(ImageBits, span, x, y, 0, b - m2);
-                return colourOf(s);
-            });
+        // Vertical always: the pixel's blue against the neighbour's mean
+        // bends the rows along the brightness edges.
+        withOutlineRule<true>(
+            kind, ImageBits, span.firstColumn, span.endColumn, span.firstRow, span.endRow,
+            [&](auto rule) { mapPixels<ResultTail::Clamp, Destination::Trans>(rect, rule); });
     });
 }
 

@@ -34,6 +34,13 @@ EffectPlanner warp(Call call) {
     return dispatch::withTrans<Class_Geometry>(call);
 }
 
+// The same for calls that read their source only through ImageBits: kept
+// picture 0 is lent to ImageBits rather than copied.
+template <typename Call>
+EffectPlanner warpOnSource(Call call) {
+    return dispatch::withTransOnSource<Class_Geometry>(call);
+}
+
 // A call that draws from kept picture 0 onto kept picture 1 itself.
 template <typename Call>
 EffectBody drawingBody(Call call, const ControlValues& values) {

@@ -1,11 +1,14 @@
 // The afterimages: each pixel the mean of count + 1 samples displaced by a
 // wave, a ripple or a vortex.
 #include "effects/geometry/vector_trig.h"
+#include "effects/smoothing/after_image_runs.h"
 #include "effects/smoothing/soften_window.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <span>
 #include <vector>
 
 namespace lumiran {
@@ -20,6 +23,15 @@ struct Position {
 Position centreOf(const ProcessRect& rect, int xPercent, int yPercent) {
     return {roundTo<std::int32_t>(wrap16(rect.right - rect.left) / 100.0 * xPercent + rect.left),
             roundTo<std::int32_t>(wrap16(rect.bottom - rect.top) / 100.0 * yPercent + rect.top)};
+}
+
+// Whether v rounds to the same integer when it moves by less than margin:
+// sines and cosines of the vector functions stray from the library's by a
+// few units in the last place, which moves a turned point by far less than
+// 1e-9 of the offsets it multiplies. A NaN or an infinity is never clear.
+[[nodiscard]] inline bool clearOfHalf(double v, double margin) {
+    const double half = v + 0.5;
+    return std::abs(half - roundHalfEvenInRange(half)) > margin;
 }
 
 // values[i] = f(first + i) for a run of integers.
@@ -87,6 +99,35 @@ void Class_Soften::afterImageRows(int count, int type, const ProcessRect& rect,
     });
 }
 
+template <typename SumRun>
+void Class_Soften::afterImageRuns(int count, int type, const ProcessRect& rect, SumRun sumRun) {
+    const ProcessRect cut = soften::cutToPicture(rect, ImageBits.width(), ImageBits.height());
+    const ProcessRect centres =
+        soften::windowCentres(rect, ImageBits.width(), ImageBits.height(), 1);
+    const Pixel* image = ImageBits.pixels().data();
+    const int width = ImageBits.width();
+    const soften::SampleBounds bounds{cut.left, cut.top, cut.right, cut.bottom, image, width};
+    SetProgressRange(centres.top, centres.bottom);
+    forEachRow<RowOrder::AnyOrder>(centres, [&](int y, int firstColumn, int endColumn) {
+        Pixel* out = TransBits.row(y).data();
+        const Pixel* own = image + static_cast<std::ptrdiff_t>(y) * width;
+        for (int x0 = firstColumn; x0 < endColumn; x0 += soften::RunPixels) {
+            const int m = std::min(soften::RunPixels, endColumn - x0);
+            soften::RunSums run;
+            sumRun(run, bounds, y, x0, m);
+            run.means(count, type, m);
+            for (int i = 0; i < m; ++i) {
+                const int x = x0 + i;
+                const IntRgb source = channelsOf(own[x]);
+                const Rgb16 e = finishPixel<ResultTail::Clamp>(
+                    source.r, source.g, source.b,
+                    soften::resultFields({run.r[i], run.g[i], run.b[i]}));
+                out[x] = withColour(out[x], e.red, e.green, e.blue);
+            }
+        }
+    });
+}
+
 void Class_Soften::AfterImage_Wave(std::int16_t count, std::uint8_t type, std::uint8_t direction,
                                    std::int16_t left, std::int16_t top, std::int16_t right,
                                    std::int16_t bottom, std::int16_t amplitude,
@@ -108,11 +149,51 @@ void Class_Soften::AfterImage_Wave(std::int16_t count, std::uint8_t type, std::u
         const std::vector<double> cosX = tabulate(c.left, c.right - c.left + extra, cosine);
         const std::vector<double> sinY = tabulate(c.top, c.bottom - c.top + extra, sine);
         const std::vector<double> cosY = tabulate(c.top, c.bottom - c.top + extra, cosine);
-        // The shifted column stays within twice the amplitude of x + j.
+        // The shifted column stays within twice the amplitude of x.
         const int spread = 2 * std::abs(amplitude) + 2;
         const int sinFirst = c.left - spread;
         const std::vector<double> sinX =
             tabulate(sinFirst, c.right - c.left + extra + 2 * spread, sine);
+        const auto finite = [](const std::vector<double>& t) {
+            return std::ranges::all_of(t, [](double v) { return std::isfinite(v); });
+        };
+        if (count >= 0 && finite(cosX) && finite(sinY) && finite(cosY) && finite(sinX)) {
+            // Every place is then a finite double within 2 |amplitude| of
+            // the pixel, so it rounds without the range check and its
+            // shifted column lies inside sinX.
+            const auto waveRuns = [&](auto dir) {
+                afterImageRuns(
+                    count, type, rect,
+                    [&](soften::RunSums& run, const soften::SampleBounds& bounds, int y, int x0,
+                        int m) {
+                        run.gather(count + 1, m, [&, y, x0](int j) {
+                            const double sy = sinY[static_cast<std::size_t>(y + j - c.top)];
+                            const double cy = cosY[static_cast<std::size_t>(y + j - c.top)];
+                            const double* __restrict cx = cosX.data() + (x0 + j - c.left);
+                            const double* __restrict sx = sinX.data();
+                            return [=, &bounds](int i) {
+                                const int x = x0 + i;
+                                int px = roundInRange<std::int32_t>(cx[i] + sy + x);
+                                int py = y;
+                                if constexpr (decltype(dir)::value != 0)
+                                    py = roundInRange<std::int32_t>(cy + sx[px - sinFirst] + y);
+                                if constexpr (decltype(dir)::value == 1) px = x;
+                                return bounds.at(px, py, x, y);
+                            };
+                        });
+                    });
+            };
+            switch (direction) {
+            case 0:
+                return waveRuns(std::integral_constant<int, 0>{});
+            case 1:
+                return waveRuns(std::integral_constant<int, 1>{});
+            default:
+                return waveRuns(std::integral_constant<int, 2>{});
+            }
+        }
+        // No number somewhere (a wavelength of 0) or no samples: the pixel
+        // by pixel form, whose rounding or division raises the error.
         auto sinOfColumn = [&](int v) {
             const auto i = static_cast<std::size_t>(v - sinFirst);
             return v >= sinFirst && i < sinX.size() ? sinX[i] : sine(v);
@@ -144,6 +225,67 @@ void Class_Soften::AfterImage_Ripple(std::int16_t count, std::uint8_t type, std:
         // The divisors 5.0 across and 8.0 down differ on purpose.
         const double across = amplitude / 5.0;
         const double down = amplitude / 8.0;
+        // The sine of a pixel's distance, worked out for a run at once.
+        const auto sinesOfRun = [&](int y, int x0, int m, std::span<double> s) {
+            const double dy = y - centre.y;
+            const auto n = static_cast<std::size_t>(m);
+            for (std::size_t i = 0; i < n; ++i) {
+                const double dx = x0 + static_cast<int>(i) - centre.x;
+                s[i] = std::sqrt(0.6 * (dx * dx) + dy * dy) * k;
+            }
+            const std::span<const double> t(s.data(), n);
+            std::array<double, soften::RunPixels> vector{};
+            trig::sine(t, std::span(vector.data(), n));
+            // The vector sine strays from the library's by a few units in
+            // the last place, which moves a shifted place by far less than
+            // 1e-9: where a place lies nearer a half than that, or the sine
+            // is no number, the library decides.
+            for (std::size_t i = 0; i < n; ++i) {
+                const bool clear =
+                    clearOfHalf(across * vector[i], 1e-7) & clearOfHalf(down * vector[i], 1e-7);
+                s[i] = clear ? vector[i] : std::sin(s[i]);
+            }
+        };
+        const auto rippleRuns = [&](auto dir) {
+            afterImageRuns(count, type, rect,
+                           [&](soften::RunSums& run, const soften::SampleBounds& bounds, int y,
+                               int x0, int m) {
+                               std::array<double, soften::RunPixels> s{};
+                               sinesOfRun(y, x0, m, s);
+                               std::array<double, soften::RunPixels> ox{}, oy{};
+                               for (int i = 0; i < m; ++i) {
+                                   ox[static_cast<std::size_t>(i)] =
+                                       across * s[static_cast<std::size_t>(i)];
+                                   oy[static_cast<std::size_t>(i)] =
+                                       down * s[static_cast<std::size_t>(i)];
+                               }
+                               run.gather(count + 1, m, [&, y, x0](int j) {
+                                   return [&, y, x0, j](int i) {
+                                       const int x = x0 + i;
+                                       const auto u = static_cast<std::size_t>(i);
+                                       int px = x;
+                                       int py = y;
+                                       if constexpr (decltype(dir)::value != 1)
+                                           px = roundInRange<std::int32_t>(x + j + ox[u]);
+                                       if constexpr (decltype(dir)::value != 0)
+                                           py = roundInRange<std::int32_t>(y + j + oy[u]);
+                                       return bounds.at(px, py, x, y);
+                                   };
+                               });
+                           });
+        };
+        if (count >= 0 && direction <= 2) {
+            // Every place lies within the amplitude of (x + j, y + j): a
+            // finite double well inside the 32-bit range.
+            switch (direction) {
+            case 0:
+                return rippleRuns(std::integral_constant<int, 0>{});
+            case 1:
+                return rippleRuns(std::integral_constant<int, 1>{});
+            default:
+                return rippleRuns(std::integral_constant<int, 2>{});
+            }
+        }
         auto samplesAt = [&](int x, int y) {
             const double dx = x - centre.x;
             const double dy = y - centre.y;
@@ -196,15 +338,6 @@ struct VortexTurn {
                 roundTo<std::int32_t>(turnedY(s, c, dx, dy))};
     }
 };
-
-// Whether v rounds to the same integer when it moves by less than margin:
-// sines and cosines of the vector functions stray from the library's by a
-// few units in the last place, which moves a turned point by far less than
-// 1e-9 of the offsets it multiplies. A NaN or an infinity is never clear.
-[[nodiscard]] inline bool clearOfHalf(double v, double margin) {
-    const double half = v + 0.5;
-    return std::abs(half - roundHalfEvenInRange(half)) > margin;
-}
 
 // The turned points of count + 1 consecutive rows, so that each point is
 // worked out once instead of once for every pixel whose samples reach it.

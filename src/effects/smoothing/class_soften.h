@@ -104,6 +104,10 @@ class Class_Soften : public PixelFrame {
     template <typename SamplesAt>
     void afterImageRow(int count, int type, const ProcessRect& bounds, int y, int firstColumn,
                        int endColumn, SamplesAt& samplesAt);
+    // The same over runs of a row: sumRun(run, bounds, y, x0, m) fills the
+    // sums of the run's m pixels from x0 (see after_image_runs.h).
+    template <typename SumRun>
+    void afterImageRuns(int count, int type, const ProcessRect& rect, SumRun sumRun);
 
     void meanSmoothing(int reach, const ProcessRect& rect);
     void adaptiveSmoothing(int reach, const ProcessRect& rect);

@@ -21,6 +21,12 @@ EffectPlanner planner(Call call) {
     return dispatch::withTrans<Class_Soften>(call);
 }
 
+// The same with kept picture 0 lent to ImageBits, for calls that only read it.
+template <typename Call>
+EffectPlanner onSource(Call call) {
+    return dispatch::withTransOnSource<Class_Soften>(call);
+}
+
 // "Glass Painting" rows ﾀｲﾌﾟ 1..6: the smoothing, then the differential
 // of what is left, so that only the outlines of the colour areas glow on
 // black, like the lines of a painting on glass. Types 1 to 3 draw them as
@@ -99,15 +105,16 @@ void registerSoftenEffects(EffectDispatch& d) {
                           })}));
     // The afterimages hand the list captioned "方向" on as the smooth type
     // and the one captioned "平滑･ﾀｲﾌﾟ" as the direction, as the calls stand.
-    d.add(DialogKind::Mani, 83, planner([](Class_Soften& e, V v, R r) {
+    // They read only ImageBits, so the source is lent rather than copied.
+    d.add(DialogKind::Mani, 83, onSource([](Class_Soften& e, V v, R r) {
               e.AfterImage_Ripple(slider(v, 5), row(v.color), row(v.eType), r.left, r.top, r.right,
                                   r.bottom, slider(v, 1), slider(v, 2), slider(v, 3), slider(v, 4));
           }));
-    d.add(DialogKind::Mani, 84, planner([](Class_Soften& e, V v, R r) {
+    d.add(DialogKind::Mani, 84, onSource([](Class_Soften& e, V v, R r) {
               e.AfterImage_Wave(slider(v, 5), row(v.color), row(v.eType), r.left, r.top, r.right,
                                 r.bottom, slider(v, 1), slider(v, 2), slider(v, 3), slider(v, 4));
           }));
-    d.add(DialogKind::Mani, 85, planner([](Class_Soften& e, V v, R r) {
+    d.add(DialogKind::Mani, 85, onSource([](Class_Soften& e, V v, R r) {
               e.AfterImage_Vortex(slider(v, 2), row(v.color), row(v.eType), r.left, r.top, r.right,
                                   r.bottom, slider(v, 1), slider(v, 3), slider(v, 4));
           }));

@@ -12,7 +12,9 @@
 #include <type_traits>
 #include <utility>
 
-#if defined(__SSE2__)
+#if defined(__SSE4_1__)
+#include <smmintrin.h>
+#elif defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
@@ -249,6 +251,14 @@ class RowDiffusion {
     // Weights of a power-of-two divisor are exact in binary, so a share
     // that is a half is exactly one and rounds to even by old's parity.
     static constexpr bool Dyadic = (Shape::Kernel.divisor & (Shape::Kernel.divisor - 1)) == 0;
+    // One lower row of at most three columns and one share on the row
+    // (Floyd & Steinberg): the lower row's held pixels fit one vector with
+    // a lane to spare, which carries the share on the row.
+#if defined(__SSE4_1__)
+    static constexpr bool InLanes = Rows == 1 && Width <= 3 && Second < 0 && Next >= 0;
+#else
+    static constexpr bool InLanes = false;
+#endif
 
   public:
     static constexpr int BandRows = 4;
@@ -296,12 +306,15 @@ class RowDiffusion {
                         bytes([](const Share& c) { return static_cast<std::uint8_t>(c.floor); });
                 }
                 byShifts_[g] = carried;
+                if constexpr (InLanes) laneRecord(g, carried && !ownExact_[g]);
             }
         }
     }
 
     // One row alone.
-    void run(int y) { (void)runRow(y, NoGate{}); }
+    void run(int y) {
+        (void)runRow(y, NoGate{});
+    }
 
     // The rows from y on: a band of BandRows where no share of theirs is
     // clamped onto a lower row, else row y alone. Gives the rows done.
@@ -316,11 +329,15 @@ class RowDiffusion {
 
     // The rows as groups from the top, as runFrom takes them: bands while
     // they fit, then the rows one at a time.
-    [[nodiscard]] int groups() const { return bands_ + (bounds_.bottom - bandsEnd()); }
+    [[nodiscard]] int groups() const {
+        return bands_ + (bounds_.bottom - bandsEnd());
+    }
     [[nodiscard]] int groupTop(int g) const {
         return g < bands_ ? bounds_.top + g * BandRows : bandsEnd() + (g - bands_);
     }
-    [[nodiscard]] int groupRows(int g) const { return g < bands_ ? BandRows : 1; }
+    [[nodiscard]] int groupRows(int g) const {
+        return g < bands_ ? BandRows : 1;
+    }
 
     // Group g trailing the group above through the gate. False where it
     // gave up, the run having stopped.
@@ -354,12 +371,42 @@ class RowDiffusion {
         int grey1 = NoGrey;
         int grey2 = NoGrey;
     };
+#if defined(__SSE4_1__)
+    // The grey path in vector lanes, where InLanes. The lower row's pixels
+    // from x + Left to x + LowerRight are held in the top lanes of one
+    // vector, their colour bytes less 128, and one grey's shares on them
+    // are one signed saturating addition, its ties one more. Lane 0 of a
+    // grey's shares carries its share on the row, laid on the next pixel
+    // the same way; that pixel's grey is then worked out in the vector
+    // unit. The chain of greys runs through a byte offset into the records.
+    struct LaneCursor {
+        Pixel* row = nullptr;
+        Pixel* below = nullptr;
+        __m128i window{};
+        std::size_t before = 0; // the record of the pixel before: NoGrey's at first
+    };
+    // What a grey leads to, one record a grey (and NoGrey's: nothing).
+    struct alignas(64) LaneRecord {
+        __m128i shares{}; // signed bytes: lane 0 on the row, the others below
+        __m128i ties{};   // a one in each colour byte whose share is a half
+        Pixel settled = 0;
+        std::uint32_t byLanes = 0; // every share fits a signed byte and is known
+    };
+    static constexpr int FirstLane = 4 - Width; // the window's lane of x + Left
+#else
+    struct LaneCursor {};
+    struct LaneRecord {};
+#endif
 
     template <typename Body>
     void withCursor(Body&& body) {
         if constexpr (GreyPath) {
             if (byGrey_ != nullptr) {
-                body.template operator()<GreyCursor>();
+                if constexpr (InLanes) {
+                    body.template operator()<LaneCursor>();
+                } else {
+                    body.template operator()<GreyCursor>();
+                }
                 return;
             }
         }
@@ -373,7 +420,9 @@ class RowDiffusion {
     [[nodiscard]] bool bandAt(int y) const {
         return y + BandRows - 1 + Rows <= bounds_.bottom - 1 && fastFrom_ <= fastTo_;
     }
-    [[nodiscard]] int bandsEnd() const { return bounds_.top + bands_ * BandRows; }
+    [[nodiscard]] int bandsEnd() const {
+        return bounds_.top + bands_ * BandRows;
+    }
     [[nodiscard]] int countBands() const {
         int n = 0;
         while (bandAt(bounds_.top + n * BandRows))
@@ -577,6 +626,127 @@ class RowDiffusion {
             row[to + 2] = spreadInto<false>(row[to + 2], kernel_, Second, (*byGrey_)(c.grey1));
     }
 
+#if defined(__SSE4_1__)
+    static __m128i laneBias() {
+        return _mm_set1_epi32(0x808080);
+    }
+
+    void laneRecord(std::size_t g, bool byLanes) {
+        alignas(16) std::array<Pixel, 4> shares{}, ties{};
+        for (std::size_t t = 0; t < Taps; ++t) {
+            const KernelTap& tap = Shape::Kernel.taps[t];
+            const auto lane = static_cast<std::size_t>(tap.dy == 0 ? 0 : FirstLane + tap.dx - Left);
+            shares[lane] = shareBytes_[t][g];
+            ties[lane] = Dyadic ? tie_[t][g] : 0;
+            // The share on the row must fit a signed byte too.
+            if (tap.dy == 0) {
+                for (int shift = 0; shift < 24; shift += 8) {
+                    const int floor = static_cast<std::int8_t>(shareBytes_[t][g] >> shift);
+                    const int wanted = static_cast<int>((add_[t][g] >> shift) & 0xFFu) -
+                                       static_cast<int>((take_[t][g] >> shift) & 0xFFu);
+                    byLanes = byLanes && floor == wanted;
+                }
+            }
+        }
+        LaneRecord& r = laneRecords_[g];
+        r.shares = _mm_load_si128(reinterpret_cast<const __m128i*>(shares.data()));
+        r.ties = _mm_load_si128(reinterpret_cast<const __m128i*>(ties.data()));
+        r.settled = settledGrey_[g];
+        r.byLanes = byLanes ? 1 : 0;
+    }
+
+    [[nodiscard, gnu::always_inline]] const LaneRecord& recordAt(std::size_t offset) const {
+        return *reinterpret_cast<const LaneRecord*>(
+            reinterpret_cast<const char*>(laneRecords_.data()) + offset);
+    }
+
+    void begin(LaneCursor& c) {
+        c.below = c.row + width_;
+        alignas(16) std::array<Pixel, 4> lanes{};
+        for (int i = 0; i + 1 < Width; ++i)
+            lanes[static_cast<std::size_t>(FirstLane + 1 + i)] = c.below[fastFrom_ + Left + i];
+        c.window = _mm_xor_si128(_mm_load_si128(reinterpret_cast<const __m128i*>(lanes.data())),
+                                 laneBias());
+        c.before = NoGrey * sizeof(LaneRecord);
+    }
+
+    [[gnu::always_inline]] void step(LaneCursor& c, int x) {
+        const __m128i bias = laneBias();
+        // The lower row's next column comes in at the top lane.
+        const __m128i entering = _mm_xor_si128(
+            _mm_cvtsi32_si128(static_cast<int>(c.below[x + Shape::LowerRight])), bias);
+        c.window = _mm_alignr_epi8(entering, c.window, 4);
+        // Entry 0 after the share on the row, and its grey: 30 r + 59 g +
+        // 11 b from the bytes less 128, and a division by 100 as a multiply
+        // exact for every sum that occurs. The sum ends in 50 where the
+        // low bits of the product come out below one hundredth.
+        const Pixel stored = c.row[x];
+        const LaneRecord& before = recordAt(c.before);
+        __m128i own = _mm_xor_si128(_mm_cvtsi32_si128(static_cast<int>(stored)), bias);
+        own = _mm_adds_epi8(own, before.shares);
+        if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.ties));
+        const __m128i sums =
+            _mm_madd_epi16(_mm_maddubs_epi16(_mm_set1_epi32(0x1E3B0B), own), _mm_set1_epi16(1));
+        constexpr std::uint32_t Hundredth = 41944; // 2^22 / 100, rounded up
+        const std::uint32_t product =
+            static_cast<std::uint32_t>(_mm_cvtsi128_si32(sums) + 128 * 100 + 50) * Hundredth;
+        std::size_t offset = (product >> 16) & ~std::size_t{63};
+        static_assert(sizeof(LaneRecord) == 64);
+        if ((product << 10) < (Hundredth << 10)) [[unlikely]] {
+            const Pixel p = static_cast<Pixel>(_mm_cvtsi128_si32(_mm_xor_si128(own, bias)));
+            offset = static_cast<std::size_t>(ditherGrey(redOf(p), greenOf(p), blueOf(p))) *
+                     sizeof(LaneRecord);
+        }
+        const LaneRecord& now = recordAt(offset);
+        c.row[x] = (stored & 0xFF000000u) | now.settled;
+        if (now.byLanes != 0) [[likely]] {
+            c.window = _mm_adds_epi8(c.window, now.shares);
+            if constexpr (Dyadic)
+                c.window = _mm_adds_epi8(c.window, _mm_and_si128(c.window, now.ties));
+            c.before = offset;
+        } else {
+            laneExact(c, x, static_cast<int>(offset / sizeof(LaneRecord)));
+        }
+        c.below[x + Left] =
+            static_cast<Pixel>(_mm_extract_epi32(_mm_xor_si128(c.window, bias), FirstLane));
+    }
+
+    // A grey whose shares the bytes cannot carry: each share worked out
+    // as it stands, in list order, the one on the row laid on the next
+    // pixel at once (the pixel before it left nothing held).
+    [[gnu::noinline]] void laneExact(LaneCursor& c, int x, int grey) {
+        const Quantised q = (*byGrey_)(grey);
+        alignas(16) std::array<Pixel, 4> lanes{};
+        _mm_store_si128(reinterpret_cast<__m128i*>(lanes.data()),
+                        _mm_xor_si128(c.window, laneBias()));
+        for (std::size_t t = 0; t < Taps; ++t) {
+            const KernelTap& tap = Shape::Kernel.taps[t];
+            Pixel& p = tap.dy == 0 ? c.row[x + tap.dx]
+                                   : lanes[static_cast<std::size_t>(FirstLane + tap.dx - Left)];
+            p = spreadInto<false>(p, kernel_, t, q);
+        }
+        c.window = _mm_xor_si128(_mm_load_si128(reinterpret_cast<const __m128i*>(lanes.data())),
+                                 laneBias());
+        c.before = NoGrey * sizeof(LaneRecord);
+    }
+
+    void finish(LaneCursor& c, int to) {
+        alignas(16) std::array<Pixel, 4> lanes{};
+        _mm_store_si128(reinterpret_cast<__m128i*>(lanes.data()),
+                        _mm_xor_si128(c.window, laneBias()));
+        for (int i = 0; i + 1 < Width; ++i)
+            c.below[to + 1 + Left + i] = lanes[static_cast<std::size_t>(FirstLane + 1 + i)];
+        const std::size_t before = c.before / sizeof(LaneRecord);
+        if (before != NoGrey)
+            c.row[to + 1] = spreadInto<false>(c.row[to + 1], kernel_, Next,
+                                              (*byGrey_)(static_cast<int>(before)));
+    }
+#else
+    void begin(LaneCursor&) {}
+    void step(LaneCursor&, int) {}
+    void finish(LaneCursor&, int) {}
+#endif
+
     template <std::size_t Tap, typename Window>
     [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel shareBytes, Pixel tie) {
         constexpr KernelTap t = Shape::Kernel.taps[Tap];
@@ -688,6 +858,8 @@ class RowDiffusion {
     std::array<Pixel, 256> settledGrey_{};
     std::array<bool, 256> byShifts_{};
     std::array<std::array<Pixel, 256>, Taps> shareBytes_{};
+    // Where InLanes: by grey, and NoGrey's record of nothing.
+    std::array<LaneRecord, InLanes ? 257 : 1> laneRecords_{};
 };
 
 } // namespace lumiran::diffusion

@@ -20,6 +20,36 @@
 
 namespace lumiran::diffusion {
 
+// round(h / 100) for h = 30 r + 59 g + 11 b, 0..25500, as one multiply:
+// the product of h + 50 and 2^22 / 100 rounded up is exact at that
+// range, its low 22 bits under one hundredth where h ends in 50 (there
+// the dither grey rounds the double sum).
+inline constexpr std::uint32_t Hundredth = 41944;
+[[nodiscard]] constexpr std::uint32_t hundredths(int h) {
+    return static_cast<std::uint32_t>(h + 50) * Hundredth;
+}
+[[nodiscard]] constexpr int greyOf(std::uint32_t hundredths) {
+    return static_cast<int>(hundredths >> 22);
+}
+[[nodiscard]] constexpr bool endsIn50(std::uint32_t hundredths) {
+    return (hundredths << 10) < (Hundredth << 10);
+}
+
+#if defined(__SSE4_1__)
+// hundredths of the pixel in lane 0, its colour bytes held less 128 each:
+// 30 r + 59 g + 11 b by two multiply-adds, the spare byte weighing nothing.
+[[nodiscard, gnu::always_inline]] inline std::uint32_t heldHundredths(__m128i held) {
+    const __m128i pairs = _mm_maddubs_epi16(_mm_set1_epi32(0x1E3B0B), held);
+    return hundredths(_mm_cvtsi128_si32(_mm_madd_epi16(pairs, _mm_set1_epi16(1))) + 100 * 128);
+}
+// Its dither grey where the sum ends in 50.
+[[nodiscard]] inline int heldTiedGrey(__m128i held) {
+    const auto p =
+        static_cast<Pixel>(_mm_cvtsi128_si32(_mm_xor_si128(held, _mm_set1_epi32(0x808080))));
+    return ditherGrey(redOf(p), greenOf(p), blueOf(p));
+}
+#endif
+
 // Entry 0's new colour and the error each channel hands on.
 struct Quantised {
     int grey = 0; // the grey quantised, where entry 0 was quantised by its grey
@@ -676,27 +706,17 @@ class RowDiffusion {
         const __m128i entering = _mm_xor_si128(
             _mm_cvtsi32_si128(static_cast<int>(c.below[x + Shape::LowerRight])), bias);
         c.window = _mm_alignr_epi8(entering, c.window, 4);
-        // Entry 0 after the share on the row, and its grey: 30 r + 59 g +
-        // 11 b from the bytes less 128, and a division by 100 as a multiply
-        // exact for every sum that occurs. The sum ends in 50 where the
-        // low bits of the product come out below one hundredth.
+        // Entry 0 after the share on the row, and its grey.
         const Pixel stored = c.row[x];
         const LaneRecord& before = recordAt(c.before);
         __m128i own = _mm_xor_si128(_mm_cvtsi32_si128(static_cast<int>(stored)), bias);
         own = _mm_adds_epi8(own, before.shares);
         if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.ties));
-        const __m128i sums =
-            _mm_madd_epi16(_mm_maddubs_epi16(_mm_set1_epi32(0x1E3B0B), own), _mm_set1_epi16(1));
-        constexpr std::uint32_t Hundredth = 41944; // 2^22 / 100, rounded up
-        const std::uint32_t product =
-            static_cast<std::uint32_t>(_mm_cvtsi128_si32(sums) + 128 * 100 + 50) * Hundredth;
-        std::size_t offset = (product >> 16) & ~std::size_t{63};
+        const std::uint32_t product = heldHundredths(own);
+        std::size_t offset = (product >> 16) & ~std::size_t{63}; // the grey times 64
         static_assert(sizeof(LaneRecord) == 64);
-        if ((product << 10) < (Hundredth << 10)) [[unlikely]] {
-            const Pixel p = static_cast<Pixel>(_mm_cvtsi128_si32(_mm_xor_si128(own, bias)));
-            offset = static_cast<std::size_t>(ditherGrey(redOf(p), greenOf(p), blueOf(p))) *
-                     sizeof(LaneRecord);
-        }
+        if (endsIn50(product)) [[unlikely]]
+            offset = static_cast<std::size_t>(heldTiedGrey(own)) * sizeof(LaneRecord);
         const LaneRecord& now = recordAt(offset);
         c.row[x] = (stored & 0xFF000000u) | now.settled;
         if (now.byLanes != 0) [[likely]] {

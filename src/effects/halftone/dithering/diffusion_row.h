@@ -281,13 +281,16 @@ class RowDiffusion {
     // Weights of a power-of-two divisor are exact in binary, so a share
     // that is a half is exactly one and rounds to even by old's parity.
     static constexpr bool Dyadic = (Shape::Kernel.divisor & (Shape::Kernel.divisor - 1)) == 0;
-    // One lower row of at most three columns and one share on the row
-    // (Floyd & Steinberg): the lower row's held pixels fit one vector with
-    // a lane to spare, which carries the share on the row.
+    // One lower row of at most four columns and one share on the row
+    // (Floyd & Steinberg, Shiau & Fan): the lower row's held pixels fit one
+    // vector, and with a lane to spare that lane carries the share on the
+    // row, else a vector of its own does.
 #if defined(__SSE4_1__)
-    static constexpr bool InLanes = Rows == 1 && Width <= 3 && Second < 0 && Next >= 0;
+    static constexpr bool InLanes = Rows == 1 && Width <= 4 && Second < 0 && Next >= 0;
+    static constexpr bool OwnApart = Width == 4;
 #else
     static constexpr bool InLanes = false;
+    static constexpr bool OwnApart = false;
 #endif
 
   public:
@@ -406,9 +409,10 @@ class RowDiffusion {
     // from x + Left to x + LowerRight are held in the top lanes of one
     // vector, their colour bytes less 128, and one grey's shares on them
     // are one signed saturating addition, its ties one more. Lane 0 of a
-    // grey's shares carries its share on the row, laid on the next pixel
-    // the same way; that pixel's grey is then worked out in the vector
-    // unit. The chain of greys runs through a byte offset into the records.
+    // grey's shares (or of its own shares, OwnApart) carries its share on
+    // the row, laid on the next pixel the same way; that pixel's grey is
+    // then worked out in the vector unit. The chain of greys runs through a
+    // byte offset into the records.
     struct LaneCursor {
         Pixel* row = nullptr;
         Pixel* below = nullptr;
@@ -419,10 +423,13 @@ class RowDiffusion {
     struct alignas(64) LaneRecord {
         __m128i shares{}; // signed bytes: lane 0 on the row, the others below
         __m128i ties{};   // a one in each colour byte whose share is a half
+        std::array<__m128i, OwnApart ? 2 : 0> own{}; // the share on the row and its tie
         Pixel settled = 0;
         std::uint32_t byLanes = 0; // every share fits a signed byte and is known
     };
     static constexpr int FirstLane = 4 - Width; // the window's lane of x + Left
+    static constexpr int RecordShift = OwnApart ? 7 : 6;
+    static_assert(sizeof(LaneRecord) == std::size_t{1} << RecordShift);
 #else
     struct LaneCursor {};
     struct LaneRecord {};
@@ -662,12 +669,13 @@ class RowDiffusion {
     }
 
     void laneRecord(std::size_t g, bool byLanes) {
-        alignas(16) std::array<Pixel, 4> shares{}, ties{};
+        alignas(16) std::array<Pixel, 4> shares{}, ties{}, ownShares{}, ownTies{};
         for (std::size_t t = 0; t < Taps; ++t) {
             const KernelTap& tap = Shape::Kernel.taps[t];
             const auto lane = static_cast<std::size_t>(tap.dy == 0 ? 0 : FirstLane + tap.dx - Left);
-            shares[lane] = shareBytes_[t][g];
-            ties[lane] = Dyadic ? tie_[t][g] : 0;
+            const bool apart = OwnApart && tap.dy == 0;
+            (apart ? ownShares : shares)[lane] = shareBytes_[t][g];
+            (apart ? ownTies : ties)[lane] = Dyadic ? tie_[t][g] : 0;
             // The share on the row must fit a signed byte too.
             if (tap.dy == 0) {
                 for (int shift = 0; shift < 24; shift += 8) {
@@ -681,6 +689,10 @@ class RowDiffusion {
         LaneRecord& r = laneRecords_[g];
         r.shares = _mm_load_si128(reinterpret_cast<const __m128i*>(shares.data()));
         r.ties = _mm_load_si128(reinterpret_cast<const __m128i*>(ties.data()));
+        if constexpr (OwnApart) {
+            r.own[0] = _mm_load_si128(reinterpret_cast<const __m128i*>(ownShares.data()));
+            r.own[1] = _mm_load_si128(reinterpret_cast<const __m128i*>(ownTies.data()));
+        }
         r.settled = settledGrey_[g];
         r.byLanes = byLanes ? 1 : 0;
     }
@@ -710,11 +722,16 @@ class RowDiffusion {
         const Pixel stored = c.row[x];
         const LaneRecord& before = recordAt(c.before);
         __m128i own = _mm_xor_si128(_mm_cvtsi32_si128(static_cast<int>(stored)), bias);
-        own = _mm_adds_epi8(own, before.shares);
-        if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.ties));
+        if constexpr (OwnApart) {
+            own = _mm_adds_epi8(own, before.own[0]);
+            if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.own[1]));
+        } else {
+            own = _mm_adds_epi8(own, before.shares);
+            if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.ties));
+        }
         const std::uint32_t product = heldHundredths(own);
-        std::size_t offset = (product >> 16) & ~std::size_t{63}; // the grey times 64
-        static_assert(sizeof(LaneRecord) == 64);
+        // The grey times the record's size.
+        std::size_t offset = (product >> (22 - RecordShift)) & ~(sizeof(LaneRecord) - 1);
         if (endsIn50(product)) [[unlikely]]
             offset = static_cast<std::size_t>(heldTiedGrey(own)) * sizeof(LaneRecord);
         const LaneRecord& now = recordAt(offset);

@@ -742,7 +742,8 @@ class RowDiffusion {
                 c.window = _mm_adds_epi8(c.window, _mm_and_si128(c.window, now.ties));
             c.before = offset;
         } else {
-            laneExact(c, x, static_cast<int>(offset / sizeof(LaneRecord)));
+            c.window = laneExact(c.row, c.window, x, static_cast<int>(offset / sizeof(LaneRecord)));
+            c.before = NoGrey * sizeof(LaneRecord);
         }
         c.below[x + Left] =
             static_cast<Pixel>(_mm_extract_epi32(_mm_xor_si128(c.window, bias), FirstLane));
@@ -751,20 +752,21 @@ class RowDiffusion {
     // A grey whose shares the bytes cannot carry: each share worked out
     // as it stands, in list order, the one on the row laid on the next
     // pixel at once (the pixel before it left nothing held).
-    [[gnu::noinline]] void laneExact(LaneCursor& c, int x, int grey) {
+    // Gives the window after the shares. The cursor stays in registers:
+    // nothing of it is passed by address.
+    [[gnu::noinline]] __m128i laneExact(Pixel* row, __m128i window, int x, int grey) const {
         const Quantised q = (*byGrey_)(grey);
         alignas(16) std::array<Pixel, 4> lanes{};
         _mm_store_si128(reinterpret_cast<__m128i*>(lanes.data()),
-                        _mm_xor_si128(c.window, laneBias()));
+                        _mm_xor_si128(window, laneBias()));
         for (std::size_t t = 0; t < Taps; ++t) {
             const KernelTap& tap = Shape::Kernel.taps[t];
-            Pixel& p = tap.dy == 0 ? c.row[x + tap.dx]
+            Pixel& p = tap.dy == 0 ? row[x + tap.dx]
                                    : lanes[static_cast<std::size_t>(FirstLane + tap.dx - Left)];
             p = spreadInto<false>(p, kernel_, t, q);
         }
-        c.window = _mm_xor_si128(_mm_load_si128(reinterpret_cast<const __m128i*>(lanes.data())),
-                                 laneBias());
-        c.before = NoGrey * sizeof(LaneRecord);
+        return _mm_xor_si128(_mm_load_si128(reinterpret_cast<const __m128i*>(lanes.data())),
+                             laneBias());
     }
 
     void finish(LaneCursor& c, int to) {

@@ -419,11 +419,17 @@ class RowDiffusion {
         __m128i window{};
         std::size_t before = 0; // the record of the pixel before: NoGrey's at first
     };
+    // The share on the row and its tie where it has a vector of its own.
+    struct OwnShare {
+        __m128i share{};
+        __m128i tie{};
+    };
+    struct NoOwnShare {};
     // What a grey leads to, one record a grey (and NoGrey's: nothing).
     struct alignas(64) LaneRecord {
         __m128i shares{}; // signed bytes: lane 0 on the row, the others below
         __m128i ties{};   // a one in each colour byte whose share is a half
-        std::array<__m128i, OwnApart ? 2 : 0> own{}; // the share on the row and its tie
+        std::conditional_t<OwnApart, OwnShare, NoOwnShare> own{};
         Pixel settled = 0;
         std::uint32_t byLanes = 0; // every share fits a signed byte and is known
     };
@@ -690,8 +696,8 @@ class RowDiffusion {
         r.shares = _mm_load_si128(reinterpret_cast<const __m128i*>(shares.data()));
         r.ties = _mm_load_si128(reinterpret_cast<const __m128i*>(ties.data()));
         if constexpr (OwnApart) {
-            r.own[0] = _mm_load_si128(reinterpret_cast<const __m128i*>(ownShares.data()));
-            r.own[1] = _mm_load_si128(reinterpret_cast<const __m128i*>(ownTies.data()));
+            r.own.share = _mm_load_si128(reinterpret_cast<const __m128i*>(ownShares.data()));
+            r.own.tie = _mm_load_si128(reinterpret_cast<const __m128i*>(ownTies.data()));
         }
         r.settled = settledGrey_[g];
         r.byLanes = byLanes ? 1 : 0;
@@ -723,8 +729,8 @@ class RowDiffusion {
         const LaneRecord& before = recordAt(c.before);
         __m128i own = _mm_xor_si128(_mm_cvtsi32_si128(static_cast<int>(stored)), bias);
         if constexpr (OwnApart) {
-            own = _mm_adds_epi8(own, before.own[0]);
-            if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.own[1]));
+            own = _mm_adds_epi8(own, before.own.share);
+            if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.own.tie));
         } else {
             own = _mm_adds_epi8(own, before.shares);
             if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.ties));
@@ -781,6 +787,7 @@ class RowDiffusion {
                                               (*byGrey_)(static_cast<int>(before)));
     }
 #else
+    void laneRecord(std::size_t, bool) {}
     void begin(LaneCursor&) {}
     void step(LaneCursor&, int) {}
     void finish(LaneCursor&, int) {}

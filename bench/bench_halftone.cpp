@@ -40,10 +40,11 @@ void runHalftone(benchmark::State& state, const Surface& picture, Call call) {
 // the error diffusions and the random dither. The array is fetched afresh
 // before each pass.
 template <typename Call>
-void runOneArray(benchmark::State& state, const Surface& picture, Call call) {
+void runOneArray(benchmark::State& state, const Surface& picture, Call call, int threads = 0) {
     CancelFlag cancel{0};
     RandomGenerator random;
     RunContext context(cancel, random);
+    if (threads > 0) context.threading.threads = threads;
     Class_Dithering effect(context);
     for (auto _ : state) {
         state.PauseTiming();
@@ -134,6 +135,15 @@ void BM_Halftone_ErrorDiffusePhoto(benchmark::State& state) {
                 [](Class_Dithering& e) { e.Dither_ErrorDiffuse(1, 0, 0, Side, Side, 0, 2); });
 }
 BENCHMARK(BM_Halftone_ErrorDiffusePhoto)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
+
+// Floyd & Steinberg in mono on the calling thread alone: against the row
+// above, what the second thread gains.
+void BM_Halftone_ErrorDiffuseOneThread(benchmark::State& state) {
+    runOneArray(
+        state, bench::randomColourPicture(),
+        [](Class_Dithering& e) { e.Dither_ErrorDiffuse(1, 0, 0, Side, Side, 0, 2); }, 1);
+}
+BENCHMARK(BM_Halftone_ErrorDiffuseOneThread)->Unit(benchmark::kMillisecond);
 
 void BM_Halftone_RandomDither(benchmark::State& state) {
     ditherInPlace(

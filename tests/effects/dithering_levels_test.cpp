@@ -1,4 +1,5 @@
 // The level tables of the dithers and their grey.
+#include "effects/halftone/dithering/diffusion_row.h"
 #include "effects/halftone/dithering/level_tables.h"
 
 #include <cmath>
@@ -108,6 +109,37 @@ TEST(DitherGrey, AgreesWithTheDoubleSumForEveryColour) {
     }
     EXPECT_EQ(differences, 0);
 }
+
+TEST(DitherGrey, OneMultiplyDividesEveryHundredfoldSumAndFindsItsTies) {
+    int differences = 0;
+    for (int h = 0; h <= 100 * 255; ++h) {
+        const std::uint32_t product = diffusion::hundredths(h);
+        differences += diffusion::greyOf(product) != (h + 50) / 100;
+        differences += diffusion::endsIn50(product) != (h % 100 == 50);
+    }
+    EXPECT_EQ(differences, 0);
+}
+
+#if defined(__SSE4_1__)
+TEST(DitherGrey, HeldBytesGiveTheGreyOfEveryColour) {
+    // The bytes held less 128 in a vector lane; the spare byte must not count.
+    int differences = 0;
+    for (int r = 0; r < 256; ++r) {
+        for (int g = 0; g < 256; ++g) {
+            for (int b = 0; b < 256; ++b) {
+                const __m128i held =
+                    _mm_cvtsi32_si128(static_cast<int>(0xA5808080u ^ makePixel(r, g, b)));
+                const int h = 30 * r + 59 * g + 11 * b;
+                const std::uint32_t product = diffusion::heldHundredths(held);
+                differences += diffusion::greyOf(product) != (h + 50) / 100;
+                differences += diffusion::endsIn50(product) != (h % 100 == 50);
+                differences += diffusion::heldTiedGrey(held) != ditherGrey(r, g, b);
+            }
+        }
+    }
+    EXPECT_EQ(differences, 0);
+}
+#endif
 
 } // namespace
 } // namespace lumiran

@@ -12,11 +12,43 @@
 #include <type_traits>
 #include <utility>
 
-#if defined(__SSE2__)
+#if defined(__SSE4_1__)
+#include <smmintrin.h>
+#elif defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
 namespace lumiran::diffusion {
+
+// round(h / 100) for h = 30 r + 59 g + 11 b, 0..25500, as one multiply:
+// the product of h + 50 and 2^22 / 100 rounded up is exact at that
+// range, its low 22 bits under one hundredth where h ends in 50 (there
+// the dither grey rounds the double sum).
+inline constexpr std::uint32_t Hundredth = 41944;
+[[nodiscard]] constexpr std::uint32_t hundredths(int h) {
+    return static_cast<std::uint32_t>(h + 50) * Hundredth;
+}
+[[nodiscard]] constexpr int greyOf(std::uint32_t hundredths) {
+    return static_cast<int>(hundredths >> 22);
+}
+[[nodiscard]] constexpr bool endsIn50(std::uint32_t hundredths) {
+    return (hundredths << 10) < (Hundredth << 10);
+}
+
+#if defined(__SSE4_1__)
+// hundredths of the pixel in lane 0, its colour bytes held less 128 each:
+// 30 r + 59 g + 11 b by two multiply-adds, the spare byte weighing nothing.
+[[nodiscard, gnu::always_inline]] inline std::uint32_t heldHundredths(__m128i held) {
+    const __m128i pairs = _mm_maddubs_epi16(_mm_set1_epi32(0x1E3B0B), held);
+    return hundredths(_mm_cvtsi128_si32(_mm_madd_epi16(pairs, _mm_set1_epi16(1))) + 100 * 128);
+}
+// Its dither grey where the sum ends in 50.
+[[nodiscard]] inline int heldTiedGrey(__m128i held) {
+    const auto p =
+        static_cast<Pixel>(_mm_cvtsi128_si32(_mm_xor_si128(held, _mm_set1_epi32(0x808080))));
+    return ditherGrey(redOf(p), greenOf(p), blueOf(p));
+}
+#endif
 
 // Entry 0's new colour and the error each channel hands on.
 struct Quantised {
@@ -249,6 +281,17 @@ class RowDiffusion {
     // Weights of a power-of-two divisor are exact in binary, so a share
     // that is a half is exactly one and rounds to even by old's parity.
     static constexpr bool Dyadic = (Shape::Kernel.divisor & (Shape::Kernel.divisor - 1)) == 0;
+    // One lower row of at most four columns and one share on the row
+    // (Floyd & Steinberg, Shiau & Fan): the lower row's held pixels fit one
+    // vector, and with a lane to spare that lane carries the share on the
+    // row, else a vector of its own does.
+#if defined(__SSE4_1__)
+    static constexpr bool InLanes = Rows == 1 && Width <= 4 && Second < 0 && Next >= 0;
+    static constexpr bool OwnApart = Width == 4;
+#else
+    static constexpr bool InLanes = false;
+    static constexpr bool OwnApart = false;
+#endif
 
   public:
     static constexpr int BandRows = 4;
@@ -296,12 +339,15 @@ class RowDiffusion {
                         bytes([](const Share& c) { return static_cast<std::uint8_t>(c.floor); });
                 }
                 byShifts_[g] = carried;
+                if constexpr (InLanes) laneRecord(g, carried && !ownExact_[g]);
             }
         }
     }
 
     // One row alone.
-    void run(int y) { (void)runRow(y, NoGate{}); }
+    void run(int y) {
+        (void)runRow(y, NoGate{});
+    }
 
     // The rows from y on: a band of BandRows where no share of theirs is
     // clamped onto a lower row, else row y alone. Gives the rows done.
@@ -316,11 +362,15 @@ class RowDiffusion {
 
     // The rows as groups from the top, as runFrom takes them: bands while
     // they fit, then the rows one at a time.
-    [[nodiscard]] int groups() const { return bands_ + (bounds_.bottom - bandsEnd()); }
+    [[nodiscard]] int groups() const {
+        return bands_ + (bounds_.bottom - bandsEnd());
+    }
     [[nodiscard]] int groupTop(int g) const {
         return g < bands_ ? bounds_.top + g * BandRows : bandsEnd() + (g - bands_);
     }
-    [[nodiscard]] int groupRows(int g) const { return g < bands_ ? BandRows : 1; }
+    [[nodiscard]] int groupRows(int g) const {
+        return g < bands_ ? BandRows : 1;
+    }
 
     // Group g trailing the group above through the gate. False where it
     // gave up, the run having stopped.
@@ -354,12 +404,52 @@ class RowDiffusion {
         int grey1 = NoGrey;
         int grey2 = NoGrey;
     };
+#if defined(__SSE4_1__)
+    // The grey path in vector lanes, where InLanes. The lower row's pixels
+    // from x + Left to x + LowerRight are held in the top lanes of one
+    // vector, their colour bytes less 128, and one grey's shares on them
+    // are one signed saturating addition, its ties one more. Lane 0 of a
+    // grey's shares (or of its own shares, OwnApart) carries its share on
+    // the row, laid on the next pixel the same way; that pixel's grey is
+    // then worked out in the vector unit. The chain of greys runs through a
+    // byte offset into the records.
+    struct LaneCursor {
+        Pixel* row = nullptr;
+        Pixel* below = nullptr;
+        __m128i window{};
+        std::size_t before = 0; // the record of the pixel before: NoGrey's at first
+    };
+    // The share on the row and its tie where it has a vector of its own.
+    struct OwnShare {
+        __m128i share{};
+        __m128i tie{};
+    };
+    struct NoOwnShare {};
+    // What a grey leads to, one record a grey (and NoGrey's: nothing).
+    struct alignas(64) LaneRecord {
+        __m128i shares{}; // signed bytes: lane 0 on the row, the others below
+        __m128i ties{};   // a one in each colour byte whose share is a half
+        std::conditional_t<OwnApart, OwnShare, NoOwnShare> own{};
+        Pixel settled = 0;
+        std::uint32_t byLanes = 0; // every share fits a signed byte and is known
+    };
+    static constexpr int FirstLane = 4 - Width; // the window's lane of x + Left
+    static constexpr int RecordShift = OwnApart ? 7 : 6;
+    static_assert(sizeof(LaneRecord) == std::size_t{1} << RecordShift);
+#else
+    struct LaneCursor {};
+    struct LaneRecord {};
+#endif
 
     template <typename Body>
     void withCursor(Body&& body) {
         if constexpr (GreyPath) {
             if (byGrey_ != nullptr) {
-                body.template operator()<GreyCursor>();
+                if constexpr (InLanes) {
+                    body.template operator()<LaneCursor>();
+                } else {
+                    body.template operator()<GreyCursor>();
+                }
                 return;
             }
         }
@@ -373,7 +463,9 @@ class RowDiffusion {
     [[nodiscard]] bool bandAt(int y) const {
         return y + BandRows - 1 + Rows <= bounds_.bottom - 1 && fastFrom_ <= fastTo_;
     }
-    [[nodiscard]] int bandsEnd() const { return bounds_.top + bands_ * BandRows; }
+    [[nodiscard]] int bandsEnd() const {
+        return bounds_.top + bands_ * BandRows;
+    }
     [[nodiscard]] int countBands() const {
         int n = 0;
         while (bandAt(bounds_.top + n * BandRows))
@@ -577,6 +669,130 @@ class RowDiffusion {
             row[to + 2] = spreadInto<false>(row[to + 2], kernel_, Second, (*byGrey_)(c.grey1));
     }
 
+#if defined(__SSE4_1__)
+    static __m128i laneBias() {
+        return _mm_set1_epi32(0x808080);
+    }
+
+    void laneRecord(std::size_t g, bool byLanes) {
+        alignas(16) std::array<Pixel, 4> shares{}, ties{}, ownShares{}, ownTies{};
+        for (std::size_t t = 0; t < Taps; ++t) {
+            const KernelTap& tap = Shape::Kernel.taps[t];
+            const auto lane = static_cast<std::size_t>(tap.dy == 0 ? 0 : FirstLane + tap.dx - Left);
+            const bool apart = OwnApart && tap.dy == 0;
+            (apart ? ownShares : shares)[lane] = shareBytes_[t][g];
+            (apart ? ownTies : ties)[lane] = Dyadic ? tie_[t][g] : 0;
+            // The share on the row must fit a signed byte too.
+            if (tap.dy == 0) {
+                for (int shift = 0; shift < 24; shift += 8) {
+                    const int floor = static_cast<std::int8_t>(shareBytes_[t][g] >> shift);
+                    const int wanted = static_cast<int>((add_[t][g] >> shift) & 0xFFu) -
+                                       static_cast<int>((take_[t][g] >> shift) & 0xFFu);
+                    byLanes = byLanes && floor == wanted;
+                }
+            }
+        }
+        LaneRecord& r = laneRecords_[g];
+        r.shares = _mm_load_si128(reinterpret_cast<const __m128i*>(shares.data()));
+        r.ties = _mm_load_si128(reinterpret_cast<const __m128i*>(ties.data()));
+        if constexpr (OwnApart) {
+            r.own.share = _mm_load_si128(reinterpret_cast<const __m128i*>(ownShares.data()));
+            r.own.tie = _mm_load_si128(reinterpret_cast<const __m128i*>(ownTies.data()));
+        }
+        r.settled = settledGrey_[g];
+        r.byLanes = byLanes ? 1 : 0;
+    }
+
+    [[nodiscard, gnu::always_inline]] const LaneRecord& recordAt(std::size_t offset) const {
+        return *reinterpret_cast<const LaneRecord*>(
+            reinterpret_cast<const char*>(laneRecords_.data()) + offset);
+    }
+
+    void begin(LaneCursor& c) {
+        c.below = c.row + width_;
+        alignas(16) std::array<Pixel, 4> lanes{};
+        for (int i = 0; i + 1 < Width; ++i)
+            lanes[static_cast<std::size_t>(FirstLane + 1 + i)] = c.below[fastFrom_ + Left + i];
+        c.window = _mm_xor_si128(_mm_load_si128(reinterpret_cast<const __m128i*>(lanes.data())),
+                                 laneBias());
+        c.before = NoGrey * sizeof(LaneRecord);
+    }
+
+    [[gnu::always_inline]] void step(LaneCursor& c, int x) {
+        const __m128i bias = laneBias();
+        // The lower row's next column comes in at the top lane.
+        const __m128i entering = _mm_xor_si128(
+            _mm_cvtsi32_si128(static_cast<int>(c.below[x + Shape::LowerRight])), bias);
+        c.window = _mm_alignr_epi8(entering, c.window, 4);
+        // Entry 0 after the share on the row, and its grey.
+        const Pixel stored = c.row[x];
+        const LaneRecord& before = recordAt(c.before);
+        __m128i own = _mm_xor_si128(_mm_cvtsi32_si128(static_cast<int>(stored)), bias);
+        if constexpr (OwnApart) {
+            own = _mm_adds_epi8(own, before.own.share);
+            if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.own.tie));
+        } else {
+            own = _mm_adds_epi8(own, before.shares);
+            if constexpr (Dyadic) own = _mm_adds_epi8(own, _mm_and_si128(own, before.ties));
+        }
+        const std::uint32_t product = heldHundredths(own);
+        // The grey times the record's size.
+        std::size_t offset = (product >> (22 - RecordShift)) & ~(sizeof(LaneRecord) - 1);
+        if (endsIn50(product)) [[unlikely]]
+            offset = static_cast<std::size_t>(heldTiedGrey(own)) * sizeof(LaneRecord);
+        const LaneRecord& now = recordAt(offset);
+        c.row[x] = (stored & 0xFF000000u) | now.settled;
+        if (now.byLanes != 0) [[likely]] {
+            c.window = _mm_adds_epi8(c.window, now.shares);
+            if constexpr (Dyadic)
+                c.window = _mm_adds_epi8(c.window, _mm_and_si128(c.window, now.ties));
+            c.before = offset;
+        } else {
+            c.window = laneExact(c.row, c.window, x, static_cast<int>(offset / sizeof(LaneRecord)));
+            c.before = NoGrey * sizeof(LaneRecord);
+        }
+        c.below[x + Left] =
+            static_cast<Pixel>(_mm_extract_epi32(_mm_xor_si128(c.window, bias), FirstLane));
+    }
+
+    // A grey whose shares the bytes cannot carry: each share worked out
+    // as it stands, in list order, the one on the row laid on the next
+    // pixel at once (the pixel before it left nothing held).
+    // Gives the window after the shares. The cursor stays in registers:
+    // nothing of it is passed by address.
+    [[gnu::noinline]] __m128i laneExact(Pixel* row, __m128i window, int x, int grey) const {
+        const Quantised q = (*byGrey_)(grey);
+        alignas(16) std::array<Pixel, 4> lanes{};
+        _mm_store_si128(reinterpret_cast<__m128i*>(lanes.data()),
+                        _mm_xor_si128(window, laneBias()));
+        for (std::size_t t = 0; t < Taps; ++t) {
+            const KernelTap& tap = Shape::Kernel.taps[t];
+            Pixel& p = tap.dy == 0 ? row[x + tap.dx]
+                                   : lanes[static_cast<std::size_t>(FirstLane + tap.dx - Left)];
+            p = spreadInto<false>(p, kernel_, t, q);
+        }
+        return _mm_xor_si128(_mm_load_si128(reinterpret_cast<const __m128i*>(lanes.data())),
+                             laneBias());
+    }
+
+    void finish(LaneCursor& c, int to) {
+        alignas(16) std::array<Pixel, 4> lanes{};
+        _mm_store_si128(reinterpret_cast<__m128i*>(lanes.data()),
+                        _mm_xor_si128(c.window, laneBias()));
+        for (int i = 0; i + 1 < Width; ++i)
+            c.below[to + 1 + Left + i] = lanes[static_cast<std::size_t>(FirstLane + 1 + i)];
+        const std::size_t before = c.before / sizeof(LaneRecord);
+        if (before != NoGrey)
+            c.row[to + 1] = spreadInto<false>(c.row[to + 1], kernel_, Next,
+                                              (*byGrey_)(static_cast<int>(before)));
+    }
+#else
+    void laneRecord(std::size_t, bool) {}
+    void begin(LaneCursor&) {}
+    void step(LaneCursor&, int) {}
+    void finish(LaneCursor&, int) {}
+#endif
+
     template <std::size_t Tap, typename Window>
     [[gnu::always_inline]] static void shareInWindow(Window& window, Pixel shareBytes, Pixel tie) {
         constexpr KernelTap t = Shape::Kernel.taps[Tap];
@@ -688,6 +904,8 @@ class RowDiffusion {
     std::array<Pixel, 256> settledGrey_{};
     std::array<bool, 256> byShifts_{};
     std::array<std::array<Pixel, 256>, Taps> shareBytes_{};
+    // Where InLanes: by grey, and NoGrey's record of nothing.
+    std::array<LaneRecord, InLanes ? 257 : 1> laneRecords_{};
 };
 
 } // namespace lumiran::diffusion

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <climits>
 #include <vector>
 
@@ -28,8 +30,8 @@ class RowGate {
     static constexpr int Block = 32;
 
     RowGate(const std::atomic<int>* above, std::atomic<int>& own, const std::atomic<bool>& stop,
-            std::atomic<int>& sleeps)
-        : above_(above), own_(own), stop_(stop), sleeps_(sleeps) {}
+            std::atomic<int>& slept)
+        : above_(above), own_(own), stop_(stop), slept_(slept) {}
 
     // False when the run stopped while waiting: the group must give up.
     [[nodiscard]] bool wait(int column) const {
@@ -43,8 +45,12 @@ class RowGate {
                 _mm_pause();
 #endif
             } else {
-                sleeps_.fetch_add(1, std::memory_order_relaxed);
+                const auto start = std::chrono::steady_clock::now();
                 above_->wait(seen, std::memory_order_acquire);
+                const auto slept = std::chrono::duration_cast<std::chrono::microseconds>(
+                    std::chrono::steady_clock::now() - start);
+                slept_.fetch_add(static_cast<int>(std::min<long long>(slept.count(), 1000000)),
+                                 std::memory_order_relaxed);
             }
             seen = above_->load(std::memory_order_acquire);
         }
@@ -60,7 +66,7 @@ class RowGate {
     const std::atomic<int>* above_;
     std::atomic<int>& own_;
     const std::atomic<bool>& stop_;
-    std::atomic<int>& sleeps_;
+    std::atomic<int>& slept_; // microseconds, all groups together
 };
 
 // The row groups of a run shared out to threads in top-to-bottom order.
@@ -86,11 +92,11 @@ class GroupRelay {
 
     [[nodiscard]] RowGate gate(int group) {
         const auto g = static_cast<std::size_t>(group);
-        return {group > 0 ? &reached_[g - 1].column : nullptr, reached_[g].column, stop_, sleeps_};
+        return {group > 0 ? &reached_[g - 1].column : nullptr, reached_[g].column, stop_, slept_};
     }
 
     [[nodiscard]] bool alone() const {
-        return sleeps_.load(std::memory_order_relaxed) >= SleepsBeforeAlone;
+        return slept_.load(std::memory_order_relaxed) >= SleepBeforeAlone;
     }
 
     // Every group still waiting wakes, finds the stop and gives up.
@@ -110,12 +116,15 @@ class GroupRelay {
         std::atomic<int> column{INT_MIN};
     };
 
-    // A quiet machine sleeps a few times a run at most.
-    static constexpr int SleepsBeforeAlone = 4;
+    // On a quiet machine the threads sleep a few milliseconds of a 4K run
+    // at most, on hiccups of the host; a core taken by another process
+    // costs whole time slices, and this much sleep bounds what the second
+    // thread can lose against one thread alone.
+    static constexpr int SleepBeforeAlone = 8000;
 
     int groups_;
     std::vector<Reached> reached_;
-    std::atomic<int> sleeps_{0};
+    std::atomic<int> slept_{0};
     std::atomic<int> next_{0};
     std::atomic<bool> stop_{false};
 };

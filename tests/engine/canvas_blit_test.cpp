@@ -39,6 +39,7 @@ TEST(BitBlt, EachRasterFlagCombinesAsTheRasterStep) {
     EXPECT_EQ(picture.at(0, 0) & 0xFFFFFF, 0xFFFFFFu);
 }
 
+// An unscaled stretch clips exactly as the copy does.
 TEST(BitBlt, ClipsToBothPicturesAtEveryEdge) {
     struct Case {
         int x, y, w, h, xs, ys;
@@ -48,16 +49,23 @@ TEST(BitBlt, ClipsToBothPicturesAtEveryEdge) {
          {Case{-2, 0, 4, 4, 0, 0}, Case{3, 0, 9, 4, 0, 0}, Case{0, -3, 5, 9, 0, 0},
           Case{0, 2, 5, 9, 0, 0}, Case{0, 0, 5, 4, -2, 1}, Case{0, 0, 5, 4, 3, -1},
           Case{-100, -100, 300, 300, 4, 3}, Case{0, 0, 0, 4, 0, 0}, Case{0, 0, 5, -4, 0, 0}}) {
-        Surface target(6, 5, makePixel(1, 1, 1));
-        BitBlt(target, c.x, c.y, c.w, c.h, source, c.xs, c.ys, SRCCOPY);
-        for (int y = 0; y < 5; ++y) {
-            for (int x = 0; x < 6; ++x) {
-                const int sx = x - c.x + c.xs;
-                const int sy = y - c.y + c.ys;
-                const bool copied = x >= c.x && x < c.x + c.w && y >= c.y && y < c.y + c.h &&
-                                    sx >= 0 && sx < 5 && sy >= 0 && sy < 4;
-                EXPECT_EQ(target.at(x, y), copied ? makePixel(sx, sy, 7) : makePixel(1, 1, 1))
-                    << c.x << "," << c.y << " at " << x << "," << y;
+        for (const bool stretched : {false, true}) {
+            if (stretched && (c.w < 0 || c.h < 0)) continue; // a mirror both ways
+            Surface target(6, 5, makePixel(1, 1, 1));
+            if (stretched) {
+                StretchBlt(target, c.x, c.y, c.w, c.h, source, c.xs, c.ys, c.w, c.h, SRCCOPY);
+            } else {
+                BitBlt(target, c.x, c.y, c.w, c.h, source, c.xs, c.ys, SRCCOPY);
+            }
+            for (int y = 0; y < 5; ++y) {
+                for (int x = 0; x < 6; ++x) {
+                    const int sx = x - c.x + c.xs;
+                    const int sy = y - c.y + c.ys;
+                    const bool copied = x >= c.x && x < c.x + c.w && y >= c.y && y < c.y + c.h &&
+                                        sx >= 0 && sx < 5 && sy >= 0 && sy < 4;
+                    EXPECT_EQ(target.at(x, y), copied ? makePixel(sx, sy, 7) : makePixel(1, 1, 1))
+                        << stretched << " " << c.x << "," << c.y << " at " << x << "," << y;
+                }
             }
         }
     }

@@ -108,6 +108,14 @@ void BitBlt(Surface& target, int x, int y, int width, int height, const Surface&
 void StretchBlt(Surface& target, int x, int y, int width, int height, const Surface& source,
                 int xSrc, int ySrc, int widthSrc, int heightSrc, RasterCode code) {
     if (width == 0 || height == 0 || widthSrc == 0 || heightSrc == 0) return;
+    // Without scaling or mirroring every target pixel takes the source pixel
+    // at its own offset, clipped to both pictures as BitBlt clips; the
+    // callers that move strips one row or column at a time would otherwise
+    // work out a mapping pixel by pixel for each.
+    if (width == widthSrc && height == heightSrc && width > 0 && height > 0) {
+        BitBlt(target, x, y, width, height, source, xSrc, ySrc, code);
+        return;
+    }
     AxisMapping columns = mapAxis(x, width, target.width(), xSrc, widthSrc, source.width());
     AxisMapping rows = mapAxis(y, height, target.height(), ySrc, heightSrc, source.height());
     if (columns.sources.empty() || rows.sources.empty()) return;

@@ -411,21 +411,16 @@ class VortexRows {
 // Above this many samples the rows would cost more memory than they save.
 constexpr int MaxCachedSamples = 256;
 
-// The samples of a run of pixels of a row, taken one j at a time across the
-// run: the places are consecutive in memory and the loop runs on the vector
-// unit, gathering the pixels. Then the means, the integer quotients made
-// as exact quotients of doubles (below 2^53 they truncate as the integer
-// division does), so that they vectorise too.
-constexpr int RunPixels = 256;
-
-struct VortexRun {
-    std::array<int, RunPixels> r, g, b;
-    std::array<Pixel, RunPixels> first;
-
-    template <typename Dir>
-    void sum(Dir, std::span<const Position*> rows, int column, int x0, int y, int m,
-             const ProcessRect& bounds, const Pixel* __restrict image, int width) {
-        const auto sample = [&](const Position* __restrict p, int i) {
+// The samples of a run of pixels of a row: sample j of the run's pixels
+// lies in the turned row j, at consecutive places, so the shared run sums
+// gather them on the vector unit.
+template <typename Dir>
+void sumVortexRun(soften::RunSums& run, Dir, std::span<const Position*> rows, int column, int x0,
+                  int y, int m, const ProcessRect& bounds, const Pixel* __restrict image,
+                  int width) {
+    run.gather(static_cast<int>(rows.size()), m, [&](int j) {
+        const Position* __restrict p = rows[static_cast<std::size_t>(j)] + column + j;
+        return [=, &bounds](int i) {
             const int x = x0 + i;
             int px = Dir::value == 1 ? x : p[i].x;
             int py = Dir::value == 0 ? y : p[i].y;
@@ -434,57 +429,8 @@ struct VortexRun {
             py = (py < bounds.top) | (py > bounds.bottom - 1) ? y : py;
             return image[py * width + px];
         };
-        const auto n = static_cast<std::size_t>(m);
-        for (std::size_t i = 0; i < n; ++i) {
-            const Pixel e = sample(rows[0] + column, static_cast<int>(i));
-            first[i] = e;
-            const IntRgb v = channelsOf(e);
-            r[i] = v.r;
-            g[i] = v.g;
-            b[i] = v.b;
-        }
-        for (std::size_t j = 1; j < rows.size(); ++j) {
-            const Position* p = rows[j] + column + static_cast<int>(j);
-            for (std::size_t i = 0; i < n; ++i) {
-                const IntRgb v = channelsOf(sample(p, static_cast<int>(i)));
-                r[i] += v.r;
-                g[i] += v.g;
-                b[i] += v.b;
-            }
-        }
-    }
-
-    // The sums, wrapped to 16 bits, become the means of the smooth type.
-    void means(int count, int type, int m) {
-        const double samples = count + 1;
-        bool zero = false;
-        for (std::size_t i = 0; i < static_cast<std::size_t>(m); ++i) {
-            const IntRgb sum{wrap16(r[i]), wrap16(g[i]), wrap16(b[i])};
-            IntRgb v{quotient(sum.r, samples), quotient(sum.g, samples), quotient(sum.b, samples)};
-            if (type != 0) {
-                // The first sample counted Weight times, Weight growing with
-                // its difference from the mean.
-                const IntRgb e = channelsOf(first[i]);
-                const int d = std::abs(v.r - e.r) + std::abs(v.g - e.g) + std::abs(v.b - e.b);
-                const int weight = std::clamp(d / 3, 0, 128);
-                const int divisor = count + weight;
-                zero |= divisor == 0;
-                const double by = divisor == 0 ? 1.0 : divisor;
-                v = {quotient(sum.r - e.r + weight * e.r, by),
-                     quotient(sum.g - e.g + weight * e.g, by),
-                     quotient(sum.b - e.b + weight * e.b, by)};
-            }
-            r[i] = v.r;
-            g[i] = v.g;
-            b[i] = v.b;
-        }
-        if (zero) throw EffectError::divisionByZero();
-    }
-
-    [[nodiscard]] static int quotient(int numerator, double divisor) {
-        return static_cast<int>(numerator / divisor);
-    }
-};
+    });
+}
 
 } // namespace
 
@@ -551,10 +497,10 @@ void Class_Soften::AfterImage_Vortex(std::int16_t count, std::uint8_t type, std:
                                                        static_cast<std::size_t>(samples));
                 points[static_cast<std::size_t>(worker)].rowsFrom(y, reach);
                 Pixel* out = TransBits.row(y).data();
-                for (int x0 = firstColumn; x0 < endColumn; x0 += RunPixels) {
-                    const int m = std::min(RunPixels, endColumn - x0);
-                    VortexRun run;
-                    run.sum(dir, reach, x0 - c.left, x0, y, m, bounds, image, width);
+                for (int x0 = firstColumn; x0 < endColumn; x0 += soften::RunPixels) {
+                    const int m = std::min(soften::RunPixels, endColumn - x0);
+                    soften::RunSums run;
+                    sumVortexRun(run, dir, reach, x0 - c.left, x0, y, m, bounds, image, width);
                     run.means(count, type, m);
                     for (int i = 0; i < m; ++i) {
                         const int x = x0 + i;

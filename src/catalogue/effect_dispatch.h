@@ -81,13 +81,14 @@ template <typename Class, typename Call>
     }};
 }
 
-// The same with kept picture 0 lent to the object as its source rather
-// than copied (PixelFrame::SourceLoan), for calls that only read it.
-template <typename Class, typename Call>
-[[nodiscard]] EffectBody runWithTransOnSource(Call call) {
+namespace detail {
+// Kept picture 0 lent to the object as its source, TransBits fetched as a
+// copy of it or left to the call.
+template <typename Class, bool FetchTrans, typename Call>
+[[nodiscard]] EffectBody onLentSource(Call call) {
     return ReplacingBody{[call](EffectInvocation& run) {
         Class effect(run.context);
-        effect.ImageGetDiBitsTrans(run.keptPicture0);
+        if constexpr (FetchTrans) effect.ImageGetDiBitsTrans(run.keptPicture0);
         {
             const typename Class::SourceLoan loan(effect, run.keptPicture0);
             call(effect, run.rect);
@@ -95,20 +96,21 @@ template <typename Class, typename Call>
         effect.ImageSetDiBitsTrans(run.keptPicture1);
     }};
 }
+} // namespace detail
+
+// The same with kept picture 0 lent to the object as its source rather
+// than copied (PixelFrame::SourceLoan), for calls that only read it.
+template <typename Class, typename Call>
+[[nodiscard]] EffectBody runWithTransOnSource(Call call) {
+    return detail::onLentSource<Class, true>(std::move(call));
+}
 
 // The same again with TransBits left unfetched, for calls that make it
 // themselves as a copy of ImageBits (by bands, alongside their own rows):
 // the copy then runs on every core and never twice.
 template <typename Class, typename Call>
 [[nodiscard]] EffectBody runOnSourceWithOwnTrans(Call call) {
-    return ReplacingBody{[call](EffectInvocation& run) {
-        Class effect(run.context);
-        {
-            const typename Class::SourceLoan loan(effect, run.keptPicture0);
-            call(effect, run.rect);
-        }
-        effect.ImageSetDiBitsTrans(run.keptPicture1);
-    }};
+    return detail::onLentSource<Class, false>(std::move(call));
 }
 
 // Several calls in a row as one run: one snapshot, one progress bar that

@@ -4,9 +4,9 @@
 #include "effects/geometry/cover_mask.h"
 #include "engine/numeric.h"
 #include "engine/row_bands.h"
+#include "engine/shared_rows.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <vector>
@@ -150,17 +150,9 @@ void Class_Geometry::CuttingPicture(std::int16_t width, std::int16_t height, std
 
         const Surface& source = *p.source;
         Surface& target = *p.target;
-        constexpr int RowsAClaim = 16;
-        std::atomic<int> nextRow{0};
-        context().workers().run(small ? 1 : context().workers().threads(), [&](int) {
-            for (int begin = nextRow.fetch_add(RowsAClaim); begin < box.height;
-                 begin = nextRow.fetch_add(RowsAClaim)) {
-                const int end = std::min(begin + RowsAClaim, box.height);
-                for (int y = begin; y < end; ++y) {
-                    mask.copyRow(y, source.row(box.top + y).data() + box.left,
-                                 target.row(box.top + y).data() + box.left);
-                }
-            }
+        forEachRowShared(context(), 0, box.height, box.width, [&](int y) {
+            mask.copyRow(y, source.row(box.top + y).data() + box.left,
+                         target.row(box.top + y).data() + box.left);
         });
     });
 }

@@ -3,9 +3,9 @@
 #include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/texture/net_mosaic/class_net_mosaic.h"
+#include "engine/shared_rows.h"
 
 #include <algorithm>
-#include <atomic>
 
 namespace lumiran {
 namespace {
@@ -45,24 +45,7 @@ void fillWithBackground(RunContext& context, const Surface& source, Surface& pic
         std::fill(row.begin(), row.begin() + hole.left, colour);
         std::fill(row.begin() + hole.right, row.end(), colour);
     };
-    const int threads = std::max(1, context.threading.threads);
-    const bool shared = threads > 1 && static_cast<long long>(picture.pixelCount()) >=
-                                           2LL * std::max(context.threading.bandPixels, 1);
-    if (!shared) {
-        for (int y = 0; y < height; ++y)
-            fillRow(y);
-        return;
-    }
-    const int bandRows = std::max(1, height / (4 * threads));
-    std::atomic<int> next{0};
-    context.workers().run(threads, [&](int) {
-        for (int first = next.fetch_add(bandRows); first < height;
-             first = next.fetch_add(bandRows)) {
-            const int end = std::min(height, first + bandRows);
-            for (int y = first; y < end; ++y)
-                fillRow(y);
-        }
-    });
+    forEachRowShared(context, 0, height, picture.width(), fillRow);
 }
 
 // A case whose call draws from kept picture 0 over kept picture 1 in the

@@ -1,9 +1,9 @@
 // The tile walls: joints of a grid walked as the mosaics walk their blocks,
 // and walls of drawn tiles.
 #include "effects/texture/pattern/tile_joints.h"
+#include "engine/shared_rows.h"
 
 #include <algorithm>
-#include <atomic>
 
 namespace lumiran {
 namespace pattern {
@@ -108,26 +108,8 @@ void Class_Pattern::takeRow(int y) {
 
 void Class_Pattern::finishRows() {
     if (rowSource_ == nullptr) return;
-    const int height = ImageBits.height();
-    const RowThreading& threading = context().threading;
-    const int threads = std::max(1, threading.threads);
-    const bool shared = threads > 1 && static_cast<long long>(ImageBits.pixelCount()) >=
-                                           2LL * std::max(threading.bandPixels, 1);
-    if (!shared) {
-        for (int y = 0; y < height; ++y)
-            takeRow(y);
-    } else {
-        const int bandRows = std::max(1, height / (4 * threads));
-        std::atomic<int> next{0};
-        context().workers().run(threads, [&](int) {
-            for (int first = next.fetch_add(bandRows); first < height;
-                 first = next.fetch_add(bandRows)) {
-                const int end = std::min(height, first + bandRows);
-                for (int y = first; y < end; ++y)
-                    takeRow(y);
-            }
-        });
-    }
+    forEachRowShared(context(), 0, ImageBits.height(), ImageBits.width(),
+                     [this](int y) { takeRow(y); });
     rowSource_ = nullptr;
 }
 

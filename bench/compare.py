@@ -111,6 +111,45 @@ def format_ms(value):
     return "-" if value is None else f"{value:.0f}" if value >= 100 else f"{value:.1f}"
 
 
+def measure_group(group, binaries, args, env, work, source, smallest, runs, works, show_rss):
+    """Times every row of the group and the peers they share in one hyperfine
+    run; results are keyed by (label, tool), the peers' by (None, tool)."""
+    commands = []
+    for label, *fields in group:
+        for tool, field in zip(TOOLS, fields):
+            if tool != "lumiran" and label != group[0][0]:
+                continue
+            key = (label if tool == "lumiran" else None, tool)
+            command = command_for(tool, field, binaries, source, work / f"out-{tool}.bmp")
+            if not command:
+                continue
+            commands.append((key, command))
+            if tool == "lumiran" and args.before:
+                commands.append(((label, "before"), command.replace(
+                    shlex.quote(args.cli), shlex.quote(args.before), 1)))
+    # A command that fails is left out of the row, not timed; each is tried
+    # once, on the smallest picture.
+    for key, command in commands:
+        trial = command.replace(str(source), str(smallest))
+        if trial not in works:
+            try:
+                works[trial] = subprocess.run(shlex.split(trial), env=env,
+                                              stdout=subprocess.DEVNULL,
+                                              stderr=subprocess.DEVNULL).returncode == 0
+            except OSError:
+                works[trial] = False
+            if not works[trial]:
+                print(f"<!-- {key[0] or group[0][0]}: {key[1]} failed -->", file=sys.stderr)
+    commands = [(k, c) for k, c in commands if works[c.replace(str(source), str(smallest))]]
+    # hyperfine needs a distinct name for each command.
+    names = {f"{key[1]}#{n}": key for n, (key, _) in enumerate(commands)}
+    times, cpu = measure(list(zip(names, (c for _, c in commands))), runs, env, work)
+    rss = {}
+    if show_rss:
+        rss = {key: max_rss_mib(c, env) for key, c in commands}
+    return ({names[n]: t for n, t in times.items()}, {names[n]: t for n, t in cpu.items()}, rss)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--cli", default=str(HERE.parent / "build" / "lumiran-cli"))
@@ -157,50 +196,37 @@ def main():
                 print(f"## {size}, {mode}\n")
                 print("| " + " | ".join(head) + " |")
                 print("|" + "---|" * len(head))
+                measured = {}
                 for label, *fields in rows:
-                    commands = []
-                    for tool, field in zip(TOOLS, fields):
-                        command = command_for(tool, field, binaries, pictures[size],
-                                              work / f"out-{tool}.bmp")
-                        if command:
-                            commands.append((tool, command))
-                        if tool == "lumiran" and command and args.before:
-                            commands.append(("before", command.replace(
-                                shlex.quote(args.cli), shlex.quote(args.before), 1)))
-                    # A command that fails is left out of the row, not timed;
-                    # each is tried once, on the smallest picture.
-                    for name, command in commands:
-                        if (label, name) not in works:
-                            trial = command.replace(str(pictures[size]), str(smallest))
-                            try:
-                                works[(label, name)] = subprocess.run(
-                                    shlex.split(trial), env=env, stdout=subprocess.DEVNULL,
-                                    stderr=subprocess.DEVNULL).returncode == 0
-                            except OSError:
-                                works[(label, name)] = False
-                            if not works[(label, name)]:
-                                print(f"<!-- {label}: {name} failed -->", file=sys.stderr)
-                    commands = [(n, c) for n, c in commands if works[(label, n)]]
-                    times, cpu = measure(commands, runs, env, work)
-                    peers = [times[p] for p in PEERS if p in times]
-                    fastest = min(peers) if peers else None
-                    fastest_peer = min((p for p in PEERS if p in times), key=times.get,
-                                       default=None)
+                    peer_fields = tuple(fields[1:])
+                    if peer_fields not in measured:
+                        # Rows that share the peers' commands are timed in one
+                        # hyperfine run: the peers once, each row's lumiran
+                        # beside them.
+                        group = [r for r in rows if tuple(r[2:]) == peer_fields]
+                        measured[peer_fields] = measure_group(group, binaries, args, env, work,
+                                                              pictures[size], smallest, runs,
+                                                              works, show_rss)
+                    times, cpu, rss = measured[peer_fields]
+                    mine = lambda tool: times.get((label, tool))
+                    peers = {p: times[(None, p)] for p in PEERS if (None, p) in times}
+                    fastest_peer = min(peers, key=peers.get, default=None)
+                    fastest = peers.get(fastest_peer)
                     ratio = lambda t: "-" if t is None or fastest is None else f"{t / fastest:.2f}"
-                    cells = [label, format_ms(times.get("lumiran"))]
+                    cells = [label, format_ms(mine("lumiran"))]
                     if args.before:
-                        cells.append(format_ms(times.get("before")))
-                    cells += [format_ms(times.get(p)) for p in PEERS]
-                    cells.append(ratio(times.get("lumiran")))
+                        cells.append(format_ms(mine("before")))
+                    cells += [format_ms(peers.get(p)) for p in PEERS]
+                    cells.append(ratio(mine("lumiran")))
                     if args.before:
-                        cells.append(ratio(times.get("before")))
+                        cells.append(ratio(mine("before")))
                     # Processor time (user and system, mean): what the wall
                     # times would be on an idle machine, roughly.
-                    cells.append(format_ms(cpu.get("lumiran")))
-                    cells.append(format_ms(cpu.get(fastest_peer)) if fastest_peer else "-")
+                    cells.append(format_ms(cpu.get((label, "lumiran"))))
+                    cells.append(format_ms(cpu.get((None, fastest_peer))) if fastest_peer else "-")
                     if show_rss:
-                        rss = dict((name, max_rss_mib(c, env)) for name, c in commands)
-                        cells += [format_ms(rss.get(t)) for t in ("lumiran",) + PEERS]
+                        cells += [format_ms(rss.get((label, "lumiran")))]
+                        cells += [format_ms(rss.get((None, p))) for p in PEERS]
                     print("| " + " | ".join(cells) + " |", flush=True)
                 print()
 

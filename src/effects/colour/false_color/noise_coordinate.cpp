@@ -1,5 +1,6 @@
 #include "effects/colour/false_color/class_false_color.h"
 #include "effects/colour/false_color/noise_walk.h"
+#include "engine/row_bands.h"
 #include "engine/shared_rows.h"
 
 #include <algorithm>
@@ -129,13 +130,16 @@ void drawNoisePlaces(const ProcessRect& rect, RandomGenerator& random, int rows,
     // Three draws a place: x, y and the grey's step.
     std::vector<double> draws(3 * count);
     random.take(draws);
-    places.resize(count);
+    const std::size_t start = places.size();
+    places.resize(start + count);
     for (std::size_t i = 0; i < count; ++i) {
         // A place becomes a pixel by rounding, as every conversion does.
         const int x = roundTo<std::int32_t>(across * draws[3 * i] + rect.left);
         const int y = roundTo<std::int32_t>(down * draws[3 * i + 1] + rect.top);
         grey = std::clamp(grey + (draws[3 * i + 2] < 0.5 ? -1 : 1), 1, 255);
-        places[i] = {x, y, static_cast<std::uint8_t>(grey)};
+        // Between left and right, and top and bottom: 16-bit values.
+        places[start + i] = {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+                             static_cast<std::uint8_t>(grey)};
     }
 }
 
@@ -144,6 +148,7 @@ void noiseWalk(NoiseField& field, const ProcessRect& rect, RandomGenerator& rand
     int grey = FieldStart;
     std::vector<NoisePlace> places;
     for (int j = 0, rows = noiseWalkRows(rect); j < rows; ++j) {
+        places.clear();
         drawNoisePlaces(rect, random, 1, grey, places);
         for (const NoisePlace& p : places)
             field.disc(p.x, p.y, p.grey);
@@ -172,40 +177,38 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
 
         // Pass 1: a random walk of greys dropped as discs at random places.
         SetProgressRange(0, noiseWalkRows(rect));
-        // The field's fresh pages are first touched on every core.
-        NoiseField field = NoiseField::unfilled(ImageBits.width(), ImageBits.height());
-        forEachRowShared(context(), 0, ImageBits.height(), ImageBits.width(), [&](int y) {
-            std::ranges::fill(field.row(y), static_cast<std::uint8_t>(FieldStart));
-        });
         // The draws and the grey's walk are one sequence, made on this
-        // thread a block of rows at a time; the discs, which are the walk's
-        // time, are then painted by every core, each over its own band of
-        // the field's rows and in the walk's order, so the last disc over a
-        // pixel still wins.
+        // thread a row of places at a time, as the progress counts them.
+        // The discs, which are the walk's time, are then painted by every
+        // core, each over bands of the field's rows that it fills first (so
+        // the fresh pages are touched there too) and in the walk's order, so
+        // the last disc over a pixel still wins.
+        const int rows = noiseWalkRows(rect);
+        std::vector<NoisePlace> places;
+        places.reserve(static_cast<std::size_t>(std::max(rows, 0)) *
+                       static_cast<std::size_t>(std::max((rect.right - rect.left) / 4 + 1, 0)));
+        int grey = FieldStart;
+        for (int j = 0; j < rows; ++j) {
+            drawNoisePlaces(rect, context().random, 1, grey, places);
+            if (!finishRow()) return;
+        }
         const int height = ImageBits.height();
+        NoiseField field = NoiseField::unfilled(ImageBits.width(), height);
         const int painters = static_cast<long long>(height) * ImageBits.width() >=
                                      2LL * std::max(context().threading.bandPixels, 1)
-                                 ? std::clamp(context().threading.threads, 1, std::max(height, 1))
+                                 ? std::max(context().threading.threads, 1)
                                  : 1;
-        constexpr int BlockRows = 32;
-        std::vector<NoisePlace> places;
-        int grey = FieldStart;
-        for (int j = 0, rows = noiseWalkRows(rect); j < rows; j += BlockRows) {
-            const int blockRows = std::min(BlockRows, rows - j);
-            drawNoisePlaces(rect, context().random, blockRows, grey, places);
-            context().workers().run(painters, [&](int painter) {
-                const int first =
-                    static_cast<int>(static_cast<long long>(height) * painter / painters);
-                const int end =
-                    static_cast<int>(static_cast<long long>(height) * (painter + 1) / painters);
+        RowBands bands(0, height, std::max(1, height / (4 * painters)));
+        context().workers().run(painters, [&](int) {
+            for (auto band = bands.claim(); !band.empty(); band = bands.claim()) {
+                for (int y = band.begin; y < band.end; ++y)
+                    std::ranges::fill(field.row(y), static_cast<std::uint8_t>(FieldStart));
                 for (const NoisePlace& p : places) {
-                    if (p.y + DiscRadius >= first && p.y - DiscRadius < end)
-                        field.disc(p.x, p.y, p.grey, first, end);
+                    if (p.y + DiscRadius >= band.begin && p.y - DiscRadius < band.end)
+                        field.disc(p.x, p.y, p.grey, band.begin, band.end);
                 }
-            });
-            for (int k = 0; k < blockRows; ++k)
-                if (!finishRow()) return;
-        }
+            }
+        });
 
         // Pass 2: each pixel takes the one its field grey points to; one
         // pointing out of the rectangle keeps its own colour, so edges do not

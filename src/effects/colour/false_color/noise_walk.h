@@ -51,12 +51,13 @@ class NoiseField {
 
 // One place of the walk: a disc of grey centred on (x, y).
 struct NoisePlace {
-    int x = 0;
-    int y = 0;
+    std::int16_t x = 0;
+    std::int16_t y = 0;
     std::uint8_t grey = 0;
 };
 
-// The places of the next `rows` rows of the walk below, in order, drawn
+// The places of the next `rows` rows of the walk below, in order, added to
+// places: drawn
 // from random in the order the walk draws them; grey is the walk's grey,
 // carried on from the rows before (128 at the start).
 void drawNoisePlaces(const ProcessRect& rect, RandomGenerator& random, int rows, int& grey,

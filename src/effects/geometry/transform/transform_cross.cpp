@@ -2,11 +2,13 @@
 #include "effects/geometry/transform/class_transform.h"
 #include "effects/geometry/transform/column_copies.h"
 #include "engine/drawing/drawing.h"
-#include "engine/shared_rows.h"
+#include "engine/row_bands.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <exception>
+#include <mutex>
 #include <vector>
 
 namespace lumiran {
@@ -77,25 +79,41 @@ void Class_Transform::Transform_Cross(std::uint8_t kind, std::int16_t left, std:
                 BitBlt(target, left + secondShift(j), y, length - half, 1, source, left + half, y,
                        SRCCOPY);
             };
-            // The rows no strip reaches, then the strips a block of groups at
-            // a time, each group counted when its block is drawn.
-            const int firstStrip = std::clamp<int>(top, 0, target.height());
-            const int endStrip = std::clamp(top + strips, firstStrip, target.height());
-            if (ownRows) {
-                forEachRowShared(context(), 0, target.height(), target.width(), [&](int y) {
-                    if (y < firstStrip || y >= endStrip) makeRow(y);
-                });
-            }
-            constexpr int BlockGroups = 16;
-            for (int group = 0; group < groups; group += BlockGroups) {
-                const int endGroup = std::min(group + BlockGroups, groups);
-                const int from = std::clamp(top + group * perGroup, firstStrip, endStrip);
-                const int to =
-                    std::clamp(top + std::min(endGroup * perGroup, strips), from, endStrip);
-                forEachRowShared(context(), from, to, target.width(), makeRow);
-                for (int g = group; g < endGroup; ++g)
-                    if (!finishRow()) return;
-            }
+            // Every row of the target in one pass, bands of rows claimed by
+            // every core in turn; a group counts for progress when that many
+            // strips are done, whichever they are, and the groups whose
+            // strips lie off the target when the pass is over.
+            const int rows = target.height();
+            const int workers = static_cast<long long>(rows) * target.width() >=
+                                        2LL * std::max(context().threading.bandPixels, 1)
+                                    ? std::max(context().threading.threads, 1)
+                                    : 1;
+            RowBands bands(0, rows, std::max(1, rows / (8 * workers)));
+            int stripsDone = 0, stepped = 0;
+            context().workers().run(workers, [&](int) {
+                for (auto band = bands.claim(); !band.empty(); band = bands.claim()) {
+                    for (int y = band.begin; y < band.end; ++y) {
+                        if (!bands.mayStart(y)) return;
+                        try {
+                            makeRow(y);
+                            if (y - top < 0 || y - top >= strips) continue;
+                            const std::scoped_lock lock(bands.rowEnd());
+                            if (++stripsDone % perGroup != 0 && stripsDone != strips) continue;
+                            ++stepped;
+                            if (!finishRow()) {
+                                bands.cancel();
+                                return;
+                            }
+                        } catch (...) {
+                            bands.fail(y, std::current_exception());
+                            return;
+                        }
+                    }
+                }
+            });
+            if (!bands.finish()) return;
+            for (; stepped < groups; ++stepped)
+                if (!finishRow()) return;
             return;
         }
         // Columns are drawn a block at a time (see drawColumnCopies); the

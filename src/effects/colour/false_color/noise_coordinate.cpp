@@ -1,6 +1,5 @@
 #include "effects/colour/false_color/class_false_color.h"
 #include "effects/colour/false_color/noise_walk.h"
-#include "engine/row_bands.h"
 #include "engine/shared_rows.h"
 
 #include <algorithm>
@@ -99,10 +98,6 @@ NoiseField::NoiseField(int width, int height, std::uint8_t grey) : NoiseField(wi
                 grey);
 }
 
-NoiseField NoiseField::unfilled(int width, int height) {
-    return NoiseField(width, height);
-}
-
 void NoiseField::disc(int x, int y, std::uint8_t grey) {
     disc(x, y, grey, 0, height_);
 }
@@ -179,10 +174,6 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
         SetProgressRange(0, noiseWalkRows(rect));
         // The draws and the grey's walk are one sequence, made on this
         // thread a row of places at a time, as the progress counts them.
-        // The discs, which are the walk's time, are then painted by every
-        // core, each over bands of the field's rows that it fills first (so
-        // the fresh pages are touched there too) and in the walk's order, so
-        // the last disc over a pixel still wins.
         const int rows = noiseWalkRows(rect);
         std::vector<NoisePlace> places;
         places.reserve(static_cast<std::size_t>(std::max(rows, 0)) *
@@ -192,23 +183,6 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
             drawNoisePlaces(rect, context().random, 1, grey, places);
             if (!finishRow()) return;
         }
-        const int height = ImageBits.height();
-        NoiseField field = NoiseField::unfilled(ImageBits.width(), height);
-        const int painters = static_cast<long long>(height) * ImageBits.width() >=
-                                     2LL * std::max(context().threading.bandPixels, 1)
-                                 ? std::max(context().threading.threads, 1)
-                                 : 1;
-        RowBands bands(0, height, std::max(1, height / (4 * painters)));
-        context().workers().run(painters, [&](int) {
-            for (auto band = bands.claim(); !band.empty(); band = bands.claim()) {
-                for (int y = band.begin; y < band.end; ++y)
-                    std::ranges::fill(field.row(y), static_cast<std::uint8_t>(FieldStart));
-                for (const NoisePlace& p : places) {
-                    if (p.y + DiscRadius >= band.begin && p.y - DiscRadius < band.end)
-                        field.disc(p.x, p.y, p.grey, band.begin, band.end);
-                }
-            }
-        });
 
         // Pass 2: each pixel takes the one its field grey points to; one
         // pointing out of the rectangle keeps its own colour, so edges do not
@@ -221,16 +195,72 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
         for (int level = 0; level < 256; ++level)
             offsets[static_cast<std::size_t>(level)] =
                 offsetOf(function, level * toAngle, amplitude);
+        // The field is never stored whole. A pixel's grey is that of the
+        // last disc in the walk over it, 128 under none: the largest place
+        // number among the discs over it, which any thread can find for its
+        // own row in any order. The places are listed by their row (stable,
+        // so in the walk's order), and a row looks at the discs centred up
+        // to DiscRadius rows from it.
+        const int height = ImageBits.height();
+        const int keys = height + 2 * DiscRadius; // centre rows -R .. height + R - 1
+        std::vector<std::uint32_t> firstOfKey(static_cast<std::size_t>(keys) + 1, 0);
+        const auto keyOf = [](const NoisePlace& p) { return p.y + DiscRadius; };
+        for (const NoisePlace& p : places) {
+            const int key = keyOf(p);
+            if (key >= 0 && key < keys) ++firstOfKey[static_cast<std::size_t>(key) + 1];
+        }
+        for (std::size_t k = 1; k < firstOfKey.size(); ++k)
+            firstOfKey[k] += firstOfKey[k - 1];
+        // Each disc as a row needs it, next to the others of its row.
+        struct RowDisc {
+            // (place number + 1) * 256 + grey: the larger, the later.
+            std::uint64_t mark = 0;
+            std::int16_t x = 0;
+        };
+        std::vector<RowDisc> byRow(firstOfKey.back());
+        {
+            std::vector<std::uint32_t> next(firstOfKey.begin(), firstOfKey.end() - 1);
+            for (std::size_t i = 0; i < places.size(); ++i) {
+                const NoisePlace& p = places[i];
+                const int key = keyOf(p);
+                if (key >= 0 && key < keys)
+                    byRow[next[static_cast<std::size_t>(key)]++] = {(i + 1) * 256 + p.grey, p.x};
+            }
+        }
+        static constexpr auto half = discHalfWidths();
+
         TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
         rowDone.assign(static_cast<std::size_t>(ImageBits.height()), 0);
         const Surface& source = ImageBits;
-        auto moveRow = [&]<bool Blend>(int y) {
+        const BandPlan plan = bandPlan(rect);
+        // By worker: the mark of the last disc over each column, 0 for none.
+        std::vector<std::vector<std::uint64_t>> lastDiscs(
+            static_cast<std::size_t>(std::max(plan.workers, 1)),
+            std::vector<std::uint64_t>(static_cast<std::size_t>(ImageBits.width())));
+        auto moveRow = [&]<bool Blend>(std::vector<std::uint64_t>& last, int y) {
+            std::fill(last.begin() + span.firstColumn, last.begin() + span.endColumn,
+                      std::uint64_t{0});
+            for (int key = y; key <= y + 2 * DiscRadius && key < keys; ++key) {
+                // Centre row key - DiscRadius: the disc's row y - that.
+                const int h = half[static_cast<std::size_t>(2 * DiscRadius - (key - y))];
+                for (std::uint32_t k = firstOfKey[static_cast<std::size_t>(key)];
+                     k < firstOfKey[static_cast<std::size_t>(key) + 1]; ++k) {
+                    const RowDisc& d = byRow[k];
+                    const int from = std::max(d.x - h, span.firstColumn);
+                    const int to = std::min(d.x + h + 1, span.endColumn);
+                    for (int x = from; x < to; ++x)
+                        last[static_cast<std::size_t>(x)] =
+                            std::max(last[static_cast<std::size_t>(x)], d.mark);
+                }
+            }
             const std::span<const Pixel> in = source.row(y);
             const std::span<Pixel> out = TransBits.row(y);
             std::copy(in.begin(), in.begin() + span.firstColumn, out.begin());
             std::copy(in.begin() + span.endColumn, in.end(), out.begin() + span.endColumn);
             for (int x = span.firstColumn; x < span.endColumn; ++x) {
-                const Offset o = offsets[field.at(x, y)];
+                const std::uint64_t mark = last[static_cast<std::size_t>(x)];
+                const auto level = static_cast<std::uint8_t>(mark == 0 ? FieldStart : mark & 0xFF);
+                const Offset o = offsets[level];
                 const int sx = x + o.dx, sy = y + o.dy;
                 const bool inside = sx >= span.firstColumn && sx < span.endColumn &&
                                     sy >= span.firstRow && sy < span.endRow;
@@ -248,11 +278,12 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
         };
         const bool blend = calculationFlag() > 0;
         SetProgressRange(rect.top, rect.bottom);
-        forEachRow(rect, [&](int y, int, int) {
+        rowsInBands(rect, plan, [&](int worker, int y, int, int) {
+            std::vector<std::uint64_t>& last = lastDiscs[static_cast<std::size_t>(worker)];
             if (blend) {
-                moveRow.template operator()<true>(y);
+                moveRow.template operator()<true>(last, y);
             } else {
-                moveRow.template operator()<false>(y);
+                moveRow.template operator()<false>(last, y);
             }
         });
     });

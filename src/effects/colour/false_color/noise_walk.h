@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <span>
 #include <vector>
 
 namespace lumiran {
@@ -24,14 +23,6 @@ class NoiseField {
     static constexpr int DiscRadius = 4;
 
     NoiseField(int width, int height, std::uint8_t grey);
-
-    // A field whose greys are still to be set, row by row (row(y)): a
-    // run fills them on every core.
-    [[nodiscard]] static NoiseField unfilled(int width, int height);
-    [[nodiscard]] std::span<std::uint8_t> row(int y) {
-        return {greys_.get() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width_),
-                static_cast<std::size_t>(width_)};
-    }
 
     void disc(int x, int y, std::uint8_t grey);
     // The rows of the disc from firstRow up to endRow only.

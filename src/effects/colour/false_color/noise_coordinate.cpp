@@ -212,19 +212,18 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
         for (std::size_t k = 1; k < firstOfKey.size(); ++k)
             firstOfKey[k] += firstOfKey[k - 1];
         // Each disc as a row needs it, next to the others of its row.
-        struct RowDisc {
-            // (place number + 1) * 256 + grey: the larger, the later.
-            std::uint64_t mark = 0;
-            std::int16_t x = 0;
-        };
-        std::vector<RowDisc> byRow(firstOfKey.back());
+        // A disc as one word: place number + 1, grey, x from the top bits
+        // down, so the larger of two is the later disc.
+        std::vector<std::uint64_t> byRow(firstOfKey.back());
         {
             std::vector<std::uint32_t> next(firstOfKey.begin(), firstOfKey.end() - 1);
             for (std::size_t i = 0; i < places.size(); ++i) {
                 const NoisePlace& p = places[i];
                 const int key = keyOf(p);
                 if (key >= 0 && key < keys)
-                    byRow[next[static_cast<std::size_t>(key)]++] = {(i + 1) * 256 + p.grey, p.x};
+                    byRow[next[static_cast<std::size_t>(key)]++] = (i + 1) << 24 |
+                                                                   std::uint64_t{p.grey} << 16 |
+                                                                   static_cast<std::uint16_t>(p.x);
             }
         }
         static constexpr auto half = discHalfWidths();
@@ -233,7 +232,7 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
         rowDone.assign(static_cast<std::size_t>(ImageBits.height()), 0);
         const Surface& source = ImageBits;
         const BandPlan plan = bandPlan(rect);
-        // By worker: the mark of the last disc over each column, 0 for none.
+        // By worker: the word of the last disc over each column, 0 for none.
         std::vector<std::vector<std::uint64_t>> lastDiscs(
             static_cast<std::size_t>(std::max(plan.workers, 1)),
             std::vector<std::uint64_t>(static_cast<std::size_t>(ImageBits.width())));
@@ -245,12 +244,13 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
                 const int h = half[static_cast<std::size_t>(2 * DiscRadius - (key - y))];
                 for (std::uint32_t k = firstOfKey[static_cast<std::size_t>(key)];
                      k < firstOfKey[static_cast<std::size_t>(key) + 1]; ++k) {
-                    const RowDisc& d = byRow[k];
-                    const int from = std::max(d.x - h, span.firstColumn);
-                    const int to = std::min(d.x + h + 1, span.endColumn);
+                    const std::uint64_t disc = byRow[k];
+                    const int centre = static_cast<std::int16_t>(disc & 0xFFFF);
+                    const int from = std::max(centre - h, span.firstColumn);
+                    const int to = std::min(centre + h + 1, span.endColumn);
                     for (int x = from; x < to; ++x)
                         last[static_cast<std::size_t>(x)] =
-                            std::max(last[static_cast<std::size_t>(x)], d.mark);
+                            std::max(last[static_cast<std::size_t>(x)], disc);
                 }
             }
             const std::span<const Pixel> in = source.row(y);
@@ -259,7 +259,8 @@ void Class_FalseColor::NoiserizeWater(std::int16_t wavelength, std::int16_t ampl
             std::copy(in.begin() + span.endColumn, in.end(), out.begin() + span.endColumn);
             for (int x = span.firstColumn; x < span.endColumn; ++x) {
                 const std::uint64_t mark = last[static_cast<std::size_t>(x)];
-                const auto level = static_cast<std::uint8_t>(mark == 0 ? FieldStart : mark & 0xFF);
+                const auto level =
+                    static_cast<std::uint8_t>(mark == 0 ? FieldStart : (mark >> 16) & 0xFF);
                 const Offset o = offsets[level];
                 const int sx = x + o.dx, sy = y + o.dy;
                 const bool inside = sx >= span.firstColumn && sx < span.endColumn &&

@@ -98,6 +98,17 @@ void BM_ColorOp_HSVInvert(benchmark::State& state) {
 }
 BENCHMARK(BM_ColorOp_HSVInvert)->Unit(benchmark::kMillisecond);
 
+// 0: the dialog's defaults (no arc tangent); 1: intensity and saturation
+// rising with the angle's arc tangent.
+void BM_ColorOp_HSVCycle(benchmark::State& state) {
+    const int rise = state.range(0) == 0 ? 0 : 60;
+    runPass(state, [rise](Class_ColorOp& e) {
+        e.HSVCycle(0, 0, Side, Side, 0, 360, static_cast<std::int16_t>(rise),
+                   static_cast<std::int16_t>(rise / 2), 50, 50);
+    });
+}
+BENCHMARK(BM_ColorOp_HSVCycle)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
 void BM_ColorOp_Deterioration(benchmark::State& state) {
     runPass(state, [](Class_ColorOp& e) {
         e.Deterioration(1, 0, 0, 0, 0, Side, Side, 128, 128, 128, 0, 0, 30, 60);

@@ -48,4 +48,11 @@ void BM_FalseColor_MonotoneNoise(benchmark::State& state) {
 }
 BENCHMARK(BM_FalseColor_MonotoneNoise)->Unit(benchmark::kMillisecond);
 
+// Noise Corrdinate at its defaults: the walk, then the moves into TransBits
+// (made by the call).
+void BM_FalseColor_NoiseCoordinate(benchmark::State& state) {
+    runPass(state, [](Class_FalseColor& e) { e.NoiserizeWater(8, 8, 0, 0, 0, Side, Side); });
+}
+BENCHMARK(BM_FalseColor_NoiseCoordinate)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
+
 } // namespace

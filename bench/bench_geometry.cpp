@@ -135,10 +135,16 @@ void transform(benchmark::State& state, const std::function<void(Class_Transform
     passes<Class_Transform>(state, [&](Class_Transform& e, Surface&, Surface&) { call(e); });
 }
 
+// Kind 2 moves columns, kind 0 (the dialog's default) rows.
 void BM_Transform_Cross(benchmark::State& state) {
-    transform(state, [](Class_Transform& e) { e.Transform_Cross(2, 0, 0, S, S, -1); });
+    const auto kind = static_cast<std::uint8_t>(state.range(0));
+    transform(state, [kind](Class_Transform& e) { e.Transform_Cross(kind, 0, 0, S, S, -1); });
 }
-BENCHMARK(BM_Transform_Cross)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Transform_Cross)
+    ->Arg(2)
+    ->Arg(0)
+    ->MeasureProcessCPUTime()
+    ->Unit(benchmark::kMillisecond);
 
 void BM_Transform_Ellipse(benchmark::State& state) {
     transform(state, [](Class_Transform& e) { e.Transform_Ellipse(ShapeEllipse, 0, 0, S, S, 0); });

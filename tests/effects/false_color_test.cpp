@@ -10,7 +10,9 @@
 #include "test_support.h"
 
 #include <array>
+#include <cmath>
 #include <functional>
+#include <numbers>
 #include <vector>
 
 namespace lumiran::testing {
@@ -165,6 +167,46 @@ TEST(NoiseWalk, DiscsAreTheCanvasCircles) {
             for (int column = 0; column < width; ++column)
                 EXPECT_EQ(field.at(column, row), blueOf(expected.at(column, row)))
                     << "disc at " << x << "," << y << ": " << column << "," << row;
+        }
+    }
+}
+
+// The discs painted by row bands on several threads give the field the
+// walk gives on one, and each pixel of the rectangle then takes the one its
+// grey points to; the rest of the picture keeps the source.
+TEST_F(FalseColorTest, NoiseCoordinateMovesEachPixelByTheWalksFieldInsideTheRectangle) {
+    const int width = 40, height = 30;
+    const ProcessRect r{5, 4, 33, 27};
+    const int wavelength = 8, amplitude = 6;
+    const Surface picture = makeVariedPicture(width, height);
+    context.threading.threads = 3;
+    context.threading.bandPixels = 1;
+    RandomGenerator walk = random;
+    const NoiseField field = noiseWalkField(width, height, r, walk, [] { return true; });
+    const Surface out = runTrans(
+        picture,
+        [&](C& e, const ProcessRect& rect) {
+            e.NoiserizeWater(wavelength, amplitude, 0, rect.left, rect.top, rect.right,
+                             rect.bottom);
+        },
+        r);
+    ASSERT_TRUE(context.failures.empty());
+    EXPECT_EQ(random.state(), walk.state());
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const bool inside = x >= r.left && x < r.right && y >= r.top && y < r.bottom;
+            int sx = x, sy = y;
+            if (inside) {
+                // Function 0 moves both ways by the sine of the grey's angle.
+                const double angle = field.at(x, y) * 2 * std::numbers::pi / wavelength;
+                const int shift = roundInRange<int>(amplitude * std::sin(angle));
+                if (x + shift >= r.left && x + shift < r.right && y + shift >= r.top &&
+                    y + shift < r.bottom) {
+                    sx = x + shift;
+                    sy = y + shift;
+                }
+            }
+            ASSERT_EQ(colourAt(out, x, y), colourAt(picture, sx, sy)) << x << "," << y;
         }
     }
 }

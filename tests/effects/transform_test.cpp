@@ -119,6 +119,39 @@ TEST_F(TransformFixture, CrossSlidesTheHalvesOfEachColumnPastEachOther) {
     EXPECT_EQ(parting.at(23, 7) & 0xFFFFFF, Back);
 }
 
+// A run hands kept picture 1 over unmade; the row kinds then make every
+// row themselves, on several threads. The picture must be the one drawn
+// over kept picture 1 filled as the run fills it, spare bytes and all.
+TEST_F(TransformFixture, CrossMakesAnUnmadeTargetAsOverTheRunsFill) {
+    const Surface picture = positionPicture(29, 21);
+    context.threading.threads = 3;
+    context.threading.bandPixels = 1;
+    context.flags.backColor = {1, 2, 3};
+    struct Case {
+        std::uint8_t kind;
+        ProcessRect rect;
+    };
+    for (const Case& c : {Case{0, {0, 0, 29, 21}}, Case{1, {0, 0, 29, 21}}, Case{0, {3, 4, 20, 17}},
+                          Case{1, {6, 0, 29, 9}}, Case{2, {0, 0, 29, 21}}, Case{3, {2, 5, 27, 21}},
+                          Case{7, {0, 0, 29, 21}}}) {
+        const auto draw = [&](Surface kept1) {
+            Surface kept0 = picture;
+            context.kept0 = &kept0;
+            context.kept1 = &kept1;
+            Class_Transform effect(context);
+            effect.Transform_Cross(c.kind, c.rect.left, c.rect.top, c.rect.right, c.rect.bottom,
+                                   -1);
+            return kept1;
+        };
+        const Surface filled = draw(Surface(29, 21, toPixel(context.flags.backColor)));
+        const Surface unmade = draw(Surface());
+        ASSERT_TRUE(context.failures.empty());
+        ASSERT_TRUE(unmade.sameSize(filled)) << int{c.kind};
+        EXPECT_TRUE(std::ranges::equal(unmade.elements(), filled.elements()))
+            << "kind " << int{c.kind} << " rect " << c.rect.left << "," << c.rect.top;
+    }
+}
+
 TEST_F(TransformFixture, CrossOnOnePixelEndsAsOverflow) {
     run(positionPicture(1, 1), [](Class_Transform& e) { e.Transform_Cross(0, 0, 0, 1, 1, -1); });
     ASSERT_EQ(context.failures.size(), 1u);

@@ -120,40 +120,103 @@ namespace {
 
 // HSVCycle's terms by column, worked out once a row: the angle and its arc
 // tangent depend on dx only through dx^2, so one evaluation serves the
-// columns on both sides of the centre.
-class HsvCycleRule {
+// columns on both sides of the centre. The arc tangent only scales the
+// intensity and saturation rises, so with both at 0 (the dialog's
+// defaults) the rises are 0 whatever it gives and it is not called.
+class HsvCycleTerms {
   public:
-    HsvCycleRule(int cx, int cy, int firstColumn, int endColumn, double maxAngle, std::int16_t hue,
-                 std::int16_t saturation, std::int16_t intensity)
+    HsvCycleTerms(int cx, int cy, int firstColumn, int endColumn, double maxAngle, std::int16_t hue,
+                  std::int16_t saturation, std::int16_t intensity)
         : cx_(cx), cy_(cy), firstColumn_(firstColumn), maxAngle_(maxAngle), hue_(hue),
           saturation_(saturation), intensity_(intensity),
           reach_(std::max(std::abs(cx - firstColumn), std::abs(cx - (endColumn - 1))) + 1),
+          angle_(static_cast<std::size_t>(std::max(reach_, 0))), sectorByDistance_(angle_.size()),
+          riseByDistance_(angle_.size()), intensityByDistance_(angle_.size()),
+          saturationByDistance_(angle_.size()),
           intensityRise_(static_cast<std::size_t>(std::max(endColumn - firstColumn, 0))),
           saturationRise_(intensityRise_.size()), degrees_(intensityRise_.size()),
           sector_(intensityRise_.size()), rise_(intensityRise_.size()) {}
 
     void startRow(int y) {
         const double dy = cy_ - y;
-        const auto columns = static_cast<int>(intensityRise_.size());
-        for (int k = 0; k < reach_; ++k) {
+        const double dy2 = dy * dy;
+        const auto reach = static_cast<std::size_t>(reach_);
+        double* __restrict angle = angle_.data();
+        float* __restrict sector = sectorByDistance_.data();
+        double* __restrict rise = riseByDistance_.data();
+        // Loops the compiler vectorises (built without errno for sqrt).
+        for (std::size_t k = 0; k < reach; ++k) {
             const double dx = static_cast<double>(k);
-            const double angle = std::sqrt(dx * dx + dy * dy) / 180 * 3.1415;
-            const double a = std::atan(angle);
-            double h = hue_ * angle / maxAngle_;
-            if (h > 360) h -= 360;
+            angle[k] = std::sqrt(dx * dx + dy2) / 180 * 3.1415;
+        }
+        for (std::size_t k = 0; k < reach; ++k) {
+            double h = hue_ * angle[k] / maxAngle_;
+            h = h > 360 ? h - 360 : h;
             const HueSector hs = hueSectorOf(h);
-            // Columns cx - k and cx + k, where they lie in the row.
-            for (const int x : {cx_ - k - firstColumn_, cx_ + k - firstColumn_}) {
-                if (x < 0 || x >= columns) continue;
-                const auto i = static_cast<std::size_t>(x);
-                intensityRise_[i] = 2 * intensity_ * a;
-                saturationRise_[i] = saturation_ / 255.0 * 3 * a;
-                degrees_[i] = h;
-                sector_[i] = hs.sector;
-                rise_[i] = hs.rise;
+            sector[k] = hs.sector;
+            rise[k] = hs.rise;
+            // Now the hue in degrees, for the scalar conversion.
+            angle[k] = h;
+        }
+        double* __restrict intensityRise = intensityByDistance_.data();
+        double* __restrict saturationRise = saturationByDistance_.data();
+        if (intensity_ != 0 || saturation_ != 0) {
+            for (std::size_t k = 0; k < reach; ++k) {
+                const double dx = static_cast<double>(k);
+                const double a = std::atan(std::sqrt(dx * dx + dy2) / 180 * 3.1415);
+                intensityRise[k] = 2 * intensity_ * a;
+                saturationRise[k] = saturation_ / 255.0 * 3 * a;
             }
         }
+        const int centre = cx_ - firstColumn_;
+        spread(angle, degrees_, centre);
+        spread(sector, sector_, centre);
+        spread(rise, rise_, centre);
+        spread(intensityRise, intensityRise_, centre);
+        spread(saturationRise, saturationRise_, centre);
     }
+
+    [[nodiscard]] bool scalarHue() const { return maxAngle_ == 0; }
+
+  protected:
+    // Columns cx - k and cx + k, where they lie in the row, take the term
+    // of distance k.
+    template <typename T>
+    static void spread(const T* __restrict byDistance, std::vector<T>& byColumn, int centre) {
+        T* __restrict to = byColumn.data();
+        const int columns = static_cast<int>(byColumn.size());
+        for (int i = 0, end = std::min(centre + 1, columns); i < end; ++i)
+            to[i] = byDistance[centre - i];
+        for (int i = std::max(centre, 0); i < columns; ++i)
+            to[i] = byDistance[i - centre];
+    }
+
+    int cx_, cy_, firstColumn_;
+    double maxAngle_;
+    std::int16_t hue_, saturation_, intensity_;
+    int reach_;
+    // By distance k from the centre column.
+    std::vector<double> angle_;
+    std::vector<float> sectorByDistance_;
+    std::vector<double> riseByDistance_;
+    // Left at 0 when intensity and saturation are.
+    std::vector<double> intensityByDistance_;
+    std::vector<double> saturationByDistance_;
+    // By column from firstColumn_.
+    std::vector<double> intensityRise_;  // 2 intensity atan(angle)
+    std::vector<double> saturationRise_; // saturation / 255 * 3 atan(angle)
+    std::vector<double> degrees_;
+    std::vector<float> sector_;
+    std::vector<double> rise_;
+};
+
+// ScalarHue: a centre at (0, 0) makes the hue infinite or undefined, which
+// only the scalar conversion takes as the rule does. Deciding it once for
+// the loop keeps the other case free of branches, so it vectorises.
+template <bool ScalarHue>
+class HsvCycleRule : public HsvCycleTerms {
+  public:
+    using HsvCycleTerms::HsvCycleTerms;
 
     Rgb16 operator()(int x, int /*y*/, int& r, int& g, int& b) const {
         const auto i = static_cast<std::size_t>(x - firstColumn_);
@@ -168,23 +231,12 @@ class HsvCycleRule {
         const int value =
             std::min<int>(roundInRange<std::int16_t>(std::abs(intensityRise_[i] + mx)), 255);
         const double sat = std::min(std::abs(saturationRise_[i] + s), 1.0);
-        // A centre at (0, 0) makes the hue infinite or undefined, which only
-        // the scalar conversion takes as the rule does.
-        if (maxAngle_ == 0) return absolute(HsvToRgb(degrees_[i], sat, value / 255.0));
-        return absolute(hsvToRgbInSector({sector_[i], rise_[i]}, sat, value / 255.0));
+        if constexpr (ScalarHue) {
+            return absolute(HsvToRgb(degrees_[i], sat, value / 255.0));
+        } else {
+            return absolute(hsvToRgbInSector({sector_[i], rise_[i]}, sat, value / 255.0));
+        }
     }
-
-  private:
-    int cx_, cy_, firstColumn_;
-    double maxAngle_;
-    std::int16_t hue_, saturation_, intensity_;
-    int reach_;
-    // By column from firstColumn_.
-    std::vector<double> intensityRise_;  // 2 intensity atan(angle)
-    std::vector<double> saturationRise_; // saturation / 255 * 3 atan(angle)
-    std::vector<double> degrees_;
-    std::vector<float> sector_;
-    std::vector<double> rise_;
 };
 
 } // namespace
@@ -202,8 +254,16 @@ void Class_ColorOp::HSVCycle(std::int16_t left, std::int16_t top, std::int16_t r
         const double maxAngle =
             std::sqrt(static_cast<double>(cx) * cx + static_cast<double>(cy) * cy) / 180 * 3.1415;
         const Span span = spanOf(rect);
-        mapPixels<ResultTail::Clamp>(rect, HsvCycleRule(cx, cy, span.firstColumn, span.endColumn,
-                                                        maxAngle, hue, saturation, intensity));
+        const auto run = [&]<bool ScalarHue>() {
+            mapPixels<ResultTail::Clamp>(rect, HsvCycleRule<ScalarHue>(cx, cy, span.firstColumn,
+                                                                       span.endColumn, maxAngle,
+                                                                       hue, saturation, intensity));
+        };
+        if (maxAngle == 0) {
+            run.template operator()<true>();
+        } else {
+            run.template operator()<false>();
+        }
     });
 }
 

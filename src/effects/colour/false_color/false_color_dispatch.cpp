@@ -97,9 +97,10 @@ void registerFalseColorEffects(EffectDispatch& d) {
         return v.eType == 0 && v.color == 1 ? colourWater(v) : monoWater(v);
     });
     // Noise Corrdinate: wavelength, amplitude, function. It reads the
-    // source while it writes, so it has the Trans array.
+    // source while it writes, so it has the Trans array, which it makes
+    // itself; the source is lent, not copied.
     d.add(DialogKind::Level, 48,
-          dispatch::withTrans<Class_FalseColor>([](Class_FalseColor& e, V v, R r) {
+          dispatch::onSourceWithOwnTrans<Class_FalseColor>([](Class_FalseColor& e, V v, R r) {
               e.NoiserizeWater(slider(v, 2), slider(v, 1), row(v.color), r.left, r.top, r.right,
                                r.bottom);
           }));

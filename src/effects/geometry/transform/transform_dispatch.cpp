@@ -24,6 +24,20 @@ EffectPlanner onKeptPictures(Call call) {
     };
 }
 
+// The same for a call that makes kept picture 1 itself when it is handed
+// over unmade (Transform_Cross), so the run does not fill it first.
+template <typename Call>
+EffectPlanner makingKeptPicture1(Call call) {
+    return [call](V values) {
+        return EffectPlan::ready(ReplacingBody{[call, values](EffectInvocation& run) {
+            run.context.kept0 = &run.keptPicture0;
+            run.context.kept1 = &run.keptPicture1;
+            Class_Transform effect(run.context);
+            call(effect, values, run);
+        }});
+    };
+}
+
 // A list row that picks one of two: rows past the list count as its last.
 bool second(int row) {
     return row >= 1;
@@ -71,7 +85,7 @@ void registerTransformEffects(EffectDispatch& d) {
               const std::uint8_t columns = second(v.color) ? ByColumns : 0;
               e.Transform_Ellipse(shape | columns, r.left, r.top, r.right, r.bottom, 0);
           }));
-    d.add(DialogKind::Monotone, 54, onKeptPictures([](Class_Transform& e, V v, Run run) {
+    d.add(DialogKind::Monotone, 54, makingKeptPicture1([](Class_Transform& e, V v, Run run) {
               const ProcessRect r = run.rect;
               e.Transform_Cross(static_cast<std::uint8_t>(std::clamp(v.color, 0, 255)), r.left,
                                 r.top, r.right, r.bottom, -1);

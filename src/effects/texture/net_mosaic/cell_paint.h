@@ -1,0 +1,62 @@
+#pragma once
+
+// The cells of a net painted as numbers on a picture, without the canvas.
+#include "effects/texture/net_mosaic/net_grid.h"
+#include "engine/surface.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace lumiran::net {
+
+// The rows of the picture something reaches, both inclusive.
+struct RowReach {
+    int first = 0;
+    int last = -1;
+};
+
+// The rows the sides of each row of vertices reach: the level sides of row
+// b and the upright ones from it to row b + 1.
+[[nodiscard]] std::vector<RowReach> vertexRowReaches(const Net& net);
+
+// The number of cell (a, b) on the work picture; 0 is no cell.
+[[nodiscard]] inline std::uint32_t cellLabel(const Net& net, int a, int b) {
+    return static_cast<std::uint32_t>(b) * static_cast<std::uint32_t>(net.cellColumns()) +
+           static_cast<std::uint32_t>(a) + 1;
+}
+
+// Paints the cells' numbers into the colour bytes of a picture (the spare
+// byte kept), within a clip: what the canvas leaves when it paints the cells
+// one after the other in their order, each as a solid polygon (even-odd
+// inside, thin outline) in its number. A pixel that several cells cover
+// keeps the highest number, which is the last painted, so every side, shared
+// by two cells, is traced once, and the cells' order within a band does not
+// matter. Numbers must stay below 2^24.
+class CellPainter {
+  public:
+    // Paints only the columns [left, right) of the rows [top, bottom).
+    CellPainter(Surface& picture, const Area& clip) : picture_(picture), clip_(clip) {}
+    void setClip(const Area& clip) { clip_ = clip; }
+
+    // Every cell and side reaching into the clip.
+    void paint(const Net& net, std::span<const RowReach> vertexReaches);
+
+  private:
+    void fillCell(const Net& net, int a, int b);
+    void traceSide(std::span<const CanvasPoint> side, std::uint32_t label);
+    void paintSpan(int y, int left, int right, std::uint32_t label);
+
+    struct Crossing {
+        int row;
+        int key; // 2 floor(x) + (x not whole): orders crossings as x does for the fill
+    };
+    Surface& picture_;
+    Area clip_;
+    // Reused from cell to cell.
+    std::vector<Crossing> crossings_;
+    std::vector<int> rowEnds_;
+    std::vector<int> keys_;
+};
+
+} // namespace lumiran::net

@@ -1,5 +1,6 @@
-// The net's cells painted as numbers: the same pixels as painting each cell
-// with the canvas, one after the other in their order.
+// The net's cells painted as numbers and its sides drawn as joints: the
+// same pixels as the canvas gives, painting each cell one after the other in
+// their order and drawing each side as lines.
 #include "effects/texture/net_mosaic/cell_paint.h"
 #include "engine/drawing/drawing.h"
 #include "texture_fixture.h"
@@ -27,6 +28,27 @@ Surface paintedByCanvas(const net::Net& net, int width, int height, const net::A
     return picture;
 }
 
+// The canvas's wall joints: each side's pieces as lines, then its last point.
+Surface drawnByCanvas(const net::Net& net, const Surface& picture, const net::Area& clip) {
+    Surface drawn = picture;
+    Canvas canvas(drawn);
+    canvas.setClip(clip.left, clip.top, clip.right, clip.bottom);
+    const ColourRef colour = RGB(10, 200, 30);
+    const auto draw = [&](std::span<const CanvasPoint> side) {
+        for (std::size_t i = 0; i + 1 < side.size(); ++i)
+            canvas.Line(side[i].x, side[i].y, side[i + 1].x, side[i + 1].y, colour);
+        canvas.Line(side.back().x, side.back().y, side.back().x, side.back().y, colour,
+                    LineKind::BF);
+    };
+    for (int b = 0; b < net.vertexRows(); ++b) {
+        for (int a = 0; a < net.cellColumns(); ++a)
+            draw(net.across(a, b));
+        for (int a = 0; b < net.cellRows() && a < net.vertexColumns(); ++a)
+            draw(net.down(a, b));
+    }
+    return drawn;
+}
+
 struct NetCellPaint : TextureFixture {};
 
 TEST_F(NetCellPaint, TheHighestNumberIsWhatTheCanvasPaintsLast) {
@@ -44,7 +66,8 @@ TEST_F(NetCellPaint, TheHighestNumberIsWhatTheCanvasPaintsLast) {
         {8, 8, 0, {0, 0, 71, 53}},   {8, 64, 0, {0, 0, 71, 53}},   {13, 40, 0, {3, 2, 70, 50}},
         {1, 8, 0, {0, 0, 20, 15}},   {2, 64, 0, {0, 0, 31, 23}},   {5, 2, 1, {0, 0, 71, 53}},
         {9, 30, 1, {4, 0, 71, 41}},  {16, 64, 0, {0, 0, 50, 34}},  {6, 12, 0, {0, 0, 8, 8}},
-        {64, 64, 0, {0, 0, 71, 53}}, {7, 20, 0, {10, 10, 11, 40}},
+        {64, 64, 0, {0, 0, 71, 53}}, {7, 20, 0, {10, 10, 11, 40}}, {24, 64, 0, {0, 0, 71, 53}},
+        {32, 64, 0, {0, 0, 71, 53}},
     };
     const Pixel spare = 0x5A000000u;
     for (const Case& c : cases) {
@@ -61,12 +84,20 @@ TEST_F(NetCellPaint, TheHighestNumberIsWhatTheCanvasPaintsLast) {
                                    {c.area.left, c.area.top, c.area.right, middle},
                                    {c.area.left + 2, middle, c.area.right - 1, c.area.bottom}};
         for (const net::Area& clip : clips) {
-            Surface painted(71, 53, spare);
-            net::CellPainter painter(painted, clip);
-            painter.paint(net, reaches);
+            Surface lines = varied;
+            net::drawSides(lines, clip, net, reaches, colourBitsOf(RGB(10, 200, 30)));
+            ASSERT_EQ(lines, drawnByCanvas(net, varied, clip))
+                << "joints " << c.size << " " << c.noise << " rows " << clip.top;
             const Surface expected = paintedByCanvas(net, 71, 53, clip, spare);
-            ASSERT_EQ(painted, expected) << c.size << " " << c.noise << " " << int(c.type)
-                                         << " rows " << clip.top << ".." << clip.bottom;
+            // Rows of crossings beyond the slots at hand, as sides bent
+            // across a row give, every row too.
+            for (const int slots : {6, 1}) {
+                Surface painted(71, 53, spare);
+                net::CellPainter(painted, clip, slots).paint(net, reaches);
+                ASSERT_EQ(painted, expected)
+                    << c.size << " " << c.noise << " " << int(c.type) << " rows " << clip.top
+                    << ".." << clip.bottom << " slots " << slots;
+            }
         }
     }
 }

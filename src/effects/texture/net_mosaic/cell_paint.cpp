@@ -79,9 +79,21 @@ void CellPainter::paint(const Net& net, std::span<const RowReach> vertexReaches)
 // for the rows from its upper end up to but not including its lower one.
 // The edges are the sides' pieces, whatever their direction.
 void CellPainter::fillCell(const Net& net, int a, int b) {
-    crossings_.clear();
+    const auto rows = static_cast<std::size_t>(clip_.bottom - clip_.top);
+    if (counts_.size() != rows) {
+        counts_.assign(rows, 0);
+        slots_.resize(rows * static_cast<std::size_t>(slotCount_));
+    }
     int low = clip_.bottom;
     int high = clip_.top;
+    const auto add = [&](int y, int key) {
+        const auto r = static_cast<std::size_t>(y - clip_.top);
+        if (counts_[r] == slotCount_) {
+            spilled_.push_back({y, key});
+            return;
+        }
+        slots_[r * static_cast<std::size_t>(slotCount_) + counts_[r]++] = key;
+    };
     const auto addSide = [&](std::span<const CanvasPoint> side) {
         for (std::size_t i = 0; i + 1 < side.size(); ++i) {
             CanvasPoint p = side[i];
@@ -93,21 +105,25 @@ void CellPainter::fillCell(const Net& net, int a, int b) {
             if (from >= to) continue;
             low = std::min(low, from);
             high = std::max(high, to);
+            // The first row of a piece crosses at its end; the short pieces
+            // of bent sides have no other row.
+            if (from == p.y) {
+                add(from, 2 * p.x);
+                if (to == from + 1) continue;
+            }
             const int dx = q.x - p.x;
             const int dy = q.y - p.y;
             // x = p.x + (y - p.y) dx / dy, stepped row to row as
             // floor + rem / dy.
-            int floor = p.x;
-            int rem = 0;
-            if (from > p.y) {
-                const int num = (from - p.y) * dx;
-                floor += floorDivide(num, dy).first;
-                rem = num - (floor - p.x) * dy;
-            }
-            const auto [floorStep, _] = dy == 1 ? std::pair{dx, false} : floorDivide(dx, dy);
+            const int first = from == p.y ? from + 1 : from;
+            const int num = (first - p.y) * dx;
+            const int start = floorDivide(num, dy).first;
+            int floor = p.x + start;
+            int rem = num - start * dy;
+            const auto [floorStep, _] = floorDivide(dx, dy);
             const int remStep = dx - floorStep * dy;
-            for (int y = from; y < to; ++y) {
-                crossings_.push_back({y, 2 * floor + (rem != 0 ? 1 : 0)});
+            for (int y = first; y < to; ++y) {
+                add(y, 2 * floor + (rem != 0 ? 1 : 0));
                 floor += floorStep;
                 rem += remStep;
                 if (rem >= dy) {
@@ -121,34 +137,34 @@ void CellPainter::fillCell(const Net& net, int a, int b) {
     addSide(net.down(a + 1, b));
     addSide(net.across(a, b + 1));
     addSide(net.down(a, b));
-    if (crossings_.empty()) return;
-
-    // By rows: rowEnds_[r] ends up one past row r's last key.
-    const auto rows = static_cast<std::size_t>(high - low);
-    rowEnds_.assign(rows + 1, 0);
-    for (const Crossing& c : crossings_)
-        ++rowEnds_[static_cast<std::size_t>(c.row - low) + 1];
-    for (std::size_t r = 1; r <= rows; ++r)
-        rowEnds_[r] += rowEnds_[r - 1];
-    keys_.resize(crossings_.size());
-    for (const Crossing& c : crossings_)
-        keys_[static_cast<std::size_t>(rowEnds_[static_cast<std::size_t>(c.row - low)]++)] = c.key;
+    if (low >= high) return;
 
     const std::uint32_t label = cellLabel(net, a, b);
-    int begin = 0;
-    for (std::size_t r = 0; r < rows; ++r) {
-        const int end = rowEnds_[r];
-        // Crossings equal in their key give the same ends whatever their
-        // order, so sorting the keys sorts the crossings.
-        for (int i = begin + 1; i < end; ++i) {
-            for (int j = i; j > begin && keys_[j] < keys_[j - 1]; --j)
-                std::swap(keys_[j], keys_[j - 1]);
+    // Crossings equal in their key give the same ends whatever their order,
+    // so sorting the keys sorts the crossings.
+    const auto paintRow = [&](int y, std::span<int> keys) {
+        for (std::size_t i = 1; i < keys.size(); ++i) {
+            for (std::size_t j = i; j > 0 && keys[j] < keys[j - 1]; --j)
+                std::swap(keys[j], keys[j - 1]);
         }
-        const int y = low + static_cast<int>(r);
-        for (int k = begin; k + 1 < end; k += 2)
-            paintSpan(y, (keys_[k] + 1) >> 1, keys_[k + 1] >> 1, label);
-        begin = end;
+        for (std::size_t k = 0; k + 1 < keys.size(); k += 2)
+            paintSpan(y, (keys[k] + 1) >> 1, keys[k + 1] >> 1, label);
+    };
+    for (int y = low; y < high; ++y) {
+        const auto r = static_cast<std::size_t>(y - clip_.top);
+        const std::span<int> keys(&slots_[r * static_cast<std::size_t>(slotCount_)], counts_[r]);
+        counts_[r] = 0;
+        if (static_cast<int>(keys.size()) < slotCount_ || spilled_.empty()) {
+            paintRow(y, keys);
+            continue;
+        }
+        rowKeys_.assign(keys.begin(), keys.end());
+        for (const Crossing& c : spilled_) {
+            if (c.row == y) rowKeys_.push_back(c.key);
+        }
+        paintRow(y, rowKeys_);
     }
+    spilled_.clear();
 }
 
 void CellPainter::paintSpan(int y, int left, int right, std::uint32_t label) {
@@ -161,15 +177,14 @@ void CellPainter::paintSpan(int y, int left, int right, std::uint32_t label) {
         paintMax(p, label);
 }
 
-// The thin outline's pixels of a side: each piece traced as the canvas
-// traces a line (the same pixels from either end), the side's last point
-// included. A side whose points all coincide is a corner the other sides
-// paint, and a cell that is only that point has no outline.
-void CellPainter::traceSide(std::span<const CanvasPoint> side, std::uint32_t label) {
-    const drawing::Window window{clip_.left, clip_.top, clip_.right - 1, clip_.bottom - 1};
-    const auto inside = [&](std::int64_t x, std::int64_t y) {
-        return x >= window.left && x <= window.right && y >= window.top && y <= window.bottom;
-    };
+namespace {
+
+// The thin line's pixels of each piece of a side within the clip, as the
+// canvas traces a line (the same pixels from either end, the end point
+// left out). Returns whether any piece had a length.
+template <typename Paint>
+bool tracePieces(std::span<const CanvasPoint> side, const Area& clip, Paint paint) {
+    const drawing::Window window{clip.left, clip.top, clip.right - 1, clip.bottom - 1};
     bool traced = false;
     for (std::size_t i = 0; i + 1 < side.size(); ++i) {
         const CanvasPoint p = side[i];
@@ -178,12 +193,50 @@ void CellPainter::traceSide(std::span<const CanvasPoint> side, std::uint32_t lab
         traced = true;
         drawing::traceLine(
             p.x, p.y, q.x, q.y, window, [&](std::int64_t x, std::int64_t y, std::int64_t) {
-                if (inside(x, y))
-                    paintMax(picture_.at(static_cast<int>(x), static_cast<int>(y)), label);
+                if (y >= window.top && y <= window.bottom && x >= window.left && x <= window.right)
+                    paint(static_cast<int>(x), static_cast<int>(y));
             });
     }
-    if (traced && inside(side.back().x, side.back().y))
+    return traced;
+}
+
+bool within(const Area& clip, CanvasPoint p) {
+    return p.x >= clip.left && p.x < clip.right && p.y >= clip.top && p.y < clip.bottom;
+}
+
+} // namespace
+
+// The outline's pixels of a side, its last point included. A side whose
+// points all coincide is a corner the other sides paint, and a cell that is
+// only that point has no outline.
+void CellPainter::traceSide(std::span<const CanvasPoint> side, std::uint32_t label) {
+    const bool traced =
+        tracePieces(side, clip_, [&](int x, int y) { paintMax(picture_.at(x, y), label); });
+    if (traced && within(clip_, side.back()))
         paintMax(picture_.at(side.back().x, side.back().y), label);
+}
+
+void drawSides(Surface& picture, const Area& clip, const Net& net,
+               std::span<const RowReach> vertexReaches, Pixel colour) {
+    if (clip.left >= clip.right || clip.top >= clip.bottom) return;
+    const Pixel bits = colour & NumberBytes;
+    const auto draw = [&](std::span<const CanvasPoint> side) {
+        const auto put = [&](int x, int y) {
+            Pixel& p = picture.at(x, y);
+            p = (p & SpareByte) | bits;
+        };
+        tracePieces(side, clip, put);
+        if (within(clip, side.back())) put(side.back().x, side.back().y);
+    };
+    for (int b = 0; b < net.vertexRows(); ++b) {
+        const RowReach& reach = vertexReaches[static_cast<std::size_t>(b)];
+        if (reach.last < clip.top || reach.first >= clip.bottom) continue;
+        for (int a = 0; a < net.cellColumns(); ++a)
+            draw(net.across(a, b));
+        if (b >= net.cellRows()) continue;
+        for (int a = 0; a < net.vertexColumns(); ++a)
+            draw(net.down(a, b));
+    }
 }
 
 } // namespace lumiran::net

@@ -4,6 +4,7 @@
 #include "effects/texture/net_mosaic/net_grid.h"
 #include "engine/surface.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -26,6 +27,12 @@ struct RowReach {
            static_cast<std::uint32_t>(a) + 1;
 }
 
+// Draws every side reaching into the clip as thin lines of one colour (its
+// colour bytes; the spare bytes kept), each piece as the canvas draws a line
+// in copy mode and the side's last point with it.
+void drawSides(Surface& picture, const Area& clip, const Net& net,
+               std::span<const RowReach> vertexReaches, Pixel colour);
+
 // Paints the cells' numbers into the colour bytes of a picture (the spare
 // byte kept), within a clip: what the canvas leaves when it paints the cells
 // one after the other in their order, each as a solid polygon (even-odd
@@ -36,7 +43,9 @@ struct RowReach {
 class CellPainter {
   public:
     // Paints only the columns [left, right) of the rows [top, bottom).
-    CellPainter(Surface& picture, const Area& clip) : picture_(picture), clip_(clip) {}
+    // A cell keeps rowSlots crossings a row at hand and the rest aside.
+    CellPainter(Surface& picture, const Area& clip, int rowSlots = 6)
+        : picture_(picture), clip_(clip), slotCount_(std::clamp(rowSlots, 1, 255)) {}
     void setClip(const Area& clip) { clip_ = clip; }
 
     // Every cell and side reaching into the clip.
@@ -51,12 +60,16 @@ class CellPainter {
         int row;
         int key; // 2 floor(x) + (x not whole): orders crossings as x does for the fill
     };
+    // The keys of a cell's crossings by row of the clip, a few slots a row;
+    // counts_ is all 0 between cells. A row with more crossings than slots
+    // (sides bent across it) keeps the rest in spilled_.
     Surface& picture_;
     Area clip_;
-    // Reused from cell to cell.
-    std::vector<Crossing> crossings_;
-    std::vector<int> rowEnds_;
-    std::vector<int> keys_;
+    int slotCount_;
+    std::vector<int> slots_;
+    std::vector<std::uint8_t> counts_;
+    std::vector<Crossing> spilled_;
+    std::vector<int> rowKeys_;
 };
 
 } // namespace lumiran::net

@@ -436,37 +436,13 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
             return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
                                                                    area.bottom - area.top));
         };
-        std::vector<Canvas> canvases;
-        canvases.reserve(static_cast<std::size_t>(bands.workers));
-        for (int w = 0; w < bands.workers; ++w)
-            canvases.emplace_back(target);
-        inBands(bands, [&](int worker, int k) {
+        inBands(bands, [&](int, int k) {
             const int firstRow = k * bands.unitsPerBand;
             const int endRow = std::min(vertexRows, firstRow + bands.unitsPerBand);
             const int bandTop = rowOfVertexRow(firstRow);
             const int bandBottom = endRow == vertexRows ? area.bottom : rowOfVertexRow(endRow);
-            Canvas& canvas = canvases[static_cast<std::size_t>(worker)];
-            canvas.setClip(area.left, bandTop, area.right, bandBottom);
-            const auto draw = [&](std::span<const CanvasPoint> side) {
-                const auto [low, high] = std::ranges::minmax(side, {}, &CanvasPoint::y);
-                if (high.y < bandTop || low.y >= bandBottom) return;
-                for (std::size_t i = 0; i + 1 < side.size(); ++i)
-                    canvas.Line(side[i].x, side[i].y, side[i + 1].x, side[i + 1].y, colour);
-                // A line leaves out its end point; the side's last one is
-                // drawn here so the net's far corners are closed too.
-                canvas.Line(side.back().x, side.back().y, side.back().x, side.back().y, colour,
-                            LineKind::BF);
-            };
-            for (int b = 0; b < vertexRows; ++b) {
-                const RowReach& reach = reaches[static_cast<std::size_t>(b)];
-                if (reach.last < bandTop || reach.first >= bandBottom) continue;
-                for (int a = 0; a < net.cellColumns(); ++a)
-                    draw(net.across(a, b));
-                if (b < net.cellRows()) {
-                    for (int a = 0; a < net.vertexColumns(); ++a)
-                        draw(net.down(a, b));
-                }
-            }
+            net::drawSides(target, {area.left, bandTop, area.right, bandBottom}, net, reaches,
+                           colourBitsOf(colour));
             return endRow - firstRow;
         });
     });

@@ -51,7 +51,7 @@ Surface drawnByCanvas(const net::Net& net, const Surface& picture, const net::Ar
 
 struct NetCellPaint : TextureFixture {};
 
-TEST_F(NetCellPaint, TheHighestNumberIsWhatTheCanvasPaintsLast) {
+TEST_F(NetCellPaint, CellsAndJointsAreWhatTheCanvasPaints) {
     // Bent sides that cross their neighbours (noise far above the block),
     // blocks of one and two pixels, areas whose last column of vertices
     // lies one pixel from the one before, snapped nets, and clips that cut

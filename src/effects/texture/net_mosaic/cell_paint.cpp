@@ -3,6 +3,8 @@
 #include "engine/drawing/line_trace.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <utility>
 
 namespace lumiran::net {
@@ -22,6 +24,56 @@ std::pair<int, bool> floorDivide(int num, int den) {
     if (r < 0) --q;
     return {q, r != 0};
 }
+
+// The pieces of bent sides are a few pixels long: their crossings and
+// traced pixels come from tables rather than divisions.
+constexpr int Short = 7;
+
+// For a piece of dy rows down and dx across (0 < dy <= Short, |dx| <= Short),
+// the key of its crossing k rows below its upper end, less 2 x of that end:
+// 2 floor(k dx / dy) + (k dx / dy not whole).
+struct CrossingTable {
+    std::array<std::int16_t, Short*(2 * Short + 1) * Short> keys{};
+    constexpr CrossingTable() {
+        for (int dy = 1; dy <= Short; ++dy) {
+            for (int dx = -Short; dx <= Short; ++dx) {
+                for (int k = 0; k < dy; ++k) {
+                    const int num = k * dx;
+                    int q = num / dy;
+                    if (num % dy != 0 && num < 0) --q;
+                    keys[index(dy, dx, k)] = static_cast<std::int16_t>(2 * q + (num % dy != 0));
+                }
+            }
+        }
+    }
+    static constexpr std::size_t index(int dy, int dx, int k) {
+        return static_cast<std::size_t>(((dy - 1) * (2 * Short + 1) + dx + Short) * Short + k);
+    }
+};
+constexpr CrossingTable Crossings;
+
+// For a line of n steps along its major axis (0 < n <= Short) and minor
+// delta m (|m| <= n), the minor offset of step i as the canvas traces it:
+// floor((2 i m + n) / (2 n)).
+struct TraceTable {
+    std::array<std::int8_t, Short*(2 * Short + 1) * Short> offsets{};
+    constexpr TraceTable() {
+        for (int n = 1; n <= Short; ++n) {
+            for (int m = -n; m <= n; ++m) {
+                for (int i = 0; i < n; ++i) {
+                    const int num = 2 * i * m + n;
+                    int q = num / (2 * n);
+                    if (num % (2 * n) != 0 && num < 0) --q;
+                    offsets[index(n, m, i)] = static_cast<std::int8_t>(q);
+                }
+            }
+        }
+    }
+    static constexpr std::size_t index(int n, int m, int i) {
+        return static_cast<std::size_t>(((n - 1) * (2 * Short + 1) + m + Short) * Short + i);
+    }
+};
+constexpr TraceTable Traces;
 
 } // namespace
 
@@ -113,6 +165,12 @@ void CellPainter::fillCell(const Net& net, int a, int b) {
             }
             const int dx = q.x - p.x;
             const int dy = q.y - p.y;
+            if (dy <= Short && dx >= -Short && dx <= Short) {
+                const std::size_t keys = CrossingTable::index(dy, dx, 0);
+                for (int y = from == p.y ? from + 1 : from; y < to; ++y)
+                    add(y, 2 * p.x + Crossings.keys[keys + static_cast<std::size_t>(y - p.y)]);
+                continue;
+            }
             // x = p.x + (y - p.y) dx / dy, stepped row to row as
             // floor + rem / dy.
             const int first = from == p.y ? from + 1 : from;
@@ -191,6 +249,23 @@ bool tracePieces(std::span<const CanvasPoint> side, const Area& clip, Paint pain
         const CanvasPoint q = side[i + 1];
         if (p.x == q.x && p.y == q.y) continue;
         traced = true;
+        const int dx = q.x - p.x;
+        const int dy = q.y - p.y;
+        const int n = std::max(std::abs(dx), std::abs(dy));
+        if (n <= Short) {
+            const bool xMajor = std::abs(dx) >= std::abs(dy);
+            const int step = (xMajor ? dx : dy) > 0 ? 1 : -1;
+            const std::size_t steps = Traces.index(n, xMajor ? dy : dx, 0);
+            for (int i = 0; i < n; ++i) {
+                const int along = step * i;
+                const int across = Traces.offsets[steps + static_cast<std::size_t>(i)];
+                const int x = p.x + (xMajor ? along : across);
+                const int y = p.y + (xMajor ? across : along);
+                if (y >= clip.top && y < clip.bottom && x >= clip.left && x < clip.right)
+                    paint(x, y);
+            }
+            continue;
+        }
         drawing::traceLine(
             p.x, p.y, q.x, q.y, window, [&](std::int64_t x, std::int64_t y, std::int64_t) {
                 if (y >= window.top && y <= window.bottom && x >= window.left && x <= window.right)

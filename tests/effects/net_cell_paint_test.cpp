@@ -78,7 +78,7 @@ TEST_F(NetCellPaint, CellsAndJointsAreWhatTheCanvasPaints) {
         } else {
             net.snapToEdges(varied, c.noise);
         }
-        const std::vector<net::RowReach> reaches = net::vertexRowReaches(net);
+        const std::vector<net::RowReach> reaches = net::reachesOf(net).sides;
         const int middle = (c.area.top + c.area.bottom) / 2;
         const net::Area clips[] = {c.area,
                                    {c.area.left, c.area.top, c.area.right, middle},

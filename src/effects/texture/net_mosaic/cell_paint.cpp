@@ -77,25 +77,37 @@ constexpr TraceTable Traces;
 
 } // namespace
 
-std::vector<RowReach> vertexRowReaches(const Net& net) {
-    std::vector<RowReach> reaches(static_cast<std::size_t>(net.vertexRows()));
-    for (int b = 0; b < net.vertexRows(); ++b) {
-        RowReach& reach = reaches[static_cast<std::size_t>(b)];
-        const int y = net.across(0, b).front().y;
-        reach = {y, y};
-        const auto widen = [&](std::span<const CanvasPoint> side) {
-            for (const CanvasPoint& p : side) {
-                reach.first = std::min(reach.first, p.y);
-                reach.last = std::max(reach.last, p.y);
-            }
-        };
-        for (int a = 0; a < net.cellColumns(); ++a)
-            widen(net.across(a, b));
-        if (b < net.cellRows()) {
-            for (int a = 0; a < net.vertexColumns(); ++a)
-                widen(net.down(a, b));
+NetReaches reachesOf(const Net& net) {
+    const auto rows = static_cast<std::size_t>(net.vertexRows());
+    const auto span = [](std::span<const CanvasPoint> side, RowReach reach) {
+        for (const CanvasPoint& p : side) {
+            reach.first = std::min(reach.first, p.y);
+            reach.last = std::max(reach.last, p.y);
         }
+        return reach;
+    };
+    const auto join = [](RowReach r, RowReach s) {
+        return RowReach{std::min(r.first, s.first), std::max(r.last, s.last)};
+    };
+    // Each side once: the level ones of each row of vertices, then the
+    // upright ones from it.
+    std::vector<RowReach> level(rows);
+    NetReaches reaches{std::vector<RowReach>(rows),
+                       std::vector<RowReach>(static_cast<std::size_t>(net.cellRows()))};
+    for (std::size_t b = 0; b < rows; ++b) {
+        const int y = net.across(0, static_cast<int>(b)).front().y;
+        RowReach reach{y, y};
+        for (int a = 0; a < net.cellColumns(); ++a)
+            reach = span(net.across(a, static_cast<int>(b)), reach);
+        level[b] = reach;
+        if (b + 1 < rows) {
+            for (int a = 0; a < net.vertexColumns(); ++a)
+                reach = span(net.down(a, static_cast<int>(b)), reach);
+        }
+        reaches.sides[b] = reach;
     }
+    for (std::size_t b = 0; b + 1 < rows; ++b)
+        reaches.cells[b] = join(reaches.sides[b], level[b + 1]);
     return reaches;
 }
 

@@ -17,9 +17,14 @@ struct RowReach {
     int last = -1;
 };
 
-// The rows the sides of each row of vertices reach: the level sides of row
-// b and the upright ones from it to row b + 1.
-[[nodiscard]] std::vector<RowReach> vertexRowReaches(const Net& net);
+struct NetReaches {
+    // For each row b of vertices: its level sides and the upright ones from
+    // it to row b + 1.
+    std::vector<RowReach> sides;
+    // For each row b of cells: the sides around its cells.
+    std::vector<RowReach> cells;
+};
+[[nodiscard]] NetReaches reachesOf(const Net& net);
 
 // The number of cell (a, b) on the work picture; 0 is no cell.
 [[nodiscard]] inline std::uint32_t cellLabel(const Net& net, int a, int b) {

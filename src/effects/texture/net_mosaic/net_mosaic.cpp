@@ -70,27 +70,6 @@ net::Net laidNet(const net::Area& area, std::int16_t blockSize, std::int16_t noi
 
 using net::RowReach;
 
-std::vector<RowReach> cellRowReaches(const net::Net& net) {
-    std::vector<RowReach> reaches(static_cast<std::size_t>(net.cellRows()));
-    const auto widen = [](RowReach& reach, std::span<const CanvasPoint> side) {
-        for (const CanvasPoint& p : side) {
-            reach.first = std::min(reach.first, p.y);
-            reach.last = std::max(reach.last, p.y);
-        }
-    };
-    for (int b = 0; b < net.cellRows(); ++b) {
-        RowReach& reach = reaches[static_cast<std::size_t>(b)];
-        reach = {net.across(0, b).front().y, net.across(0, b).front().y};
-        for (int a = 0; a < net.cellColumns(); ++a) {
-            widen(reach, net.across(a, b));
-            widen(reach, net.across(a, b + 1));
-        }
-        for (int a = 0; a < net.vertexColumns(); ++a)
-            widen(reach, net.down(a, b));
-    }
-    return reaches;
-}
-
 } // namespace
 
 // How count units of work (rows of cells, rows of pixels) are shared out:
@@ -271,12 +250,14 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         // reaches into it, clipped to its rows: a pixel where cells touch
         // takes the last one's number, as when the cells are painted over the
         // whole picture one after the other.
-        const std::vector<RowReach> reaches = cellRowReaches(net);
+        const net::NetReaches netReaches = net::reachesOf(net);
+        const std::vector<RowReach>& reaches = netReaches.cells;
         const int cellRows = net.cellRows();
         const auto cellCount = static_cast<std::size_t>(net.cellRows()) * net.cellColumns();
         const int size = blockSize;
-        // Few bands: the cells across a band's border are visited by both.
-        const Bands bands = bandsOf(cellRows, static_cast<long long>(size) * width, 2);
+        // About four bands a thread, to even out the threads: the cells
+        // across a band's border are visited by both.
+        const Bands bands = bandsOf(cellRows, static_cast<long long>(size) * width, 4);
         // Where the net's row b of vertices lay before it was moved.
         const auto rowOfCellRow = [&](int b) {
             return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
@@ -340,14 +321,13 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         bool painted = false;
         if (!numbersRepeat) {
             // Numbers that do not repeat: the highest is the last painted.
-            const std::vector<RowReach> sideReaches = net::vertexRowReaches(net);
             std::vector<net::CellPainter> painters(static_cast<std::size_t>(bands.workers),
                                                    net::CellPainter(cells, area));
             painted = inBands(bands, [&](int worker, int k) {
                 const net::Area band = bandOf(k);
                 net::CellPainter& painter = painters[static_cast<std::size_t>(worker)];
                 painter.setClip(band);
-                painter.paint(net, sideReaches);
+                painter.paint(net, netReaches.sides);
                 numberBand(worker, band);
                 return cellRowsOf(k);
             });
@@ -435,9 +415,9 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
         // Every side is one colour drawn over the copy, so a pixel's result
         // does not depend on the order of the sides: bands of rows each draw
         // every side that reaches into them, clipped to their rows.
-        const std::vector<RowReach> reaches = net::vertexRowReaches(net);
+        const std::vector<RowReach> reaches = net::reachesOf(net).sides;
         const int size = blockSize;
-        const Bands bands = bandsOf(vertexRows, static_cast<long long>(size) * width, 2);
+        const Bands bands = bandsOf(vertexRows, static_cast<long long>(size) * width, 4);
         const auto rowOfVertexRow = [&](int b) {
             return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
                                                                    area.bottom - area.top));

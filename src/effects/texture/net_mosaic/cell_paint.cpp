@@ -111,31 +111,28 @@ NetReaches reachesOf(const Net& net) {
     return reaches;
 }
 
-void CellPainter::paint(const Net& net, std::span<const RowReach> vertexReaches) {
-    if (clip_.left >= clip_.right || clip_.top >= clip_.bottom) return;
+void CellPainter::paintRow(const Net& net, std::span<const RowReach> sideReaches, int b) {
     const auto reaches = [&](const RowReach& r) {
         return r.last >= clip_.top && r.first < clip_.bottom;
     };
-    for (int b = 0; b < net.cellRows(); ++b) {
-        const RowReach& upper = vertexReaches[static_cast<std::size_t>(b)];
-        const RowReach& lower = vertexReaches[static_cast<std::size_t>(b + 1)];
-        if (!reaches({std::min(upper.first, lower.first), std::max(upper.last, lower.last)}))
-            continue;
-        for (int a = 0; a < net.cellColumns(); ++a)
-            fillCell(net, a, b);
+    const RowReach& upper = sideReaches[static_cast<std::size_t>(b)];
+    if (b < net.cellRows()) {
+        const RowReach& lower = sideReaches[static_cast<std::size_t>(b + 1)];
+        if (reaches({std::min(upper.first, lower.first), std::max(upper.last, lower.last)})) {
+            for (int a = 0; a < net.cellColumns(); ++a)
+                fillCell(net, a, b);
+        }
     }
+    if (!reaches(upper)) return;
     // A side takes the later of its two cells: the one below or right of
     // it, but on the net's far border.
     const int lastColumn = net.cellColumns() - 1;
     const int lastRow = net.cellRows() - 1;
-    for (int b = 0; b < net.vertexRows(); ++b) {
-        if (!reaches(vertexReaches[static_cast<std::size_t>(b)])) continue;
-        for (int a = 0; a <= lastColumn; ++a)
-            traceSide(net.across(a, b), cellLabel(net, a, std::min(b, lastRow)));
-        if (b > lastRow) continue;
-        for (int a = 0; a < net.vertexColumns(); ++a)
-            traceSide(net.down(a, b), cellLabel(net, std::min(a, lastColumn), b));
-    }
+    for (int a = 0; a <= lastColumn; ++a)
+        traceSide(net.across(a, b), cellLabel(net, a, std::min(b, lastRow)));
+    if (b > lastRow) return;
+    for (int a = 0; a < net.vertexColumns(); ++a)
+        traceSide(net.down(a, b), cellLabel(net, std::min(a, lastColumn), b));
 }
 
 // The inside by the even-odd rule: on each row the crossings of the

@@ -53,10 +53,30 @@ class CellPainter {
         : picture_(picture), clip_(clip), slotCount_(std::clamp(rowSlots, 1, 255)) {}
     void setClip(const Area& clip) { clip_ = clip; }
 
-    // Every cell and side reaching into the clip.
-    void paint(const Net& net, std::span<const RowReach> vertexReaches);
+    // Every cell and side reaching into the clip, a row of cells and its
+    // row of vertices' sides at a time; after each, rowsFinal(end) with the
+    // row from which on the clip may still change (rows above it are done).
+    template <typename RowsFinal>
+    void paint(const Net& net, std::span<const RowReach> sideReaches, RowsFinal&& rowsFinal) {
+        if (clip_.left >= clip_.right || clip_.top >= clip_.bottom) return;
+        const auto rows = static_cast<std::size_t>(net.vertexRows());
+        // The first row that the sides of row b of vertices or below reach.
+        firstReached_.resize(rows + 1);
+        firstReached_[rows] = clip_.bottom;
+        for (std::size_t b = rows; b-- > 0;)
+            firstReached_[b] = std::min(firstReached_[b + 1], sideReaches[b].first);
+        for (std::size_t b = 0; b < rows; ++b) {
+            paintRow(net, sideReaches, static_cast<int>(b));
+            rowsFinal(std::min(clip_.bottom, firstReached_[b + 1]));
+        }
+    }
+    void paint(const Net& net, std::span<const RowReach> sideReaches) {
+        paint(net, sideReaches, [](int) {});
+    }
 
   private:
+    // The cells of row b (if any) and the sides of row b of vertices.
+    void paintRow(const Net& net, std::span<const RowReach> sideReaches, int b);
     void fillCell(const Net& net, int a, int b);
     void traceSide(std::span<const CanvasPoint> side, std::uint32_t label);
     void paintSpan(int y, int left, int right, std::uint32_t label);
@@ -75,6 +95,7 @@ class CellPainter {
     std::vector<std::uint8_t> counts_;
     std::vector<Crossing> spilled_;
     std::vector<int> rowKeys_;
+    std::vector<int> firstReached_;
 };
 
 } // namespace lumiran::net

@@ -287,13 +287,8 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         std::mutex adding;
         std::atomic<bool> numberedAlone{!numbersRepeat};
         const auto columns = static_cast<std::uint32_t>(net.cellColumns());
-        const auto numberBand = [&](int worker, const net::Area& band) {
-            if (numbersRepeat || band.top >= band.bottom) return;
-            if (band.top > area.top && (areaRow(cells, band.top).front() & NumberBytes) == 0) {
-                numberedAlone = false;
-                return;
-            }
-            if (!numberedAlone) return;
+        // The range of numbers of the cells painted into a band's rows.
+        const auto numbersOf = [&](const net::Area& band) {
             int lowRow = cellRows;
             int highRow = 0;
             for (int b = 0; b < cellRows; ++b) {
@@ -304,17 +299,16 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             }
             const std::uint32_t low =
                 static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
-            std::vector<Sums>& into = bandSums[static_cast<std::size_t>(worker)];
-            into.assign(static_cast<std::uint32_t>(highRow + 1) * columns - low + 2, Sums{});
-            for (int y = band.top; y < band.bottom; ++y)
-                numberRow(y, y > band.top, low, into);
+            return std::pair{low, static_cast<std::uint32_t>(highRow + 1) * columns - low + 2};
+        };
+        const auto addUp = [&](std::uint32_t low, std::span<const Sums> from) {
             const std::scoped_lock lock(adding);
-            for (std::size_t j = 0; j < into.size(); ++j) {
+            for (std::size_t j = 0; j < from.size(); ++j) {
                 Sums& s = sums[j == 0 ? 0 : low + j - 1];
-                s.red += into[j].red;
-                s.green += into[j].green;
-                s.blue += into[j].blue;
-                s.count += into[j].count;
+                s.red += from[j].red;
+                s.green += from[j].green;
+                s.blue += from[j].blue;
+                s.count += from[j].count;
             }
         };
 
@@ -327,8 +321,26 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 const net::Area band = bandOf(k);
                 net::CellPainter& painter = painters[static_cast<std::size_t>(worker)];
                 painter.setClip(band);
-                painter.paint(net, netReaches.sides);
-                numberBand(worker, band);
+                // Rows are numbered as soon as no later cell can reach them,
+                // while they are still at hand.
+                bool numbering = numberedAlone && band.top < band.bottom;
+                const auto [low, count] = numbersOf(band);
+                std::vector<Sums>& into = bandSums[static_cast<std::size_t>(worker)];
+                if (numbering) into.assign(count, Sums{});
+                int next = band.top;
+                painter.paint(net, netReaches.sides, [&](int end) {
+                    end = std::min(end, band.bottom);
+                    if (!numbering || next >= end) return;
+                    if (next == band.top && band.top > area.top &&
+                        (areaRow(cells, band.top).front() & NumberBytes) == 0) {
+                        numberedAlone = false;
+                        numbering = false;
+                        return;
+                    }
+                    for (; next < end; ++next)
+                        numberRow(next, next > band.top, low, into);
+                });
+                if (numbering) addUp(low, into);
                 return cellRowsOf(k);
             });
         } else {

@@ -16,22 +16,59 @@ int brightness(const Surface& source, int x, int y) {
     return (c & 0xFF) + ((c >> 8) & 0xFF) + ((c >> 16) & 0xFF);
 }
 
+// The parts dx / length and dy / length of the unit vector along (dx, dy),
+// for the short vectors of a net's sides worked out once: the square root
+// and the divisions were most of the cost of bending them.
+class Directions {
+  public:
+    struct Parts {
+        double x = 0;
+        double y = 0;
+    };
+
+    explicit Directions(int reach)
+        : reach_(reach), parts_(static_cast<std::size_t>(2 * reach + 1) * (2 * reach + 1)) {
+        for (int dy = -reach; dy <= reach; ++dy) {
+            for (int dx = -reach; dx <= reach; ++dx)
+                parts_[index(dx, dy)] = worked(dx, dy);
+        }
+    }
+
+    [[nodiscard]] Parts of(int dx, int dy) const {
+        if (std::abs(dx) > reach_ || std::abs(dy) > reach_) return worked(dx, dy);
+        return parts_[index(dx, dy)];
+    }
+
+  private:
+    static Parts worked(int dx, int dy) {
+        const double length =
+            std::sqrt(static_cast<double>(dx) * dx + static_cast<double>(dy) * dy);
+        return {dx / length, dy / length};
+    }
+    [[nodiscard]] std::size_t index(int dx, int dy) const {
+        return static_cast<std::size_t>((dy + reach_) * (2 * reach_ + 1) + dx + reach_);
+    }
+
+    int reach_;
+    std::vector<Parts> parts_;
+};
+
 // The midpoints of a side moved across it by up to amplitude, then the
 // halves with half the amplitude, down to pieces of a few pixels.
 void displace(CanvasPoint from, CanvasPoint to, double amplitude, RandomGenerator& random,
-              Sides& out) {
+              const Directions& directions, Sides& out) {
     const int dx = to.x - from.x;
     const int dy = to.y - from.y;
     if (std::max(std::abs(dx), std::abs(dy)) < 4 || amplitude < 0.5) {
         out.add(to);
         return;
     }
-    const double length = std::sqrt(static_cast<double>(dx) * dx + static_cast<double>(dy) * dy);
+    const Directions::Parts along = directions.of(dx, dy);
     const double shift = (random.next() * 2 - 1) * amplitude;
-    const CanvasPoint middle{roundTo<int>((from.x + to.x) / 2.0 - dy / length * shift),
-                             roundTo<int>((from.y + to.y) / 2.0 + dx / length * shift)};
-    displace(from, middle, amplitude / 2, random, out);
-    displace(middle, to, amplitude / 2, random, out);
+    const CanvasPoint middle{roundTo<int>((from.x + to.x) / 2.0 - along.y * shift),
+                             roundTo<int>((from.y + to.y) / 2.0 + along.x * shift)};
+    displace(from, middle, amplitude / 2, random, directions, out);
+    displace(middle, to, amplitude / 2, random, directions, out);
 }
 
 } // namespace
@@ -94,17 +131,19 @@ void Net::scatter(int noise, RandomGenerator& random) {
     const double amplitude = std::min(noise, size_) / 4.0;
     // Sides of size pixels split into pieces of 2 to 3 pixels.
     reserveSides(std::max(2, size_ / 2 + 2));
+    // Sides span up to two blocks across and one down, and their halves less.
+    const Directions directions(std::min(2 * size_ + 2, 40));
     for (int b = 0; b < rows_; ++b) {
         for (int a = 0; a < columns_; ++a) {
             if (a + 1 < columns_) {
                 across_.open(vertex(a, b));
                 displace(vertex(a, b), vertex(a + 1, b), onBorderRow(b) ? 0 : amplitude, random,
-                         across_);
+                         directions, across_);
             }
             if (b + 1 < rows_) {
                 down_.open(vertex(a, b));
                 displace(vertex(a, b), vertex(a, b + 1), onBorderColumn(a) ? 0 : amplitude, random,
-                         down_);
+                         directions, down_);
             }
         }
     }

@@ -3,9 +3,13 @@
 // The net of Class_NetMosaic: vertices on a grid, moved at random or onto
 // the picture's edges, and the sides between them as polylines.
 #include "engine/drawing/canvas.h"
+#include "engine/picture_memory.h"
 #include "engine/random_generator.h"
 #include "engine/surface.h"
 
+#include <cstdint>
+#include <limits>
+#include <new>
 #include <span>
 #include <utility>
 #include <vector>
@@ -23,6 +27,8 @@ struct Area {
 using Polyline = std::vector<CanvasPoint>;
 
 // Polylines end to end in one array: side i is points [starts[i], starts[i + 1]).
+// A 4096 x 4096 net holds some 20 MiB of points: picture memory, whose huge
+// pages fault once a 2 MiB rather than once a 4 KiB.
 class Sides {
   public:
     void clear() {
@@ -36,11 +42,11 @@ class Sides {
     // Opens a new side at the point; the following add()s extend it.
     void open(CanvasPoint from) {
         if (starts_.empty()) starts_.push_back(0);
-        points_.push_back(from);
-        starts_.push_back(points_.size());
+        push(from);
+        starts_.push_back(static_cast<std::uint32_t>(points_.size()));
     }
     void add(CanvasPoint p) {
-        points_.push_back(p);
+        push(p);
         ++starts_.back();
     }
     [[nodiscard]] std::span<const CanvasPoint> operator[](std::size_t i) const {
@@ -49,8 +55,13 @@ class Sides {
     }
 
   private:
-    std::vector<CanvasPoint> points_;
-    std::vector<std::size_t> starts_;
+    void push(CanvasPoint p) {
+        // Out of memory long before, but never a wrapped index.
+        if (points_.size() == std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
+        points_.push_back(p);
+    }
+    std::vector<CanvasPoint, PictureAllocator<CanvasPoint>> points_;
+    std::vector<std::uint32_t, PictureAllocator<std::uint32_t>> starts_;
 };
 
 class Net {
@@ -97,7 +108,7 @@ class Net {
     int size_ = 1;
     int columns_ = 0; // vertices across
     int rows_ = 0;    // vertices down
-    std::vector<CanvasPoint> vertices_;
+    std::vector<CanvasPoint, PictureAllocator<CanvasPoint>> vertices_;
     Sides across_; // from (a, b) to (a + 1, b), row-major
     Sides down_;   // from (a, b) to (a, b + 1), row-major
 };

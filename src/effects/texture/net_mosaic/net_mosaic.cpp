@@ -1,6 +1,8 @@
+#include "effects/texture/net_mosaic/cell_paint.h"
 #include "effects/texture/net_mosaic/class_net_mosaic.h"
 #include "effects/texture/net_mosaic/net_grid.h"
 #include "engine/drawing/drawing.h"
+#include "engine/picture_memory.h"
 
 #include <algorithm>
 #include <atomic>
@@ -25,19 +27,10 @@ bool empty(const net::Area& area) {
     return area.left >= area.right || area.top >= area.bottom;
 }
 
-// Cells are told apart on the work picture by colour: cell n is drawn in
-// the colour whose 24 bits are n + 1, 0 being no cell. Beyond 2^24 - 1
-// cells (pictures near the 16-bit limit with the smallest blocks) numbers
-// repeat and two far cells share their mean.
-ColourRef cellColour(std::uint32_t number) {
-    const std::uint32_t n = (number + 1) & 0xFFFFFFu;
-    return RGB(static_cast<int>(n & 0xFF), static_cast<int>((n >> 8) & 0xFF),
-               static_cast<int>(n >> 16));
-}
-
-std::uint32_t cellNumber(ColourRef colour) {
-    return static_cast<std::uint32_t>(colour) & 0xFFFFFFu;
-}
+// Cell n is number n + 1 in the colour bytes of the work picture, 0 being
+// no cell. Beyond 2^24 - 1 cells (pictures near the 16-bit limit with the
+// smallest blocks) numbers repeat and two far cells share their mean.
+constexpr Pixel NumberBytes = 0xFFFFFFu;
 
 struct Sums {
     std::uint64_t red = 0;
@@ -75,56 +68,7 @@ net::Net laidNet(const net::Area& area, std::int16_t blockSize, std::int16_t noi
     return net;
 }
 
-// The rows of the picture a row of cells reaches, both inclusive.
-struct RowReach {
-    int first = 0;
-    int last = -1;
-};
-
-std::vector<RowReach> cellRowReaches(const net::Net& net) {
-    std::vector<RowReach> reaches(static_cast<std::size_t>(net.cellRows()));
-    const auto widen = [](RowReach& reach, std::span<const CanvasPoint> side) {
-        for (const CanvasPoint& p : side) {
-            reach.first = std::min(reach.first, p.y);
-            reach.last = std::max(reach.last, p.y);
-        }
-    };
-    for (int b = 0; b < net.cellRows(); ++b) {
-        RowReach& reach = reaches[static_cast<std::size_t>(b)];
-        reach = {net.across(0, b).front().y, net.across(0, b).front().y};
-        for (int a = 0; a < net.cellColumns(); ++a) {
-            widen(reach, net.across(a, b));
-            widen(reach, net.across(a, b + 1));
-        }
-        for (int a = 0; a < net.vertexColumns(); ++a)
-            widen(reach, net.down(a, b));
-    }
-    return reaches;
-}
-
-// The rows of the picture the sides of each row of vertices reach: the
-// level sides of row b and the upright ones from it to row b + 1.
-std::vector<RowReach> vertexRowReaches(const net::Net& net) {
-    std::vector<RowReach> reaches(static_cast<std::size_t>(net.vertexRows()));
-    for (int b = 0; b < net.vertexRows(); ++b) {
-        RowReach& reach = reaches[static_cast<std::size_t>(b)];
-        const int y = net.across(0, b).front().y;
-        reach = {y, y};
-        const auto widen = [&](std::span<const CanvasPoint> side) {
-            for (const CanvasPoint& p : side) {
-                reach.first = std::min(reach.first, p.y);
-                reach.last = std::max(reach.last, p.y);
-            }
-        };
-        for (int a = 0; a < net.cellColumns(); ++a)
-            widen(net.across(a, b));
-        if (b < net.cellRows()) {
-            for (int a = 0; a < net.vertexColumns(); ++a)
-                widen(net.down(a, b));
-        }
-    }
-    return reaches;
-}
+using net::RowReach;
 
 } // namespace
 
@@ -254,149 +198,189 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         const net::Net& net = *laid;
         SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
 
-        // Bands of rows of the picture, each painting every cell that
-        // reaches into it, in the cells' order and clipped to its rows: a
-        // pixel where cells touch takes the last one's colour, as when the
-        // cells are painted over the whole picture one after the other.
-        const std::vector<RowReach> reaches = cellRowReaches(net);
-        const int cellRows = net.cellRows();
-        const int size = blockSize;
-        // Few bands: the cells across a band's border are visited by both.
-        const Bands bands = bandsOf(cellRows, static_cast<long long>(size) * width, 2);
-        // Where the net's row b of vertices lay before it was moved.
-        const auto rowOfCellRow = [&](int b) {
-            return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
-                                                                   area.bottom - area.top));
-        };
-        struct Painter {
-            explicit Painter(Surface& picture) : canvas(picture) {}
-            Canvas canvas;
-            net::Polyline outline;
-        };
-        std::vector<Painter> painters;
-        painters.reserve(static_cast<std::size_t>(bands.workers));
-        for (int w = 0; w < bands.workers; ++w)
-            painters.emplace_back(cells);
-        const bool painted = inBands(bands, [&](int worker, int k) {
-            const int firstCellRow = k * bands.unitsPerBand;
-            const int endCellRow = std::min(cellRows, firstCellRow + bands.unitsPerBand);
-            const int bandTop = rowOfCellRow(firstCellRow);
-            const int bandBottom = endCellRow == cellRows ? area.bottom : rowOfCellRow(endCellRow);
-            Painter& painter = painters[static_cast<std::size_t>(worker)];
-            Canvas& canvas = painter.canvas;
-            canvas.setClip(area.left, bandTop, area.right, bandBottom);
-            canvas.FillStyle = BrushStyle::Solid;
-            for (int b = 0; b < cellRows; ++b) {
-                const RowReach& reach = reaches[static_cast<std::size_t>(b)];
-                if (reach.last < bandTop || reach.first >= bandBottom) continue;
-                for (int a = 0; a < net.cellColumns(); ++a) {
-                    net.cellOutline(a, b, painter.outline);
-                    const auto [low, high] =
-                        std::ranges::minmax(painter.outline, {}, &CanvasPoint::y);
-                    if (high.y < bandTop || low.y >= bandBottom) continue;
-                    const ColourRef colour =
-                        cellColour(static_cast<std::uint32_t>(b * net.cellColumns() + a));
-                    canvas.FillColor = colour;
-                    canvas.Polygon(painter.outline, colour);
-                }
-            }
-            return endCellRow - firstCellRow;
-        });
-        if (!painted) return;
-
         // A pixel that no cell reached (where bent sides nearly touch) joins
-        // the cell on its left, or above it in the first column. The cell
-        // numbers replace the colours on the work picture.
-        const auto cellCount = static_cast<std::size_t>(net.cellRows()) * net.cellColumns();
-        std::vector<Sums> sums(std::min<std::size_t>(cellCount, 0xFFFFFFu) + 1);
-        // Row y of the numbering, its sums into sums[0] for no cell and
-        // sums[n - low + 1] for cell number n.
+        // the cell on its left, or above it in the first column. Row y of
+        // the numbering, its sums into into[0] for no cell and
+        // into[n - low + 1] for cell number n.
         const auto numberRow = [&](int y, bool fromAbove, std::uint32_t low, std::span<Sums> into) {
             const auto numbers = areaRow(cells, y);
             const auto above = fromAbove ? areaRow(cells, y - 1) : std::span<Pixel>{};
             const auto colours = source.row(y).subspan(static_cast<std::size_t>(area.left),
                                                        static_cast<std::size_t>(width));
             // Pixels of a cell come in runs along the row: each run is
-            // summed here and added to its cell's sums once.
+            // summed here, its channels in lanes of one word (blue from bit
+            // 0, green from 21, red from 42: runs of at most Chunk pixels do
+            // not carry between them), and added to its cell's sums once.
+            constexpr std::size_t Chunk = 8192;
+            constexpr std::uint64_t Lane = (1u << 21) - 1;
             std::uint32_t runNumber = 0;
-            std::uint32_t red = 0, green = 0, blue = 0, count = 0;
-            const auto addRun = [&] {
-                if (count == 0) return;
+            std::size_t runStart = 0;
+            std::uint64_t packed = 0;
+            const auto addRun = [&](std::size_t end) {
+                if (end == runStart) return;
                 Sums& s = into[runNumber == 0 ? 0 : checkedIndex(runNumber - low + 1, into.size())];
-                s.red += red;
-                s.green += green;
-                s.blue += blue;
-                s.count += count;
+                s.blue += packed & Lane;
+                s.green += (packed >> 21) & Lane;
+                s.red += packed >> 42;
+                s.count += end - runStart;
+                runStart = end;
+                packed = 0;
             };
-            for (std::size_t i = 0; i < numbers.size(); ++i) {
-                std::uint32_t n = cellNumber(colourRefOf(numbers[i]));
-                if (n == 0 && i > 0) n = numbers[i - 1] & 0xFFFFFFu;
-                if (n == 0 && !above.empty()) n = above[i] & 0xFFFFFFu;
-                numbers[i] = (numbers[i] & 0xFF000000u) | n;
-                if (n != runNumber) {
-                    addRun();
-                    runNumber = n;
-                    red = green = blue = count = 0;
+            for (std::size_t chunk = 0; chunk < numbers.size(); chunk += Chunk) {
+                const std::size_t end = std::min(numbers.size(), chunk + Chunk);
+                for (std::size_t i = chunk; i < end; ++i) {
+                    std::uint32_t n = numbers[i] & NumberBytes;
+                    if (n == 0) [[unlikely]] {
+                        if (i > 0) n = numbers[i - 1] & NumberBytes;
+                        if (n == 0 && !above.empty()) n = above[i] & NumberBytes;
+                        numbers[i] |= n;
+                    }
+                    if (n != runNumber) {
+                        addRun(i);
+                        runNumber = n;
+                    }
+                    const std::uint64_t c = colours[i];
+                    packed += (c & 0xFF) | ((c & 0xFF00) << 13) | ((c & 0xFF0000) << 26);
                 }
-                const Pixel c = colours[i];
-                red += static_cast<std::uint32_t>(redOf(c));
-                green += static_cast<std::uint32_t>(greenOf(c));
-                blue += static_cast<std::uint32_t>(blueOf(c));
-                ++count;
+                addRun(end);
             }
-            addRun();
         };
-        // By bands of rows: only an unreached first pixel of a row takes a
-        // number from the row above, so bands whose first rows begin with a
-        // cell number their rows alone; otherwise everything goes in order.
-        // A band's pixels belong to the cells painted into its rows, so each
-        // band sums into the range of those cells' numbers.
-        const int height = area.bottom - area.top;
-        const Bands numberBands = bandsOf(height, width, 4);
-        const auto bandTopOf = [&](int k) { return area.top + k * numberBands.unitsPerBand; };
-        bool alone = numberBands.workers > 1 && cellCount < 0xFFFFFFu;
-        for (int k = 1; alone && k < numberBands.count; ++k)
-            alone = cellNumber(colourRefOf(areaRow(cells, bandTopOf(k)).front())) != 0;
-        if (!alone) {
-            for (int y = area.top; y < area.bottom; ++y)
-                numberRow(y, y > area.top, 1, sums);
+
+        // Bands of rows of the picture, each painting every cell that
+        // reaches into it, clipped to its rows: a pixel where cells touch
+        // takes the last one's number, as when the cells are painted over the
+        // whole picture one after the other.
+        const net::NetReaches netReaches = net::reachesOf(net);
+        const std::vector<RowReach>& reaches = netReaches.cells;
+        const int cellRows = net.cellRows();
+        const auto cellCount = static_cast<std::size_t>(net.cellRows()) * net.cellColumns();
+        const int size = blockSize;
+        // About four bands a thread, to even out the threads: the cells
+        // across a band's border are visited by both.
+        const Bands bands = bandsOf(cellRows, static_cast<long long>(size) * width, 4);
+        // Where the net's row b of vertices lay before it was moved.
+        const auto rowOfCellRow = [&](int b) {
+            return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
+                                                                   area.bottom - area.top));
+        };
+        const auto bandOf = [&](int k) {
+            const int firstCellRow = k * bands.unitsPerBand;
+            const int endCellRow = std::min(cellRows, firstCellRow + bands.unitsPerBand);
+            return net::Area{area.left, rowOfCellRow(firstCellRow), area.right,
+                             endCellRow == cellRows ? area.bottom : rowOfCellRow(endCellRow)};
+        };
+        const auto cellRowsOf = [&](int k) {
+            return std::min(cellRows, (k + 1) * bands.unitsPerBand) - k * bands.unitsPerBand;
+        };
+
+        // Once a band is painted its rows are final, and it numbers them
+        // while they are at hand: only an unreached first pixel of a row
+        // takes a number from the row above, so a band whose first row
+        // begins with a cell numbers its rows alone; should one not, all
+        // are numbered again in order after. A band's pixels belong to the
+        // cells painted into its rows, so it sums into the range of their
+        // numbers, then adds that to the whole.
+        const bool numbersRepeat = cellCount >= NumberBytes;
+        std::vector<Sums, PictureAllocator<Sums>> sums(
+            std::min<std::size_t>(cellCount, NumberBytes) + 1, Sums{});
+        std::vector<std::vector<Sums>> bandSums(static_cast<std::size_t>(bands.workers));
+        std::mutex adding;
+        std::atomic<bool> numberedAlone{!numbersRepeat};
+        const auto columns = static_cast<std::uint32_t>(net.cellColumns());
+        // The range of numbers of the cells painted into a band's rows.
+        const auto numbersOf = [&](const net::Area& band) {
+            int lowRow = cellRows;
+            int highRow = 0;
+            for (int b = 0; b < cellRows; ++b) {
+                const RowReach& reach = reaches[static_cast<std::size_t>(b)];
+                if (reach.last < band.top || reach.first >= band.bottom) continue;
+                lowRow = std::min(lowRow, b);
+                highRow = std::max(highRow, b);
+            }
+            const std::uint32_t low =
+                static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
+            return std::pair{low, static_cast<std::uint32_t>(highRow + 1) * columns - low + 2};
+        };
+        const auto addUp = [&](std::uint32_t low, std::span<const Sums> from) {
+            const std::scoped_lock lock(adding);
+            for (std::size_t j = 0; j < from.size(); ++j) {
+                Sums& s = sums[j == 0 ? 0 : low + j - 1];
+                s.red += from[j].red;
+                s.green += from[j].green;
+                s.blue += from[j].blue;
+                s.count += from[j].count;
+            }
+        };
+
+        bool painted = false;
+        if (!numbersRepeat) {
+            // Numbers that do not repeat: the highest is the last painted.
+            std::vector<net::CellPainter> painters(static_cast<std::size_t>(bands.workers),
+                                                   net::CellPainter(cells, area));
+            painted = inBands(bands, [&](int worker, int k) {
+                const net::Area band = bandOf(k);
+                net::CellPainter& painter = painters[static_cast<std::size_t>(worker)];
+                painter.setClip(band);
+                // Rows are numbered as soon as no later cell can reach them,
+                // while they are still at hand.
+                bool numbering = numberedAlone && band.top < band.bottom;
+                const auto [low, count] = numbersOf(band);
+                std::vector<Sums>& into = bandSums[static_cast<std::size_t>(worker)];
+                if (numbering) into.assign(count, Sums{});
+                int next = band.top;
+                painter.paint(net, netReaches.sides, [&](int end) {
+                    end = std::min(end, band.bottom);
+                    if (!numbering || next >= end) return;
+                    if (next == band.top && band.top > area.top &&
+                        (areaRow(cells, band.top).front() & NumberBytes) == 0) {
+                        numberedAlone = false;
+                        numbering = false;
+                        return;
+                    }
+                    for (; next < end; ++next)
+                        numberRow(next, next > band.top, low, into);
+                });
+                if (numbering) addUp(low, into);
+                return cellRowsOf(k);
+            });
         } else {
-            struct BandSums {
-                std::uint32_t low = 1;
-                std::vector<Sums> sums;
+            struct Painter {
+                explicit Painter(Surface& picture) : canvas(picture) {}
+                Canvas canvas;
+                net::Polyline outline;
             };
-            std::vector<BandSums> bandSums(static_cast<std::size_t>(numberBands.count));
-            const auto columns = static_cast<std::uint32_t>(net.cellColumns());
-            inBands(numberBands, [&](int, int k) {
-                const int first = bandTopOf(k);
-                const int end = std::min(area.bottom, first + numberBands.unitsPerBand);
-                int lowRow = cellRows;
-                int highRow = 0;
+            std::vector<Painter> painters;
+            painters.reserve(static_cast<std::size_t>(bands.workers));
+            for (int w = 0; w < bands.workers; ++w)
+                painters.emplace_back(cells);
+            painted = inBands(bands, [&](int worker, int k) {
+                const net::Area band = bandOf(k);
+                Painter& painter = painters[static_cast<std::size_t>(worker)];
+                Canvas& canvas = painter.canvas;
+                canvas.setClip(band.left, band.top, band.right, band.bottom);
+                canvas.FillStyle = BrushStyle::Solid;
                 for (int b = 0; b < cellRows; ++b) {
                     const RowReach& reach = reaches[static_cast<std::size_t>(b)];
-                    if (reach.last < first || reach.first >= end) continue;
-                    lowRow = std::min(lowRow, b);
-                    highRow = std::max(highRow, b);
+                    if (reach.last < band.top || reach.first >= band.bottom) continue;
+                    for (int a = 0; a < net.cellColumns(); ++a) {
+                        net.cellOutline(a, b, painter.outline);
+                        // The colour whose pixel bits are the number.
+                        const ColourRef colour =
+                            colourRefOf(net::cellLabel(net, a, b) & NumberBytes);
+                        canvas.FillColor = colour;
+                        canvas.Polygon(painter.outline, colour);
+                    }
                 }
-                BandSums& band = bandSums[static_cast<std::size_t>(k)];
-                band.low = static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
-                band.sums.assign(static_cast<std::uint32_t>(highRow + 1) * columns - band.low + 2,
-                                 Sums{});
-                for (int y = first; y < end; ++y)
-                    numberRow(y, y > first, band.low, band.sums);
-                return 0;
+                return cellRowsOf(k);
             });
-            if (context().cancelled()) return;
-            for (const BandSums& band : bandSums) {
-                for (std::size_t j = 0; j < band.sums.size(); ++j) {
-                    Sums& s = sums[j == 0 ? 0 : band.low + j - 1];
-                    s.red += band.sums[j].red;
-                    s.green += band.sums[j].green;
-                    s.blue += band.sums[j].blue;
-                    s.count += band.sums[j].count;
-                }
-            }
         }
+        if (!painted) return;
+        if (!numberedAlone) {
+            std::ranges::fill(sums, Sums{});
+            for (int y = area.top; y < area.bottom; ++y)
+                numberRow(y, y > area.top, 1, sums);
+        }
+
         std::vector<Pixel> means(sums.size());
         for (std::size_t n = 0; n < sums.size(); ++n) {
             const Sums& s = sums[n];
@@ -404,6 +388,7 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 means[n] = colourBitsOf(
                     RGB(meanOf(s.red, s.count), meanOf(s.green, s.count), meanOf(s.blue, s.count)));
         }
+        const int height = area.bottom - area.top;
         const Bands rowBands = bandsOf(height, width, 4);
         inBands(rowBands, [&](int, int k) {
             const int first = area.top + k * rowBands.unitsPerBand;
@@ -412,7 +397,7 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 const auto numbers = areaRow(cells, y);
                 const auto out = areaRow(target, y);
                 for (std::size_t i = 0; i < out.size(); ++i)
-                    out[i] = (out[i] & 0xFF000000u) | means[numbers[i] & 0xFFFFFFu];
+                    out[i] = (out[i] & 0xFF000000u) | means[numbers[i] & NumberBytes];
             }
             return end - first;
         });
@@ -442,44 +427,20 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
         // Every side is one colour drawn over the copy, so a pixel's result
         // does not depend on the order of the sides: bands of rows each draw
         // every side that reaches into them, clipped to their rows.
-        const std::vector<RowReach> reaches = vertexRowReaches(net);
+        const std::vector<RowReach> reaches = net::reachesOf(net).sides;
         const int size = blockSize;
-        const Bands bands = bandsOf(vertexRows, static_cast<long long>(size) * width, 2);
+        const Bands bands = bandsOf(vertexRows, static_cast<long long>(size) * width, 4);
         const auto rowOfVertexRow = [&](int b) {
             return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
                                                                    area.bottom - area.top));
         };
-        std::vector<Canvas> canvases;
-        canvases.reserve(static_cast<std::size_t>(bands.workers));
-        for (int w = 0; w < bands.workers; ++w)
-            canvases.emplace_back(target);
-        inBands(bands, [&](int worker, int k) {
+        inBands(bands, [&](int, int k) {
             const int firstRow = k * bands.unitsPerBand;
             const int endRow = std::min(vertexRows, firstRow + bands.unitsPerBand);
             const int bandTop = rowOfVertexRow(firstRow);
             const int bandBottom = endRow == vertexRows ? area.bottom : rowOfVertexRow(endRow);
-            Canvas& canvas = canvases[static_cast<std::size_t>(worker)];
-            canvas.setClip(area.left, bandTop, area.right, bandBottom);
-            const auto draw = [&](std::span<const CanvasPoint> side) {
-                const auto [low, high] = std::ranges::minmax(side, {}, &CanvasPoint::y);
-                if (high.y < bandTop || low.y >= bandBottom) return;
-                for (std::size_t i = 0; i + 1 < side.size(); ++i)
-                    canvas.Line(side[i].x, side[i].y, side[i + 1].x, side[i + 1].y, colour);
-                // A line leaves out its end point; the side's last one is
-                // drawn here so the net's far corners are closed too.
-                canvas.Line(side.back().x, side.back().y, side.back().x, side.back().y, colour,
-                            LineKind::BF);
-            };
-            for (int b = 0; b < vertexRows; ++b) {
-                const RowReach& reach = reaches[static_cast<std::size_t>(b)];
-                if (reach.last < bandTop || reach.first >= bandBottom) continue;
-                for (int a = 0; a < net.cellColumns(); ++a)
-                    draw(net.across(a, b));
-                if (b < net.cellRows()) {
-                    for (int a = 0; a < net.vertexColumns(); ++a)
-                        draw(net.down(a, b));
-                }
-            }
+            net::drawSides(target, {area.left, bandTop, area.right, bandBottom}, net, reaches,
+                           colourBitsOf(colour));
             return endRow - firstRow;
         });
     });

@@ -4,6 +4,7 @@
 #include "effects/texture/hide_effect/sphere_light.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <vector>
 
@@ -126,6 +127,48 @@ void shadeOwnPixels(const Pixel* __restrict source, Pixel* __restrict target, in
     }
 }
 
+// A sphere of pixels that are their own sources painted over what lies in
+// target: inside it their lit colours, outside target kept.
+void shadeOverPixels(const Pixel* __restrict source, Pixel* __restrict target, int count,
+                     const double* __restrict diffuse, const double* __restrict specular,
+                     const std::uint8_t* __restrict inside, const Lighting& lighting) {
+    const double ambient = lighting.ambient;
+    const double weightRed = lighting.reflection[0];
+    const double weightGreen = lighting.reflection[1];
+    const double weightBlue = lighting.reflection[2];
+    for (int i = 0; i < count; ++i) {
+        const Pixel p = source[i];
+        const double d = diffuse[i], s = specular[i];
+        auto lit = [&](int c, double weight) {
+            return std::clamp(roundInRange<std::int32_t>(c * d + weight * s + ambient), 0, 255);
+        };
+        const Pixel shaded = withColour(target[i], lit(redOf(p), weightRed),
+                                        lit(greenOf(p), weightGreen), lit(blueOf(p), weightBlue));
+        target[i] = inside[i] != 0 ? shaded : target[i];
+    }
+}
+
+// A spot's light added to what lies in target, inside the spot only.
+void spotOverPixels(Pixel* __restrict target, int count, const double* __restrict diffuse,
+                    const double* __restrict specular, const std::uint8_t* __restrict inside,
+                    const Lighting& lighting) {
+    const double ambient = lighting.ambient;
+    const double weightRed = lighting.reflection[0];
+    const double weightGreen = lighting.reflection[1];
+    const double weightBlue = lighting.reflection[2];
+    for (int i = 0; i < count; ++i) {
+        const Pixel under = target[i];
+        const double d = diffuse[i], s = specular[i];
+        auto plus = [&](int c, double weight) {
+            return std::clamp(roundInRange<std::int32_t>(c + ambient * d + weight * s), 0, 255);
+        };
+        const Pixel lit =
+            withColour(under, plus(redOf(under), weightRed), plus(greenOf(under), weightGreen),
+                       plus(blueOf(under), weightBlue));
+        target[i] = inside[i] != 0 ? lit : under;
+    }
+}
+
 } // namespace
 
 void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::int16_t top,
@@ -177,16 +220,31 @@ void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::in
 
 template <typename Lens>
 void Class_HideEffect::sphereAt(int cx, int cy, const Lighting& lighting, const Span& span,
-                                bool spot, hide::SphereRow& sphere, Lens lens) {
+                                int rowBegin, int rowEnd, bool spot, bool plain,
+                                hide::SphereRow& sphere, Lens lens) {
     const int q = sphere.radius();
-    const int firstRow = std::max(cy - q, span.firstRow);
-    const int endRow = std::min(cy + q + 1, span.endRow);
+    const int firstRow = std::max({cy - q, span.firstRow, rowBegin});
+    const int endRow = std::min({cy + q + 1, span.endRow, rowEnd});
     const int firstColumn = std::max(cx - q, span.firstColumn);
     const int endColumn = std::min(cx + q + 1, span.endColumn);
+    if (firstColumn >= endColumn) return;
     for (int y = firstRow; y < endRow; ++y) {
         Pixel* out = TransBits.row(y).data();
         const double dy = y - cy;
         sphere.shade(dy);
+        if (plain && Lens::identity) {
+            const int from = firstColumn - cx;
+            const int count = endColumn - firstColumn;
+            if (spot) {
+                spotOverPixels(out + firstColumn, count, sphere.diffuseFrom(from),
+                               sphere.specularFrom(from), sphere.insideFrom(from), lighting);
+            } else {
+                shadeOverPixels(ImageBits.row(y).data() + firstColumn, out + firstColumn, count,
+                                sphere.diffuseFrom(from), sphere.specularFrom(from),
+                                sphere.insideFrom(from), lighting);
+            }
+            continue;
+        }
         for (int x = firstColumn; x < endColumn; ++x) {
             if (!sphere.inside(x - cx)) continue;
             const Shade shade = sphere.at(x - cx);
@@ -305,21 +363,72 @@ void Class_HideEffect::randomSpheres(const ProcessRect& rect, const Lighting& li
                                      int count, std::uint8_t type, std::uint8_t background,
                                      bool spot) {
     const Span span = spanOf(rect);
-    for (int y = span.firstRow; y < span.endRow; ++y) {
-        for (int x = span.firstColumn; x < span.endColumn; ++x) {
-            TransBits.at(x, y) = backgroundPixel(background, ImageBits.at(x, y));
-        }
-    }
     const double width = rect.right - rect.left;
     const double height = rect.bottom - rect.top;
     hundredthsShown_ = 0;
     SetProgressRange(0, 100);
-    hide::SphereRow sphere(lighting.light, q);
+    // Every centre is drawn and counted first; the spheres are then painted
+    // in bands of rows, each band taking them in drawing order, so that
+    // later spheres still cover (or, as spots, light) earlier ones.
+    struct Centre {
+        int x;
+        int y;
+    };
+    std::vector<Centre> centres;
+    centres.reserve(static_cast<std::size_t>(std::max(count, 0)));
     for (int n = 0; n < count; ++n) {
         const int cx = roundTo<std::int32_t>(width * context().random.next() + rect.left);
         const int cy = roundTo<std::int32_t>(height * context().random.next() + rect.top);
-        sphereAt(cx, cy, lighting, span, spot, sphere, BallLens{type});
+        centres.push_back({cx, cy});
         if (!stepHundredths(n + 1, count)) return;
+    }
+    if (span.empty()) return;
+
+    constexpr int BandRows = 32;
+    const int bands = (span.endRow - span.firstRow + BandRows - 1) / BandRows;
+    std::vector<std::vector<std::uint32_t>> byBand(static_cast<std::size_t>(bands));
+    for (std::size_t i = 0; i < centres.size(); ++i) {
+        const int top = std::max(centres[i].y - q, span.firstRow) - span.firstRow;
+        const int bottom = std::min(centres[i].y + q, span.endRow - 1) - span.firstRow;
+        for (int b = top / BandRows; b <= bottom / BandRows && top <= bottom; ++b)
+            byBand[static_cast<std::size_t>(b)].push_back(static_cast<std::uint32_t>(i));
+    }
+    // Only a shading that cannot overflow runs on several threads: a worker
+    // may not throw. Without a blend its rows need no per-pixel tail.
+    const bool fits = hide::shadeFitsSixteenBits(lighting);
+    const bool plain = fits && !(calculationFlag() > 0);
+    const bool ownPixels = type == 0 || type > 4;
+    const int workers = fits ? std::max(1, std::min(bandPlan(rect).workers, bands)) : 1;
+    std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(workers),
+                                         hide::SphereRow(lighting.light, q));
+    std::atomic<int> nextBand{0};
+    auto paint = [&](int worker) {
+        hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
+        for (int b = nextBand++; b < bands; b = nextBand++) {
+            const int rowBegin = span.firstRow + b * BandRows;
+            const int rowEnd = std::min(rowBegin + BandRows, span.endRow);
+            for (int y = rowBegin; y < rowEnd; ++y) {
+                const Pixel* in = ImageBits.row(y).data();
+                Pixel* out = TransBits.row(y).data();
+                for (int x = span.firstColumn; x < span.endColumn; ++x)
+                    out[x] = backgroundPixel(background, in[x]);
+            }
+            for (const std::uint32_t i : byBand[static_cast<std::size_t>(b)]) {
+                const Centre c = centres[i];
+                if (ownPixels) {
+                    sphereAt(c.x, c.y, lighting, span, rowBegin, rowEnd, spot, plain, sphere,
+                             OwnPixel{});
+                } else {
+                    sphereAt(c.x, c.y, lighting, span, rowBegin, rowEnd, spot, plain, sphere,
+                             BallLens{type});
+                }
+            }
+        }
+    };
+    if (workers > 1) {
+        context().workers().run(workers, paint);
+    } else {
+        paint(0);
     }
 }
 
@@ -385,21 +494,36 @@ void Class_HideEffect::Crystal_Lighting(double radiusPercent, std::int16_t left,
         const double lampX = (right - left) / 2.0 + left + lightX / 10.0 * (right - left) / 2;
         const double lampY = (bottom - top) / 2.0 + top + lightY / 10.0 * (bottom - top) / 2;
         const double lampZ = lightZ / 10.0 * q;
-        const hide::Vector3 up{0, 0, 1};
-        forEachRow(rect, [&](int y, int first, int end) {
-            const Pixel* in = ImageBits.row(y).data();
-            Pixel* out = TransBits.row(y).data();
-            for (int x = first; x < end; ++x) {
-                const hide::Vector3 toLamp{lampX - x, lampY - y, lampZ};
-                const double n =
-                    std::sqrt(toLamp.x * toLamp.x + toLamp.y * toLamp.y + toLamp.z * toLamp.z);
-                const hide::Vector3 light =
-                    n == 0 ? up : hide::Vector3{toLamp.x / n, toLamp.y / n, toLamp.z / n};
-                const Shade shade = hide::shadeNormal(light, up);
-                const int r = redOf(in[x]), g = greenOf(in[x]), b = blueOf(in[x]);
+        const bool plain = !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting);
+        // Each thread's row of terms, worked out in one vector loop.
+        struct Terms {
+            std::vector<double> diffuse, specular;
+            std::vector<std::uint8_t> inside;
+        };
+        const BandPlan plan = bandPlan(rect);
+        const auto width = static_cast<std::size_t>(std::max(ImageBits.width(), 1));
+        std::vector<Terms> scratch(static_cast<std::size_t>(std::max(plan.workers, 1)),
+                                   Terms{std::vector<double>(width), std::vector<double>(width),
+                                         std::vector<std::uint8_t>(width, 1)});
+        rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
+            const Pixel* in = ImageBits.row(y).data() + first;
+            Pixel* out = TransBits.row(y).data() + first;
+            Terms& terms = scratch[static_cast<std::size_t>(worker)];
+            const int count = end - first;
+            hide::lampRow(lampX, lampY - y, lampZ, first, count, terms.diffuse.data(),
+                          terms.specular.data());
+            if (plain) {
+                shadeOwnPixels(in, out, count, terms.diffuse.data(), terms.specular.data(),
+                               terms.inside.data(), lighting, KeepsPicture);
+                return;
+            }
+            for (int i = 0; i < count; ++i) {
+                const auto k = static_cast<std::size_t>(i);
+                const Shade shade{true, terms.diffuse[k], terms.specular[k]};
+                const int r = redOf(in[i]), g = greenOf(in[i]), b = blueOf(in[i]);
                 const Rgb16 v = finishPixel<ResultTail::Clamp>(
                     r, g, b, hide::shadeColour(lighting, shade, r, g, b));
-                out[x] = withColour(out[x], v.red, v.green, v.blue);
+                out[i] = withColour(out[i], v.red, v.green, v.blue);
             }
         });
     });

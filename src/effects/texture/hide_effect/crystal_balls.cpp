@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <type_traits>
 #include <vector>
 
 namespace lumiran {
@@ -43,25 +44,23 @@ Offset ballLens(std::uint8_t type, double dx, double dy) {
     }
 }
 
-// Crystal_Line's refractions by the distance D from the centre, with the
-// absolute centre in the denominator as the rule has it.
-Offset lineLens(std::uint8_t type, double dx, double dy, double cx, double cy, double q) {
-    const double d = std::sqrt(dx * dx + dy * dy);
-    double ax = 4 * d / (cx + q);
-    double ay = 4 * d / (cy + q);
+// Crystal_Line's refraction along one axis, delta from the centre at the
+// distance d from it, with the absolute centre in the denominator as the
+// rule has it.
+double lineAxis(std::uint8_t type, double delta, double d, double centre, double q) {
+    double a = 4 * d / (centre + q);
     switch (type) {
     case 1:
-        if (ax == 0) ax = 1;
-        if (ay == 0) ay = 1;
-        return {dx / std::sin(ax), dy / std::sin(ay)};
+        if (a == 0) a = 1;
+        return delta / std::sin(a);
     case 2:
-        return {std::cos(ax) * dx, std::cos(ay) * dy};
+        return std::cos(a) * delta;
     case 3:
-        return {(1 - std::sin(ax)) * dx, (1 - std::sin(ay)) * dy};
+        return (1 - std::sin(a)) * delta;
     case 4:
-        return {std::tan(ax) * dx, std::tan(ay) * dy};
+        return std::tan(a) * delta;
     default:
-        return {std::sin(ax) * dx, std::sin(ay) * dy};
+        return std::sin(a) * delta;
     }
 }
 
@@ -81,8 +80,23 @@ struct LineLens {
     std::uint8_t type;
     int q;
     Offset operator()(double dx, double dy, double cx, double cy) const {
-        return lineLens(type, dx, dy, cx, cy, q);
+        const double d = std::sqrt(dx * dx + dy * dy);
+        return {lineAxis(type, dx, d, cx, q), lineAxis(type, dy, d, cy, q)};
     }
+};
+
+// A row of Crystal_Line's tiles by the distance k = |dx| from the centre:
+// the distance and the source row hold for the whole row, the column
+// offset for one tile. An offset at -k is the one at k negated to the bit
+// (the factors see only the distance), so each trigonometric term is
+// worked out once for both halves, and the rows' ones once for all tiles.
+struct LineRow {
+    std::vector<double> distance;
+    std::vector<int> sourceRow;
+    std::vector<double> offsetX;
+    explicit LineRow(int q)
+        : distance(static_cast<std::size_t>(q) + 1), sourceRow(distance.size()),
+          offsetX(distance.size()) {}
 };
 
 int clampedIndex(double v, int first, int end) {
@@ -167,6 +181,18 @@ void spotOverPixels(Pixel* __restrict target, int count, const double* __restric
                        plus(blueOf(under), weightBlue));
         target[i] = inside[i] != 0 ? lit : under;
     }
+}
+
+// The lit colour of a source pixel with no blend and no overflow possible.
+Pixel plainShade(Pixel target, Pixel from, const Shade& shade, const Lighting& lighting) {
+    auto lit = [&](int c, double weight) {
+        return std::clamp(roundInRange<std::int32_t>(c * shade.diffuse + weight * shade.specular +
+                                                     lighting.ambient),
+                          0, 255);
+    };
+    return withColour(target, lit(redOf(from), lighting.reflection[0]),
+                      lit(greenOf(from), lighting.reflection[1]),
+                      lit(blueOf(from), lighting.reflection[2]));
 }
 
 } // namespace
@@ -288,6 +314,9 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
     const BandPlan plan = bandPlan(rect);
     std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(std::max(plan.workers, 1)),
                                          hide::SphereRow(lighting.light, q));
+    std::vector<LineRow> lines;
+    if constexpr (std::is_same_v<Lens, LineLens>)
+        lines.assign(static_cast<std::size_t>(std::max(plan.workers, 1)), LineRow(q));
     rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
         const Pixel* in = ImageBits.row(y).data();
         Pixel* out = TransBits.row(y).data();
@@ -295,6 +324,18 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
         const double dy = y - cy;
         hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
         sphere.shade(dy);
+        constexpr bool line = std::is_same_v<Lens, LineLens>;
+        if constexpr (line) {
+            LineRow& terms = lines[static_cast<std::size_t>(worker)];
+            for (int k = 0; k <= q; ++k) {
+                if (!sphere.inside(k)) continue;
+                const auto dk = static_cast<double>(k);
+                const double d = std::sqrt(dk * dk + dy * dy);
+                terms.distance[static_cast<std::size_t>(k)] = d;
+                terms.sourceRow[static_cast<std::size_t>(k)] = clampedIndex(
+                    cy + lineAxis(lens.type, dy, d, cy, q), span.firstRow, span.endRow);
+            }
+        }
         // Tile by tile: within one the offsets run on from its first pixel.
         int cx = centre(first, rect.left);
         for (int x = first; x < end; x = std::min(end, cx + q), cx += side) {
@@ -302,6 +343,35 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
             const int firstOffset = x - cx;
             const Pixel* source = in + x;
             Pixel* target = out + x;
+            if constexpr (line) {
+                LineRow& terms = lines[static_cast<std::size_t>(worker)];
+                const int reach = std::max(-firstOffset, firstOffset + count - 1);
+                for (int k = 0; k <= reach; ++k) {
+                    if (!sphere.inside(k)) continue;
+                    terms.offsetX[static_cast<std::size_t>(k)] =
+                        lineAxis(lens.type, k, terms.distance[static_cast<std::size_t>(k)], cx, q);
+                }
+                for (int i = 0; i < count; ++i) {
+                    const int dx = firstOffset + i;
+                    if (!sphere.inside(dx)) {
+                        target[i] = backgroundPixel(background, source[i]);
+                        continue;
+                    }
+                    const auto k = static_cast<std::size_t>(dx < 0 ? -dx : dx);
+                    const double offset = dx < 0 ? -terms.offsetX[k] : terms.offsetX[k];
+                    const Pixel from = ImageBits.row(terms.sourceRow[k])[static_cast<std::size_t>(
+                        clampedIndex(cx + offset, span.firstColumn, span.endColumn))];
+                    if (plain) {
+                        target[i] = plainShade(target[i], from, sphere.at(dx), lighting);
+                        continue;
+                    }
+                    const int r = redOf(from), g = greenOf(from), b = blueOf(from);
+                    const Rgb16 v = finishPixel<ResultTail::Clamp>(
+                        r, g, b, hide::shadeColour(lighting, sphere.at(dx), r, g, b));
+                    target[i] = withColour(target[i], v.red, v.green, v.blue);
+                }
+                continue;
+            }
             if (plain && Lens::identity) {
                 shadeOwnPixels(source, target, count, sphere.diffuseFrom(firstOffset),
                                sphere.specularFrom(firstOffset), sphere.insideFrom(firstOffset),

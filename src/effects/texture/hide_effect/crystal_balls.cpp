@@ -92,11 +92,14 @@ struct LineLens {
 // worked out once for both halves, and the rows' ones once for all tiles.
 struct LineRow {
     std::vector<double> distance;
-    std::vector<int> sourceRow;
-    std::vector<double> offsetX;
+    std::vector<const Pixel*> sourceRow;
+    std::vector<int> columnRight; // the source column at +k
+    std::vector<int> columnLeft;  // and at -k
+    std::vector<Pixel> gathered;  // a tile's row of sources
     explicit LineRow(int q)
         : distance(static_cast<std::size_t>(q) + 1), sourceRow(distance.size()),
-          offsetX(distance.size()) {}
+          columnRight(distance.size()), columnLeft(distance.size()), gathered(2 * distance.size()) {
+    }
 };
 
 int clampedIndex(double v, int first, int end) {
@@ -181,18 +184,6 @@ void spotOverPixels(Pixel* __restrict target, int count, const double* __restric
                        plus(blueOf(under), weightBlue));
         target[i] = inside[i] != 0 ? lit : under;
     }
-}
-
-// The lit colour of a source pixel with no blend and no overflow possible.
-Pixel plainShade(Pixel target, Pixel from, const Shade& shade, const Lighting& lighting) {
-    auto lit = [&](int c, double weight) {
-        return std::clamp(roundInRange<std::int32_t>(c * shade.diffuse + weight * shade.specular +
-                                                     lighting.ambient),
-                          0, 255);
-    };
-    return withColour(target, lit(redOf(from), lighting.reflection[0]),
-                      lit(greenOf(from), lighting.reflection[1]),
-                      lit(blueOf(from), lighting.reflection[2]));
 }
 
 } // namespace
@@ -326,14 +317,20 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
         sphere.shade(dy);
         constexpr bool line = std::is_same_v<Lens, LineLens>;
         if constexpr (line) {
+            // Offsets outside the sphere name the pixel's own row, so that
+            // every table entry is a place in the picture.
             LineRow& terms = lines[static_cast<std::size_t>(worker)];
             for (int k = 0; k <= q; ++k) {
+                const auto at = static_cast<std::size_t>(k);
+                terms.sourceRow[at] = in;
                 if (!sphere.inside(k)) continue;
                 const auto dk = static_cast<double>(k);
                 const double d = std::sqrt(dk * dk + dy * dy);
-                terms.distance[static_cast<std::size_t>(k)] = d;
-                terms.sourceRow[static_cast<std::size_t>(k)] = clampedIndex(
-                    cy + lineAxis(lens.type, dy, d, cy, q), span.firstRow, span.endRow);
+                terms.distance[at] = d;
+                terms.sourceRow[at] = ImageBits
+                                          .row(clampedIndex(cy + lineAxis(lens.type, dy, d, cy, q),
+                                                            span.firstRow, span.endRow))
+                                          .data();
             }
         }
         // Tile by tile: within one the offsets run on from its first pixel.
@@ -347,25 +344,43 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
                 LineRow& terms = lines[static_cast<std::size_t>(worker)];
                 const int reach = std::max(-firstOffset, firstOffset + count - 1);
                 for (int k = 0; k <= reach; ++k) {
+                    const auto at = static_cast<std::size_t>(k);
+                    terms.columnRight[at] = terms.columnLeft[at] = span.firstColumn;
                     if (!sphere.inside(k)) continue;
-                    terms.offsetX[static_cast<std::size_t>(k)] =
-                        lineAxis(lens.type, k, terms.distance[static_cast<std::size_t>(k)], cx, q);
+                    const double offset = lineAxis(lens.type, k, terms.distance[at], cx, q);
+                    terms.columnRight[at] =
+                        clampedIndex(cx + offset, span.firstColumn, span.endColumn);
+                    terms.columnLeft[at] =
+                        clampedIndex(cx + -offset, span.firstColumn, span.endColumn);
                 }
-                for (int i = 0; i < count; ++i) {
+                // The sources gathered, each outside pixel its own, then lit
+                // as pixels that are their own sources.
+                Pixel* from = terms.gathered.data();
+                const std::uint8_t* inside = sphere.insideFrom(0);
+                int i = 0;
+                for (; i < count && firstOffset + i < 0; ++i) {
+                    const auto k = static_cast<std::size_t>(-(firstOffset + i));
+                    const Pixel lensed = terms.sourceRow[k][terms.columnLeft[k]];
+                    from[i] = inside[k] != 0 ? lensed : source[i];
+                }
+                for (; i < count; ++i) {
+                    const auto k = static_cast<std::size_t>(firstOffset + i);
+                    const Pixel lensed = terms.sourceRow[k][terms.columnRight[k]];
+                    from[i] = inside[k] != 0 ? lensed : source[i];
+                }
+                if (plain) {
+                    shadeOwnPixels(from, target, count, sphere.diffuseFrom(firstOffset),
+                                   sphere.specularFrom(firstOffset), sphere.insideFrom(firstOffset),
+                                   lighting, showsPicture ? KeepsPicture : backgroundColour);
+                    continue;
+                }
+                for (i = 0; i < count; ++i) {
                     const int dx = firstOffset + i;
                     if (!sphere.inside(dx)) {
                         target[i] = backgroundPixel(background, source[i]);
                         continue;
                     }
-                    const auto k = static_cast<std::size_t>(dx < 0 ? -dx : dx);
-                    const double offset = dx < 0 ? -terms.offsetX[k] : terms.offsetX[k];
-                    const Pixel from = ImageBits.row(terms.sourceRow[k])[static_cast<std::size_t>(
-                        clampedIndex(cx + offset, span.firstColumn, span.endColumn))];
-                    if (plain) {
-                        target[i] = plainShade(target[i], from, sphere.at(dx), lighting);
-                        continue;
-                    }
-                    const int r = redOf(from), g = greenOf(from), b = blueOf(from);
+                    const int r = redOf(from[i]), g = greenOf(from[i]), b = blueOf(from[i]);
                     const Rgb16 v = finishPixel<ResultTail::Clamp>(
                         r, g, b, hide::shadeColour(lighting, sphere.at(dx), r, g, b));
                     target[i] = withColour(target[i], v.red, v.green, v.blue);

@@ -186,6 +186,44 @@ void spotOverPixels(Pixel* __restrict target, int count, const double* __restric
     }
 }
 
+// What Specular lights: the drawing colour or the picture, and which
+// channels it lets change.
+struct SpecularPaint {
+    bool pen;
+    int penColour[3];
+    bool changes[3];
+};
+
+// Specular's sphere over a run of pixels with no blend and no overflow
+// possible; outside the sphere target is kept.
+void specularPixels(const Pixel* __restrict source, Pixel* __restrict target, int count,
+                    const double* __restrict diffuse, const double* __restrict specular,
+                    const std::uint8_t* __restrict inside, const Lighting& lighting,
+                    const SpecularPaint& paint) {
+    const double ambient = lighting.ambient;
+    const double weightRed = lighting.reflection[0];
+    const double weightGreen = lighting.reflection[1];
+    const double weightBlue = lighting.reflection[2];
+    const bool pen = paint.pen;
+    const int penRed = paint.penColour[0], penGreen = paint.penColour[1],
+              penBlue = paint.penColour[2];
+    const bool red = paint.changes[0], green = paint.changes[1], blue = paint.changes[2];
+    for (int i = 0; i < count; ++i) {
+        const Pixel p = source[i];
+        const double d = diffuse[i], s = specular[i];
+        auto lit = [&](int c, double weight) {
+            return std::clamp(roundInRange<std::int32_t>(c * d + weight * s + ambient), 0, 255);
+        };
+        const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+        const int litRed = lit(pen ? penRed : r, weightRed);
+        const int litGreen = lit(pen ? penGreen : g, weightGreen);
+        const int litBlue = lit(pen ? penBlue : b, weightBlue);
+        const Pixel shaded =
+            withColour(target[i], red ? litRed : r, green ? litGreen : g, blue ? litBlue : b);
+        target[i] = inside[i] != 0 ? shaded : target[i];
+    }
+}
+
 } // namespace
 
 void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::int16_t top,
@@ -211,11 +249,25 @@ void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::in
         const BandPlan plan = bandPlan(rect);
         std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(std::max(plan.workers, 1)),
                                              hide::SphereRow(lighting.light, q));
+        const bool plain = !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting);
+        const SpecularPaint paint{
+            drawMode == 0, {pen.red, pen.green, pen.blue}, {mask[0], mask[1], mask[2]}};
         rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
             const Pixel* in = ImageBits.row(y).data();
             Pixel* out = TransBits.row(y).data();
             hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
             sphere.shade(y - cy);
+            if (plain) {
+                // Only the columns the sphere reaches: -q .. q from the centre.
+                const int from = std::max(first, static_cast<int>(cx) - q);
+                const int to = std::min(end, static_cast<int>(cx) + q + 1);
+                if (from >= to) return;
+                const int offset = from - static_cast<int>(cx);
+                specularPixels(in + from, out + from, to - from, sphere.diffuseFrom(offset),
+                               sphere.specularFrom(offset), sphere.insideFrom(offset), lighting,
+                               paint);
+                return;
+            }
             for (int x = first; x < end; ++x) {
                 // x - cx is a whole number: cx is.
                 const int dx = static_cast<int>(x - cx);

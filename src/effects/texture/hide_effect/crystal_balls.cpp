@@ -46,22 +46,32 @@ Offset ballLens(std::uint8_t type, double dx, double dy) {
 
 // Crystal_Line's refraction along one axis, delta from the centre at the
 // distance d from it, with the absolute centre in the denominator as the
-// rule has it.
-double lineAxis(std::uint8_t type, double delta, double d, double centre, double q) {
+// rule has it: the term of the angle (lineTerm) applied to delta
+// (lineOffset). The term sees only d and the centre, so an axis whose
+// centre is the same takes the same terms.
+double lineTerm(std::uint8_t type, double d, double centre, double q) {
     double a = 4 * d / (centre + q);
     switch (type) {
     case 1:
         if (a == 0) a = 1;
-        return delta / std::sin(a);
+        return std::sin(a);
     case 2:
-        return std::cos(a) * delta;
+        return std::cos(a);
     case 3:
-        return (1 - std::sin(a)) * delta;
+        return 1 - std::sin(a);
     case 4:
-        return std::tan(a) * delta;
+        return std::tan(a);
     default:
-        return std::sin(a) * delta;
+        return std::sin(a);
     }
+}
+
+double lineOffset(std::uint8_t type, double term, double delta) {
+    return type == 1 ? delta / term : term * delta;
+}
+
+double lineAxis(std::uint8_t type, double delta, double d, double centre, double q) {
+    return lineOffset(type, lineTerm(type, d, centre, q), delta);
 }
 
 // The lenses as spheresOverTiles takes them: identity says that the source
@@ -92,14 +102,15 @@ struct LineLens {
 // worked out once for both halves, and the rows' ones once for all tiles.
 struct LineRow {
     std::vector<double> distance;
+    std::vector<double> term; // the row's lineTerm
     std::vector<const Pixel*> sourceRow;
     std::vector<int> columnRight; // the source column at +k
     std::vector<int> columnLeft;  // and at -k
     std::vector<Pixel> gathered;  // a tile's row of sources
     explicit LineRow(int q)
-        : distance(static_cast<std::size_t>(q) + 1), sourceRow(distance.size()),
-          columnRight(distance.size()), columnLeft(distance.size()), gathered(2 * distance.size()) {
-    }
+        : distance(static_cast<std::size_t>(q) + 1), term(distance.size()),
+          sourceRow(distance.size()), columnRight(distance.size()), columnLeft(distance.size()),
+          gathered(2 * distance.size()) {}
 };
 
 int clampedIndex(double v, int first, int end) {
@@ -379,10 +390,12 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
                 const auto dk = static_cast<double>(k);
                 const double d = std::sqrt(dk * dk + dy * dy);
                 terms.distance[at] = d;
-                terms.sourceRow[at] = ImageBits
-                                          .row(clampedIndex(cy + lineAxis(lens.type, dy, d, cy, q),
-                                                            span.firstRow, span.endRow))
-                                          .data();
+                terms.term[at] = lineTerm(lens.type, d, cy, q);
+                terms.sourceRow[at] =
+                    ImageBits
+                        .row(clampedIndex(cy + lineOffset(lens.type, terms.term[at], dy),
+                                          span.firstRow, span.endRow))
+                        .data();
             }
         }
         // Tile by tile: within one the offsets run on from its first pixel.
@@ -399,7 +412,11 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
                     const auto at = static_cast<std::size_t>(k);
                     terms.columnRight[at] = terms.columnLeft[at] = span.firstColumn;
                     if (!sphere.inside(k)) continue;
-                    const double offset = lineAxis(lens.type, k, terms.distance[at], cx, q);
+                    // A tile whose centre's column is its centre's row
+                    // (the diagonal of a square) has the row's terms.
+                    const double term =
+                        cx == cy ? terms.term[at] : lineTerm(lens.type, terms.distance[at], cx, q);
+                    const double offset = lineOffset(lens.type, term, k);
                     terms.columnRight[at] =
                         clampedIndex(cx + offset, span.firstColumn, span.endColumn);
                     terms.columnLeft[at] =

@@ -68,6 +68,45 @@ void BM_HideEffect_Specular(benchmark::State& state) {
 }
 BENCHMARK(BM_HideEffect_Specular)->Unit(benchmark::kMillisecond);
 
+// The dialog's default: the drawing colour lit.
+void BM_HideEffect_SpecularPen(benchmark::State& state) {
+    runLit(state, [](Class_HideEffect& e) {
+        e.Specular(50, 0, 0, Side, Side, 10, 10, 10, 255, 255, 255, 32, 0, 0);
+    });
+}
+BENCHMARK(BM_HideEffect_SpecularPen)->Unit(benchmark::kMillisecond);
+
+// Ball 2's sine lens; 5 % is a tiling of 100 spheres.
+void BM_HideEffect_Line(benchmark::State& state) {
+    const auto percent = static_cast<double>(state.range(0));
+    runLit(state, [percent](Class_HideEffect& e) {
+        e.Crystal_Line(percent, 0, 0, Side, Side, 0, 0, 10, 255, 255, 255, 42, 0, 0);
+    });
+}
+BENCHMARK(BM_HideEffect_Line)->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
+
+// Ball Random and Random Spot; 5 % draws 100 overlapping spheres.
+void BM_HideEffect_RandomBalls(benchmark::State& state) {
+    const auto percent = static_cast<double>(state.range(0));
+    runLit(state, [percent](Class_HideEffect& e) {
+        e.Crystal_Random(percent, 0, 0, Side, Side, 0, 0, 10, 255, 255, 255, 42, 0, 0);
+    });
+}
+BENCHMARK(BM_HideEffect_RandomBalls)->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
+
+void BM_HideEffect_RandomSpot(benchmark::State& state) {
+    const auto percent = static_cast<double>(state.range(0));
+    runLit(state, [percent](Class_HideEffect& e) {
+        e.RandomSpot(percent, 0, 0, Side, Side, 0, 0, 10, 255, 255, 255, 42, 0, 0);
+    });
+}
+BENCHMARK(BM_HideEffect_RandomSpot)->Arg(5)->Arg(50)->Unit(benchmark::kMillisecond);
+
+void BM_HideEffect_GlowingPixel(benchmark::State& state) {
+    runLit(state, [](Class_HideEffect& e) { e.Mosaic_Glowing(16, 16, 0, 0, Side, Side, 0, 0); });
+}
+BENCHMARK(BM_HideEffect_GlowingPixel)->Unit(benchmark::kMillisecond);
+
 void BM_HideEffect_Lighting(benchmark::State& state) {
     runLit(state, [](Class_HideEffect& e) {
         e.Crystal_Lighting(50, 0, 0, Side, Side, 0, 0, 10, 255, 255, 255, -40, 0, 0);

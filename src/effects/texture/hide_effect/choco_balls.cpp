@@ -337,39 +337,61 @@ void Class_HideEffect::Mosaic_Glowing(std::uint8_t width, std::uint8_t height, s
         const mosaic::Extent extent = extentOf({left, top, right, bottom}, ImageBits);
         const int blockRows = mosaic::blockRowCount(extent, grid);
         SetProgressRange(0, blockRows);
+        if (blockRows == 0) return;
         const double middleX = (width - 1) / 2.0;
         const double middleY = (height - 1) / 2.0;
         const double farthest = std::sqrt(middleX * middleX + middleY * middleY);
-        std::vector<int> rows(height);
-        std::vector<int> columns(width);
-        for (int k = 0; k < blockRows; ++k) {
+        // Every block has the same cells, so the fall of each is worked out
+        // once.
+        std::vector<double> falls(static_cast<std::size_t>(width) * height);
+        for (int i = 1; i <= height - 2; ++i) {
+            for (int j = 1; j <= width - 2; ++j) {
+                const double d = std::hypot(j - middleX, i - middleY);
+                falls[static_cast<std::size_t>(i) * width + static_cast<std::size_t>(j)] =
+                    d == 0 ? 0 : 300 / farthest * d;
+            }
+        }
+        // The glow stays within -300 .. 255 and the sums within 16 bits.
+        const bool blend = calculationFlag() > 0;
+        auto rowOfBlocks = [&](int k) {
+            std::vector<int> rows(height);
+            std::vector<int> columns(width);
             mosaic::forEachBlockInRow(extent, grid, k, rows, columns, [&](int) {
                 const Rgb16 mean = mosaic::blockMean(ImageBits, rows, columns);
                 // The block's edge cells stay, the inner ones glow; folded
                 // cells glow by their unfolded place, the last one winning.
                 for (int i = 1; i <= height - 2; ++i) {
                     const int y = rows[static_cast<std::size_t>(i)];
+                    const Pixel* in = ImageBits.row(y).data();
+                    Pixel* out = TransBits.row(y).data();
+                    const double* fall = falls.data() + static_cast<std::size_t>(i) * width;
                     for (int j = 1; j <= width - 2; ++j) {
                         const int x = columns[static_cast<std::size_t>(j)];
-                        const double d = std::hypot(j - middleX, i - middleY);
-                        const double fall = d == 0 ? 0 : 300 / farthest * d;
-                        const Rgb16 glow{roundTo<std::int16_t>(mean.red - fall),
-                                         roundTo<std::int16_t>(mean.green - fall),
-                                         roundTo<std::int16_t>(mean.blue - fall)};
-                        const Pixel p = ImageBits.at(x, y);
+                        const Rgb16 glow{roundInRange<std::int16_t>(mean.red - fall[j]),
+                                         roundInRange<std::int16_t>(mean.green - fall[j]),
+                                         roundInRange<std::int16_t>(mean.blue - fall[j])};
+                        const Pixel p = in[x];
                         const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-                        const Rgb16 once = finishPixel<ResultTail::Clamp>(r, g, b, glow);
-                        const Rgb16 v = finishPixel<ResultTail::Clamp>(
-                            r, g, b,
-                            {static_cast<std::int16_t>(once.red + r),
-                             static_cast<std::int16_t>(once.green + g),
-                             static_cast<std::int16_t>(once.blue + b)});
-                        TransBits.at(x, y) = withColour(TransBits.at(x, y), v.red, v.green, v.blue);
+                        const Rgb16 once = blend ? endPixel<ResultTail::Clamp, true>(r, g, b, glow)
+                                                 : clampResult(glow);
+                        const Rgb16 twice{static_cast<std::int16_t>(once.red + r),
+                                          static_cast<std::int16_t>(once.green + g),
+                                          static_cast<std::int16_t>(once.blue + b)};
+                        const Rgb16 v = blend ? endPixel<ResultTail::Clamp, true>(r, g, b, twice)
+                                              : clampResult(twice);
+                        out[x] = withColour(out[x], v.red, v.green, v.blue);
                     }
                 }
             });
-            if (!finishRow()) return;
-        }
+        };
+        // Each row of blocks writes only its own picture rows, folded rows
+        // included, so rows of blocks run on every core.
+        const ProcessRect blockRowsRect{static_cast<std::int16_t>(extent.firstColumn), 0,
+                                        static_cast<std::int16_t>(extent.endColumn),
+                                        static_cast<std::int16_t>(blockRows)};
+        BandPlan plan = bandPlan(blockRowsRect);
+        plan.bandRows = std::max(1, plan.bandRows / std::max<int>(height, 1));
+        rowsInBands(blockRowsRect, plan, [&](int, int k, int, int) { rowOfBlocks(k); });
     });
 }
 

@@ -137,11 +137,12 @@ class Class_HideEffect : public PixelFrame {
     template <typename Lens>
     void spheresOverTiles(const ProcessRect& rect, const hide::Lighting& lighting, int q,
                           std::uint8_t background, Lens lens);
-    // One sphere of the row's radius painted over TransBits, the parts
-    // outside the span dropped; sphere is the scratch row of its terms.
+    // One sphere of the row's radius painted over TransBits on the rows
+    // rowBegin .. rowEnd - 1, the parts outside the span dropped; sphere is
+    // the scratch row of its terms. plain: no blend, no overflow possible.
     template <typename Lens>
-    void sphereAt(int cx, int cy, const hide::Lighting& lighting, const Span& span, bool spot,
-                  hide::SphereRow& sphere, Lens lens);
+    void sphereAt(int cx, int cy, const hide::Lighting& lighting, const Span& span, int rowBegin,
+                  int rowEnd, bool spot, bool plain, hide::SphereRow& sphere, Lens lens);
     // The spheres at centres drawn at random, over the background; a spot
     // adds its light to the picture instead of shading it.
     void randomSpheres(const ProcessRect& rect, const hide::Lighting& lighting, int q, int count,

@@ -4,7 +4,9 @@
 #include "effects/texture/hide_effect/sphere_light.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <type_traits>
 #include <vector>
 
 namespace lumiran {
@@ -42,26 +44,34 @@ Offset ballLens(std::uint8_t type, double dx, double dy) {
     }
 }
 
-// Crystal_Line's refractions by the distance D from the centre, with the
-// absolute centre in the denominator as the rule has it.
-Offset lineLens(std::uint8_t type, double dx, double dy, double cx, double cy, double q) {
-    const double d = std::sqrt(dx * dx + dy * dy);
-    double ax = 4 * d / (cx + q);
-    double ay = 4 * d / (cy + q);
+// Crystal_Line's refraction along one axis, delta from the centre at the
+// distance d from it, with the absolute centre in the denominator as the
+// rule has it: the term of the angle (lineTerm) applied to delta
+// (lineOffset). The term sees only d and the centre, so an axis whose
+// centre is the same takes the same terms.
+double lineTerm(std::uint8_t type, double d, double centre, double q) {
+    double a = 4 * d / (centre + q);
     switch (type) {
     case 1:
-        if (ax == 0) ax = 1;
-        if (ay == 0) ay = 1;
-        return {dx / std::sin(ax), dy / std::sin(ay)};
+        if (a == 0) a = 1;
+        return std::sin(a);
     case 2:
-        return {std::cos(ax) * dx, std::cos(ay) * dy};
+        return std::cos(a);
     case 3:
-        return {(1 - std::sin(ax)) * dx, (1 - std::sin(ay)) * dy};
+        return 1 - std::sin(a);
     case 4:
-        return {std::tan(ax) * dx, std::tan(ay) * dy};
+        return std::tan(a);
     default:
-        return {std::sin(ax) * dx, std::sin(ay) * dy};
+        return std::sin(a);
     }
+}
+
+double lineOffset(std::uint8_t type, double term, double delta) {
+    return type == 1 ? delta / term : term * delta;
+}
+
+double lineAxis(std::uint8_t type, double delta, double d, double centre, double q) {
+    return lineOffset(type, lineTerm(type, d, centre, q), delta);
 }
 
 // The lenses as spheresOverTiles takes them: identity says that the source
@@ -80,8 +90,27 @@ struct LineLens {
     std::uint8_t type;
     int q;
     Offset operator()(double dx, double dy, double cx, double cy) const {
-        return lineLens(type, dx, dy, cx, cy, q);
+        const double d = std::sqrt(dx * dx + dy * dy);
+        return {lineAxis(type, dx, d, cx, q), lineAxis(type, dy, d, cy, q)};
     }
+};
+
+// A row of Crystal_Line's tiles by the distance k = |dx| from the centre:
+// the distance and the source row hold for the whole row, the column
+// offset for one tile. An offset at -k is the one at k negated to the bit
+// (the factors see only the distance), so each trigonometric term is
+// worked out once for both halves, and the rows' ones once for all tiles.
+struct LineRow {
+    std::vector<double> distance;
+    std::vector<double> term; // the row's lineTerm
+    std::vector<const Pixel*> sourceRow;
+    std::vector<int> columnRight; // the source column at +k
+    std::vector<int> columnLeft;  // and at -k
+    std::vector<Pixel> gathered;  // a tile's row of sources
+    explicit LineRow(int q)
+        : distance(static_cast<std::size_t>(q) + 1), term(distance.size()),
+          sourceRow(distance.size()), columnRight(distance.size()), columnLeft(distance.size()),
+          gathered(2 * distance.size()) {}
 };
 
 int clampedIndex(double v, int first, int end) {
@@ -126,6 +155,86 @@ void shadeOwnPixels(const Pixel* __restrict source, Pixel* __restrict target, in
     }
 }
 
+// A sphere of pixels that are their own sources painted over what lies in
+// target: inside it their lit colours, outside target kept.
+void shadeOverPixels(const Pixel* __restrict source, Pixel* __restrict target, int count,
+                     const double* __restrict diffuse, const double* __restrict specular,
+                     const std::uint8_t* __restrict inside, const Lighting& lighting) {
+    const double ambient = lighting.ambient;
+    const double weightRed = lighting.reflection[0];
+    const double weightGreen = lighting.reflection[1];
+    const double weightBlue = lighting.reflection[2];
+    for (int i = 0; i < count; ++i) {
+        const Pixel p = source[i];
+        const double d = diffuse[i], s = specular[i];
+        auto lit = [&](int c, double weight) {
+            return std::clamp(roundInRange<std::int32_t>(c * d + weight * s + ambient), 0, 255);
+        };
+        const Pixel shaded = withColour(target[i], lit(redOf(p), weightRed),
+                                        lit(greenOf(p), weightGreen), lit(blueOf(p), weightBlue));
+        target[i] = inside[i] != 0 ? shaded : target[i];
+    }
+}
+
+// A spot's light added to what lies in target, inside the spot only.
+void spotOverPixels(Pixel* __restrict target, int count, const double* __restrict diffuse,
+                    const double* __restrict specular, const std::uint8_t* __restrict inside,
+                    const Lighting& lighting) {
+    const double ambient = lighting.ambient;
+    const double weightRed = lighting.reflection[0];
+    const double weightGreen = lighting.reflection[1];
+    const double weightBlue = lighting.reflection[2];
+    for (int i = 0; i < count; ++i) {
+        const Pixel under = target[i];
+        const double d = diffuse[i], s = specular[i];
+        auto plus = [&](int c, double weight) {
+            return std::clamp(roundInRange<std::int32_t>(c + ambient * d + weight * s), 0, 255);
+        };
+        const Pixel lit =
+            withColour(under, plus(redOf(under), weightRed), plus(greenOf(under), weightGreen),
+                       plus(blueOf(under), weightBlue));
+        target[i] = inside[i] != 0 ? lit : under;
+    }
+}
+
+// What Specular lights: the drawing colour or the picture, and which
+// channels it lets change.
+struct SpecularPaint {
+    bool pen;
+    int penColour[3];
+    bool changes[3];
+};
+
+// Specular's sphere over a run of pixels with no blend and no overflow
+// possible; outside the sphere target is kept.
+void specularPixels(const Pixel* __restrict source, Pixel* __restrict target, int count,
+                    const double* __restrict diffuse, const double* __restrict specular,
+                    const std::uint8_t* __restrict inside, const Lighting& lighting,
+                    const SpecularPaint& paint) {
+    const double ambient = lighting.ambient;
+    const double weightRed = lighting.reflection[0];
+    const double weightGreen = lighting.reflection[1];
+    const double weightBlue = lighting.reflection[2];
+    const bool pen = paint.pen;
+    const int penRed = paint.penColour[0], penGreen = paint.penColour[1],
+              penBlue = paint.penColour[2];
+    const bool red = paint.changes[0], green = paint.changes[1], blue = paint.changes[2];
+    for (int i = 0; i < count; ++i) {
+        const Pixel p = source[i];
+        const double d = diffuse[i], s = specular[i];
+        auto lit = [&](int c, double weight) {
+            return std::clamp(roundInRange<std::int32_t>(c * d + weight * s + ambient), 0, 255);
+        };
+        const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+        const int litRed = lit(pen ? penRed : r, weightRed);
+        const int litGreen = lit(pen ? penGreen : g, weightGreen);
+        const int litBlue = lit(pen ? penBlue : b, weightBlue);
+        const Pixel shaded =
+            withColour(target[i], red ? litRed : r, green ? litGreen : g, blue ? litBlue : b);
+        target[i] = inside[i] != 0 ? shaded : target[i];
+    }
+}
+
 } // namespace
 
 void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::int16_t top,
@@ -151,11 +260,25 @@ void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::in
         const BandPlan plan = bandPlan(rect);
         std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(std::max(plan.workers, 1)),
                                              hide::SphereRow(lighting.light, q));
+        const bool plain = !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting);
+        const SpecularPaint paint{
+            drawMode == 0, {pen.red, pen.green, pen.blue}, {mask[0], mask[1], mask[2]}};
         rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
             const Pixel* in = ImageBits.row(y).data();
             Pixel* out = TransBits.row(y).data();
             hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
             sphere.shade(y - cy);
+            if (plain) {
+                // Only the columns the sphere reaches: -q .. q from the centre.
+                const int from = std::max(first, static_cast<int>(cx) - q);
+                const int to = std::min(end, static_cast<int>(cx) + q + 1);
+                if (from >= to) return;
+                const int offset = from - static_cast<int>(cx);
+                specularPixels(in + from, out + from, to - from, sphere.diffuseFrom(offset),
+                               sphere.specularFrom(offset), sphere.insideFrom(offset), lighting,
+                               paint);
+                return;
+            }
             for (int x = first; x < end; ++x) {
                 // x - cx is a whole number: cx is.
                 const int dx = static_cast<int>(x - cx);
@@ -177,16 +300,31 @@ void Class_HideEffect::Specular(double radiusPercent, std::int16_t left, std::in
 
 template <typename Lens>
 void Class_HideEffect::sphereAt(int cx, int cy, const Lighting& lighting, const Span& span,
-                                bool spot, hide::SphereRow& sphere, Lens lens) {
+                                int rowBegin, int rowEnd, bool spot, bool plain,
+                                hide::SphereRow& sphere, Lens lens) {
     const int q = sphere.radius();
-    const int firstRow = std::max(cy - q, span.firstRow);
-    const int endRow = std::min(cy + q + 1, span.endRow);
+    const int firstRow = std::max({cy - q, span.firstRow, rowBegin});
+    const int endRow = std::min({cy + q + 1, span.endRow, rowEnd});
     const int firstColumn = std::max(cx - q, span.firstColumn);
     const int endColumn = std::min(cx + q + 1, span.endColumn);
+    if (firstColumn >= endColumn) return;
     for (int y = firstRow; y < endRow; ++y) {
         Pixel* out = TransBits.row(y).data();
         const double dy = y - cy;
         sphere.shade(dy);
+        if (plain && Lens::identity) {
+            const int from = firstColumn - cx;
+            const int count = endColumn - firstColumn;
+            if (spot) {
+                spotOverPixels(out + firstColumn, count, sphere.diffuseFrom(from),
+                               sphere.specularFrom(from), sphere.insideFrom(from), lighting);
+            } else {
+                shadeOverPixels(ImageBits.row(y).data() + firstColumn, out + firstColumn, count,
+                                sphere.diffuseFrom(from), sphere.specularFrom(from),
+                                sphere.insideFrom(from), lighting);
+            }
+            continue;
+        }
         for (int x = firstColumn; x < endColumn; ++x) {
             if (!sphere.inside(x - cx)) continue;
             const Shade shade = sphere.at(x - cx);
@@ -230,6 +368,9 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
     const BandPlan plan = bandPlan(rect);
     std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(std::max(plan.workers, 1)),
                                          hide::SphereRow(lighting.light, q));
+    std::vector<LineRow> lines;
+    if constexpr (std::is_same_v<Lens, LineLens>)
+        lines.assign(static_cast<std::size_t>(std::max(plan.workers, 1)), LineRow(q));
     rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
         const Pixel* in = ImageBits.row(y).data();
         Pixel* out = TransBits.row(y).data();
@@ -237,6 +378,26 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
         const double dy = y - cy;
         hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
         sphere.shade(dy);
+        constexpr bool line = std::is_same_v<Lens, LineLens>;
+        if constexpr (line) {
+            // Offsets outside the sphere name the pixel's own row, so that
+            // every table entry is a place in the picture.
+            LineRow& terms = lines[static_cast<std::size_t>(worker)];
+            for (int k = 0; k <= q; ++k) {
+                const auto at = static_cast<std::size_t>(k);
+                terms.sourceRow[at] = in;
+                if (!sphere.inside(k)) continue;
+                const auto dk = static_cast<double>(k);
+                const double d = std::sqrt(dk * dk + dy * dy);
+                terms.distance[at] = d;
+                terms.term[at] = lineTerm(lens.type, d, cy, q);
+                terms.sourceRow[at] =
+                    ImageBits
+                        .row(clampedIndex(cy + lineOffset(lens.type, terms.term[at], dy),
+                                          span.firstRow, span.endRow))
+                        .data();
+            }
+        }
         // Tile by tile: within one the offsets run on from its first pixel.
         int cx = centre(first, rect.left);
         for (int x = first; x < end; x = std::min(end, cx + q), cx += side) {
@@ -244,6 +405,57 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
             const int firstOffset = x - cx;
             const Pixel* source = in + x;
             Pixel* target = out + x;
+            if constexpr (line) {
+                LineRow& terms = lines[static_cast<std::size_t>(worker)];
+                const int reach = std::max(-firstOffset, firstOffset + count - 1);
+                for (int k = 0; k <= reach; ++k) {
+                    const auto at = static_cast<std::size_t>(k);
+                    terms.columnRight[at] = terms.columnLeft[at] = span.firstColumn;
+                    if (!sphere.inside(k)) continue;
+                    // A tile whose centre's column is its centre's row
+                    // (the diagonal of a square) has the row's terms.
+                    const double term =
+                        cx == cy ? terms.term[at] : lineTerm(lens.type, terms.distance[at], cx, q);
+                    const double offset = lineOffset(lens.type, term, k);
+                    terms.columnRight[at] =
+                        clampedIndex(cx + offset, span.firstColumn, span.endColumn);
+                    terms.columnLeft[at] =
+                        clampedIndex(cx + -offset, span.firstColumn, span.endColumn);
+                }
+                // The sources gathered, each outside pixel its own, then lit
+                // as pixels that are their own sources.
+                Pixel* from = terms.gathered.data();
+                const std::uint8_t* inside = sphere.insideFrom(0);
+                int i = 0;
+                for (; i < count && firstOffset + i < 0; ++i) {
+                    const auto k = static_cast<std::size_t>(-(firstOffset + i));
+                    const Pixel lensed = terms.sourceRow[k][terms.columnLeft[k]];
+                    from[i] = inside[k] != 0 ? lensed : source[i];
+                }
+                for (; i < count; ++i) {
+                    const auto k = static_cast<std::size_t>(firstOffset + i);
+                    const Pixel lensed = terms.sourceRow[k][terms.columnRight[k]];
+                    from[i] = inside[k] != 0 ? lensed : source[i];
+                }
+                if (plain) {
+                    shadeOwnPixels(from, target, count, sphere.diffuseFrom(firstOffset),
+                                   sphere.specularFrom(firstOffset), sphere.insideFrom(firstOffset),
+                                   lighting, showsPicture ? KeepsPicture : backgroundColour);
+                    continue;
+                }
+                for (i = 0; i < count; ++i) {
+                    const int dx = firstOffset + i;
+                    if (!sphere.inside(dx)) {
+                        target[i] = backgroundPixel(background, source[i]);
+                        continue;
+                    }
+                    const int r = redOf(from[i]), g = greenOf(from[i]), b = blueOf(from[i]);
+                    const Rgb16 v = finishPixel<ResultTail::Clamp>(
+                        r, g, b, hide::shadeColour(lighting, sphere.at(dx), r, g, b));
+                    target[i] = withColour(target[i], v.red, v.green, v.blue);
+                }
+                continue;
+            }
             if (plain && Lens::identity) {
                 shadeOwnPixels(source, target, count, sphere.diffuseFrom(firstOffset),
                                sphere.specularFrom(firstOffset), sphere.insideFrom(firstOffset),
@@ -305,21 +517,72 @@ void Class_HideEffect::randomSpheres(const ProcessRect& rect, const Lighting& li
                                      int count, std::uint8_t type, std::uint8_t background,
                                      bool spot) {
     const Span span = spanOf(rect);
-    for (int y = span.firstRow; y < span.endRow; ++y) {
-        for (int x = span.firstColumn; x < span.endColumn; ++x) {
-            TransBits.at(x, y) = backgroundPixel(background, ImageBits.at(x, y));
-        }
-    }
     const double width = rect.right - rect.left;
     const double height = rect.bottom - rect.top;
     hundredthsShown_ = 0;
     SetProgressRange(0, 100);
-    hide::SphereRow sphere(lighting.light, q);
+    // Every centre is drawn and counted first; the spheres are then painted
+    // in bands of rows, each band taking them in drawing order, so that
+    // later spheres still cover (or, as spots, light) earlier ones.
+    struct Centre {
+        int x;
+        int y;
+    };
+    std::vector<Centre> centres;
+    centres.reserve(static_cast<std::size_t>(std::max(count, 0)));
     for (int n = 0; n < count; ++n) {
         const int cx = roundTo<std::int32_t>(width * context().random.next() + rect.left);
         const int cy = roundTo<std::int32_t>(height * context().random.next() + rect.top);
-        sphereAt(cx, cy, lighting, span, spot, sphere, BallLens{type});
+        centres.push_back({cx, cy});
         if (!stepHundredths(n + 1, count)) return;
+    }
+    if (span.empty()) return;
+
+    constexpr int BandRows = 32;
+    const int bands = (span.endRow - span.firstRow + BandRows - 1) / BandRows;
+    std::vector<std::vector<std::uint32_t>> byBand(static_cast<std::size_t>(bands));
+    for (std::size_t i = 0; i < centres.size(); ++i) {
+        const int top = std::max(centres[i].y - q, span.firstRow) - span.firstRow;
+        const int bottom = std::min(centres[i].y + q, span.endRow - 1) - span.firstRow;
+        for (int b = top / BandRows; b <= bottom / BandRows && top <= bottom; ++b)
+            byBand[static_cast<std::size_t>(b)].push_back(static_cast<std::uint32_t>(i));
+    }
+    // Only a shading that cannot overflow runs on several threads: a worker
+    // may not throw. Without a blend its rows need no per-pixel tail.
+    const bool fits = hide::shadeFitsSixteenBits(lighting);
+    const bool plain = fits && !(calculationFlag() > 0);
+    const bool ownPixels = type == 0 || type > 4;
+    const int workers = fits ? std::max(1, std::min(bandPlan(rect).workers, bands)) : 1;
+    std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(workers),
+                                         hide::SphereRow(lighting.light, q));
+    std::atomic<int> nextBand{0};
+    auto paint = [&](int worker) {
+        hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
+        for (int b = nextBand++; b < bands; b = nextBand++) {
+            const int rowBegin = span.firstRow + b * BandRows;
+            const int rowEnd = std::min(rowBegin + BandRows, span.endRow);
+            for (int y = rowBegin; y < rowEnd; ++y) {
+                const Pixel* in = ImageBits.row(y).data();
+                Pixel* out = TransBits.row(y).data();
+                for (int x = span.firstColumn; x < span.endColumn; ++x)
+                    out[x] = backgroundPixel(background, in[x]);
+            }
+            for (const std::uint32_t i : byBand[static_cast<std::size_t>(b)]) {
+                const Centre c = centres[i];
+                if (ownPixels) {
+                    sphereAt(c.x, c.y, lighting, span, rowBegin, rowEnd, spot, plain, sphere,
+                             OwnPixel{});
+                } else {
+                    sphereAt(c.x, c.y, lighting, span, rowBegin, rowEnd, spot, plain, sphere,
+                             BallLens{type});
+                }
+            }
+        }
+    };
+    if (workers > 1) {
+        context().workers().run(workers, paint);
+    } else {
+        paint(0);
     }
 }
 
@@ -385,21 +648,36 @@ void Class_HideEffect::Crystal_Lighting(double radiusPercent, std::int16_t left,
         const double lampX = (right - left) / 2.0 + left + lightX / 10.0 * (right - left) / 2;
         const double lampY = (bottom - top) / 2.0 + top + lightY / 10.0 * (bottom - top) / 2;
         const double lampZ = lightZ / 10.0 * q;
-        const hide::Vector3 up{0, 0, 1};
-        forEachRow(rect, [&](int y, int first, int end) {
-            const Pixel* in = ImageBits.row(y).data();
-            Pixel* out = TransBits.row(y).data();
-            for (int x = first; x < end; ++x) {
-                const hide::Vector3 toLamp{lampX - x, lampY - y, lampZ};
-                const double n =
-                    std::sqrt(toLamp.x * toLamp.x + toLamp.y * toLamp.y + toLamp.z * toLamp.z);
-                const hide::Vector3 light =
-                    n == 0 ? up : hide::Vector3{toLamp.x / n, toLamp.y / n, toLamp.z / n};
-                const Shade shade = hide::shadeNormal(light, up);
-                const int r = redOf(in[x]), g = greenOf(in[x]), b = blueOf(in[x]);
+        const bool plain = !(calculationFlag() > 0) && hide::shadeFitsSixteenBits(lighting);
+        // Each thread's row of terms, worked out in one vector loop.
+        struct Terms {
+            std::vector<double> diffuse, specular;
+            std::vector<std::uint8_t> inside;
+        };
+        const BandPlan plan = bandPlan(rect);
+        const auto width = static_cast<std::size_t>(std::max(ImageBits.width(), 1));
+        std::vector<Terms> scratch(static_cast<std::size_t>(std::max(plan.workers, 1)),
+                                   Terms{std::vector<double>(width), std::vector<double>(width),
+                                         std::vector<std::uint8_t>(width, 1)});
+        rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
+            const Pixel* in = ImageBits.row(y).data() + first;
+            Pixel* out = TransBits.row(y).data() + first;
+            Terms& terms = scratch[static_cast<std::size_t>(worker)];
+            const int count = end - first;
+            hide::lampRow(lampX, lampY - y, lampZ, first, count, terms.diffuse.data(),
+                          terms.specular.data());
+            if (plain) {
+                shadeOwnPixels(in, out, count, terms.diffuse.data(), terms.specular.data(),
+                               terms.inside.data(), lighting, KeepsPicture);
+                return;
+            }
+            for (int i = 0; i < count; ++i) {
+                const auto k = static_cast<std::size_t>(i);
+                const Shade shade{true, terms.diffuse[k], terms.specular[k]};
+                const int r = redOf(in[i]), g = greenOf(in[i]), b = blueOf(in[i]);
                 const Rgb16 v = finishPixel<ResultTail::Clamp>(
                     r, g, b, hide::shadeColour(lighting, shade, r, g, b));
-                out[x] = withColour(out[x], v.red, v.green, v.blue);
+                out[i] = withColour(out[i], v.red, v.green, v.blue);
             }
         });
     });

@@ -138,6 +138,38 @@ void SphereRow::shade(double dy) {
     std::reverse_copy(inside + 1, inside + end, inside_.data());
 }
 
+namespace {
+
+void lampTerms(double lampX, double toLampY, double lampZ, int first, int count,
+               double* __restrict diffuse, double* __restrict specular) {
+    for (int i = 0; i < count; ++i) {
+        const double a = lampX - static_cast<double>(first + i);
+        const double n = std::sqrt(a * a + toLampY * toLampY + lampZ * lampZ);
+        // Right under the lamp the light is the normal itself.
+        const bool under = n == 0;
+        const double lx = under ? 0.0 : a / n;
+        const double ly = under ? 0.0 : toLampY / n;
+        const double lz = under ? 1.0 : lampZ / n;
+        // The normal is (0, 0, 1); its zero terms are kept as products, as
+        // shadeNormal has them, for the signs of zeros.
+        diffuse[i] = std::max(0.0, lx * 0.0 + ly * 0.0 + lz * 1.0);
+        const double hx = lx / 2, hy = ly / 2, hz = (lz + 1) / 2;
+        const double hn = std::sqrt(hx * hx + hy * hy + hz * hz);
+        const bool flat = hn == 0;
+        const double ux = flat ? 0.0 : hx / hn;
+        const double uy = flat ? 0.0 : hy / hn;
+        const double uz = flat ? 0.0 : hz / hn;
+        specular[i] = highlight(ux * 0.0 + uy * 0.0 + uz * 1.0);
+    }
+}
+
+} // namespace
+
+void lampRow(double lampX, double toLampY, double lampZ, int first, int count, double* diffuse,
+             double* specular) {
+    lampTerms(lampX, toLampY, lampZ, first, count, diffuse, specular);
+}
+
 bool shadeFitsSixteenBits(const Lighting& lighting) {
     if (!std::isfinite(lighting.ambient)) return false;
     double largest = 0;

@@ -73,6 +73,12 @@ class SphereRow {
     std::vector<double> normalZ_;
 };
 
+// The terms of a flat picture under a lamp, along a row: the lamp at
+// (lampX, row + toLampY, lampZ) seen from pixels first .. first + count - 1,
+// with the picture's normal straight up. shadeNormal's terms to the bit.
+void lampRow(double lampX, double toLampY, double lampZ, int first, int count, double* diffuse,
+             double* specular);
+
 // The three reflection weights and the ambient term.
 struct Lighting {
     Vector3 light;

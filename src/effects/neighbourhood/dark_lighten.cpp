@@ -45,6 +45,7 @@ void Class_NeighborhoodOp::DarkLighten(std::uint8_t kind, std::uint8_t form, std
                                        std::int16_t top, std::int16_t right, std::int16_t bottom,
                                        std::int16_t upper, std::int16_t lower) {
     guarded([&] {
+        fetchTransOnCores();
         if (kind > 3) return;
         const ProcessRect rect{left, top, right, bottom};
         const int reach = kind; // kind 0 is the pixel alone, 1..3 windows 3x3..7x7

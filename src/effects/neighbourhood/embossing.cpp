@@ -177,6 +177,7 @@ void Class_NeighborhoodOp::Embossing(std::uint8_t direction, std::uint8_t colour
                                      std::int16_t offsetRed, std::int16_t offsetGreen,
                                      std::int16_t offsetBlue, std::int16_t size) {
     guarded([&] {
+        fetchTransOnCores();
         if (direction > 7 || colourKind > 6 || kind > 7) return;
         const ProcessRect rect{left, top, right, bottom};
         const Area area = areaOf(rect);

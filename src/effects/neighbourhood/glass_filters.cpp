@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -80,6 +81,7 @@ void Class_NeighborhoodOp::Glass_Painting(std::uint8_t window, std::uint8_t kind
                                           std::int16_t top, std::int16_t right,
                                           std::int16_t bottom) {
     guarded([&] {
+        fetchTransOnCores();
         if (window > 2 || kind > 1) return;
         const ProcessRect rect{left, top, right, bottom};
         const int reach = window + 1;
@@ -140,12 +142,26 @@ void Class_NeighborhoodOp::Glass_Impression(std::uint8_t kind, std::uint8_t filt
                                             std::int16_t rank, std::int16_t left, std::int16_t top,
                                             std::int16_t right, std::int16_t bottom) {
     guarded([&] {
+        fetchTransOnCores();
         if (kind > 2 || filter > 8) return;
         const ProcessRect rect{left, top, right, bottom};
         constexpr int reach = 1;
         const int element = std::clamp<int>(rank, 0, neighbourhood::windowLength(reach) - 1);
         const Offset compared = neighbourhood::ringOrder<reach>[filter];
         const Area inner = areaOf(rect).inner(reach);
+        // Kind 1 as a table over (rank element, compared sample): each of
+        // its 65536 results is the formula's own, without a sine per channel.
+        std::vector<std::uint8_t> shapedTable;
+        if (kind == 1) {
+            shapedTable.resize(256 * 256);
+            for (int value = 0; value < 256; ++value) {
+                const double shapedValue = sineShaped(value);
+                for (int against = 0; against < 256; ++against)
+                    shapedTable[static_cast<std::size_t>(value * 256 + against)] =
+                        static_cast<std::uint8_t>(
+                            roundTo<std::int16_t>(std::abs(shapedValue - against)));
+            }
+        }
         SetProgressRange(top, bottom);
         forEachRow(rect, [&](int y, int, int) {
             if (!inner.containsRow(y)) return;
@@ -166,8 +182,9 @@ void Class_NeighborhoodOp::Glass_Impression(std::uint8_t kind, std::uint8_t filt
                                        255 - blueOf(sample)};
                         Rgb16 result;
                         if (kind == 1) {
-                            auto shaped = [](int value, int against) {
-                                return roundTo<std::int16_t>(std::abs(sineShaped(value) - against));
+                            auto shaped = [&](int value, int against) {
+                                return static_cast<std::int16_t>(
+                                    shapedTable[static_cast<std::size_t>(value * 256 + against)]);
                             };
                             result = {shaped(n.r, s.r), shaped(n.g, s.g), shaped(n.b, s.b)};
                         } else {

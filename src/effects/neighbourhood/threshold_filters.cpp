@@ -164,6 +164,7 @@ Pixel steppedColour(GreyOrder order, double divisor, Pixel p, Pixel rightOf, Pix
 
 void Class_NeighborhoodOp::quantisedGreySteps(bool redFirst, std::int16_t divisor,
                                               const ProcessRect& rect) {
+    fetchTransOnCores();
     const GreyOrder order = redFirst ? GreyOrder::RedFirst : GreyOrder::Luminance;
     const Area area = areaOf(rect);
     const Rgb8 c = context().flags.drawingColor;

@@ -18,6 +18,12 @@ template <typename Call>
 EffectPlanner withTrans(Call call) {
     return dispatch::withTrans<Class_Edge>(call);
 }
+// For calls that read only ImageBits and make TransBits themselves when it
+// is left unfetched (fetchTransOnCores): the source is lent, not copied.
+template <typename Call>
+EffectPlanner onSource(Call call) {
+    return dispatch::onSourceWithOwnTrans<Class_Edge>(call);
+}
 
 template <typename T, std::size_t N>
 const T& byRow(const std::array<T, N>& table, int listRow) {
@@ -63,7 +69,7 @@ void registerEdgeEffects(EffectDispatch& d) {
                   e.DifferentalFilter(row(v.color), r.left, r.top, r.right, r.bottom);
               }));
     }
-    d.add(DialogKind::Negative, 22, withTrans([](Class_Edge& e, V v, R r) {
+    d.add(DialogKind::Negative, 22, onSource([](Class_Edge& e, V v, R r) {
               const auto& w = byRow(Matrix4Rows, v.color);
               const int weight = slider(v, 1);
               e.Edge_Matrix4(wrap16(w[0] * weight), wrap16(w[1] * weight), wrap16(w[2] * weight),
@@ -80,7 +86,7 @@ void registerEdgeEffects(EffectDispatch& d) {
               e.Edge_Matrix9(-2, w[0], w[1], w[2], w[3], w[4], w[5], w[6], w[7], r.left, r.top,
                              r.right, r.bottom);
           }));
-    d.add(DialogKind::Negative, 24, withTrans([](Class_Edge& e, V v, R r) {
+    d.add(DialogKind::Negative, 24, onSource([](Class_Edge& e, V v, R r) {
               e.Edge_Robarts(row(v.color), slider(v, 1), r.left, r.top, r.right, r.bottom);
           }));
     d.add(DialogKind::Monotone, 32, withTrans([](Class_Edge& e, V v, R r) {

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -25,10 +27,22 @@ template <typename Rule>
 void Class_Edge::blocks(const ProcessRect& rect, Rule rule) {
     const Area area = areaOf(rect);
     SetProgressRange(rect.top, rect.bottom);
+    const bool blend = blending();
     forEachRow(rect, [&](int y, int, int) {
         if (y >= area.endRow - 1) return;
         const Pixel* row = ImageBits.row(y).data();
         const Pixel* below = ImageBits.row(y + 1).data();
+        if (!blend) {
+            // The clamp alone: whole rows straight into the destination.
+            Pixel* out = TransBits.row(y).data();
+            for (int x = area.firstColumn; x < area.endColumn - 1; ++x) {
+                const Block block{channelsOf(row[x]), channelsOf(row[x + 1]), channelsOf(below[x]),
+                                  channelsOf(below[x + 1])};
+                const Rgb16 v = clampResult(rule(block));
+                out[x] = withColour(out[x], v.red, v.green, v.blue);
+            }
+            return;
+        }
         for (int x = area.firstColumn; x < area.endColumn - 1; ++x) {
             const Block block{channelsOf(row[x]), channelsOf(row[x + 1]), channelsOf(below[x]),
                               channelsOf(below[x + 1])};
@@ -40,12 +54,33 @@ void Class_Edge::blocks(const ProcessRect& rect, Rule rule) {
 void Class_Edge::Edge_Robarts(std::uint8_t kind, std::int16_t gain, std::int16_t left,
                               std::int16_t top, std::int16_t right, std::int16_t bottom) {
     guarded([&] {
+        fetchTransOnCores();
         if (kind > 1) return;
+        // The root depends on the two differences' sizes alone, 0..255 each:
+        // a table of the rounded roots, NoRoot where the 16-bit field
+        // overflows, so that such a block still ends the run.
+        constexpr int NoRoot = -1;
+        std::vector<int> roots;
+        if (kind == 0) {
+            roots.resize(256 * 256);
+            for (int i = 0; i < 256; ++i) {
+                for (int j = 0; j < 256; ++j) {
+                    const double a = static_cast<double>(i) * gain;
+                    const double b = static_cast<double>(j) * gain;
+                    const double rounded = roundHalfEven(std::sqrt(a * a + b * b));
+                    roots[static_cast<std::size_t>(i * 256 + j)] =
+                        rounded <= INT16_MAX ? static_cast<int>(rounded) : NoRoot;
+                }
+            }
+        }
         auto cross = [&](int p0, int p1, int p2, int p3) -> std::int16_t {
+            if (kind == 0) {
+                const int root =
+                    roots[static_cast<std::size_t>(std::abs(p0 - p3) * 256 + std::abs(p1 - p2))];
+                if (root == NoRoot) throw EffectError::overflow();
+                return static_cast<std::int16_t>(root);
+            }
             const int a = (p0 - p3) * gain, b = (p1 - p2) * gain;
-            if (kind == 0)
-                return roundTo<std::int16_t>(
-                    std::sqrt(static_cast<double>(a) * a + static_cast<double>(b) * b));
             return wrap16(std::abs(a) + std::abs(b));
         };
         blocks({left, top, right, bottom}, [&](const Block& k) {
@@ -60,6 +95,7 @@ void Class_Edge::Edge_Matrix4(std::int16_t w0, std::int16_t w1, std::int16_t w2,
                               std::int16_t left, std::int16_t top, std::int16_t right,
                               std::int16_t bottom) {
     guarded([&] {
+        fetchTransOnCores();
         // Products and sum keep 16 bits, as the result field does.
         auto sum = [&](int p0, int p1, int p2, int p3) {
             return wrap16(w0 * p0 + w1 * p1 + w2 * p2 + w3 * p3);

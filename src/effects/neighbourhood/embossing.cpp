@@ -93,6 +93,26 @@ class EmbossRule {
         }
     }
 
+    // Kind 2 without a blend: the clamped sine finish of a whole row, the
+    // kind's switch out of the loop. The table's factors lie within
+    // -0.5..2.5 and the sums within 0..255, so no root overflows 16 bits.
+    void sineRow(const Pixel* rowA, int ax, const Pixel* rowB, int bx, const Pixel* centre,
+                 const Pixel* source, Pixel* out, int from, int to) const {
+        auto channel = [this](int a, int b, int c, int add, int s) {
+            const int sum = clip(wrap16(c + a * d_ - b * d_ + add));
+            return std::clamp(roundInRange<int>(sine_[static_cast<std::size_t>(s)] * sum), 0, 255);
+        };
+        for (int x = from; x < to; ++x) {
+            const IntRgb a = sampleColour(colourKind_, rowA[x + ax]);
+            const IntRgb b = sampleColour(colourKind_, rowB[x + bx]);
+            const IntRgb c = sampleColour(colourKind_, centre[x]);
+            const IntRgb s = channelsOf(source[x]);
+            out[x] = withColour(out[x], channel(a.r, b.r, c.r, offset_.r, s.r),
+                                channel(a.g, b.g, c.g, offset_.g, s.g),
+                                channel(a.b, b.b, c.b, offset_.b, s.b));
+        }
+    }
+
   private:
     static Rgb16 result(IntRgb c) { return {wrap16(c.r), wrap16(c.g), wrap16(c.b)}; }
     [[nodiscard]] std::int16_t sine(int sum, int source) const {
@@ -177,6 +197,7 @@ void Class_NeighborhoodOp::Embossing(std::uint8_t direction, std::uint8_t colour
                                      std::int16_t offsetRed, std::int16_t offsetGreen,
                                      std::int16_t offsetBlue, std::int16_t size) {
     guarded([&] {
+        fetchTransOnCores();
         if (direction > 7 || colourKind > 6 || kind > 7) return;
         const ProcessRect rect{left, top, right, bottom};
         const Area area = areaOf(rect);
@@ -211,6 +232,8 @@ void Class_NeighborhoodOp::Embossing(std::uint8_t direction, std::uint8_t colour
             if (plain) {
                 plainReliefRow(rowA, ax, rowB, bx, centre, TransBits.row(y).data(), from, to, d,
                                kind == 1 ? IntRgb{} : offset);
+            } else if (kind == 2 && !blending()) {
+                rule.sineRow(rowA, ax, rowB, bx, centre, source, TransBits.row(y).data(), from, to);
             } else {
                 for (int x = from; x < to; ++x)
                     storeTrans(x, y, source[x],

@@ -7,6 +7,8 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <span>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -16,34 +18,70 @@ using neighbourhood::ChunkColumns;
 using neighbourhood::Offset;
 
 // Glass_Painting: the truncated mean of the window per channel, and the
-// squared differences from it at the corners of each ring of the window.
-IntRgb localContrast(const Surface& picture, int x, int y, int reach, std::uint8_t kind) {
-    IntRgb sum;
-    for (int dy = -reach; dy <= reach; ++dy) {
-        const Pixel* row = picture.row(y + dy).data();
-        for (int dx = -reach; dx <= reach; ++dx) {
-            const IntRgb c = channelsOf(row[x + dx]);
-            sum.r += c.r;
-            sum.g += c.g;
-            sum.b += c.b;
+// squared differences from it at the corners of each ring of the window,
+// for a whole row of centres [first, end): the window sums
+// by column over the window's rows, then sliding along them; the corners
+// read straight from their rows. The same integers, so the same results.
+template <int Reach>
+void localContrastRow(const Surface& picture, int y, int first, int end, double divisor,
+                      std::span<IntRgb> out) {
+    constexpr int Count = neighbourhood::windowLength(Reach);
+    constexpr int Side = 2 * Reach + 1;
+    const int width = end - first;
+    const int span = width + 2 * Reach;
+    std::vector<int> columns(static_cast<std::size_t>(3 * span), 0);
+    int* cr = columns.data();
+    int* cg = cr + span;
+    int* cb = cg + span;
+    for (int dy = -Reach; dy <= Reach; ++dy) {
+        const Pixel* row = picture.row(y + dy).data() + first - Reach;
+        for (int i = 0; i < span; ++i) {
+            cr[i] += redOf(row[i]);
+            cg[i] += greenOf(row[i]);
+            cb[i] += blueOf(row[i]);
         }
     }
-    const int count = neighbourhood::windowLength(reach);
-    const IntRgb mean{sum.r / count, sum.g / count, sum.b / count};
-    IntRgb squares;
-    for (int ring = 1; ring <= reach; ++ring) {
-        for (const Offset corner :
-             {Offset{-ring, -ring}, Offset{ring, -ring}, Offset{-ring, ring}, Offset{ring, ring}}) {
-            const IntRgb c = channelsOf(picture.at(x + corner.dx, y + corner.dy));
-            squares.r += (mean.r - c.r) * (mean.r - c.r);
-            squares.g += (mean.g - c.g) * (mean.g - c.g);
-            squares.b += (mean.b - c.b) * (mean.b - c.b);
-        }
+    std::array<const Pixel*, 2 * Reach> cornerRows{};
+    for (int ring = 1; ring <= Reach; ++ring) {
+        cornerRows[static_cast<std::size_t>(2 * (ring - 1))] = picture.row(y - ring).data();
+        cornerRows[static_cast<std::size_t>(2 * (ring - 1) + 1)] = picture.row(y + ring).data();
     }
-    const double divisor = kind == 0 ? 1.0 : 2.0;
-    return {roundTo<std::int16_t>(std::sqrt(squares.r) / divisor),
-            roundTo<std::int16_t>(std::sqrt(squares.g) / divisor),
-            roundTo<std::int16_t>(std::sqrt(squares.b) / divisor)};
+    int sr = 0, sg = 0, sb = 0;
+    for (int i = 0; i < Side - 1; ++i) {
+        sr += cr[i];
+        sg += cg[i];
+        sb += cb[i];
+    }
+    for (int i = 0; i < width; ++i) {
+        sr += cr[i + Side - 1];
+        sg += cg[i + Side - 1];
+        sb += cb[i + Side - 1];
+        const IntRgb mean{sr / Count, sg / Count, sb / Count};
+        sr -= cr[i];
+        sg -= cg[i];
+        sb -= cb[i];
+        const int x = first + i;
+        IntRgb squares;
+        for (int ring = 1; ring <= Reach; ++ring) {
+            const Pixel* above = cornerRows[static_cast<std::size_t>(2 * (ring - 1))];
+            const Pixel* below = cornerRows[static_cast<std::size_t>(2 * (ring - 1) + 1)];
+            for (const Pixel p :
+                 {above[x - ring], above[x + ring], below[x - ring], below[x + ring]}) {
+                const IntRgb c = channelsOf(p);
+                squares.r += (mean.r - c.r) * (mean.r - c.r);
+                squares.g += (mean.g - c.g) * (mean.g - c.g);
+                squares.b += (mean.b - c.b) * (mean.b - c.b);
+            }
+        }
+        out[static_cast<std::size_t>(i)] = squares;
+    }
+    // The roots apart, where nothing stops the compiler using vector lanes;
+    // they are at most 2 * 255 * sqrt(Reach), well inside 16 bits.
+    for (IntRgb& v : out.first(static_cast<std::size_t>(width))) {
+        v = {roundInRange<int>(std::sqrt(static_cast<double>(v.r)) / divisor),
+             roundInRange<int>(std::sqrt(static_cast<double>(v.g)) / divisor),
+             roundInRange<int>(std::sqrt(static_cast<double>(v.b)) / divisor)};
+    }
 }
 
 // Glass_EdgeExtract: differences across the pixel at the given distance,
@@ -80,17 +118,31 @@ void Class_NeighborhoodOp::Glass_Painting(std::uint8_t window, std::uint8_t kind
                                           std::int16_t top, std::int16_t right,
                                           std::int16_t bottom) {
     guarded([&] {
+        fetchTransOnCores();
         if (window > 2 || kind > 1) return;
         const ProcessRect rect{left, top, right, bottom};
         const int reach = window + 1;
         const Area inner = areaOf(rect).inner(reach);
+        const double divisor = kind == 0 ? 1.0 : 2.0;
+        const bool blend = blending();
         SetProgressRange(top, bottom);
         forEachRow(rect, [&](int y, int, int) {
-            if (!inner.containsRow(y)) return;
+            if (!inner.containsRow(y) || inner.firstColumn >= inner.endColumn) return;
             const Pixel* source = ImageBits.row(y).data();
-            for (int x = inner.firstColumn; x < inner.endColumn; ++x) {
-                const IntRgb c = localContrast(ImageBits, x, y, reach, kind);
-                storeTrans(x, y, source[x], {wrap16(c.r), wrap16(c.g), wrap16(c.b)});
+            std::vector<IntRgb> results(static_cast<std::size_t>(inner.width()));
+            const int first = inner.firstColumn, end = inner.endColumn;
+            if (reach == 1) localContrastRow<1>(ImageBits, y, first, end, divisor, results);
+            if (reach == 2) localContrastRow<2>(ImageBits, y, first, end, divisor, results);
+            if (reach == 3) localContrastRow<3>(ImageBits, y, first, end, divisor, results);
+            Pixel* out = TransBits.row(y).data();
+            for (int x = first; x < end; ++x) {
+                const IntRgb c = results[static_cast<std::size_t>(x - first)];
+                if (blend) {
+                    storeTrans(x, y, source[x], {wrap16(c.r), wrap16(c.g), wrap16(c.b)});
+                } else {
+                    out[x] = withColour(out[x], std::min(c.r, 255), std::min(c.g, 255),
+                                        std::min(c.b, 255));
+                }
             }
         });
     });
@@ -140,12 +192,26 @@ void Class_NeighborhoodOp::Glass_Impression(std::uint8_t kind, std::uint8_t filt
                                             std::int16_t rank, std::int16_t left, std::int16_t top,
                                             std::int16_t right, std::int16_t bottom) {
     guarded([&] {
+        fetchTransOnCores();
         if (kind > 2 || filter > 8) return;
         const ProcessRect rect{left, top, right, bottom};
         constexpr int reach = 1;
         const int element = std::clamp<int>(rank, 0, neighbourhood::windowLength(reach) - 1);
         const Offset compared = neighbourhood::ringOrder<reach>[filter];
         const Area inner = areaOf(rect).inner(reach);
+        // Kind 1 as a table over (rank element, compared sample): each of
+        // its 65536 results is the formula's own, without a sine per channel.
+        std::vector<std::uint8_t> shapedTable;
+        if (kind == 1) {
+            shapedTable.resize(256 * 256);
+            for (int value = 0; value < 256; ++value) {
+                const double shapedValue = sineShaped(value);
+                for (int against = 0; against < 256; ++against)
+                    shapedTable[static_cast<std::size_t>(value * 256 + against)] =
+                        static_cast<std::uint8_t>(
+                            roundTo<std::int16_t>(std::abs(shapedValue - against)));
+            }
+        }
         SetProgressRange(top, bottom);
         forEachRow(rect, [&](int y, int, int) {
             if (!inner.containsRow(y)) return;
@@ -166,8 +232,9 @@ void Class_NeighborhoodOp::Glass_Impression(std::uint8_t kind, std::uint8_t filt
                                        255 - blueOf(sample)};
                         Rgb16 result;
                         if (kind == 1) {
-                            auto shaped = [](int value, int against) {
-                                return roundTo<std::int16_t>(std::abs(sineShaped(value) - against));
+                            auto shaped = [&](int value, int against) {
+                                return static_cast<std::int16_t>(
+                                    shapedTable[static_cast<std::size_t>(value * 256 + against)]);
                             };
                             result = {shaped(n.r, s.r), shaped(n.g, s.g), shaped(n.b, s.b)};
                         } else {

@@ -42,6 +42,12 @@ template <typename Call>
 EffectPlanner withTrans(Call call) {
     return dispatch::withTrans<Op>(call);
 }
+// For calls that read only ImageBits and make TransBits themselves when it
+// is left unfetched (fetchTransOnCores): the source is lent, not copied.
+template <typename Call>
+EffectPlanner onSource(Call call) {
+    return dispatch::onSourceWithOwnTrans<Op>(call);
+}
 
 void embossWith(Op& e, V v, R r, std::uint8_t kind) {
     e.Embossing(row(v.eType), row(v.color), kind, r.left, r.top, r.right, r.bottom, slider(v, 1),
@@ -62,7 +68,7 @@ void registerColour(EffectDispatch& d) {
 }
 
 void registerNoiseAndOutline(EffectDispatch& d) {
-    d.add(DialogKind::Sepia, 18, withTrans([](Op& e, V v, R r) {
+    d.add(DialogKind::Sepia, 18, onSource([](Op& e, V v, R r) {
               e.Moire(slider(v, 1), r.left, r.top, r.right, r.bottom);
           }));
     d.add(DialogKind::Level, 4, withTrans([](Op& e, V v, R r) {
@@ -72,7 +78,7 @@ void registerNoiseAndOutline(EffectDispatch& d) {
     d.add(DialogKind::Negative, 32, withTrans([](Op& e, V v, R r) {
               e.Glass_Impression(row(v.color), 0, slider(v, 1), r.left, r.top, r.right, r.bottom);
           }));
-    d.add(DialogKind::Emboss, 68, withTrans([](Op& e, V v, R r) {
+    d.add(DialogKind::Emboss, 68, onSource([](Op& e, V v, R r) {
               e.Glass_Painting(row(v.color), row(v.eType), r.left, r.top, r.right, r.bottom);
           }));
 }
@@ -83,30 +89,29 @@ void registerEmbossing(EffectDispatch& d) {
         {{72, 0}, {73, 1}, {74, 2}, {75, 3}, {76, 4}, {77, 5}, {81, 7}}};
     for (const auto& [code, embossKind] : kinds) {
         d.add(DialogKind::Mani, code,
-              withTrans([kind = embossKind](Op& e, V v, R r) { embossWith(e, v, r, kind); }));
+              onSource([kind = embossKind](Op& e, V v, R r) { embossWith(e, v, r, kind); }));
     }
     // Piece Emboss: the sine-shaped impression, then a normal emboss of it.
     d.add(DialogKind::Mani, 80,
-          planInSequence({withTrans([](Op& e, V v, R r) {
+          planInSequence({onSource([](Op& e, V v, R r) {
                               e.Glass_Impression(1, derived(SampleTowardsLight, v.eType), 0, r.left,
                                                  r.top, r.right, r.bottom);
                           }),
-                          withTrans([](Op& e, V v, R r) { embossWith(e, v, r, 0); })}));
+                          onSource([](Op& e, V v, R r) { embossWith(e, v, r, 0); })}));
     // Stone Emboss: black and white dots, then a relief of kind 1; Concrete
     // Emboss: dots of random colours, then kind 6.
     for (const auto& [code, colourNoise, embossKind] :
          {std::tuple{78, false, std::uint8_t{1}}, std::tuple{79, true, std::uint8_t{6}}}) {
-        d.add(
-            DialogKind::Mani, code,
-            planInSequence(
-                {dispatch::inPlace<Class_FalseColor>([colourNoise](Class_FalseColor& e, V, R r) {
-                     if (colourNoise) {
-                         e.RandamNoise_Color(2, 0, 0, 0, 0, 0, r.left, r.top, r.right, r.bottom);
-                     } else {
-                         e.RandamNoise_Mono(1, 0, 0, r.left, r.top, r.right, r.bottom);
-                     }
-                 }),
-                 withTrans([kind = embossKind](Op& e, V v, R r) { embossWith(e, v, r, kind); })}));
+        d.add(DialogKind::Mani, code,
+              planInSequence(
+                  {dispatch::inPlace<Class_FalseColor>([colourNoise](Class_FalseColor& e, V, R r) {
+                       if (colourNoise) {
+                           e.RandamNoise_Color(2, 0, 0, 0, 0, 0, r.left, r.top, r.right, r.bottom);
+                       } else {
+                           e.RandamNoise_Mono(1, 0, 0, r.left, r.top, r.right, r.bottom);
+                       }
+                   }),
+                   onSource([kind = embossKind](Op& e, V v, R r) { embossWith(e, v, r, kind); })}));
     }
     d.add(DialogKind::Mani, 87, withTrans([](Op& e, V v, R r) {
               e.WallEmboss(derived(LightFromRow, v.eType), row(v.color), r.left, r.top, r.right,
@@ -128,7 +133,7 @@ void registerFilter(EffectDispatch& d) {
               e.CountFilter(row(v.color), 0, r.left, r.top, r.right, r.bottom, row(v.eType));
           }));
     // Fugu: S2 (the upper threshold) before S1.
-    d.add(DialogKind::Level, 49, withTrans([](Op& e, V v, R r) {
+    d.add(DialogKind::Level, 49, onSource([](Op& e, V v, R r) {
               e.DarkLighten(row(v.eType), row(v.color), r.left, r.top, r.right, r.bottom,
                             slider(v, 2), slider(v, 1));
           }));
@@ -138,11 +143,11 @@ void registerFilter(EffectDispatch& d) {
           }));
     // Bleeding Filter: the 7x7 fold over all greys, then the grey steps.
     d.add(DialogKind::Negative, 43,
-          planInSequence({withTrans([](Op& e, V v, R r) {
+          planInSequence({onSource([](Op& e, V v, R r) {
                               e.DarkLighten(3, row(v.color), r.left, r.top, r.right, r.bottom, 255,
                                             0);
                           }),
-                          withTrans([](Op& e, V v, R r) {
+                          onSource([](Op& e, V v, R r) {
                               e.BleedingFilter(slider(v, 1), r.left, r.top, r.right, r.bottom);
                           })}));
     // Shade Revision: the lightest of each window and its mean estimate the

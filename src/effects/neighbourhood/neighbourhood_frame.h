@@ -2,6 +2,10 @@
 
 #include "effects/neighbourhood/window.h"
 #include "engine/pixel_frame.h"
+#include "engine/shared_rows.h"
+
+#include <algorithm>
+#include <span>
 
 namespace lumiran {
 
@@ -34,6 +38,18 @@ class NeighbourhoodFrame : public PixelFrame {
         const Rgb16 v =
             finishPixel<ResultTail::Clamp>(redOf(target), greenOf(target), blueOf(target), result);
         target = withColour(target, v.red, v.green, v.blue);
+    }
+
+    // A call lent its source may find TransBits unfetched: it is then made
+    // here as the source's copy, its rows on every core. Fresh pages cost
+    // more than the copy, so both threads take their share of them.
+    void fetchTransOnCores() {
+        if (!TransBits.empty()) return;
+        TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+        forEachRowShared(context(), 0, ImageBits.height(), ImageBits.width(), [this](int y) {
+            const std::span<const Pixel> in = ImageBits.row(y);
+            std::copy(in.begin(), in.end(), TransBits.row(y).begin());
+        });
     }
 
     // Without a calculation type the tail is the clamp alone, and whole

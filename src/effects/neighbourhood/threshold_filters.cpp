@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -163,20 +164,72 @@ Pixel steppedColour(GreyOrder order, double divisor, Pixel p, Pixel rightOf, Pix
 
 void Class_NeighborhoodOp::quantisedGreySteps(bool redFirst, std::int16_t divisor,
                                               const ProcessRect& rect) {
+    fetchTransOnCores();
     const GreyOrder order = redFirst ? GreyOrder::RedFirst : GreyOrder::Luminance;
     const Area area = areaOf(rect);
     const Rgb8 c = context().flags.drawingColor;
     const Pixel drawing = makePixel(c.red, c.green, c.blue);
     SetProgressRange(rect.top, rect.bottom);
+    if (divisor == 0) {
+        // Every level overflows: the first pixel ends the run as before.
+        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) {
+            if (y >= area.endRow - 1) return;
+            const Pixel* row = ImageBits.row(y).data();
+            const Pixel* below = ImageBits.row(y + 1).data();
+            for (int x = area.firstColumn; x < area.endColumn - 1; ++x) {
+                const Pixel p =
+                    steppedColour(order, divisor, row[x], row[x + 1], below[x], drawing);
+                storeTrans(x, y, row[x], {wrap16(redOf(p)), wrap16(greenOf(p)), wrap16(blueOf(p))});
+            }
+        });
+        return;
+    }
+    // A grey has 256 values, so its level is a table; the greys of a row
+    // are worked out once per row, not four times per pixel.
+    std::array<std::int16_t, 256> levelOfGrey{};
+    for (int g = 0; g < 256; ++g)
+        levelOfGrey[static_cast<std::size_t>(g)] =
+            static_cast<std::int16_t>(roundTo<int>(g / static_cast<double>(divisor)));
+    const int drawingLevel = levelOfGrey[static_cast<std::size_t>(greyOf(order, drawing))];
+    const bool blend = blending();
+    auto levels = [&](const Pixel* row, int first, int end, std::int16_t* out) {
+        if (order == GreyOrder::RedFirst) {
+            for (int x = first; x < end; ++x) {
+                const Pixel p = row[x];
+                out[x - first] = levelOfGrey[static_cast<std::size_t>(
+                    roundInRange<int>(0.3 * redOf(p) + 0.59 * greenOf(p) + 0.11 * blueOf(p)))];
+            }
+        } else {
+            for (int x = first; x < end; ++x)
+                out[x - first] = levelOfGrey[static_cast<std::size_t>(greyOf(order, row[x]))];
+        }
+    };
     // Rows top to bottom - 2, columns left to right - 2: each pixel has its
-    // right and lower neighbours.
+    // right and lower neighbours, read from the source only.
     forEachRow(rect, [&](int y, int, int) {
         if (y >= area.endRow - 1) return;
+        const int first = area.firstColumn;
+        const int width = area.endColumn - first;
+        if (width < 2) return;
+        std::vector<std::int16_t> here(static_cast<std::size_t>(width));
+        std::vector<std::int16_t> under(static_cast<std::size_t>(width));
         const Pixel* row = ImageBits.row(y).data();
         const Pixel* below = ImageBits.row(y + 1).data();
-        for (int x = area.firstColumn; x < area.endColumn - 1; ++x) {
-            const Pixel p = steppedColour(order, divisor, row[x], row[x + 1], below[x], drawing);
-            storeTrans(x, y, row[x], {wrap16(redOf(p)), wrap16(greenOf(p)), wrap16(blueOf(p))});
+        levels(row, first, area.endColumn, here.data());
+        levels(below, first, area.endColumn, under.data());
+        Pixel* out = TransBits.row(y).data();
+        auto steps = [](int a, int b) { return a > 0 && b > 0 && a != b; };
+        for (int i = 0; i + 1 < width; ++i) {
+            const int x = first + i;
+            const int a = here[static_cast<std::size_t>(i)];
+            const bool across = steps(a, here[static_cast<std::size_t>(i) + 1]);
+            const bool down = steps(across ? drawingLevel : a, under[static_cast<std::size_t>(i)]);
+            const Pixel p = across || down ? drawing : row[x];
+            if (blend) {
+                storeTrans(x, y, row[x], {wrap16(redOf(p)), wrap16(greenOf(p)), wrap16(blueOf(p))});
+            } else {
+                out[x] = withColour(out[x], redOf(p), greenOf(p), blueOf(p));
+            }
         }
     });
 }

@@ -52,8 +52,12 @@ constexpr std::array<Offset, 16> PatternCell{{
 struct CellSize {
     int step;
     int neighbours;
+    // The cells cover the area without overlap: a cell's neighbours, even
+    // clamped ones, lie in its own block.
+    bool tiles;
 };
-constexpr std::array<CellSize, 4> CellSizes{{{1, 1}, {2, 4}, {3, 8}, {4, 15}}};
+constexpr std::array<CellSize, 4> CellSizes{
+    {{1, 1, false}, {2, 4, false}, {3, 8, true}, {4, 15, true}}};
 
 std::int16_t clampChannel(int value) {
     return static_cast<std::int16_t>(std::clamp(value, 0, 255));
@@ -107,8 +111,7 @@ void Class_NeighborhoodOp::PaturnMatrixMethod(std::uint8_t sizeKind, std::uint8_
         auto clampedX = [&](int x) { return std::clamp(x, area.firstColumn, area.endColumn - 1); };
         auto clampedY = [&](int y) { return std::clamp(y, area.firstRow, area.endRow - 1); };
         SetProgressRange(top, bottom);
-        // Cells overlap and are written in place: the walk keeps its order.
-        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) {
+        auto cellRow = [&](int y, int, int) {
             if ((y - area.firstRow) % cell.step != 0) return;
             for (int x = area.firstColumn; x < area.endColumn; x += cell.step) {
                 Pixel& centre = ImageBits.at(x, y);
@@ -130,7 +133,15 @@ void Class_NeighborhoodOp::PaturnMatrixMethod(std::uint8_t sizeKind, std::uint8_
                     }
                 }
             }
-        });
+        };
+        // Overlapping cells are written in place, so their walk keeps its
+        // order; tiling cells touch no pixel another row of cells reads or
+        // writes, so rows of them may run on several threads.
+        if (cell.tiles) {
+            forEachRow<RowOrder::AnyOrder>(rect, cellRow);
+        } else {
+            forEachRow<RowOrder::TopToBottom>(rect, cellRow);
+        }
     });
 }
 
@@ -170,13 +181,56 @@ void Class_NeighborhoodOp::quantisedGreySteps(bool redFirst, std::int16_t diviso
     SetProgressRange(rect.top, rect.bottom);
     // Rows top to bottom - 2, columns left to right - 2: each pixel has its
     // right and lower neighbours.
+    if (divisor == 0) {
+        // Every level is out of range: the first pixel raises the error.
+        forEachRow(rect, [&](int y, int, int) {
+            if (y >= area.endRow - 1) return;
+            const Pixel* row = ImageBits.row(y).data();
+            const Pixel* below = ImageBits.row(y + 1).data();
+            for (int x = area.firstColumn; x < area.endColumn - 1; ++x) {
+                const Pixel p =
+                    steppedColour(order, divisor, row[x], row[x + 1], below[x], drawing);
+                storeTrans(x, y, row[x], {wrap16(redOf(p)), wrap16(greenOf(p)), wrap16(blueOf(p))});
+            }
+        });
+        return;
+    }
+    // A grey is 0..255, so its level is a table look-up.
+    std::array<int, 256> levelOfGrey{};
+    for (std::size_t g = 0; g < levelOfGrey.size(); ++g)
+        levelOfGrey[g] = roundTo<int>(static_cast<double>(g) / divisor);
+    auto level = [&](Pixel q) {
+        return levelOfGrey[static_cast<std::size_t>(std::clamp(greyOf(order, q), 0, 255))];
+    };
+    auto steps = [](int a, int b) { return a > 0 && b > 0 && a != b; };
+    const int drawingLevel = level(drawing);
+    constexpr int Chunk = 512;
     forEachRow(rect, [&](int y, int, int) {
         if (y >= area.endRow - 1) return;
         const Pixel* row = ImageBits.row(y).data();
         const Pixel* below = ImageBits.row(y + 1).data();
-        for (int x = area.firstColumn; x < area.endColumn - 1; ++x) {
-            const Pixel p = steppedColour(order, divisor, row[x], row[x + 1], below[x], drawing);
-            storeTrans(x, y, row[x], {wrap16(redOf(p)), wrap16(greenOf(p)), wrap16(blueOf(p))});
+        // The levels of a stretch of this row (one more for the right
+        // neighbour) and of the row below, each worked out once.
+        std::array<int, Chunk + 1> here{};
+        std::array<int, Chunk> under{};
+        for (int x0 = area.firstColumn; x0 < area.endColumn - 1; x0 += Chunk) {
+            const int n = std::min(Chunk, area.endColumn - 1 - x0);
+            for (int i = 0; i <= n; ++i)
+                here[static_cast<std::size_t>(i)] = level(row[x0 + i]);
+            for (int i = 0; i < n; ++i)
+                under[static_cast<std::size_t>(i)] = level(below[x0 + i]);
+            for (int i = 0; i < n; ++i) {
+                const auto k = static_cast<std::size_t>(i);
+                const int x = x0 + i;
+                Pixel p = row[x];
+                int pLevel = here[k];
+                if (steps(pLevel, here[k + 1])) {
+                    p = drawing;
+                    pLevel = drawingLevel;
+                }
+                if (steps(pLevel, under[k])) p = drawing;
+                storeTrans(x, y, row[x], {wrap16(redOf(p)), wrap16(greenOf(p)), wrap16(blueOf(p))});
+            }
         }
     });
 }

@@ -127,13 +127,14 @@ void Class_Binarization::followBorders(int measure, std::int16_t polarity, std::
         const int firstX = s.firstColumn + 1;
         const int endX = s.endColumn - 1;
         forEachRowShared(context(), s.firstRow + 1, s.endRow - 1, endX - firstX, [&](int y) {
-            const std::uint8_t* here = map.row(y) - s.firstColumn;
-            const std::uint8_t* below = map.row(y + 1) - s.firstColumn;
+            const std::uint8_t* here = map.row(y);
+            const std::uint8_t* below = map.row(y + 1);
             const bool rowInside = y - s.firstRow > StepLimit;
             for (int x = firstX; x < endX; ++x) {
-                if (here[x] != 1) continue;
+                const auto i = static_cast<std::size_t>(x - s.firstColumn);
+                if (here[i] != 1) continue;
                 // Inside a solid area no test starts a trace.
-                if ((here[x - 1] & here[x + 1] & below[x - 1] & below[x] & below[x + 1]) == 1)
+                if ((here[i - 1] & here[i + 1] & below[i - 1] & below[i] & below[i + 1]) == 1)
                     continue;
                 const bool inside = rowInside && x - s.firstColumn > StepLimit;
                 for (const StartTest& t : StartTests) {

@@ -167,6 +167,7 @@ void Class_Binarization::BorderFollowing_Color(std::int16_t channel, std::int16_
                                                std::int16_t right, std::int16_t bottom) {
     // Channels 0..2 are the measures r, g, b.
     guarded([&] {
+        copyToTransIfUnfetched();
         if (channel < 0 || channel > 2) return;
         followBorders(channel + 2, polarity, threshold, startKind, {left, top, right, bottom},
                       true);

@@ -4,6 +4,7 @@
 #include "effects/neighbourhood/emboss_directions.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -59,23 +60,24 @@ void Class_NeighborhoodOp::wallRelief(const WallRelief& wall, const ProcessRect&
     const auto pair = neighbourhood::EmbossDirections[wall.direction];
     auto clampX = [&](int x) { return std::clamp(x, area.firstColumn, area.endColumn - 1); };
     auto clampY = [&](int y) { return std::clamp(y, area.firstRow, area.endRow - 1); };
-    auto weight = [&](int x, int y) {
-        int t = map[static_cast<std::size_t>(y - area.firstRow) * area.width() +
-                    (x - area.firstColumn)];
-        if (wall.invertMap) t = 255 - t;
-        return roundInRange<int>(t / static_cast<double>(wall.divisor));
-    };
+    // A map grey is 0..255, so its weight is a table look-up.
+    std::array<int, 256> weightOfGrey{};
+    for (std::size_t t = 0; t < weightOfGrey.size(); ++t) {
+        const int grey = wall.invertMap ? 255 - static_cast<int>(t) : static_cast<int>(t);
+        weightOfGrey[t] = roundInRange<int>(grey / static_cast<double>(wall.divisor));
+    }
     SetProgressRange(rect.top, rect.bottom);
     forEachRow(rect, [&](int y, int, int) {
         if (!inner.containsRow(y)) return;
-        const int ya = clampY(y + pair.a.dy * wall.distance);
-        const int yb = clampY(y + pair.b.dy * wall.distance);
+        const Pixel* rowA = ImageBits.row(clampY(y + pair.a.dy * wall.distance)).data();
+        const Pixel* rowB = ImageBits.row(clampY(y + pair.b.dy * wall.distance)).data();
         const Pixel* source = ImageBits.row(y).data();
+        const std::uint8_t* greys =
+            map.data() + static_cast<std::size_t>(y - area.firstRow) * area.width();
         for (int x = inner.firstColumn; x < inner.endColumn; ++x) {
-            const int xa = clampX(x + pair.a.dx * wall.distance);
-            const int xb = clampX(x + pair.b.dx * wall.distance);
-            const int d = weight(x, y);
-            const Pixel a = ImageBits.at(xa, ya), b = ImageBits.at(xb, yb);
+            const int d = weightOfGrey[greys[x - area.firstColumn]];
+            const Pixel a = rowA[clampX(x + pair.a.dx * wall.distance)];
+            const Pixel b = rowB[clampX(x + pair.b.dx * wall.distance)];
             const int m =
                 (wrap16(redOf(a) * d - redOf(b) * d) + wrap16(greenOf(a) * d - greenOf(b) * d) +
                  wrap16(blueOf(a) * d - blueOf(b) * d)) /

@@ -43,9 +43,10 @@ void registerBinarizationEffects(EffectDispatch& d) {
                                r.right, r.bottom);
     });
     // Red, green and blue traced in turn, each over the result of the one
-    // before, so the green and blue traces see the marks drawn already.
+    // before, so the green and blue traces see the marks drawn already. A
+    // trace only reads its source, so the source is lent, not copied.
     const auto channelTrace = [](std::int16_t channel) {
-        return dispatch::withTrans<E>([channel](E& e, V v, R r) {
+        return dispatch::onSourceWithOwnTrans<E>([channel](E& e, V v, R r) {
             e.BorderFollowing_Color(channel, value16(v.color), slider(v, 1), 1, r.left, r.top,
                                     r.right, r.bottom);
         });

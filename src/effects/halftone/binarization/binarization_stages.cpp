@@ -1,5 +1,8 @@
 #include "effects/halftone/binarization/class_binarization.h"
 #include "engine/drawing/drawing.h"
+#include "engine/shared_rows.h"
+
+#include <algorithm>
 
 namespace lumiran {
 
@@ -31,6 +34,13 @@ void Class_Binarization::clearMarks(const Span& span) {
     Canvas canvas(TransBits);
     canvas.Line(span.firstColumn, span.firstRow, span.endColumn - 1, span.endRow - 1,
                 RGB(255, 255, 255), LineKind::BF);
+}
+
+void Class_Binarization::copyToTransIfUnfetched() {
+    if (!TransBits.empty() || ImageBits.empty()) return;
+    TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+    forEachRowShared(context(), 0, ImageBits.height(), ImageBits.width(),
+                     [&](int y) { std::ranges::copy(ImageBits.row(y), TransBits.row(y).begin()); });
 }
 
 } // namespace lumiran

@@ -1,9 +1,12 @@
 #include "effects/halftone/binarization/bilevel_map.h"
 #include "effects/halftone/binarization/class_binarization.h"
 #include "engine/drawing/drawing.h"
+#include "engine/shared_rows.h"
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstddef>
 
 namespace lumiran {
 namespace {
@@ -37,26 +40,65 @@ constexpr std::array<StartTest, 5> StartTests{{
 // comes back to the start ends the trace at once.
 constexpr int StepLimit = 12;
 
-void trace(const BilevelMap& map, BilevelMap& marks, int left, int top, int startX, int startY,
-           int direction) {
+// Where traces leave their marks: straight in the result, since a trace
+// reads nothing but the map. Traces started on different rows may mark
+// the same pixel with the same value, so the writes are atomic.
+void mark(Pixel& target, Pixel ink) {
+    const std::atomic_ref<Pixel> p(target);
+    p.store((p.load(std::memory_order_relaxed) & 0xFF000000u) | ink, std::memory_order_relaxed);
+}
+
+// The map and the result walked together: a step is one offset in each.
+struct TraceGrid {
+    const std::uint8_t* cells; // the map's row top, column left
+    Pixel* pixels;             // the result at the same place
+    std::ptrdiff_t cellStride;
+    std::ptrdiff_t pixelStride;
+    int left;
+    int top;
+    Pixel ink;
+};
+
+// A trace that starts far enough from the top and left edges never
+// reaches them, so it needs no clamp.
+void traceInside(const TraceGrid& g, int startX, int startY, int direction) {
+    const std::ptrdiff_t startCell = (startY - g.top) * g.cellStride + (startX - g.left);
+    const std::ptrdiff_t startPixel = (startY - g.top) * g.pixelStride + (startX - g.left);
+    std::ptrdiff_t cell = startCell;
+    std::ptrdiff_t pixel = startPixel;
+    for (int steps = 0; steps != StepLimit; ++steps) {
+        const Step d = Directions[static_cast<std::size_t>(direction)];
+        const std::ptrdiff_t nextCell = cell + d.dy * g.cellStride + d.dx;
+        if (g.cells[nextCell] == 1) {
+            direction = (direction + 7) & 7;
+            cell = nextCell;
+            pixel += d.dy * g.pixelStride + d.dx;
+            mark(g.pixels[pixel], g.ink);
+            if (cell == startCell) return;
+        } else {
+            direction = (direction + 1) & 7;
+        }
+    }
+}
+
+void traceNearEdge(const TraceGrid& g, int startX, int startY, int direction) {
     int x = startX;
     int y = startY;
-    for (int steps = 0; steps != StepLimit;) {
+    for (int steps = 0; steps != StepLimit; ++steps) {
         const Step d = Directions[static_cast<std::size_t>(direction)];
         // Only the top and left edges hold the step back; the map's extra
         // column and row are background.
-        const int qx = std::max(x + d.dx, left);
-        const int qy = std::max(y + d.dy, top);
-        if (map.at(qx, qy) == 1) {
-            direction = (direction + 7) % 8;
-            marks.set(qx, qy, 1);
+        const int qx = std::max(x + d.dx, g.left);
+        const int qy = std::max(y + d.dy, g.top);
+        if (g.cells[(qy - g.top) * g.cellStride + (qx - g.left)] == 1) {
+            direction = (direction + 7) & 7;
+            mark(g.pixels[(qy - g.top) * g.pixelStride + (qx - g.left)], g.ink);
             x = qx;
             y = qy;
             if (x == startX && y == startY) return;
         } else {
-            direction = (direction + 1) % 8;
+            direction = (direction + 1) & 7;
         }
-        ++steps;
     }
 }
 
@@ -68,33 +110,45 @@ void Class_Binarization::followBorders(int measure, std::int16_t polarity, std::
     if (!arraysReady()) return;
     const Span s = spanOf(rect);
     if (s.empty()) return;
-    const BilevelMap map = foregroundMap(ImageBits, s.firstColumn, s.firstRow, s.endColumn,
-                                         s.endRow, measure, polarity, threshold);
+    const BilevelMap map = foregroundMap(context(), ImageBits, s.firstColumn, s.firstRow,
+                                         s.endColumn, s.endRow, measure, polarity, threshold);
     if (!reachStage(33)) return;
 
-    BilevelMap marks(s.firstColumn, s.firstRow, s.endColumn, s.endRow);
+    // From here on a cancel no longer stops the run, so the marks go to
+    // the result as the traces find them; the plain result is cleared
+    // first.
+    const ColourRef ink = markColour(overPicture);
+    if (!overPicture) clearMarks(s);
+    const TraceGrid grid{map.row(s.firstRow), TransBits.row(s.firstRow).data() + s.firstColumn,
+                         map.width(),         TransBits.width(),
+                         s.firstColumn,       s.firstRow,
+                         colourBitsOf(ink)};
     if (startKind == 1) {
-        for (int y = s.firstRow + 1; y <= s.endRow - 2; ++y) {
-            for (int x = s.firstColumn + 1; x <= s.endColumn - 2; ++x) {
-                if (map.at(x, y) != 1) continue;
+        const int firstX = s.firstColumn + 1;
+        const int endX = s.endColumn - 1;
+        forEachRowShared(context(), s.firstRow + 1, s.endRow - 1, endX - firstX, [&](int y) {
+            const std::uint8_t* here = map.row(y);
+            const std::uint8_t* below = map.row(y + 1);
+            const bool rowInside = y - s.firstRow > StepLimit;
+            for (int x = firstX; x < endX; ++x) {
+                const auto i = static_cast<std::size_t>(x - s.firstColumn);
+                if (here[i] != 1) continue;
+                // Inside a solid area no test starts a trace.
+                if ((here[i - 1] & here[i + 1] & below[i - 1] & below[i] & below[i + 1]) == 1)
+                    continue;
+                const bool inside = rowInside && x - s.firstColumn > StepLimit;
                 for (const StartTest& t : StartTests) {
-                    if (map.at(x + t.neighbour.dx, y + t.neighbour.dy) == 0) {
-                        trace(map, marks, s.firstColumn, s.firstRow, x, y, t.firstDirection);
+                    if (map.at(x + t.neighbour.dx, y + t.neighbour.dy) != 0) continue;
+                    if (inside) {
+                        traceInside(grid, x, y, t.firstDirection);
+                    } else {
+                        traceNearEdge(grid, x, y, t.firstDirection);
                     }
                 }
             }
-        }
+        });
     }
-    // A cancel from here on still draws the marks made so far.
     reachStage(66);
-
-    const ColourRef ink = markColour(overPicture);
-    if (!overPicture) clearMarks(s);
-    for (int y = s.firstRow; y < s.endRow; ++y) {
-        for (int x = s.firstColumn; x < s.endColumn; ++x) {
-            if (marks.at(x, y) == 1) SetPixelV(TransBits, x, y, ink);
-        }
-    }
     reachStage(100);
 }
 
@@ -113,6 +167,7 @@ void Class_Binarization::BorderFollowing_Color(std::int16_t channel, std::int16_
                                                std::int16_t right, std::int16_t bottom) {
     // Channels 0..2 are the measures r, g, b.
     guarded([&] {
+        copyToTransIfUnfetched();
         if (channel < 0 || channel > 2) return;
         followBorders(channel + 2, polarity, threshold, startKind, {left, top, right, bottom},
                       true);

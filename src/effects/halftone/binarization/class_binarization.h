@@ -101,6 +101,9 @@ class Class_Binarization : public PixelFrame {
     // on the rectangle cleared to white.
     [[nodiscard]] ColourRef markColour(bool overPicture);
     void clearMarks(const Span& span);
+    // TransBits as a copy of ImageBits, made on the run's threads, when the
+    // run left it to the call.
+    void copyToTransIfUnfetched();
 };
 
 } // namespace lumiran

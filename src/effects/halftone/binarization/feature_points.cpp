@@ -33,8 +33,8 @@ void Class_Binarization::extractFeatures(int measure, std::int16_t radius, std::
     if (!arraysReady()) return;
     const Span s = spanOf(rect);
     if (s.empty()) return;
-    const BilevelMap map = foregroundMap(ImageBits, s.firstColumn, s.firstRow, s.endColumn,
-                                         s.endRow, measure, polarity, threshold);
+    const BilevelMap map = foregroundMap(context(), ImageBits, s.firstColumn, s.firstRow,
+                                         s.endColumn, s.endRow, measure, polarity, threshold);
     if (!reachStage(33)) return;
 
     // Kinds 0..3 keep end points, line points, branches and crossings:

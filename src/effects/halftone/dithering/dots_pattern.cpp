@@ -26,6 +26,109 @@ std::array<int, 4> pattern(const std::array<int, 4>& values, double d) {
     return moved;
 }
 
+// A value moved up or down by the step, for every value 0..255: the
+// rounding and the clamp of the rule, worked out once.
+struct DotsTables {
+    explicit DotsTables(double d) {
+        for (std::size_t v = 0; v < 256; ++v) {
+            const auto value = static_cast<int>(v);
+            up[v] = toChannel(roundTo<std::int16_t>(value + d));
+            down[v] = toChannel(roundTo<std::int16_t>(value - d));
+        }
+    }
+    std::array<int, 256> up{};
+    std::array<int, 256> down{};
+
+    [[nodiscard]] int moved(int value, int sign) const {
+        const auto v = static_cast<std::size_t>(value);
+        return sign > 0 ? up[v] : down[v];
+    }
+};
+
+// The rows the blocks are laid over, the end row excluded.
+struct PairRows {
+    int firstRow;
+    int endRow;
+};
+
+// The first row of a pair of rows takes the upper half of each block.
+int pairTopOf(const PairRows& span, int y) {
+    return span.firstRow + (y - span.firstRow) / 2 * 2;
+}
+
+// The rule as written, for a step the tables cannot hold.
+template <typename LevelTable>
+void dotsRowByRule(const Surface& image, Surface& trans, const PairRows& span, bool mono, double d,
+                   const LevelTable& monoLevels, int y, int x0, int x1) {
+    const int pairTop = pairTopOf(span, y);
+    if (pairTop + 1 >= span.endRow) return;
+    const std::size_t half = y == pairTop ? 0 : 2;
+    const Pixel* upper = image.row(pairTop).data();
+    const Pixel* lower = image.row(pairTop + 1).data();
+    Pixel* out = trans.row(y).data();
+    for (int x = x0; x + 1 < x1; x += 2) {
+        const std::array<Pixel, 4> block{upper[x], upper[x + 1], lower[x], lower[x + 1]};
+        if (mono) {
+            std::array<int, 4> greys{};
+            for (std::size_t i = 0; i < 4; ++i)
+                greys[i] = ditherGrey(redOf(block[i]), greenOf(block[i]), blueOf(block[i]));
+            const std::array<int, 4> moved = pattern(greys, d);
+            for (std::size_t i = 0; i < 2; ++i) {
+                const int v = monoLevels[static_cast<std::size_t>(moved[half + i])];
+                out[x + static_cast<int>(i)] = withColour(out[x + static_cast<int>(i)], v, v, v);
+            }
+        } else {
+            auto channel = [&](auto of) {
+                return pattern({of(block[0]), of(block[1]), of(block[2]), of(block[3])}, d);
+            };
+            const std::array<int, 4> r = channel(redOf), g = channel(greenOf), b = channel(blueOf);
+            for (std::size_t i = 0; i < 2; ++i) {
+                Pixel& p = out[x + static_cast<int>(i)];
+                p = withColour(p, r[half + i], g[half + i], b[half + i]);
+            }
+        }
+    }
+}
+
+template <typename LevelTable>
+void dotsRow(const Surface& image, Surface& trans, const PairRows& span, bool mono,
+             const DotsTables& tables, const LevelTable& monoLevels, int y, int x0, int x1) {
+    const int pairTop = pairTopOf(span, y);
+    if (pairTop + 1 >= span.endRow) return;
+    const std::size_t half = y == pairTop ? 0 : 2;
+    const Pixel* upper = image.row(pairTop).data();
+    const Pixel* lower = image.row(pairTop + 1).data();
+    Pixel* out = trans.row(y).data();
+    // The two values of this row's half of a block, moved by the block's mean.
+    auto movedPair = [&](int a, int b, int c, int e, int& first, int& second) {
+        const Signs signs = signsFor((a + b + c + e) / 4);
+        const std::array<int, 4> values{a, b, c, e};
+        first = tables.moved(values[half], signs[half]);
+        second = tables.moved(values[half + 1], signs[half + 1]);
+    };
+    for (int x = x0; x + 1 < x1; x += 2) {
+        const Pixel p0 = upper[x], p1 = upper[x + 1], p2 = lower[x], p3 = lower[x + 1];
+        if (mono) {
+            int v0 = 0, v1 = 0;
+            movedPair(ditherGrey(redOf(p0), greenOf(p0), blueOf(p0)),
+                      ditherGrey(redOf(p1), greenOf(p1), blueOf(p1)),
+                      ditherGrey(redOf(p2), greenOf(p2), blueOf(p2)),
+                      ditherGrey(redOf(p3), greenOf(p3), blueOf(p3)), v0, v1);
+            const int m0 = monoLevels[static_cast<std::size_t>(v0)];
+            const int m1 = monoLevels[static_cast<std::size_t>(v1)];
+            out[x] = withColour(out[x], m0, m0, m0);
+            out[x + 1] = withColour(out[x + 1], m1, m1, m1);
+        } else {
+            int r0 = 0, r1 = 0, g0 = 0, g1 = 0, b0 = 0, b1 = 0;
+            movedPair(redOf(p0), redOf(p1), redOf(p2), redOf(p3), r0, r1);
+            movedPair(greenOf(p0), greenOf(p1), greenOf(p2), greenOf(p3), g0, g1);
+            movedPair(blueOf(p0), blueOf(p1), blueOf(p2), blueOf(p3), b0, b1);
+            out[x] = withColour(out[x], r0, g0, b0);
+            out[x + 1] = withColour(out[x + 1], r1, g1, b1);
+        }
+    }
+}
+
 } // namespace
 
 void Class_Dithering::DotsPatternMethod(std::int16_t left, std::int16_t top, std::int16_t right,
@@ -39,39 +142,17 @@ void Class_Dithering::DotsPatternMethod(std::int16_t left, std::int16_t top, std
         if (!arraysReady()) return;
         const Span span = spanOf(rect);
         const double d = 256.0 / level;
-        // Blocks of two rows from the top; a last single row or column
-        // stays as it is. Each row works out its blocks and writes its half.
+        const PairRows rows{span.firstRow, span.endRow};
+        if (level == 0) {
+            // The step is infinite: the first block raises the error.
+            forEachRow(rect, [&](int y, int x0, int x1) {
+                dotsRowByRule(ImageBits, TransBits, rows, mono, d, MonoLevelTable, y, x0, x1);
+            });
+            return;
+        }
+        const DotsTables tables(d);
         forEachRow(rect, [&](int y, int x0, int x1) {
-            const int pairTop = span.firstRow + (y - span.firstRow) / 2 * 2;
-            if (pairTop + 1 >= span.endRow) return;
-            const std::size_t half = y == pairTop ? 0 : 2;
-            const Pixel* upper = ImageBits.row(pairTop).data();
-            const Pixel* lower = ImageBits.row(pairTop + 1).data();
-            Pixel* out = TransBits.row(y).data();
-            for (int x = x0; x + 1 < x1; x += 2) {
-                const std::array<Pixel, 4> block{upper[x], upper[x + 1], lower[x], lower[x + 1]};
-                if (mono) {
-                    std::array<int, 4> greys{};
-                    for (std::size_t i = 0; i < 4; ++i)
-                        greys[i] = ditherGrey(redOf(block[i]), greenOf(block[i]), blueOf(block[i]));
-                    const std::array<int, 4> moved = pattern(greys, d);
-                    for (std::size_t i = 0; i < 2; ++i) {
-                        const int v = MonoLevelTable[static_cast<std::size_t>(moved[half + i])];
-                        out[x + static_cast<int>(i)] =
-                            withColour(out[x + static_cast<int>(i)], v, v, v);
-                    }
-                } else {
-                    auto channel = [&](auto of) {
-                        return pattern({of(block[0]), of(block[1]), of(block[2]), of(block[3])}, d);
-                    };
-                    const std::array<int, 4> r = channel(redOf), g = channel(greenOf),
-                                             b = channel(blueOf);
-                    for (std::size_t i = 0; i < 2; ++i) {
-                        Pixel& p = out[x + static_cast<int>(i)];
-                        p = withColour(p, r[half + i], g[half + i], b[half + i]);
-                    }
-                }
-            }
+            dotsRow(ImageBits, TransBits, rows, mono, tables, MonoLevelTable, y, x0, x1);
         });
     });
 }

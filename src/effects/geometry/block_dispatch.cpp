@@ -89,9 +89,11 @@ void registerPixelMoveBlocks(EffectDispatch& d) {
     d.add(DialogKind::Sepia, 20, drawing([](Class_Geometry& e, V v, R r) {
               e.Squeeze(1, slider(v, 1), r.left, r.top, r.right, r.bottom, 0);
           }));
-    // Pelican blends each pixel with its crank sample (kinds 3, 4); Crank
-    // moves rows or columns (kinds 0, 1), twice.
-    d.add(DialogKind::Negative, 58, warp([](Class_Geometry& e, V v, R r) {
+    // Pelican blends each pixel with its crank sample (kinds 3, 4), reading
+    // only ImageBits: kept picture 0 is lent, and it starts TransBits itself.
+    // Crank moves rows or columns (kinds 0, 1), twice.
+    d.add(DialogKind::Negative, 58,
+          dispatch::onSourceWithOwnTrans<Class_Geometry>([](Class_Geometry& e, V v, R r) {
               e.Transform_Crank(static_cast<std::uint8_t>(second(v.color) ? 4 : 3), slider(v, 1),
                                 r.left, r.top, r.right, r.bottom, 0);
           }));

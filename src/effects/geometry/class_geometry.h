@@ -243,6 +243,12 @@ class Class_Geometry : public PixelFrame {
         explicit operator bool() const { return source != nullptr && target != nullptr; }
     };
     Pictures blitPictures(std::int16_t backgroundKind);
+    // Crank's kinds 3..5: each pixel against its sample at the walk's offset,
+    // ImageBits into TransBits; starts TransBits itself when left unfetched.
+    void crankBlend(std::uint8_t kind, int step, const ProcessRect& rect);
+    template <bool Blend>
+    void crankBlendRow(std::uint8_t kind, int step, const ProcessRect& rect, const Span& span,
+                       std::span<const int> columnShifts, int y);
     // The map of the map blurs as their first pass; the caption then names
     // the second.
     std::vector<std::uint8_t> blurMapFirst(std::uint8_t mapKind, std::int16_t size,

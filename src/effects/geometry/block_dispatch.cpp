@@ -6,6 +6,7 @@
 #include "effects/geometry/dispatch_support.h"
 
 #include <algorithm>
+#include <array>
 
 namespace lumiran {
 namespace {
@@ -59,7 +60,27 @@ void registerPixelMoveBlocks(EffectDispatch& d) {
     const auto chosen = [](Class_Geometry& e, V v, R r) {
         e.BlockReplace(row(v.color), r.left, r.top, r.right, r.bottom, slider(v, 1), 0);
     };
-    d.add(DialogKind::Negative, 42, drawingSteps(both, chosen, both, chosen));
+    // The four calls draw as one gather where they can; otherwise one by one.
+    d.add(DialogKind::Negative, 42, [calls = drawingSteps(both, chosen, both, chosen)](V v) {
+        EffectPlan plan = calls(v);
+        return EffectPlan::ready(ReplacingBody{[v, oneByOne = std::move(plan.body)](
+                                                   EffectInvocation& run) {
+            if (!run.keptPicture1.sameSize(run.keptPicture0)) {
+                run.keptPicture1 =
+                    Surface::uninitialised(run.keptPicture0.width(), run.keptPicture0.height());
+            }
+            run.context.kept0 = &run.keptPicture0;
+            run.context.kept1 = &run.keptPicture1;
+            const auto kind = row(v.color);
+            const std::array<Class_Geometry::BlockReplaceStep, 4> steps{
+                {{2, 1}, {kind, 0}, {2, 1}, {kind, 0}}};
+            Class_Geometry effect(run.context);
+            const R r = run.rect;
+            if (!effect.BlockReplaceInOne(steps, r.left, r.top, r.right, r.bottom, slider(v, 1))) {
+                oneByOne(run);
+            }
+        }});
+    });
     // Jagged: rows 0 and 1 are one call; "両辺1" rows then columns, "両辺2"
     // columns then rows.
     const auto jagged = [](std::int16_t direction) {

@@ -83,6 +83,8 @@ void Class_Geometry::BlockReplace(std::uint8_t kind, std::int16_t left, std::int
                                   std::uint8_t group) {
     guarded([&] {
         if (size < 1 || kind > 2 || group > 1 || !validRect(left, top, right, bottom)) return;
+        const BlockReplaceStep step{kind, group};
+        if (BlockReplaceInOne({&step, 1}, left, top, right, bottom, size)) return;
         const Pictures p = blitPictures(0);
         if (!p) return;
         const ProcessRect rect{left, top, right, bottom};

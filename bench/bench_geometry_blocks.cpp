@@ -38,6 +38,32 @@ void BM_Blocks_Crank(benchmark::State& state) {
 }
 BENCHMARK(BM_Blocks_Crank)->Unit(benchmark::kMillisecond);
 
+// Pelican: each pixel against its crank sample, across (3) or down (4).
+void BM_Blocks_Pelican(benchmark::State& state) {
+    const auto kind = static_cast<std::uint8_t>(state.range(0));
+    geometry(state, [kind](Class_Geometry& e) { e.Transform_Crank(kind, 12, 0, 0, S, S, 0); });
+}
+BENCHMARK(BM_Blocks_Pelican)->Arg(3)->Arg(4)->Unit(benchmark::kMillisecond);
+
+// Replace Processing's four calls drawn as one gather.
+void BM_Blocks_ReplaceProcessing(benchmark::State& state) {
+    geometry(state, [](Class_Geometry& e) {
+        const Class_Geometry::BlockReplaceStep steps[] = {{2, 1}, {0, 0}, {2, 1}, {0, 0}};
+        e.BlockReplaceInOne(steps, 0, 0, S, S, 8);
+    });
+}
+BENCHMARK(BM_Blocks_ReplaceProcessing)->Unit(benchmark::kMillisecond);
+
+void BM_Blocks_GraduallyEnlarge(benchmark::State& state) {
+    geometry(state, [](Class_Geometry& e) { e.GraduallyEnlarge(0, 0, S, S, 2); });
+}
+BENCHMARK(BM_Blocks_GraduallyEnlarge)->Unit(benchmark::kMillisecond);
+
+void BM_Blocks_Squeeze(benchmark::State& state) {
+    geometry(state, [](Class_Geometry& e) { e.Squeeze(1, 1, 0, 0, S, S, 0); });
+}
+BENCHMARK(BM_Blocks_Squeeze)->Unit(benchmark::kMillisecond);
+
 void BM_Blocks_CuttingPicture(benchmark::State& state) {
     geometry(state, [](Class_Geometry& e) { e.CuttingPicture(4, 4, 0, 0, S, S); });
 }

@@ -6,6 +6,7 @@
 #include "effects/geometry/dispatch_support.h"
 
 #include <algorithm>
+#include <array>
 
 namespace lumiran {
 namespace {
@@ -59,7 +60,27 @@ void registerPixelMoveBlocks(EffectDispatch& d) {
     const auto chosen = [](Class_Geometry& e, V v, R r) {
         e.BlockReplace(row(v.color), r.left, r.top, r.right, r.bottom, slider(v, 1), 0);
     };
-    d.add(DialogKind::Negative, 42, drawingSteps(both, chosen, both, chosen));
+    // The four calls draw as one gather where they can; otherwise one by one.
+    d.add(DialogKind::Negative, 42, [calls = drawingSteps(both, chosen, both, chosen)](V v) {
+        EffectPlan plan = calls(v);
+        return EffectPlan::ready(ReplacingBody{[v, oneByOne = std::move(plan.body)](
+                                                   EffectInvocation& run) {
+            if (!run.keptPicture1.sameSize(run.keptPicture0)) {
+                run.keptPicture1 =
+                    Surface::uninitialised(run.keptPicture0.width(), run.keptPicture0.height());
+            }
+            run.context.kept0 = &run.keptPicture0;
+            run.context.kept1 = &run.keptPicture1;
+            const auto kind = row(v.color);
+            const std::array<Class_Geometry::BlockReplaceStep, 4> steps{
+                {{2, 1}, {kind, 0}, {2, 1}, {kind, 0}}};
+            Class_Geometry effect(run.context);
+            const R r = run.rect;
+            if (!effect.BlockReplaceInOne(steps, r.left, r.top, r.right, r.bottom, slider(v, 1))) {
+                oneByOne(run);
+            }
+        }});
+    });
     // Jagged: rows 0 and 1 are one call; "両辺1" rows then columns, "両辺2"
     // columns then rows.
     const auto jagged = [](std::int16_t direction) {
@@ -89,9 +110,11 @@ void registerPixelMoveBlocks(EffectDispatch& d) {
     d.add(DialogKind::Sepia, 20, drawing([](Class_Geometry& e, V v, R r) {
               e.Squeeze(1, slider(v, 1), r.left, r.top, r.right, r.bottom, 0);
           }));
-    // Pelican blends each pixel with its crank sample (kinds 3, 4); Crank
-    // moves rows or columns (kinds 0, 1), twice.
-    d.add(DialogKind::Negative, 58, warp([](Class_Geometry& e, V v, R r) {
+    // Pelican blends each pixel with its crank sample (kinds 3, 4), reading
+    // only ImageBits: kept picture 0 is lent, and it starts TransBits itself.
+    // Crank moves rows or columns (kinds 0, 1), twice.
+    d.add(DialogKind::Negative, 58,
+          dispatch::onSourceWithOwnTrans<Class_Geometry>([](Class_Geometry& e, V v, R r) {
               e.Transform_Crank(static_cast<std::uint8_t>(second(v.color) ? 4 : 3), slider(v, 1),
                                 r.left, r.top, r.right, r.bottom, 0);
           }));

@@ -152,6 +152,18 @@ class Class_Geometry : public PixelFrame {
     // (group 1): kind 0 columns, 1 rows, 2 both.
     void BlockReplace(std::uint8_t kind, std::int16_t left, std::int16_t top, std::int16_t right,
                       std::int16_t bottom, std::int16_t size, std::uint8_t group);
+    // One call of a run of BlockReplace calls that share size and rectangle.
+    struct BlockReplaceStep {
+        std::uint8_t kind = 0;
+        std::uint8_t group = 0;
+    };
+    // The calls in turn, each over the result of the one before, drawn from
+    // kept picture 0 into kept picture 1 in one pass. Returns false, drawing
+    // nothing, where a call would not draw (bad arguments) or the kept
+    // pictures differ in size: the caller then makes the calls one by one.
+    bool BlockReplaceInOne(std::span<const BlockReplaceStep> steps, std::int16_t left,
+                           std::int16_t top, std::int16_t right, std::int16_t bottom,
+                           std::int16_t size);
     // The halves pushed apart in saw teeth from the middle line: notches.
     void Notches(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom,
                  std::int16_t step);
@@ -243,6 +255,12 @@ class Class_Geometry : public PixelFrame {
         explicit operator bool() const { return source != nullptr && target != nullptr; }
     };
     Pictures blitPictures(std::int16_t backgroundKind);
+    // Crank's kinds 3..5: each pixel against its sample at the walk's offset,
+    // ImageBits into TransBits; starts TransBits itself when left unfetched.
+    void crankBlend(std::uint8_t kind, int step, const ProcessRect& rect);
+    template <bool Blend>
+    void crankBlendRow(std::uint8_t kind, int step, const ProcessRect& rect, const Span& span,
+                       std::span<const int> columnShifts, int y);
     // The map of the map blurs as their first pass; the caption then names
     // the second.
     std::vector<std::uint8_t> blurMapFirst(std::uint8_t mapKind, std::int16_t size,

@@ -2,10 +2,12 @@
 // picture 0 stretched onto kept picture 1.
 #include "effects/geometry/warp_rows.h"
 #include "engine/drawing/drawing.h"
+#include "engine/shared_rows.h"
 
 #include <algorithm>
 #include <cmath>
 #include <tuple>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -60,6 +62,40 @@ struct Axis {
 
 bool validRect(std::int16_t left, std::int16_t top, std::int16_t right, std::int16_t bottom) {
     return right > left && bottom > top;
+}
+
+// Where the stretch of source span (from, size) onto target span (to,
+// toSize) of one axis sends each line of the picture: lines[t] becomes the
+// source line of target line t, as StretchBlt maps and clips it.
+void mapStretch(std::vector<int>& lines, int origin, int to, int toSize, int from, int size) {
+    if (toSize <= 0 || size <= 0) return;
+    const auto extent = static_cast<std::int64_t>(lines.size());
+    for (int k = 0; k < toSize; ++k) {
+        const std::int64_t t = std::int64_t{origin} + to + k;
+        const std::int64_t s = std::int64_t{origin} + from +
+                               (toSize == size ? k : stretchSourceOffset(k, toSize, size));
+        if (t >= 0 && t < extent && s >= 0 && s < extent)
+            lines[static_cast<std::size_t>(t)] = static_cast<int>(s);
+    }
+}
+
+// The source column of each of `toSize` target columns stretched from
+// `size`: floor((2 k + 1) size / (2 toSize)), stepped without a division.
+void stretchOffsets(std::span<int> offsets, int size) {
+    const auto toSize = static_cast<std::int64_t>(offsets.size());
+    if (toSize == 0) return;
+    const std::int64_t denominator = 2 * toSize, step = 2 * std::int64_t{size};
+    const std::int64_t stepQuotient = step / denominator, stepRest = step % denominator;
+    std::int64_t quotient = size / denominator, rest = size % denominator;
+    for (int& offset : offsets) {
+        offset = static_cast<int>(quotient);
+        quotient += stepQuotient;
+        rest += stepRest;
+        if (rest >= denominator) {
+            rest -= denominator;
+            ++quotient;
+        }
+    }
 }
 
 // The scroll of one axis by d (0 <= d <= extent) by the wrap kind.
@@ -148,6 +184,44 @@ void Class_Geometry::GraduallyEnlarge(std::int16_t left, std::int16_t top, std::
             return finishRow();
         };
         SetProgressRange(0, 2);
+        // The bands of both ways are maps of columns and of rows: where they
+        // reach every line of the rectangle in the picture, pixel (x, y)
+        // ends as the source's (columns[x], rows[y]), drawn in one pass.
+        const auto linesOf = [&](const Axis& axis, int pictureExtent) {
+            std::vector<int> lines(static_cast<std::size_t>(pictureExtent), -1);
+            const int w = axis.extent();
+            for (int i = 0; i < n; ++i) {
+                const int from = roundTo<std::int32_t>(w * static_cast<double>(i) / n);
+                const int fromEnd = roundTo<std::int32_t>(w * static_cast<double>(i + 1) / n);
+                const int to = roundTo<std::int32_t>(w * (i * (i + 1) / 2.0) / total);
+                const int toEnd = roundTo<std::int32_t>(w * ((i + 1) * (i + 2) / 2.0) / total);
+                mapStretch(lines, axis.origin(), to, toEnd - to, from, fromEnd - from);
+            }
+            return lines;
+        };
+        const Surface& source = *p.source;
+        Surface& target = *p.target;
+        if (&source != &target && source.sameSize(target)) {
+            const std::vector<int> columns = linesOf(Axis{rect, true}, source.width());
+            const std::vector<int> rows = linesOf(Axis{rect, false}, source.height());
+            const int x0 = std::max<int>(left, 0), x1 = std::min<int>(right, source.width());
+            const int y0 = std::max<int>(top, 0), y1 = std::min<int>(bottom, source.height());
+            const auto reached = [](const std::vector<int>& lines, int first, int end) {
+                return std::all_of(lines.begin() + std::min(first, end), lines.begin() + end,
+                                   [](int line) { return line >= 0; });
+            };
+            if (reached(columns, x0, x1) && reached(rows, y0, y1)) {
+                forEachRowShared(context(), y0, y1, x1 - x0, [&](int y) {
+                    const Pixel* from = source.row(rows[static_cast<std::size_t>(y)]).data();
+                    Pixel* out = target.row(y).data();
+                    const int* map = columns.data();
+                    for (int x = x0; x < x1; ++x)
+                        out[x] = from[map[x]];
+                });
+                if (finishRow()) finishRow();
+                return;
+            }
+        }
         Surface work = *p.target;
         if (!bands(Axis{rect, true}, *p.source, work)) return;
         bands(Axis{rect, false}, work, *p.target);
@@ -167,10 +241,45 @@ void Class_Geometry::Squeeze(std::int16_t backgroundKind, std::int16_t level, st
         const int count = direction == 0 ? bottom - top : right - left;
         const int w = direction == 0 ? right - left : bottom - top;
         SetProgressRange(0, count);
-        for (int i = 0; i < count; ++i) {
+        const auto sizeOf = [&](int i) {
             const double t = (i + 0.5) / count;
-            const int size =
-                roundTo<std::int32_t>(w * (1 - 0.5 * std::abs(std::sin(GeometryPi * level * t))));
+            return roundTo<std::int32_t>(w *
+                                         (1 - 0.5 * std::abs(std::sin(GeometryPi * level * t))));
+        };
+        const Surface& source = *p.source;
+        Surface& target = *p.target;
+        if (direction == 0 && &source != &target && source.sameSize(target)) {
+            // Rows draw only their own row: a chunk of them at a time on
+            // every core, each row's columns stepped without a division;
+            // progress and the cancel test after each chunk.
+            std::vector<int> sizes(static_cast<std::size_t>(count));
+            for (int i = 0; i < count; ++i)
+                sizes[static_cast<std::size_t>(i)] = sizeOf(i);
+            const int width = source.width();
+            constexpr int ChunkRows = 64;
+            for (int chunk = 0; chunk < count; chunk += ChunkRows) {
+                const int end = std::min(count, chunk + ChunkRows);
+                const int y0 = std::clamp(top + chunk, 0, source.height());
+                const int y1 = std::clamp(top + end, 0, source.height());
+                forEachRowShared(context(), y0, y1, w, [&](int y) {
+                    const int size = sizes[static_cast<std::size_t>(y - top)];
+                    std::vector<int> own(static_cast<std::size_t>(size));
+                    stretchOffsets(own, w);
+                    const Pixel* from = source.row(y).data();
+                    Pixel* out = target.row(y).data();
+                    const int first = left + (w - size) / 2;
+                    for (int k = std::max(0, -first); k < size && first + k < width; ++k) {
+                        const int column = left + own[static_cast<std::size_t>(k)];
+                        if (column >= 0 && column < width) out[first + k] = from[column];
+                    }
+                });
+                for (int i = chunk; i < end; ++i)
+                    if (!finishRow()) return;
+            }
+            return;
+        }
+        for (int i = 0; i < count; ++i) {
+            const int size = sizeOf(i);
             lines.stretchLine(*p.target, i, (w - size) / 2, size, *p.source, 0, w);
             if (!finishRow()) return;
         }

@@ -1,6 +1,7 @@
 // Block Replace, Notches, Slope, Jagged, Slide and the copying kinds of
 // Crank: strips of kept picture 0 blitted onto kept picture 1 shifted or
 // exchanged. What no strip covers keeps the target's content.
+#include "effects/geometry/crank_walk.h"
 #include "effects/geometry/warp_rows.h"
 #include "engine/drawing/drawing.h"
 
@@ -66,12 +67,7 @@ struct Strips {
     }
 };
 
-// The triangle walk 0, 1, .., step, .., 1, 0, 1, .. at index i.
-int triangle(int i, int step) {
-    if (step <= 0) return 0;
-    const int k = i % (2 * step);
-    return k <= step ? k : 2 * step - k;
-}
+using geometry::triangle;
 
 // The bands of one tooth of Notches.
 constexpr int NotchBands = 8;
@@ -87,6 +83,8 @@ void Class_Geometry::BlockReplace(std::uint8_t kind, std::int16_t left, std::int
                                   std::uint8_t group) {
     guarded([&] {
         if (size < 1 || kind > 2 || group > 1 || !validRect(left, top, right, bottom)) return;
+        const BlockReplaceStep step{kind, group};
+        if (BlockReplaceInOne({&step, 1}, left, top, right, bottom, size)) return;
         const Pictures p = blitPictures(0);
         if (!p) return;
         const ProcessRect rect{left, top, right, bottom};
@@ -287,22 +285,7 @@ void Class_Geometry::Transform_Crank(std::uint8_t kind, std::int16_t step, std::
         const int s = step == 1 ? 2 : std::max<int>(step, 0);
         const ProcessRect rect{left, top, right, bottom};
         if (kind >= 3) {
-            // Pixel by pixel: the sample at the walk's offset, doubled, less
-            // the pixel's own value, halved; a sample beyond the rectangle
-            // is the pixel itself.
-            const Span span = spanOf(rect);
-            mapPixels<ResultTail::Clamp, Destination::Trans>(
-                rect, [&](int x, int y, int& r, int& g, int& b) -> Rgb16 {
-                    const int sx = kind != 4 ? x + triangle(y - top, s) : x;
-                    const int sy = kind != 3 ? y + triangle(x - left, s) : y;
-                    const bool inside = sx < span.endColumn && sy < span.endRow;
-                    const Pixel v = ImageBits.at(inside ? sx : x, inside ? sy : y);
-                    const auto mix = [](int sample, int own) {
-                        return static_cast<std::int16_t>(
-                            roundTo<std::int32_t>((2.0 * sample - own) / 2));
-                    };
-                    return {mix(redOf(v), r), mix(greenOf(v), g), mix(blueOf(v), b)};
-                });
+            crankBlend(kind, s, rect);
             return;
         }
         const Pictures p = blitPictures(backgroundKind);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <vector>
 
@@ -139,10 +140,23 @@ void Class_NeighborhoodOp::Kakekomi(double factor, std::int16_t left, std::int16
                                     std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        mapPixels<ResultTail::Clamp>(rect, [factor](int r, int g, int b) {
-            const std::int32_t packed = (b * 256 + g) * 256 + r;
-            const std::int32_t q = roundTo<std::int32_t>(packed * factor);
+        const auto spill = [](std::int32_t q) {
             return Rgb16{wrap16(q % 256), wrap16(q / 256 % 256), wrap16(q / 65536 % 256)};
+        };
+        // Where even the largest packed colour times the factor stays in the
+        // 32-bit range (every factor the dialog offers), no product can
+        // overflow: the rule then needs no test and the row loop vectorises.
+        constexpr double largestPacked = 16777215.0;
+        if (std::abs(factor) * largestPacked <= 2147483647.0) {
+            mapPixels<ResultTail::Clamp>(rect, [factor, spill](int r, int g, int b) {
+                const std::int32_t packed = (b * 256 + g) * 256 + r;
+                return spill(roundInRange<std::int32_t>(packed * factor));
+            });
+            return;
+        }
+        mapPixels<ResultTail::Clamp>(rect, [factor, spill](int r, int g, int b) {
+            const std::int32_t packed = (b * 256 + g) * 256 + r;
+            return spill(roundTo<std::int32_t>(packed * factor));
         });
     });
 }

@@ -2,6 +2,7 @@
 
 #include "catalogue/effect_table.h"
 #include "catalogue/family_registration.h"
+#include "engine/picture_memory_reuse.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -101,6 +102,9 @@ EffectBody runInSequence(std::vector<EffectBody> steps) {
         RunContext& context = run.context;
         std::optional<StepProgress> shared;
         if (context.progress != nullptr) shared.emplace(*context.progress, steps.size());
+        // A step's source and the picture it replaced go as the next step
+        // makes its own of the same size.
+        const KeepPictureMemoryWhile reuse(2);
         Surface previous; // the result of the step before
         for (std::size_t i = 0; i < steps.size(); ++i) {
             if (i > 0) {

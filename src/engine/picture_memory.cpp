@@ -1,4 +1,4 @@
-#include "engine/picture_memory.h"
+#include "engine/picture_memory_reuse.h"
 
 #include "engine/picture_memory_prepare.h"
 
@@ -50,6 +50,11 @@ class ReleasedMappings {
             dropOldest();
     }
 
+    [[nodiscard]] int limit() {
+        const std::scoped_lock lock(mutex_);
+        return static_cast<int>(limit_);
+    }
+
     // How many more mappings of exactly size bytes may be kept, up to count;
     // older ones of other sizes give way to them.
     [[nodiscard]] std::size_t roomFor(std::size_t size, std::size_t count) {
@@ -99,6 +104,10 @@ class ReleasedMappings {
 
 void keepReleasedPictureMemory(int count) {
     ReleasedMappings::instance().setLimit(count);
+}
+
+int keptPictureMemoryLimit() {
+    return ReleasedMappings::instance().limit();
 }
 
 void* allocatePictureMemory(std::size_t bytes) {

@@ -111,5 +111,48 @@ TEST_F(PatternFields, SmokeWavesAlongTheAxesAndRandomPeriodsRunInOrder) {
     EXPECT_EQ(random.state(), expected.state());
 }
 
+// Random periods: each row takes its draws from its own place in the
+// sequence and its waves from per-period tables (or per pixel where a
+// slider makes the table too large), so the picture is checked against the
+// formula run pixel by pixel in order, on a rectangle that leaves the
+// picture on the left and right.
+TEST_F(PatternFields, SmokeRandomPeriodsMatchTheFormulaInDrawOrder) {
+    const struct {
+        std::uint8_t type, form;
+        std::int16_t horizontal, vertical;
+        int width; // 200 columns of 30001 periods: waves worked out per pixel
+    } cases[] = {{0, 0, 5, 9, 32},      {3, 0, 12, 42, 32},    {5, 1, 255, 1, 32},
+                 {6, 1, -7, 3, 32},     {2, 0, 30000, 4, 200}, {7, 1, 9, -30000, 32},
+                 {4, 1, 3, -30000, 200}};
+    for (const auto& c : cases) {
+        const ProcessRect rect{-3, 2, static_cast<std::int16_t>(c.width + 8), 21};
+        const Surface out = run<P>(makeVariedPicture(c.width, 24), [&](P& e, const ProcessRect&) {
+            e.Smoke(c.type, c.form, rect.left, rect.top, rect.right, rect.bottom, c.horizontal,
+                    c.vertical, 200, 100, 50, 0, true);
+        });
+        RandomGenerator draws;
+        const bool sines[8][2] = {{true, true}, {false, false}, {true, false}, {false, true},
+                                  {true, true}, {false, false}, {true, false}, {false, true}};
+        const auto wave = [](bool sine, double a) { return sine ? std::sin(a) : std::cos(a); };
+        for (int y = rect.top; y < rect.bottom; ++y) {
+            for (int x = 0; x < c.width; ++x) {
+                const double p1 = std::nearbyint(c.horizontal * draws.next() + 1);
+                const double p2 = std::nearbyint(c.vertical * draws.next() + 1);
+                const bool across = c.type < 4;
+                const double a = wave(sines[c.type][0], (across ? x : y) / p1);
+                const double b = wave(sines[c.type][1], (across ? y : x) / p2);
+                const double t = c.form == 0 ? (a * b + 1) / 2 : a * b > 0.5 ? 1.0 : 0.0;
+                ASSERT_EQ(colourAt(out, x, y), (Colour{static_cast<int>(std::nearbyint(t * 200)),
+                                                       static_cast<int>(std::nearbyint(t * 100)),
+                                                       static_cast<int>(std::nearbyint(t * 50))}))
+                    << int(c.type) << " " << c.horizontal << " " << c.vertical << " at " << x << ","
+                    << y;
+            }
+        }
+        EXPECT_EQ(random.state(), draws.state());
+        random = RandomGenerator();
+    }
+}
+
 } // namespace
 } // namespace lumiran::testing

@@ -1,6 +1,6 @@
 // Released picture mappings kept for reuse: only for the same size, only as
 // many as asked for, and none by default.
-#include "engine/picture_memory.h"
+#include "engine/picture_memory_reuse.h"
 
 #include <gtest/gtest.h>
 
@@ -30,6 +30,25 @@ TEST(PictureMemory, KeptMappingsComeBackForTheSameSizeOnly) {
     ASSERT_NE(fresh, nullptr);
     static_cast<char*>(fresh)[0] = 1;
     releasePictureMemory(fresh, Large);
+}
+
+// A run of several steps keeps what its steps free for the next one, and
+// leaves the limit it found: never lowers a larger one, restores none.
+TEST(PictureMemory, KeepingWhileARunLastsRestoresTheLimitFound) {
+    const struct { int before, asked, during; } cases[] = {{0, 2, 2}, {4, 2, 4}, {1, 1, 1}};
+    for (const auto& c : cases) {
+        keepReleasedPictureMemory(c.before);
+        {
+            const KeepPictureMemoryWhile run(c.asked);
+            EXPECT_EQ(keptPictureMemoryLimit(), c.during) << c.before << " " << c.asked;
+            void* step = allocatePictureMemory(Large);
+            releasePictureMemory(step, Large);
+            EXPECT_EQ(allocatePictureMemory(Large), step) << "the next step reuses it";
+            releasePictureMemory(step, Large);
+        }
+        EXPECT_EQ(keptPictureMemoryLimit(), c.before);
+    }
+    keepReleasedPictureMemory(0);
 }
 
 } // namespace

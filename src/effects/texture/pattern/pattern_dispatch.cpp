@@ -139,7 +139,8 @@ void registerPatternEffects(EffectDispatch& d) {
                           geometry_dispatch::drawing([](Class_Geometry& e, V v, R r) {
                               e.Random_Circle(slider(v, 4), r.left, r.top, r.right, r.bottom, 0);
                           }),
-                          geometry_dispatch::warp([](Class_Geometry& e, V v, R r) {
+                          // The turn reads the circles' picture only: lent, not copied.
+                          geometry_dispatch::warpOnSource([](Class_Geometry& e, V v, R r) {
                               e.Sphere(r.left, r.top, r.right, r.bottom, 0, slider(v, 1),
                                        slider(v, 2), slider(v, 3));
                           })}));

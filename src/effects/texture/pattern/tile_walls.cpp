@@ -146,15 +146,14 @@ void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std:
     // stay. A pixel is only ever coloured from itself, so each row of the
     // picture replays, in the walk's order, the cells that fall on it: the
     // rows are independent.
-    forEachRow(rect, [&](int y, int, int) {
+    // The blend is chosen once a row, not tested at every cell.
+    const auto walkRow = [&]<bool Blend>(int y) {
         takeRow(y);
         Pixel* row = ImageBits.row(y).data();
         const auto paint = [&](int x, int level) {
             Pixel& p = row[x];
             const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-            const Rgb16 v =
-                blend ? endPixel<ResultTail::Clamp, true>(r, g, b, rule.at(level, r, g, b))
-                      : endPixel<ResultTail::Clamp, false>(r, g, b, rule.at(level, r, g, b));
+            const Rgb16 v = endPixel<ResultTail::Clamp, Blend>(r, g, b, rule.at(level, r, g, b));
             p = withColour(p, v.red, v.green, v.blue);
         };
         // Rows of tiles whose origin row lies in [y - height + 1, y + rise]
@@ -184,6 +183,13 @@ void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std:
                         paint(std::min(x0 + j, lastColumn), std::min(i, j));
                 }
             }
+        }
+    };
+    forEachRow(rect, [&](int y, int, int) {
+        if (blend) {
+            walkRow.template operator()<true>(y);
+        } else {
+            walkRow.template operator()<false>(y);
         }
     });
 }

@@ -1,6 +1,5 @@
-#include "engine/picture_memory_reuse.h"
-
 #include "engine/picture_memory_prepare.h"
+#include "engine/picture_memory_reuse.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -70,15 +70,11 @@ void Class_ColorOp::Deterioration(std::uint8_t type, std::uint8_t base, std::uin
                                   std::int16_t greenOperand, std::int16_t blueOperand) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        // A fresh object starts its fields at 0, which the first pixel reads.
-        Fields fields{};
         const std::array<int, 3> shifts{a, b, c};
         const std::array<int, 3> operands{redOperand, greenOperand, blueOperand};
+        const bool shaped = type >= 1 && type <= 3;
 
-        // The fields carry the previous pixel into the next: one row after
-        // the other.
-        mapPixels<ResultTail::Clamp, Destination::InPlace,
-                  RowOrder::TopToBottom>(rect, [&](int& r, int& g, int& bl) {
+        const auto pixel = [&](Fields& fields, int& r, int& g, int& bl) {
             const Fields raw{r, g, bl};
             const MaxMin m = MaxMinOfThree(r, g, bl);
             const int d = m.max - m.min;
@@ -95,7 +91,7 @@ void Class_ColorOp::Deterioration(std::uint8_t type, std::uint8_t base, std::uin
             result = {wrap16(result.red + t), wrap16(result.green + t), wrap16(result.blue + t)};
 
             // Step 3.
-            if (type >= 1 && type <= 3) result = shape(type, base, weight, result, fields);
+            if (shaped) result = shape(type, base, weight, result, fields);
 
             // Step 4: the fields take the raw pixel; keep rescales to the
             // lightness of the result.
@@ -120,7 +116,23 @@ void Class_ColorOp::Deterioration(std::uint8_t type, std::uint8_t base, std::uin
             g = fields[1];
             bl = fields[2];
             return Channels{out[0], out[1], out[2]}.fields();
-        });
+        };
+        if (shaped) {
+            // The fields carry the previous pixel into the next: one row
+            // after the other. A fresh object starts them at 0, which the
+            // first pixel reads.
+            Fields fields{};
+            mapPixels<ResultTail::Clamp, Destination::InPlace, RowOrder::TopToBottom>(
+                rect, [&](int& r, int& g, int& bl) { return pixel(fields, r, g, bl); });
+        } else {
+            // Only the shaping reads the fields before a pixel sets them, so
+            // without it every pixel stands alone.
+            mapPixels<ResultTail::Clamp, Destination::InPlace, RowOrder::AnyOrder>(
+                rect, [&](int& r, int& g, int& bl) {
+                    Fields fields{};
+                    return pixel(fields, r, g, bl);
+                });
+        }
     });
 }
 

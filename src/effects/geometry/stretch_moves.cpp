@@ -172,15 +172,20 @@ void Class_Geometry::GraduallyEnlarge(std::int16_t left, std::int16_t top, std::
         // as 1, 2, ..: small at the upper left, large at the lower right.
         const int n = level + 1;
         const double total = n * (n + 1) / 2.0;
-        const auto bands = [&](const Axis& axis, const Surface& source, Surface& target) {
-            const int w = axis.extent();
+        // Band i of an axis of extent w: its source lines and where they go.
+        const auto forEachBand = [&](int w, auto&& stretch) {
             for (int i = 0; i < n; ++i) {
                 const int from = roundTo<std::int32_t>(w * static_cast<double>(i) / n);
                 const int fromEnd = roundTo<std::int32_t>(w * static_cast<double>(i + 1) / n);
                 const int to = roundTo<std::int32_t>(w * (i * (i + 1) / 2.0) / total);
                 const int toEnd = roundTo<std::int32_t>(w * ((i + 1) * (i + 2) / 2.0) / total);
-                axis.stretch(target, to, toEnd - to, source, from, fromEnd - from);
+                stretch(to, toEnd - to, from, fromEnd - from);
             }
+        };
+        const auto bands = [&](const Axis& axis, const Surface& source, Surface& target) {
+            forEachBand(axis.extent(), [&](int to, int toCount, int from, int fromCount) {
+                axis.stretch(target, to, toCount, source, from, fromCount);
+            });
             return finishRow();
         };
         SetProgressRange(0, 2);
@@ -189,14 +194,9 @@ void Class_Geometry::GraduallyEnlarge(std::int16_t left, std::int16_t top, std::
         // ends as the source's (columns[x], rows[y]), drawn in one pass.
         const auto linesOf = [&](const Axis& axis, int pictureExtent) {
             std::vector<int> lines(static_cast<std::size_t>(pictureExtent), -1);
-            const int w = axis.extent();
-            for (int i = 0; i < n; ++i) {
-                const int from = roundTo<std::int32_t>(w * static_cast<double>(i) / n);
-                const int fromEnd = roundTo<std::int32_t>(w * static_cast<double>(i + 1) / n);
-                const int to = roundTo<std::int32_t>(w * (i * (i + 1) / 2.0) / total);
-                const int toEnd = roundTo<std::int32_t>(w * ((i + 1) * (i + 2) / 2.0) / total);
-                mapStretch(lines, axis.origin(), to, toEnd - to, from, fromEnd - from);
-            }
+            forEachBand(axis.extent(), [&](int to, int toCount, int from, int fromCount) {
+                mapStretch(lines, axis.origin(), to, toCount, from, fromCount);
+            });
             return lines;
         };
         const Surface& source = *p.source;

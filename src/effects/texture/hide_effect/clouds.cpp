@@ -6,6 +6,7 @@
 #include "effects/texture/mosaic/block_walk.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <vector>
 
@@ -79,38 +80,85 @@ void Class_HideEffect::Texture_Cloud2(std::uint8_t width, std::uint8_t height, s
         }
         // Over white, the mist is of the picture, which shows through it.
         const Surface picture = background == 1 ? ImageBits : Surface();
-        if (background == 1) {
-            for (int y = span.firstRow; y < span.endRow; ++y) {
-                for (int x = span.firstColumn; x < span.endColumn; ++x) {
-                    ImageBits.at(x, y) = withColour(ImageBits.at(x, y), 255, 255, 255);
-                }
-            }
-        }
         hundredthsShown_ = 0;
         SetProgressRange(0, 100);
+        // Every place is drawn and counted first; the stamps are then laid
+        // in bands of rows, each band taking them in drawing order, so a
+        // later stamp still works on what the earlier ones left.
+        struct Place {
+            int x;
+            int y;
+        };
+        std::vector<Place> places;
+        places.reserve(static_cast<std::size_t>(std::clamp(count, 0LL, 1LL << 20)));
         for (long long n = 0; n < count; ++n) {
             const int x0 = roundTo<std::int32_t>(across * context().random.next() + left);
             const int y0 = roundTo<std::int32_t>(down * context().random.next() + top);
-            const int endRow = std::min(y0 + side, span.endRow);
-            const int endColumn = std::min(x0 + side, span.endColumn);
-            for (int y = std::max(y0, span.firstRow); y < endRow; ++y) {
-                for (int x = std::max(x0, span.firstColumn); x < endColumn; ++x) {
-                    const double w = weight[static_cast<std::size_t>(y - y0) * side + (x - x0)];
-                    if (w == 0) continue;
-                    Pixel& p = ImageBits.at(x, y);
-                    const Pixel toward =
-                        background == 1 ? picture.at(x, y) : makePixel(255, 255, 255);
-                    const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-                    auto mix = [w](int c, int t) {
-                        return roundInRange<std::int16_t>(c + (t - c) * w);
-                    };
-                    const Rgb16 v = finishPixel<ResultTail::Clamp>(
-                        r, g, b,
-                        {mix(r, redOf(toward)), mix(g, greenOf(toward)), mix(b, blueOf(toward))});
-                    p = withColour(p, v.red, v.green, v.blue);
+            places.push_back({x0, y0});
+            if (!stepHundredths(n + 1, count)) return;
+        }
+        if (span.empty()) return;
+
+        constexpr int BandRows = 32;
+        const int bands = (span.endRow - span.firstRow + BandRows - 1) / BandRows;
+        std::vector<std::vector<std::uint32_t>> byBand(static_cast<std::size_t>(bands));
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            const int first = std::max(places[i].y, span.firstRow) - span.firstRow;
+            const int last = std::min(places[i].y + side, span.endRow) - 1 - span.firstRow;
+            for (int b = first / BandRows; first <= last && b <= last / BandRows; ++b)
+                byBand[static_cast<std::size_t>(b)].push_back(static_cast<std::uint32_t>(i));
+        }
+        const auto layBand = [&](int b) {
+            const int rowBegin = span.firstRow + b * BandRows;
+            const int rowEnd = std::min(rowBegin + BandRows, span.endRow);
+            if (background == 1) {
+                for (int y = rowBegin; y < rowEnd; ++y) {
+                    Pixel* row = ImageBits.row(y).data();
+                    for (int x = span.firstColumn; x < span.endColumn; ++x)
+                        row[x] = withColour(row[x], 255, 255, 255);
                 }
             }
-            if (!stepHundredths(n + 1, count)) return;
+            for (const std::uint32_t i : byBand[static_cast<std::size_t>(b)]) {
+                const auto [x0, y0] = places[i];
+                const int endRow = std::min(y0 + side, rowEnd);
+                const int endColumn = std::min(x0 + side, span.endColumn);
+                for (int y = std::max(y0, rowBegin); y < endRow; ++y) {
+                    const double* weights = weight.data() + static_cast<std::size_t>(y - y0) * side;
+                    Pixel* row = ImageBits.row(y).data();
+                    const Pixel* under = background == 1 ? picture.row(y).data() : nullptr;
+                    for (int x = std::max(x0, span.firstColumn); x < endColumn; ++x) {
+                        const double w = weights[x - x0];
+                        if (w == 0) continue;
+                        Pixel& p = row[x];
+                        const Pixel toward = under != nullptr ? under[x] : makePixel(255, 255, 255);
+                        const int r = redOf(p), g = greenOf(p), bl = blueOf(p);
+                        auto mix = [w](int c, int t) {
+                            return roundInRange<std::int16_t>(c + (t - c) * w);
+                        };
+                        const Rgb16 v = finishPixel<ResultTail::Clamp>(r, g, bl,
+                                                                       {mix(r, redOf(toward)),
+                                                                        mix(g, greenOf(toward)),
+                                                                        mix(bl, blueOf(toward))});
+                        p = withColour(p, v.red, v.green, v.blue);
+                    }
+                }
+            }
+        };
+        // A blend may fail on a pixel, and a worker may not throw: then the
+        // bands are laid on this thread alone.
+        const int workers =
+            calculationFlag() > 0
+                ? 1
+                : std::max(1, std::min(bandPlan({left, top, right, bottom}).workers, bands));
+        std::atomic<int> nextBand{0};
+        const auto lay = [&](int) {
+            for (int b = nextBand++; b < bands; b = nextBand++)
+                layBand(b);
+        };
+        if (workers > 1) {
+            context().workers().run(workers, lay);
+        } else {
+            lay(0);
         }
     });
 }

@@ -1,12 +1,12 @@
 // The stamps dropped at random: pencil strokes, mist and ink discs. Each
 // stamp works on what the stamps before it left, so the order of the
 // generator's draws is the picture.
+#include "effects/texture/hide_effect/band_lists.h"
 #include "effects/texture/hide_effect/class_hide_effect.h"
 #include "effects/texture/hide_effect/cloud_stamps.h"
 #include "effects/texture/mosaic/block_walk.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <vector>
 
@@ -99,18 +99,13 @@ void Class_HideEffect::Texture_Cloud2(std::uint8_t width, std::uint8_t height, s
         }
         if (span.empty()) return;
 
-        constexpr int BandRows = 32;
-        const int bands = (span.endRow - span.firstRow + BandRows - 1) / BandRows;
-        std::vector<std::vector<std::uint32_t>> byBand(static_cast<std::size_t>(bands));
-        for (std::size_t i = 0; i < places.size(); ++i) {
-            const int first = std::max(places[i].y, span.firstRow) - span.firstRow;
-            const int last = std::min(places[i].y + side, span.endRow) - 1 - span.firstRow;
-            for (int b = first / BandRows; first <= last && b <= last / BandRows; ++b)
-                byBand[static_cast<std::size_t>(b)].push_back(static_cast<std::uint32_t>(i));
-        }
-        const auto layBand = [&](int b) {
-            const int rowBegin = span.firstRow + b * BandRows;
-            const int rowEnd = std::min(rowBegin + BandRows, span.endRow);
+        const hide::BandLists bands =
+            hide::bandLists(places.size(), span.firstRow, span.endRow, [&](std::size_t i) {
+                return std::pair{places[i].y, places[i].y + side - 1};
+            });
+        const auto layBand = [&](int, int b) {
+            const int rowBegin = bands.rowBegin(b);
+            const int rowEnd = bands.rowEnd(b);
             if (background == 1) {
                 for (int y = rowBegin; y < rowEnd; ++y) {
                     Pixel* row = ImageBits.row(y).data();
@@ -118,7 +113,7 @@ void Class_HideEffect::Texture_Cloud2(std::uint8_t width, std::uint8_t height, s
                         row[x] = withColour(row[x], 255, 255, 255);
                 }
             }
-            for (const std::uint32_t i : byBand[static_cast<std::size_t>(b)]) {
+            for (const std::uint32_t i : bands.shapes[static_cast<std::size_t>(b)]) {
                 const auto [x0, y0] = places[i];
                 const int endRow = std::min(y0 + side, rowEnd);
                 const int endColumn = std::min(x0 + side, span.endColumn);
@@ -146,20 +141,11 @@ void Class_HideEffect::Texture_Cloud2(std::uint8_t width, std::uint8_t height, s
         };
         // A blend may fail on a pixel, and a worker may not throw: then the
         // bands are laid on this thread alone.
-        const int workers =
-            calculationFlag() > 0
-                ? 1
-                : std::max(1, std::min(bandPlan({left, top, right, bottom}).workers, bands));
-        std::atomic<int> nextBand{0};
-        const auto lay = [&](int) {
-            for (int b = nextBand++; b < bands; b = nextBand++)
-                layBand(b);
-        };
-        if (workers > 1) {
-            context().workers().run(workers, lay);
-        } else {
-            lay(0);
-        }
+        const int workers = calculationFlag() > 0
+                                ? 1
+                                : std::max(1, std::min(bandPlan({left, top, right, bottom}).workers,
+                                                       bands.count()));
+        hide::layBands(context().workers(), workers, bands.count(), layBand);
     });
 }
 

@@ -1,10 +1,10 @@
 // The spheres over the whole rectangle: one centred sphere, tilings of
 // spheres, spheres and spots at random, and the lamp over a flat picture.
+#include "effects/texture/hide_effect/band_lists.h"
 #include "effects/texture/hide_effect/class_hide_effect.h"
 #include "effects/texture/hide_effect/sphere_light.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <type_traits>
 #include <vector>
@@ -538,52 +538,39 @@ void Class_HideEffect::randomSpheres(const ProcessRect& rect, const Lighting& li
     }
     if (span.empty()) return;
 
-    constexpr int BandRows = 32;
-    const int bands = (span.endRow - span.firstRow + BandRows - 1) / BandRows;
-    std::vector<std::vector<std::uint32_t>> byBand(static_cast<std::size_t>(bands));
-    for (std::size_t i = 0; i < centres.size(); ++i) {
-        const int top = std::max(centres[i].y - q, span.firstRow) - span.firstRow;
-        const int bottom = std::min(centres[i].y + q, span.endRow - 1) - span.firstRow;
-        for (int b = top / BandRows; b <= bottom / BandRows && top <= bottom; ++b)
-            byBand[static_cast<std::size_t>(b)].push_back(static_cast<std::uint32_t>(i));
-    }
+    const hide::BandLists bands =
+        hide::bandLists(centres.size(), span.firstRow, span.endRow, [&](std::size_t i) {
+            return std::pair{centres[i].y - q, centres[i].y + q};
+        });
     // Only a shading that cannot overflow runs on several threads: a worker
     // may not throw. Without a blend its rows need no per-pixel tail.
     const bool fits = hide::shadeFitsSixteenBits(lighting);
     const bool plain = fits && !(calculationFlag() > 0);
     const bool ownPixels = type == 0 || type > 4;
-    const int workers = fits ? std::max(1, std::min(bandPlan(rect).workers, bands)) : 1;
+    const int workers = fits ? std::max(1, std::min(bandPlan(rect).workers, bands.count())) : 1;
     std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(workers),
                                          hide::SphereRow(lighting.light, q));
-    std::atomic<int> nextBand{0};
-    auto paint = [&](int worker) {
+    hide::layBands(context().workers(), workers, bands.count(), [&](int worker, int b) {
         hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
-        for (int b = nextBand++; b < bands; b = nextBand++) {
-            const int rowBegin = span.firstRow + b * BandRows;
-            const int rowEnd = std::min(rowBegin + BandRows, span.endRow);
-            for (int y = rowBegin; y < rowEnd; ++y) {
-                const Pixel* in = ImageBits.row(y).data();
-                Pixel* out = TransBits.row(y).data();
-                for (int x = span.firstColumn; x < span.endColumn; ++x)
-                    out[x] = backgroundPixel(background, in[x]);
-            }
-            for (const std::uint32_t i : byBand[static_cast<std::size_t>(b)]) {
-                const Centre c = centres[i];
-                if (ownPixels) {
-                    sphereAt(c.x, c.y, lighting, span, rowBegin, rowEnd, spot, plain, sphere,
-                             OwnPixel{});
-                } else {
-                    sphereAt(c.x, c.y, lighting, span, rowBegin, rowEnd, spot, plain, sphere,
-                             BallLens{type});
-                }
+        const int rowBegin = bands.rowBegin(b);
+        const int rowEnd = bands.rowEnd(b);
+        for (int y = rowBegin; y < rowEnd; ++y) {
+            const Pixel* in = ImageBits.row(y).data();
+            Pixel* out = TransBits.row(y).data();
+            for (int x = span.firstColumn; x < span.endColumn; ++x)
+                out[x] = backgroundPixel(background, in[x]);
+        }
+        for (const std::uint32_t i : bands.shapes[static_cast<std::size_t>(b)]) {
+            const Centre c = centres[i];
+            if (ownPixels) {
+                sphereAt(c.x, c.y, lighting, span, rowBegin, rowEnd, spot, plain, sphere,
+                         OwnPixel{});
+            } else {
+                sphereAt(c.x, c.y, lighting, span, rowBegin, rowEnd, spot, plain, sphere,
+                         BallLens{type});
             }
         }
-    };
-    if (workers > 1) {
-        context().workers().run(workers, paint);
-    } else {
-        paint(0);
-    }
+    });
 }
 
 namespace {

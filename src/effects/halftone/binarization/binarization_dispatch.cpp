@@ -43,16 +43,13 @@ void registerBinarizationEffects(EffectDispatch& d) {
                                r.right, r.bottom);
     });
     // Red, green and blue traced in turn, each over the result of the one
-    // before, so the green and blue traces see the marks drawn already. A
-    // trace only reads its source, so the source is lent, not copied.
-    const auto channelTrace = [](std::int16_t channel) {
-        return dispatch::onSourceWithOwnTrans<E>([channel](E& e, V v, R r) {
-            e.BorderFollowing_Color(channel, value16(v.color), slider(v, 1), 1, r.left, r.top,
-                                    r.right, r.bottom);
-        });
-    };
-    d.add(DialogKind::Negative, 78,
-          planInSequence({channelTrace(0), channelTrace(1), channelTrace(2)}));
+    // before, so the green and blue traces see the marks drawn already: one
+    // pass that keeps the marks between the channels and draws them once.
+    // A trace only reads its source, so the source is lent, not copied.
+    d.add(DialogKind::Negative, 78, dispatch::onSourceWithOwnTrans<E>([](E& e, V v, R r) {
+              e.BorderFollowing_ColorInTurn(value16(v.color), slider(v, 1), 1, r.left, r.top,
+                                            r.right, r.bottom);
+          }));
     // S1 the radius, S2 the threshold, the colour row the kind, the check
     // box the polarity.
     add(DialogKind::Level, 46, [](E& e, V v, R r) {

@@ -1,155 +1,141 @@
-#include "effects/halftone/binarization/bilevel_map.h"
+#include "effects/halftone/binarization/binarization_support.h"
+#include "effects/halftone/binarization/border_trace.h"
 #include "effects/halftone/binarization/class_binarization.h"
 #include "engine/drawing/drawing.h"
 #include "engine/shared_rows.h"
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cstddef>
 
 namespace lumiran {
 namespace {
 
-struct Step {
-    int dx;
-    int dy;
-};
+constexpr Pixel SpareBits = 0xFF000000u;
 
-// Direction 0 is down, and the numbers run round through right, up and
-// left: (0,+1) (+1,+1) (+1,0) (+1,-1) (0,-1) (-1,-1) (-1,0) (-1,+1).
-constexpr std::array<Step, 8> Directions{
-    {{0, 1}, {1, 1}, {1, 0}, {1, -1}, {0, -1}, {-1, -1}, {-1, 0}, {-1, 1}}};
-
-// The neighbours whose background starts a trace, in the order tested,
-// each with the direction the trace begins in: one past the neighbour's
-// own direction.
-struct StartTest {
-    Step neighbour;
-    int firstDirection;
-};
-constexpr std::array<StartTest, 5> StartTests{{
-    {{-1, 0}, 7}, // left
-    {{1, 0}, 3},  // right
-    {{-1, 1}, 0}, // below left
-    {{0, 1}, 1},  // below
-    {{1, 1}, 2},  // below right
-}};
-
-// Twelve steps at most, whether they find foreground or not; a step that
-// comes back to the start ends the trace at once.
-constexpr int StepLimit = 12;
-
-// Where traces leave their marks: straight in the result, since a trace
-// reads nothing but the map. Traces started on different rows may mark
-// the same pixel with the same value, so the writes are atomic.
-void mark(Pixel& target, Pixel ink) {
-    const std::atomic_ref<Pixel> p(target);
-    p.store((p.load(std::memory_order_relaxed) & 0xFF000000u) | ink, std::memory_order_relaxed);
-}
-
-// The map and the result walked together: a step is one offset in each.
-struct TraceGrid {
-    const std::uint8_t* cells; // the map's row top, column left
-    Pixel* pixels;             // the result at the same place
-    std::ptrdiff_t cellStride;
-    std::ptrdiff_t pixelStride;
-    int left;
-    int top;
-    Pixel ink;
-};
-
-// A trace that starts far enough from the top and left edges never
-// reaches them, so it needs no clamp.
-void traceInside(const TraceGrid& g, int startX, int startY, int direction) {
-    const std::ptrdiff_t startCell = (startY - g.top) * g.cellStride + (startX - g.left);
-    const std::ptrdiff_t startPixel = (startY - g.top) * g.pixelStride + (startX - g.left);
-    std::ptrdiff_t cell = startCell;
-    std::ptrdiff_t pixel = startPixel;
-    for (int steps = 0; steps != StepLimit; ++steps) {
-        const Step d = Directions[static_cast<std::size_t>(direction)];
-        const std::ptrdiff_t nextCell = cell + d.dy * g.cellStride + d.dx;
-        if (g.cells[nextCell] == 1) {
-            direction = (direction + 7) & 7;
-            cell = nextCell;
-            pixel += d.dy * g.pixelStride + d.dx;
-            mark(g.pixels[pixel], g.ink);
-            if (cell == startCell) return;
-        } else {
-            direction = (direction + 1) & 7;
-        }
-    }
-}
-
-void traceNearEdge(const TraceGrid& g, int startX, int startY, int direction) {
-    int x = startX;
-    int y = startY;
-    for (int steps = 0; steps != StepLimit; ++steps) {
-        const Step d = Directions[static_cast<std::size_t>(direction)];
-        // Only the top and left edges hold the step back; the map's extra
-        // column and row are background.
-        const int qx = std::max(x + d.dx, g.left);
-        const int qy = std::max(y + d.dy, g.top);
-        if (g.cells[(qy - g.top) * g.cellStride + (qx - g.left)] == 1) {
-            direction = (direction + 7) & 7;
-            mark(g.pixels[(qy - g.top) * g.pixelStride + (qx - g.left)], g.ink);
-            x = qx;
-            y = qy;
-            if (x == startX && y == startY) return;
-        } else {
-            direction = (direction + 1) & 7;
-        }
-    }
+// A pixel's mark in the ink, keeping its spare byte; an unmarked pixel
+// unchanged. No branch: the mark (0 or 1) becomes a mask.
+Pixel marked(Pixel base, std::uint8_t mark, Pixel ink) {
+    const Pixel keep = Pixel{mark} - 1u;
+    return (base & (keep | SpareBits)) | (ink & ~keep);
 }
 
 } // namespace
 
-void Class_Binarization::followBorders(int measure, std::int16_t polarity, std::int16_t threshold,
-                                       std::int16_t startKind, const ProcessRect& rect,
-                                       bool overPicture) {
-    if (!arraysReady()) return;
-    const Span s = spanOf(rect);
-    if (s.empty()) return;
-    const BilevelMap map = foregroundMap(context(), ImageBits, s.firstColumn, s.firstRow,
-                                         s.endColumn, s.endRow, measure, polarity, threshold);
-    if (!reachStage(33)) return;
-
-    // From here on a cancel no longer stops the run, so the marks go to
-    // the result as the traces find them; the plain result is cleared
-    // first.
-    const ColourRef ink = markColour(overPicture);
-    if (!overPicture) clearMarks(s);
-    const TraceGrid grid{map.row(s.firstRow), TransBits.row(s.firstRow).data() + s.firstColumn,
-                         map.width(),         TransBits.width(),
-                         s.firstColumn,       s.firstRow,
-                         colourBitsOf(ink)};
-    if (startKind == 1) {
-        const int firstX = s.firstColumn + 1;
-        const int endX = s.endColumn - 1;
-        forEachRowShared(context(), s.firstRow + 1, s.endRow - 1, endX - firstX, [&](int y) {
-            const std::uint8_t* here = map.row(y);
-            const std::uint8_t* below = map.row(y + 1);
-            const bool rowInside = y - s.firstRow > StepLimit;
-            for (int x = firstX; x < endX; ++x) {
-                const auto i = static_cast<std::size_t>(x - s.firstColumn);
-                if (here[i] != 1) continue;
-                // Inside a solid area no test starts a trace.
-                if ((here[i - 1] & here[i + 1] & below[i - 1] & below[i] & below[i + 1]) == 1)
-                    continue;
-                const bool inside = rowInside && x - s.firstColumn > StepLimit;
-                for (const StartTest& t : StartTests) {
-                    if (map.at(x + t.neighbour.dx, y + t.neighbour.dy) != 0) continue;
-                    if (inside) {
-                        traceInside(grid, x, y, t.firstDirection);
-                    } else {
-                        traceNearEdge(grid, x, y, t.firstDirection);
-                    }
+void Class_Binarization::measureForeground(BorderTraceGrid& grid, const Span& s, int measure,
+                                           int polarity, int threshold,
+                                           std::optional<Pixel> marksIn) {
+    // Polarity 0 keeps values at or above the threshold, any other at or
+    // below it: one signed comparison either way.
+    const int sign = polarity == 0 ? 1 : -1;
+    auto run = [&](auto valueOf) {
+        grid.measure(context(), [&](int y, std::uint8_t* out) {
+            const Pixel* in = ImageBits.row(s.firstRow + y).data() + s.firstColumn;
+            const int width = grid.width();
+            if (marksIn) {
+                const std::uint8_t* marks = grid.marks(y);
+                for (int x = 0; x < width; ++x) {
+                    const int v = valueOf(marked(in[x], marks[x], *marksIn));
+                    out[x] = static_cast<std::uint8_t>(sign * (v - threshold) >= 0);
                 }
+            } else {
+                for (int x = 0; x < width; ++x)
+                    out[x] = static_cast<std::uint8_t>(sign * (valueOf(in[x]) - threshold) >= 0);
             }
         });
+    };
+    // The measure is chosen once, outside the pixel loop.
+    switch (measure) {
+    case 2:
+        run([](Pixel p) { return static_cast<int>((p >> 16) & 0xFFu); });
+        break;
+    case 3:
+        run([](Pixel p) { return static_cast<int>((p >> 8) & 0xFFu); });
+        break;
+    case 4:
+        run([](Pixel p) { return static_cast<int>(p & 0xFFu); });
+        break;
+    default:
+        run([measure](Pixel p) { return bilevel::measured(measure, p); });
+        break;
     }
-    reachStage(66);
-    reachStage(100);
+}
+
+void Class_Binarization::drawMarks(const BorderTraceGrid& grid, const Span& s, Pixel ink,
+                                   bool ownResult) {
+    const int width = grid.width();
+    if (!ownResult) {
+        forEachRowShared(context(), s.firstRow, s.endRow, width, [&](int y) {
+            Pixel* out = TransBits.row(y).data() + s.firstColumn;
+            const std::uint8_t* marks = grid.marks(y - s.firstRow);
+            for (int x = 0; x < width; ++x)
+                out[x] = marked(out[x], marks[x], ink);
+        });
+        return;
+    }
+    // The result made here in one pass: the picture with the marks drawn.
+    TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+    forEachRowShared(context(), 0, ImageBits.height(), ImageBits.width(), [&](int y) {
+        const auto in = ImageBits.row(y);
+        Pixel* out = TransBits.row(y).data();
+        if (y < s.firstRow || y >= s.endRow) {
+            std::ranges::copy(in, out);
+            return;
+        }
+        const std::uint8_t* marks = grid.marks(y - s.firstRow);
+        std::copy_n(in.data(), s.firstColumn, out);
+        for (int x = 0; x < width; ++x) {
+            const auto i = static_cast<std::size_t>(s.firstColumn + x);
+            out[i] = marked(in[i], marks[x], ink);
+        }
+        std::copy(in.begin() + s.endColumn, in.end(), out + s.endColumn);
+    });
+}
+
+void Class_Binarization::followBorders(std::span<const int> measures, std::int16_t polarity,
+                                       std::int16_t threshold, std::int16_t startKind,
+                                       const ProcessRect& rect, bool overPicture) {
+    // Over the picture, a result the run left unfetched is made here as
+    // the picture with the marks drawn in.
+    const bool ownResult = overPicture && TransBits.empty();
+    if (ImageBits.empty() || (!ownResult && !ImageBits.sameSize(TransBits))) return;
+    const Span s = spanOf(rect);
+    if (s.empty() || measures.empty()) {
+        if (ownResult) copyToTransIfUnfetched();
+        return;
+    }
+    BorderTraceGrid grid(context(), s.endColumn - s.firstColumn, s.endRow - s.firstRow);
+    const Pixel ink = colourBitsOf(markColour(overPicture));
+    // Several measures share the progress bar as the calls of a sequence
+    // would, each over the picture with the marks of the ones before.
+    const auto count = static_cast<int>(measures.size());
+    auto stage = [&](int i, int percent) { return reachStage((i * 100 + percent) / count); };
+    auto finish = [&] {
+        if (!overPicture) clearMarks(s);
+        drawMarks(grid, s, ink, ownResult);
+    };
+    for (int i = 0; i < count; ++i) {
+        measureForeground(grid, s, measures[static_cast<std::size_t>(i)], polarity, threshold,
+                          i > 0 ? std::optional<Pixel>(ink) : std::nullopt);
+        if (!stage(i, 33)) {
+            // Stopped before this measure's traces: the marks of the ones
+            // before stay drawn.
+            if (i > 0) {
+                finish();
+            } else if (ownResult) {
+                copyToTransIfUnfetched();
+            }
+            return;
+        }
+        if (startKind == 1) grid.trace(context());
+        stage(i, 66);
+        if (i + 1 == count || context().cancelled()) {
+            finish();
+            stage(i, 100);
+            return;
+        }
+        stage(i, 100);
+    }
 }
 
 void Class_Binarization::BorderFollowing_Mono(std::int16_t measure, std::int16_t polarity,
@@ -157,7 +143,8 @@ void Class_Binarization::BorderFollowing_Mono(std::int16_t measure, std::int16_t
                                               std::int16_t left, std::int16_t top,
                                               std::int16_t right, std::int16_t bottom) {
     guarded([&] {
-        followBorders(measure, polarity, threshold, startKind, {left, top, right, bottom}, false);
+        const std::array measures{static_cast<int>(measure)};
+        followBorders(measures, polarity, threshold, startKind, {left, top, right, bottom}, false);
     });
 }
 
@@ -167,10 +154,22 @@ void Class_Binarization::BorderFollowing_Color(std::int16_t channel, std::int16_
                                                std::int16_t right, std::int16_t bottom) {
     // Channels 0..2 are the measures r, g, b.
     guarded([&] {
-        copyToTransIfUnfetched();
-        if (channel < 0 || channel > 2) return;
-        followBorders(channel + 2, polarity, threshold, startKind, {left, top, right, bottom},
-                      true);
+        if (channel < 0 || channel > 2) {
+            copyToTransIfUnfetched();
+            return;
+        }
+        const std::array measures{channel + 2};
+        followBorders(measures, polarity, threshold, startKind, {left, top, right, bottom}, true);
+    });
+}
+
+void Class_Binarization::BorderFollowing_ColorInTurn(std::int16_t polarity, std::int16_t threshold,
+                                                     std::int16_t startKind, std::int16_t left,
+                                                     std::int16_t top, std::int16_t right,
+                                                     std::int16_t bottom) {
+    guarded([&] {
+        constexpr std::array measures{2, 3, 4};
+        followBorders(measures, polarity, threshold, startKind, {left, top, right, bottom}, true);
     });
 }
 

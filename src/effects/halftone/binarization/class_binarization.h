@@ -4,8 +4,12 @@
 #include "engine/pixel_frame.h"
 
 #include <cstdint>
+#include <optional>
+#include <span>
 
 namespace lumiran {
+
+class BorderTraceGrid;
 
 // Bilevel effects: thresholds, dilation and erosion, 8-connected border
 // following and feature points. Reads ImageBits, writes TransBits; both are
@@ -57,6 +61,12 @@ class Class_Binarization : public PixelFrame {
     void BorderFollowing_Color(std::int16_t channel, std::int16_t polarity, std::int16_t threshold,
                                std::int16_t startKind, std::int16_t left, std::int16_t top,
                                std::int16_t right, std::int16_t bottom);
+    // The colour calls on channels 0, 1 and 2 in turn as one pass, each
+    // over the result of the one before (ImageBits with the marks so far),
+    // sharing the progress bar as a sequence of the three calls does.
+    void BorderFollowing_ColorInTurn(std::int16_t polarity, std::int16_t threshold,
+                                     std::int16_t startKind, std::int16_t left, std::int16_t top,
+                                     std::int16_t right, std::int16_t bottom);
 
     // Foreground pixels of connection number kind + 1 (end points, line
     // points, branches, crossings), marked by circles of the radius: black
@@ -88,8 +98,15 @@ class Class_Binarization : public PixelFrame {
 
     void morphology(std::int16_t shape, const ProcessRect& rect, std::int16_t channel, bool dilate,
                     std::int16_t threshold);
-    void followBorders(int measure, std::int16_t polarity, std::int16_t threshold,
+    void followBorders(std::span<const int> measures, std::int16_t polarity, std::int16_t threshold,
                        std::int16_t startKind, const ProcessRect& rect, bool overPicture);
+    // The foreground of a measure into the grid; with marksIn, marked
+    // pixels count as that colour.
+    void measureForeground(BorderTraceGrid& grid, const Span& s, int measure, int polarity,
+                           int threshold, std::optional<Pixel> marksIn);
+    // The grid's marks in the ink: over TransBits, or with ownResult into
+    // a TransBits made here from ImageBits.
+    void drawMarks(const BorderTraceGrid& grid, const Span& s, Pixel ink, bool ownResult);
     void extractFeatures(int measure, std::int16_t radius, std::int16_t threshold,
                          std::int16_t kind, const ProcessRect& rect, std::int16_t polarity,
                          bool overPicture);

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "engine/picture_memory.h"
+#include "engine/run_context.h"
+#include "engine/shared_rows.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace lumiran {
+
+// The 8-connected border traces over a rectangle of width x height, in
+// coordinates from its top left corner. The foreground is kept as each
+// pixel's eight neighbours, one byte per pixel: bit d is set when the
+// neighbour in direction d is foreground, and a background pixel's byte is
+// 0, since a trace never stands on one. A trace then reads one byte per
+// position it visits, with no bounds to test: beyond the right column and
+// the bottom row lies background, and only traces that start near the top
+// or left edge can reach the clamp there.
+//
+// Directions: 0 (0,+1), 1 (+1,+1), 2 (+1,0), 3 (+1,-1), 4 (0,-1),
+// 5 (-1,-1), 6 (-1,0), 7 (-1,+1).
+class BorderTraceGrid {
+  public:
+    // Both arrays come from picture memory; the marks are cleared on the
+    // run's threads, the neighbour bytes wait for measure().
+    BorderTraceGrid(RunContext& context, int width, int height);
+
+    // A new foreground: foregroundRow(y, out) writes width bytes, 0 or 1,
+    // for row y; it may read the marks. Rows are measured on the run's
+    // threads, each band rolling three rows of the foreground.
+    template <typename ForegroundRow>
+    void measure(RunContext& context, ForegroundRow&& foregroundRow) {
+        const auto padded = static_cast<std::size_t>(width_) + 2;
+        forEachBandShared(context, 0, height_, width_, [&](int first, int end) {
+            std::vector<std::uint8_t> rows(3 * padded, 0);
+            std::uint8_t* up = rows.data();
+            std::uint8_t* here = up + padded;
+            std::uint8_t* down = here + padded;
+            auto fill = [&](std::uint8_t* row, int y) {
+                if (y < 0 || y >= height_) {
+                    std::fill_n(row, padded, std::uint8_t{0});
+                } else {
+                    foregroundRow(y, row + 1);
+                }
+            };
+            fill(up, first - 1);
+            fill(here, first);
+            for (int y = first; y < end; ++y) {
+                fill(down, y + 1);
+                neighbourRow(up + 1, here + 1, down + 1, neighbours(y));
+                std::swap(up, here);
+                std::swap(here, down);
+            }
+        });
+    }
+
+    // Every trace that start kind 1 starts in the interior, leaving its
+    // marks; the marks add up over several foregrounds.
+    void trace(RunContext& context);
+
+    [[nodiscard]] const std::uint8_t* marks(int y) const {
+        return marks_.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width_);
+    }
+    [[nodiscard]] int width() const { return width_; }
+    [[nodiscard]] int height() const { return height_; }
+
+  private:
+    using Bytes = std::vector<std::uint8_t, PictureAllocator<std::uint8_t>>;
+
+    [[nodiscard]] std::uint8_t* neighbours(int y) {
+        return neighbours_.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width_);
+    }
+    // Rows up, here and down are readable at -1 and width, which are 0.
+    void neighbourRow(const std::uint8_t* up, const std::uint8_t* here, const std::uint8_t* down,
+                      std::uint8_t* out) const;
+    void traceRow(int y);
+    void traceInside(std::ptrdiff_t start, int direction);
+    void traceNearEdge(int startX, int startY, int direction);
+    void mark(std::ptrdiff_t at);
+
+    int width_;
+    int height_;
+    Bytes neighbours_;
+    Bytes marks_;
+};
+
+} // namespace lumiran

@@ -29,18 +29,19 @@ void Class_Binarization::measureForeground(BorderTraceGrid& grid, const Span& s,
     // below it: one signed comparison either way.
     const int sign = polarity == 0 ? 1 : -1;
     auto run = [&](auto valueOf) {
-        grid.measure(context(), [&](int y, std::uint8_t* out) {
-            const Pixel* in = ImageBits.row(s.firstRow + y).data() + s.firstColumn;
+        // The rows never overlap: __restrict lets the loops run in vectors.
+        grid.measure(context(), [&](int y, std::uint8_t* __restrict out) {
+            const Pixel* __restrict in = ImageBits.row(s.firstRow + y).data() + s.firstColumn;
             const int width = grid.width();
             if (marksIn) {
-                const std::uint8_t* marks = grid.marks(y);
+                const std::uint8_t* __restrict marks = grid.marks(y);
                 for (int x = 0; x < width; ++x) {
                     const int v = valueOf(marked(in[x], marks[x], *marksIn));
-                    out[x] = static_cast<std::uint8_t>(sign * (v - threshold) >= 0);
+                    out[x] = static_cast<std::uint8_t>(-(sign * (v - threshold) >= 0));
                 }
             } else {
                 for (int x = 0; x < width; ++x)
-                    out[x] = static_cast<std::uint8_t>(sign * (valueOf(in[x]) - threshold) >= 0);
+                    out[x] = static_cast<std::uint8_t>(-(sign * (valueOf(in[x]) - threshold) >= 0));
             }
         });
     };
@@ -66,8 +67,8 @@ void Class_Binarization::drawMarks(const BorderTraceGrid& grid, const Span& s, P
     const int width = grid.width();
     if (!ownResult) {
         forEachRowShared(context(), s.firstRow, s.endRow, width, [&](int y) {
-            Pixel* out = TransBits.row(y).data() + s.firstColumn;
-            const std::uint8_t* marks = grid.marks(y - s.firstRow);
+            Pixel* __restrict out = TransBits.row(y).data() + s.firstColumn;
+            const std::uint8_t* __restrict marks = grid.marks(y - s.firstRow);
             for (int x = 0; x < width; ++x)
                 out[x] = marked(out[x], marks[x], ink);
         });
@@ -77,16 +78,17 @@ void Class_Binarization::drawMarks(const BorderTraceGrid& grid, const Span& s, P
     TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
     forEachRowShared(context(), 0, ImageBits.height(), ImageBits.width(), [&](int y) {
         const auto in = ImageBits.row(y);
-        Pixel* out = TransBits.row(y).data();
+        Pixel* __restrict out = TransBits.row(y).data();
         if (y < s.firstRow || y >= s.endRow) {
             std::ranges::copy(in, out);
             return;
         }
-        const std::uint8_t* marks = grid.marks(y - s.firstRow);
+        const std::uint8_t* __restrict marks = grid.marks(y - s.firstRow);
+        const Pixel* __restrict source = in.data();
         std::copy_n(in.data(), s.firstColumn, out);
         for (int x = 0; x < width; ++x) {
             const auto i = static_cast<std::size_t>(s.firstColumn + x);
-            out[i] = marked(in[i], marks[x], ink);
+            out[i] = marked(source[i], marks[x], ink);
         }
         std::copy(in.begin() + s.endColumn, in.end(), out + s.endColumn);
     });

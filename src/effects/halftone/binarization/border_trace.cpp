@@ -84,19 +84,31 @@ BorderTraceGrid::BorderTraceGrid(RunContext& context, int width, int height)
     : width_(width), height_(height),
       neighbours_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)),
       marks_(neighbours_.size()) {
+    for (std::size_t d = 0; d < 8; ++d)
+        offsets_[d] = static_cast<std::ptrdiff_t>(Directions[d].dy) * width + Directions[d].dx;
+    for (std::size_t i = 0; i < Turns.size(); ++i) {
+        const Turn turn = Turns[i];
+        const Step d = Directions[turn.moved];
+        moves_[i] = {static_cast<std::int32_t>(d.dy * width + d.dx), turn.cost,
+                     static_cast<std::uint8_t>((turn.moved + 7) & 7)};
+    }
     forEachRowShared(context, 0, height_, width_, [&](int y) {
         std::fill_n(marks_.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width_),
                     width_, std::uint8_t{0});
     });
 }
 
-void BorderTraceGrid::neighbourRow(const std::uint8_t* up, const std::uint8_t* here,
-                                   const std::uint8_t* down, std::uint8_t* out) const {
+void BorderTraceGrid::neighbourRow(const std::uint8_t* __restrict up,
+                                   const std::uint8_t* __restrict here,
+                                   const std::uint8_t* __restrict down,
+                                   std::uint8_t* __restrict out) const {
+    // Foreground bytes are 0xFF, so each neighbour gives its bit by a
+    // mask: byte-wide, in vector registers.
     for (int x = 0; x < width_; ++x) {
-        const auto bits = static_cast<std::uint8_t>(down[x] | down[x + 1] << 1 | here[x + 1] << 2 |
-                                                    up[x + 1] << 3 | up[x] << 4 | up[x - 1] << 5 |
-                                                    here[x - 1] << 6 | down[x - 1] << 7);
-        out[x] = static_cast<std::uint8_t>(bits & (0u - here[x]));
+        const auto bits = static_cast<std::uint8_t>(
+            (down[x] & 0x01) | (down[x + 1] & 0x02) | (here[x + 1] & 0x04) | (up[x + 1] & 0x08) |
+            (up[x] & 0x10) | (up[x - 1] & 0x20) | (here[x - 1] & 0x40) | (down[x - 1] & 0x80));
+        out[x] = static_cast<std::uint8_t>(bits & here[x]);
     }
 }
 
@@ -107,20 +119,17 @@ void BorderTraceGrid::mark(std::ptrdiff_t at) {
 }
 
 // A trace that starts far enough from the top and left edges never
-// reaches them, so every step is a table look-up and one offset.
-void BorderTraceGrid::traceInside(std::ptrdiff_t start, int direction) {
-    const std::ptrdiff_t w = width_;
-    const std::array<std::ptrdiff_t, 8> offsets{w, w + 1, 1, 1 - w, -w, -w - 1, -1, w - 1};
+// reaches them, so every step is one look-up in the grid's move table.
+void BorderTraceGrid::traceInside(std::ptrdiff_t start, std::ptrdiff_t at, int direction,
+                                  int steps) {
     const std::uint8_t* neighbours = neighbours_.data();
-    std::ptrdiff_t at = start;
-    int steps = 0;
     for (;;) {
-        const Turn turn = Turns[static_cast<std::size_t>(neighbours[at]) * 8 +
-                                static_cast<std::size_t>(direction)];
-        steps += turn.cost;
-        if (turn.cost == 0 || steps > StepLimit) return;
-        at += offsets[turn.moved];
-        direction = (turn.moved + 7) & 7;
+        const Move move = moves_[static_cast<std::size_t>(neighbours[at]) * 8 +
+                                 static_cast<std::size_t>(direction)];
+        steps += move.cost;
+        if (move.cost == 0 || steps > StepLimit) return;
+        at += move.offset;
+        direction = move.next;
         mark(at);
         if (at == start) return;
     }
@@ -157,14 +166,30 @@ void BorderTraceGrid::traceRow(int y) {
     const bool rowInside = y > StepLimit;
     auto startAt = [&](int x) {
         const std::uint8_t n = row[x];
-        const bool inside = rowInside && x > StepLimit;
+        if (!rowInside || x <= StepLimit) {
+            for (const StartTest& t : StartTests) {
+                if (((n >> t.neighbour) & 1) == 0) traceNearEdge(x, y, t.firstDirection);
+            }
+            return;
+        }
+        // Traces whose first move goes the same way walk the same path
+        // from there on, and the one that turned least on the way keeps
+        // going longest: it alone makes all their marks.
+        std::array<int, 8> fewest;
+        fewest.fill(StepLimit + 1);
         for (const StartTest& t : StartTests) {
             if (((n >> t.neighbour) & 1) != 0) continue;
-            if (inside) {
-                traceInside(static_cast<std::ptrdiff_t>(y) * width_ + x, t.firstDirection);
-            } else {
-                traceNearEdge(x, y, t.firstDirection);
-            }
+            const Turn turn =
+                Turns[static_cast<std::size_t>(n) * 8 + static_cast<std::size_t>(t.firstDirection)];
+            int& best = fewest[turn.moved];
+            best = std::min<int>(best, turn.cost);
+        }
+        const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(y) * width_ + x;
+        for (int m = 0; m < 8; ++m) {
+            if (fewest[static_cast<std::size_t>(m)] > StepLimit) continue;
+            const std::ptrdiff_t at = start + offsets_[static_cast<std::size_t>(m)];
+            mark(at);
+            traceInside(start, at, (m + 7) & 7, fewest[static_cast<std::size_t>(m)]);
         }
     };
     // Columns 1 .. width - 2, eight at a time while they last.

@@ -5,6 +5,7 @@
 #include "engine/shared_rows.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -28,8 +29,8 @@ class BorderTraceGrid {
     // run's threads, the neighbour bytes wait for measure().
     BorderTraceGrid(RunContext& context, int width, int height);
 
-    // A new foreground: foregroundRow(y, out) writes width bytes, 0 or 1,
-    // for row y; it may read the marks. Rows are measured on the run's
+    // A new foreground: foregroundRow(y, out) writes width bytes, 0 or
+    // 0xFF for foreground, for row y; it may read the marks. Rows are measured on the run's
     // threads, each band rolling three rows of the foreground.
     template <typename ForegroundRow>
     void measure(RunContext& context, ForegroundRow&& foregroundRow) {
@@ -73,16 +74,30 @@ class BorderTraceGrid {
     [[nodiscard]] std::uint8_t* neighbours(int y) {
         return neighbours_.data() + static_cast<std::size_t>(y) * static_cast<std::size_t>(width_);
     }
-    // Rows up, here and down are readable at -1 and width, which are 0.
+    // Rows up, here and down (0 or 0xFF) are readable at -1 and width,
+    // which are 0.
     void neighbourRow(const std::uint8_t* up, const std::uint8_t* here, const std::uint8_t* down,
                       std::uint8_t* out) const;
     void traceRow(int y);
-    void traceInside(std::ptrdiff_t start, int direction);
+    // From the first move on: standing at at, facing direction, steps spent.
+    void traceInside(std::ptrdiff_t start, std::ptrdiff_t at, int direction, int steps);
     void traceNearEdge(int startX, int startY, int direction);
     void mark(std::ptrdiff_t at);
 
+    // What a trace does on a pixel by its neighbour byte and the direction
+    // it faces (byte * 8 + direction): the steps it spends turning and
+    // moving (0: it cannot move), the offset of its move, the direction it
+    // faces after it.
+    struct Move {
+        std::int32_t offset;
+        std::uint8_t cost;
+        std::uint8_t next;
+    };
+
     int width_;
     int height_;
+    std::array<Move, 256 * 8> moves_{};
+    std::array<std::ptrdiff_t, 8> offsets_{};
     Bytes neighbours_;
     Bytes marks_;
 };

@@ -118,20 +118,46 @@ void BorderTraceGrid::mark(std::ptrdiff_t at) {
         .store(1, std::memory_order_relaxed);
 }
 
-// A trace that starts far enough from the top and left edges never
-// reaches them, so every step is one look-up in the grid's move table.
-void BorderTraceGrid::traceInside(std::ptrdiff_t start, std::ptrdiff_t at, int direction,
-                                  int steps) {
+// Traces that start far enough from the top and left edges never reach
+// them, so every step is one look-up in the grid's move table. A trace is
+// a chain of dependent loads, so several run side by side, each step
+// without a branch: a lane that has stopped marks a spare byte.
+void BorderTraceGrid::walk(std::span<const Walk> walks) {
+    constexpr std::size_t Lanes = 4;
     const std::uint8_t* neighbours = neighbours_.data();
-    for (;;) {
-        const Move move = moves_[static_cast<std::size_t>(neighbours[at]) * 8 +
-                                 static_cast<std::size_t>(direction)];
-        steps += move.cost;
-        if (move.cost == 0 || steps > StepLimit) return;
-        at += move.offset;
-        direction = move.next;
-        mark(at);
-        if (at == start) return;
+    std::uint8_t* marks = marks_.data();
+    std::uint8_t spare = 0;
+    std::array<Walk, Lanes> lane{};
+    std::array<bool, Lanes> alive{};
+    std::size_t next = 0;
+    auto refill = [&](std::size_t k) {
+        if (next == walks.size()) return;
+        lane[k] = walks[next++];
+        alive[k] = true;
+    };
+    auto step = [&](std::size_t k) {
+        Walk& w = lane[k];
+        const Move move = moves_[static_cast<std::size_t>(neighbours[w.at]) * 8 +
+                                 static_cast<std::size_t>(w.direction)];
+        w.steps += move.cost;
+        const bool moves = alive[k] & (move.cost != 0) & (w.steps <= StepLimit);
+        const std::ptrdiff_t to = w.at + move.offset;
+        std::atomic_ref<std::uint8_t>(moves ? marks[to] : spare)
+            .store(1, std::memory_order_relaxed);
+        w.at = moves ? to : w.at;
+        w.direction = moves ? move.next : w.direction;
+        alive[k] = moves & (to != w.start);
+    };
+    for (std::size_t k = 0; k < Lanes; ++k)
+        refill(k);
+    while (alive[0] | alive[1] | alive[2] | alive[3]) {
+        step(0);
+        step(1);
+        step(2);
+        step(3);
+        for (std::size_t k = 0; k < Lanes; ++k) {
+            if (!alive[k]) refill(k);
+        }
     }
 }
 
@@ -161,9 +187,10 @@ void BorderTraceGrid::traceNearEdge(int startX, int startY, int direction) {
     }
 }
 
-void BorderTraceGrid::traceRow(int y) {
+void BorderTraceGrid::traceRow(int y, std::vector<Walk>& walks) {
     const std::uint8_t* row = neighbours(y);
     const bool rowInside = y > StepLimit;
+    walks.clear();
     auto startAt = [&](int x) {
         const std::uint8_t n = row[x];
         if (!rowInside || x <= StepLimit) {
@@ -186,10 +213,11 @@ void BorderTraceGrid::traceRow(int y) {
         }
         const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(y) * width_ + x;
         for (int m = 0; m < 8; ++m) {
-            if (fewest[static_cast<std::size_t>(m)] > StepLimit) continue;
+            const int steps = fewest[static_cast<std::size_t>(m)];
+            if (steps > StepLimit) continue;
             const std::ptrdiff_t at = start + offsets_[static_cast<std::size_t>(m)];
             mark(at);
-            traceInside(start, at, (m + 7) & 7, fewest[static_cast<std::size_t>(m)]);
+            walks.push_back({start, at, (m + 7) & 7, steps});
         }
     };
     // Columns 1 .. width - 2, eight at a time while they last.
@@ -207,7 +235,14 @@ void BorderTraceGrid::traceRow(int y) {
 }
 
 void BorderTraceGrid::trace(RunContext& context) {
-    forEachRowShared(context, 1, height_ - 1, width_, [&](int y) { traceRow(y); });
+    forEachBandShared(context, 1, height_ - 1, width_, [&](int first, int end) {
+        std::vector<Walk> walks;
+        walks.reserve(static_cast<std::size_t>(width_));
+        for (int y = first; y < end; ++y) {
+            traceRow(y, walks);
+            walk(walks);
+        }
+    });
 }
 
 } // namespace lumiran

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace lumiran {
@@ -78,9 +79,18 @@ class BorderTraceGrid {
     // which are 0.
     void neighbourRow(const std::uint8_t* up, const std::uint8_t* here, const std::uint8_t* down,
                       std::uint8_t* out) const;
-    void traceRow(int y);
-    // From the first move on: standing at at, facing direction, steps spent.
-    void traceInside(std::ptrdiff_t start, std::ptrdiff_t at, int direction, int steps);
+    // A trace from its first move on: standing at at, facing direction,
+    // steps spent.
+    struct Walk {
+        std::ptrdiff_t start;
+        std::ptrdiff_t at;
+        int direction;
+        int steps;
+    };
+    // The traces of row y: those near the edges at once, the others'
+    // first moves into walks.
+    void traceRow(int y, std::vector<Walk>& walks);
+    void walk(std::span<const Walk> walks);
     void traceNearEdge(int startX, int startY, int direction);
     void mark(std::ptrdiff_t at);
 

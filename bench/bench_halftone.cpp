@@ -191,6 +191,14 @@ void BM_Halftone_BorderFollowing(benchmark::State& state) {
 }
 BENCHMARK(BM_Halftone_BorderFollowing)->Unit(benchmark::kMillisecond);
 
+// Red, green and blue in turn, as the colour row runs them.
+void BM_Halftone_BorderFollowingColour(benchmark::State& state) {
+    runHalftone<Class_Binarization>(state, bench::photoLikePicture(), [](Class_Binarization& e) {
+        e.BorderFollowing_ColorInTurn(0, 128, 1, 0, 0, Side, Side);
+    });
+}
+BENCHMARK(BM_Halftone_BorderFollowingColour)->Unit(benchmark::kMillisecond);
+
 void BM_Halftone_FeaturePoints(benchmark::State& state) {
     runHalftone<Class_Binarization>(state, bench::photoLikePicture(), [](Class_Binarization& e) {
         e.FeaturePointExtract_Mono(0, 2, 40, 0, 0, 0, Side, Side, 0);

@@ -59,6 +59,38 @@ constexpr std::array<StartTest, 5> StartTests{{
     {0, 1}, // below
     {1, 2}, // below right
 }};
+// The walks a start pixel begins, by its neighbour byte. Traces whose
+// first move goes the same way walk the same path from there on, and the
+// one that turned least on the way keeps going longest: it alone makes
+// all their marks. So one walk per way out, with the fewest steps any of
+// the start tests spends on it.
+struct FirstMoves {
+    int count = 0;
+    std::array<std::uint8_t, 5> moved{};
+    std::array<std::uint8_t, 5> steps{};
+};
+constexpr auto FirstMovesOf = [] {
+    std::array<FirstMoves, 256> table{};
+    for (int n = 1; n < 256; ++n) {
+        std::array<int, 8> fewest{};
+        fewest.fill(StepLimit + 1);
+        for (const StartTest& t : StartTests) {
+            if (((n >> t.neighbour) & 1) != 0) continue;
+            const Turn turn = Turns[static_cast<std::size_t>(n * 8 + t.firstDirection)];
+            fewest[turn.moved] = std::min<int>(fewest[turn.moved], turn.cost);
+        }
+        FirstMoves& f = table[static_cast<std::size_t>(n)];
+        for (int m = 0; m < 8; ++m) {
+            if (fewest[static_cast<std::size_t>(m)] > StepLimit) continue;
+            f.moved[static_cast<std::size_t>(f.count)] = static_cast<std::uint8_t>(m);
+            f.steps[static_cast<std::size_t>(f.count)] =
+                static_cast<std::uint8_t>(fewest[static_cast<std::size_t>(m)]);
+            ++f.count;
+        }
+    }
+    return table;
+}();
+
 constexpr std::uint8_t StartBits = (1u << 6) | (1u << 2) | (1u << 7) | (1u << 0) | (1u << 1);
 
 static_assert(std::endian::native == std::endian::little, "a word's first byte is its lowest");
@@ -187,10 +219,9 @@ void BorderTraceGrid::traceNearEdge(int startX, int startY, int direction) {
     }
 }
 
-void BorderTraceGrid::traceRow(int y, std::vector<Walk>& walks) {
+void BorderTraceGrid::traceRow(int y, WalkQueue& queue) {
     const std::uint8_t* row = neighbours(y);
     const bool rowInside = y > StepLimit;
-    walks.clear();
     auto startAt = [&](int x) {
         const std::uint8_t n = row[x];
         if (!rowInside || x <= StepLimit) {
@@ -199,25 +230,18 @@ void BorderTraceGrid::traceRow(int y, std::vector<Walk>& walks) {
             }
             return;
         }
-        // Traces whose first move goes the same way walk the same path
-        // from there on, and the one that turned least on the way keeps
-        // going longest: it alone makes all their marks.
-        std::array<int, 8> fewest;
-        fewest.fill(StepLimit + 1);
-        for (const StartTest& t : StartTests) {
-            if (((n >> t.neighbour) & 1) != 0) continue;
-            const Turn turn =
-                Turns[static_cast<std::size_t>(n) * 8 + static_cast<std::size_t>(t.firstDirection)];
-            int& best = fewest[turn.moved];
-            best = std::min<int>(best, turn.cost);
+        const FirstMoves& first = FirstMovesOf[n];
+        if (queue.count + first.moved.size() > queue.walks.size()) {
+            walk({queue.walks.data(), queue.count});
+            queue.count = 0;
         }
         const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(y) * width_ + x;
-        for (int m = 0; m < 8; ++m) {
-            const int steps = fewest[static_cast<std::size_t>(m)];
-            if (steps > StepLimit) continue;
+        for (int i = 0; i < first.count; ++i) {
+            const int m = first.moved[static_cast<std::size_t>(i)];
             const std::ptrdiff_t at = start + offsets_[static_cast<std::size_t>(m)];
             mark(at);
-            walks.push_back({start, at, (m + 7) & 7, steps});
+            queue.walks[queue.count++] = {start, at, (m + 7) & 7,
+                                          first.steps[static_cast<std::size_t>(i)]};
         }
     };
     // Columns 1 .. width - 2, eight at a time while they last.
@@ -236,12 +260,10 @@ void BorderTraceGrid::traceRow(int y, std::vector<Walk>& walks) {
 
 void BorderTraceGrid::trace(RunContext& context) {
     forEachBandShared(context, 1, height_ - 1, width_, [&](int first, int end) {
-        std::vector<Walk> walks;
-        walks.reserve(static_cast<std::size_t>(width_));
-        for (int y = first; y < end; ++y) {
-            traceRow(y, walks);
-            walk(walks);
-        }
+        WalkQueue queue;
+        for (int y = first; y < end; ++y)
+            traceRow(y, queue);
+        walk({queue.walks.data(), queue.count});
     });
 }
 

@@ -87,9 +87,14 @@ class BorderTraceGrid {
         int direction;
         int steps;
     };
+    // Walks waiting to run, in a few thousand bytes.
+    struct WalkQueue {
+        std::array<Walk, 512> walks;
+        std::size_t count = 0;
+    };
     // The traces of row y: those near the edges at once, the others'
-    // first moves into walks.
-    void traceRow(int y, std::vector<Walk>& walks);
+    // first moves into the queue, which runs whenever it is full.
+    void traceRow(int y, WalkQueue& queue);
     void walk(std::span<const Walk> walks);
     void traceNearEdge(int startX, int startY, int direction);
     void mark(std::ptrdiff_t at);

@@ -182,11 +182,15 @@ void BorderTraceGrid::walk(std::span<const Walk> walks) {
     };
     for (std::size_t k = 0; k < Lanes; ++k)
         refill(k);
-    while (alive[0] | alive[1] | alive[2] | alive[3]) {
-        step(0);
-        step(1);
-        step(2);
-        step(3);
+    auto anyAlive = [&] {
+        bool any = false;
+        for (const bool a : alive)
+            any |= a;
+        return any;
+    };
+    while (anyAlive()) {
+        for (std::size_t k = 0; k < Lanes; ++k)
+            step(k);
         for (std::size_t k = 0; k < Lanes; ++k) {
             if (!alive[k]) refill(k);
         }

@@ -30,9 +30,10 @@ class BorderTraceGrid {
     // run's threads, the neighbour bytes wait for measure().
     BorderTraceGrid(RunContext& context, int width, int height);
 
-    // A new foreground: foregroundRow(y, out) writes width bytes, 0 or
-    // 0xFF for foreground, for row y; it may read the marks. Rows are measured on the run's
-    // threads, each band rolling three rows of the foreground.
+    // A new foreground: foregroundRow(y, out) writes width bytes for row
+    // y, 0xFF for foreground and 0 for background; it may read the marks.
+    // Rows are measured on the run's threads, each band rolling three rows
+    // of the foreground.
     template <typename ForegroundRow>
     void measure(RunContext& context, ForegroundRow&& foregroundRow) {
         const auto padded = static_cast<std::size_t>(width_) + 2;

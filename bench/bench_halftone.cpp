@@ -206,4 +206,12 @@ void BM_Halftone_FeaturePoints(benchmark::State& state) {
 }
 BENCHMARK(BM_Halftone_FeaturePoints)->Unit(benchmark::kMillisecond);
 
+// The colour form at the menu's defaults: red at 128, end points, radius 2.
+void BM_Halftone_FeaturePointsColour(benchmark::State& state) {
+    runHalftone<Class_Binarization>(state, bench::photoLikePicture(), [](Class_Binarization& e) {
+        e.FeaturePointExtract_Color(0, 2, 128, 0, 0, 0, Side, Side, 0);
+    });
+}
+BENCHMARK(BM_Halftone_FeaturePointsColour)->Unit(benchmark::kMillisecond);
+
 } // namespace

@@ -7,6 +7,10 @@ Rows come from bench/compare/<family>.txt, one per line:
     label | lumiran-cli arguments | ImageMagick command | GraphicsMagick command | vips command
 IN and OUT stand for the input and output paths, "-" for a tool without a
 nearest operation, and lines starting with # are comments.
+
+Every command runs once first, under /usr/bin/time, for its maximum RSS; a
+peer whose run took more than --slow-peers times the quickest peer's is not
+timed further (it cannot be the fastest) and shows as ~ms of that one run.
 """
 
 import argparse
@@ -19,6 +23,7 @@ import statistics
 import subprocess
 import sys
 import tempfile
+import time
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
@@ -69,13 +74,16 @@ def command_for(tool, field, binaries, source, output):
     return shlex.join(words)
 
 
-def max_rss_mib(command, env):
+def trial_run(command, env):
+    """(wall ms, max RSS MiB) of one run, either None when unknown."""
+    start = time.perf_counter()
     result = subprocess.run(["/usr/bin/time", "-f", "%M"] + shlex.split(command), env=env,
                             stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+    wall = (time.perf_counter() - start) * 1000
     try:
-        return int(result.stderr.strip().splitlines()[-1]) / 1024
+        return wall, int(result.stderr.strip().splitlines()[-1]) / 1024
     except (ValueError, IndexError):
-        return None
+        return wall, None
 
 
 def measure(commands, runs, env, work):
@@ -141,13 +149,20 @@ def measure_group(group, binaries, args, env, work, source, smallest, runs, work
             if not works[trial]:
                 print(f"<!-- {key[0] or group[0][0]}: {key[1]} failed -->", file=sys.stderr)
     commands = [(k, c) for k, c in commands if works[c.replace(str(source), str(smallest))]]
+    trials = {key: trial_run(c, env) for key, c in commands if show_rss or key[0] is None}
+    slow = {}
+    peer_walls = [trials[key][0] for key, _ in commands if key[0] is None]
+    if args.slow_peers and peer_walls:
+        limit = args.slow_peers * min(peer_walls)
+        slow = {key: trials[key][0] for key, _ in commands
+                if key[0] is None and trials[key][0] > limit}
+    commands = [(k, c) for k, c in commands if k not in slow]
     # hyperfine needs a distinct name for each command.
     names = {f"{key[1]}#{n}": key for n, (key, _) in enumerate(commands)}
     times, cpu = measure(list(zip(names, (c for _, c in commands))), runs, env, work)
-    rss = {}
-    if show_rss:
-        rss = {key: max_rss_mib(c, env) for key, c in commands}
-    return ({names[n]: t for n, t in times.items()}, {names[n]: t for n, t in cpu.items()}, rss)
+    rss = {key: trial[1] for key, trial in trials.items()} if show_rss else {}
+    return ({names[n]: t for n, t in times.items()}, {names[n]: t for n, t in cpu.items()}, rss,
+            slow)
 
 
 def main():
@@ -159,6 +174,9 @@ def main():
     parser.add_argument("--modes", default=",".join(MODES), help="plain and/or 'huge pages'")
     parser.add_argument("--runs", type=int, help="hyperfine runs per command (default by size)")
     parser.add_argument("--no-rss", action="store_true", help="skip the max RSS column")
+    parser.add_argument("--slow-peers", type=float, default=3.0,
+                        help="time no peer whose trial run takes more than this many times the "
+                             "quickest peer's (0 times them all)")
     parser.add_argument("files", nargs="*", type=Path,
                         help="row files (default: every bench/compare/*.txt)")
     args = parser.parse_args()
@@ -207,7 +225,7 @@ def main():
                         measured[peer_fields] = measure_group(group, binaries, args, env, work,
                                                               pictures[size], smallest, runs,
                                                               works, show_rss)
-                    times, cpu, rss = measured[peer_fields]
+                    times, cpu, rss, slow = measured[peer_fields]
                     mine = lambda tool: times.get((label, tool))
                     peers = {p: times[(None, p)] for p in PEERS if (None, p) in times}
                     fastest_peer = min(peers, key=peers.get, default=None)
@@ -216,7 +234,8 @@ def main():
                     cells = [label, format_ms(mine("lumiran"))]
                     if args.before:
                         cells.append(format_ms(mine("before")))
-                    cells += [format_ms(peers.get(p)) for p in PEERS]
+                    cells += ["~" + format_ms(slow[(None, p)]) if (None, p) in slow
+                              else format_ms(peers.get(p)) for p in PEERS]
                     cells.append(ratio(mine("lumiran")))
                     if args.before:
                         cells.append(ratio(mine("before")))

@@ -52,11 +52,16 @@ void registerBinarizationEffects(EffectDispatch& d) {
           }));
     // S1 the radius, S2 the threshold, the colour row the kind, the check
     // box the polarity.
-    add(DialogKind::Level, 46, [](E& e, V v, R r) {
+    // The points only read their source, which is lent; the result is made
+    // by the call, on the run's threads, alongside the scan.
+    const auto onSource = [&d](DialogKind dialog, int code, auto call) {
+        d.add(dialog, code, dispatch::onSourceWithOwnTrans<Class_Binarization>(call));
+    };
+    onSource(DialogKind::Level, 46, [](E& e, V v, R r) {
         e.FeaturePointExtract_Mono(value16(v.eType), slider(v, 1), slider(v, 2), value16(v.color),
                                    r.left, r.top, r.right, r.bottom, value16(v.check));
     });
-    add(DialogKind::Level, 47, [](E& e, V v, R r) {
+    onSource(DialogKind::Level, 47, [](E& e, V v, R r) {
         e.FeaturePointExtract_Color(value16(v.eType), slider(v, 1), slider(v, 2), value16(v.color),
                                     r.left, r.top, r.right, r.bottom, value16(v.check));
     });

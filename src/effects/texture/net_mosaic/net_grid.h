@@ -7,6 +7,8 @@
 #include "engine/random_generator.h"
 #include "engine/surface.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <new>
@@ -25,6 +27,40 @@ struct Area {
 };
 
 using Polyline = std::vector<CanvasPoint>;
+
+// The rows of the picture something reaches, both inclusive.
+struct RowReach {
+    int first = 0;
+    int last = -1;
+};
+
+// The generator's values drawn ahead in blocks (several made at once) and
+// handed out in order; the generator moves on by as many as were handed
+// out when this goes, so it ends where as many next() calls leave it.
+class DrawnAhead {
+  public:
+    explicit DrawnAhead(RandomGenerator& random) : random_(random), ahead_(random) {}
+    DrawnAhead(const DrawnAhead&) = delete;
+    DrawnAhead& operator=(const DrawnAhead&) = delete;
+    ~DrawnAhead() { random_.skip(used_); }
+
+    [[nodiscard]] double next() {
+        if (at_ == Block) {
+            ahead_.take(values_);
+            at_ = 0;
+        }
+        ++used_;
+        return values_[at_++];
+    }
+
+  private:
+    static constexpr std::size_t Block = 512;
+    RandomGenerator& random_;
+    RandomGenerator ahead_;
+    std::array<double, Block> values_{};
+    std::size_t at_ = Block;
+    std::uint64_t used_ = 0;
+};
 
 // Polylines end to end in one array: side i is points [starts[i], starts[i + 1]).
 // A 4096 x 4096 net holds some 20 MiB of points: picture memory, whose huge
@@ -48,6 +84,15 @@ class Sides {
     void add(CanvasPoint p) {
         push(p);
         ++starts_.back();
+    }
+    [[nodiscard]] std::size_t pointCount() const { return points_.size(); }
+    // The rows points [from, end) reach, joined to reach.
+    [[nodiscard]] RowReach rowsOf(std::size_t from, RowReach reach) const {
+        for (std::size_t i = from; i < points_.size(); ++i) {
+            reach.first = std::min(reach.first, points_[i].y);
+            reach.last = std::max(reach.last, points_[i].y);
+        }
+        return reach;
     }
     [[nodiscard]] std::span<const CanvasPoint> operator[](std::size_t i) const {
         return std::span<const CanvasPoint>(points_).subspan(starts_[i],
@@ -92,6 +137,15 @@ class Net {
     }
     [[nodiscard]] int vertexColumns() const { return columns_; }
     [[nodiscard]] int vertexRows() const { return rows_; }
+    // The rows that the level sides of row b of vertices reach, and those
+    // that the upright sides from it to row b + 1 reach (the last row's
+    // first vertex alone on the last row).
+    [[nodiscard]] RowReach levelReach(int b) const {
+        return reaches_[static_cast<std::size_t>(b)].level;
+    }
+    [[nodiscard]] RowReach uprightReach(int b) const {
+        return reaches_[static_cast<std::size_t>(b)].upright;
+    }
 
   private:
     [[nodiscard]] int reach(int noise) const;
@@ -103,6 +157,9 @@ class Net {
     [[nodiscard]] bool onBorderRow(int b) const { return b == 0 || b == rows_ - 1; }
     void reserveSides(int pointsPerSide);
     void straightSides();
+    // Notes the rows reached by the sides of row b of vertices, laid since
+    // the point counts were these; while they are still at hand.
+    void noteReaches(int b, std::size_t acrossFrom, std::size_t downFrom);
 
     Area area_;
     int size_ = 1;
@@ -111,6 +168,11 @@ class Net {
     std::vector<CanvasPoint, PictureAllocator<CanvasPoint>> vertices_;
     Sides across_; // from (a, b) to (a + 1, b), row-major
     Sides down_;   // from (a, b) to (a, b + 1), row-major
+    struct Reaches {
+        RowReach level;
+        RowReach upright;
+    };
+    std::vector<Reaches> reaches_; // by row of vertices
 };
 
 } // namespace lumiran::net

@@ -161,8 +161,7 @@ void Net::scatter(int noise, RandomGenerator& generator) {
     }
     // Sides on the area's border stay straight, so the cells cover it.
     const double amplitude = std::min(noise, size_) / 4.0;
-    // Sides of size pixels split into pieces of 2 to 3 pixels.
-    reserveSides(std::max(2, size_ / 2 + 2));
+    reserveSides(bentPointsPerSide());
     // Sides span up to two blocks across and one down, and their halves less.
     const Directions directions(std::min(2 * size_ + 2, 40));
     for (int b = 0; b < rows_; ++b) {

@@ -86,6 +86,11 @@ class Sides {
         ++starts_.back();
     }
     [[nodiscard]] std::size_t pointCount() const { return points_.size(); }
+    // The memory reserved for the points and the starts.
+    [[nodiscard]] std::array<std::span<const std::byte>, 2> reserved() const {
+        return {std::as_bytes(std::span(points_.data(), points_.capacity())),
+                std::as_bytes(std::span(starts_.data(), starts_.capacity()))};
+    }
     // The rows points [from, end) reach, joined to reach.
     [[nodiscard]] RowReach rowsOf(std::size_t from, RowReach reach) const {
         for (std::size_t i = from; i < points_.size(); ++i) {
@@ -115,6 +120,15 @@ class Net {
     // column on the area's far sides. Border vertices move only along their
     // border. The sides are laid by scatter() or snapToEdges().
     Net(const Area& area, int size);
+
+    // Reserves the memory the sides will take, bent (scatter) or straight
+    // (snapToEdges), so that its pages can be faulted in beside the laying.
+    void reserveSidesFor(bool bent) { reserveSides(bent ? bentPointsPerSide() : 2); }
+    [[nodiscard]] std::array<std::span<const std::byte>, 4> sideMemory() const {
+        const auto across = across_.reserved();
+        const auto down = down_.reserved();
+        return {across[0], across[1], down[0], down[1]};
+    }
 
     // Type 0: each vertex moved by round((Rnd - 0.5) noise) across, then
     // down, and each side displaced at its midpoints, recursively.
@@ -156,6 +170,8 @@ class Net {
     [[nodiscard]] bool onBorderColumn(int a) const { return a == 0 || a == columns_ - 1; }
     [[nodiscard]] bool onBorderRow(int b) const { return b == 0 || b == rows_ - 1; }
     void reserveSides(int pointsPerSide);
+    // Sides of size pixels split into pieces of 2 to 3 pixels.
+    [[nodiscard]] int bentPointsPerSide() const { return std::max(2, size_ / 2 + 2); }
     void straightSides();
     // Notes the rows reached by the sides of row b of vertices, laid since
     // the point counts were these; while they are still at hand.

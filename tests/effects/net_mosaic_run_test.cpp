@@ -1,12 +1,14 @@
-// "Tile Wall Net" draws in place on a picture the run lends it whole: the
-// command line's one-shot run must leave the document as the editor's run,
-// which draws over a copy in kept picture 1, does.
+// "Tile Wall Net" draws in place on a picture the run lends it whole, and
+// "Fractal Mosaic" writes its means there: the command line's one-shot run
+// must leave the document as the editor's run, which makes the result in
+// kept picture 1, does.
 #include "catalogue/effect_dispatch.h"
 #include "catalogue/effect_table.h"
 #include "shell/effect_run.h"
 #include "test_support.h"
 
 #include <gtest/gtest.h>
+#include <string>
 
 namespace lumiran {
 namespace {
@@ -23,8 +25,10 @@ Surface runOn(const Surface& picture, const EffectPlan& plan, bool oneShot, Area
     return document.picture;
 }
 
-TEST(NetMosaicRun, TheOneShotRunDrawsTheSameJointsInPlace) {
-    const EffectEntry* entry = findEffect("Tile Wall Net");
+class NetMosaicRun : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(NetMosaicRun, TheOneShotRunLeavesWhatTheEditorsRunLeaves) {
+    const EffectEntry* entry = findEffect(GetParam());
     ASSERT_NE(entry, nullptr);
     Surface picture = testing::makeVariedPicture(61, 47);
     // Spare bytes the result must keep.
@@ -43,6 +47,14 @@ TEST(NetMosaicRun, TheOneShotRunDrawsTheSameJointsInPlace) {
         }
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(NetMosaics, NetMosaicRun,
+                         ::testing::Values("Tile Wall Net", "Fractal Mosaic"),
+                         [](const auto& param) {
+                             std::string name = param.param;
+                             std::erase(name, ' ');
+                             return name;
+                         });
 
 } // namespace
 } // namespace lumiran

@@ -435,12 +435,15 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         });
         const int height = area.bottom - area.top;
         const Bands rowBands = bandsOf(height, width, 4);
+        Surface& result = result_ != nullptr && result_->sameSize(target) && result_ != &cells
+                              ? *result_
+                              : target;
         inBands(rowBands, [&](int, int k) {
             const int first = area.top + k * rowBands.unitsPerBand;
             const int end = std::min(area.bottom, first + rowBands.unitsPerBand);
             for (int y = first; y < end; ++y) {
                 const auto numbers = areaRow(cells, y);
-                const auto out = areaRow(target, y);
+                const auto out = areaRow(result, y);
                 for (std::size_t i = 0; i < out.size(); ++i)
                     out[i] = (out[i] & 0xFF000000u) | means[numbers[i] & NumberBytes];
             }

@@ -50,7 +50,8 @@ void fillWithBackground(RunContext& context, const Surface& source, Surface& pic
 
 // A case whose call draws from kept picture 0 over kept picture 1 in the
 // background colour, that fill made here on every thread, not by the run,
-// and left to the call in the rectangle, which it takes as filled.
+// and left to the call in the rectangle, which it takes as filled. Only
+// "Fractal Mosaic" takes this shape now.
 template <typename Call>
 EffectPlanner overBackground(Call call) {
     return [call](const ControlValues& v) {
@@ -59,7 +60,11 @@ EffectPlanner overBackground(Call call) {
                                holeOf(run.rect, run.keptPicture0));
             Class_NetMosaic net(run.context);
             net.takeRectangleAsFilled(toPixel(run.context.flags.backColor));
+            // Where the run lends the picture for the whole result, the means
+            // go straight into it: no raster step over the whole picture.
+            if (run.resultMayStayInKeptPicture0) net.putResultInto(run.keptPicture0);
             call(net, v, run);
+            if (run.resultMayStayInKeptPicture0) run.keptPicture1 = Surface();
         }});
     };
 }

@@ -112,6 +112,14 @@ int Net::reach(int noise) const {
     return std::clamp(std::min(noise / 2, (size_ - 1) / 2), 0, size_);
 }
 
+double Net::expectedPointsPerSide(int noise) const {
+    double pieces = 1;
+    for (double amplitude = std::min(noise, size_) / 4.0; amplitude >= 0.5 && pieces < size_;
+         amplitude /= 2)
+        pieces *= 2;
+    return 1 + std::min(pieces, std::max(1.0, size_ / 2.0));
+}
+
 void Net::reserveSides(int pointsPerSide) {
     const auto count = [&](std::size_t sides) {
         return std::pair{sides, sides * static_cast<std::size_t>(pointsPerSide)};

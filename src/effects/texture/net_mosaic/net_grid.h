@@ -86,9 +86,12 @@ class Sides {
         ++starts_.back();
     }
     [[nodiscard]] std::size_t pointCount() const { return points_.size(); }
-    // The memory reserved for the points and the starts.
-    [[nodiscard]] std::array<std::span<const std::byte>, 2> reserved() const {
-        return {std::as_bytes(std::span(points_.data(), points_.capacity())),
+    // The memory reserved for the points, as much as pointsPerSide a side
+    // would take, and for the starts.
+    [[nodiscard]] std::array<std::span<const std::byte>, 2> reserved(double pointsPerSide) const {
+        const auto expected = static_cast<std::size_t>(
+            pointsPerSide * static_cast<double>(starts_.capacity() - 1) + 1);
+        return {std::as_bytes(std::span(points_.data(), std::min(expected, points_.capacity()))),
                 std::as_bytes(std::span(starts_.data(), starts_.capacity()))};
     }
     // The rows points [from, end) reach, joined to reach.
@@ -124,9 +127,12 @@ class Net {
     // Reserves the memory the sides will take, bent (scatter) or straight
     // (snapToEdges), so that its pages can be faulted in beside the laying.
     void reserveSidesFor(bool bent) { reserveSides(bent ? bentPointsPerSide() : 2); }
-    [[nodiscard]] std::array<std::span<const std::byte>, 4> sideMemory() const {
-        const auto across = across_.reserved();
-        const auto down = down_.reserved();
+    // The part of that memory the sides are expected to fill: faulting in
+    // the rest would clear pages for nothing.
+    [[nodiscard]] std::array<std::span<const std::byte>, 4> sideMemory(bool bent, int noise) const {
+        const double perSide = bent ? expectedPointsPerSide(noise) : 2;
+        const auto across = across_.reserved(perSide);
+        const auto down = down_.reserved(perSide);
         return {across[0], across[1], down[0], down[1]};
     }
 
@@ -172,6 +178,9 @@ class Net {
     void reserveSides(int pointsPerSide);
     // Sides of size pixels split into pieces of 2 to 3 pixels.
     [[nodiscard]] int bentPointsPerSide() const { return std::max(2, size_ / 2 + 2); }
+    // A little over the mean that scatter gives: the first point and a
+    // piece for each split amplitude, at most one every two pixels.
+    [[nodiscard]] double expectedPointsPerSide(int noise) const;
     void straightSides();
     // Notes the rows reached by the sides of row b of vertices, laid since
     // the point counts were these; while they are still at hand.

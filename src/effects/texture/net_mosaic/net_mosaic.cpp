@@ -151,7 +151,7 @@ net::Net Class_NetMosaic::layAlongside(const net::Area& area, std::int16_t block
         return net;
     }
     // The memory of the sides, faulted in ahead of the laying thread.
-    const auto sideMemory = net.sideMemory();
+    const auto sideMemory = net.sideMemory(type == 0, noise);
     constexpr int Chunk = 16;
     std::atomic<int> next{area.top};
     std::exception_ptr failure;

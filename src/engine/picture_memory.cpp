@@ -141,6 +141,18 @@ void prepareKeptPictureMemory(std::span<const std::size_t> buffers) {
     }
 }
 
+void faultInPictureMemory(std::span<const std::byte> buffer) noexcept {
+#ifdef MADV_POPULATE_WRITE
+    constexpr std::uintptr_t page = 4096;
+    const auto start = reinterpret_cast<std::uintptr_t>(buffer.data()) & ~(page - 1);
+    const auto end = reinterpret_cast<std::uintptr_t>(buffer.data() + buffer.size());
+    if (buffer.empty() || end <= start) return;
+    (void)madvise(reinterpret_cast<void*>(start), end - start, MADV_POPULATE_WRITE);
+#else
+    (void)buffer;
+#endif
+}
+
 void releasePictureMemory(void* memory, std::size_t bytes) noexcept {
     if (memory == nullptr) return;
     if (bytes < HugePageBytes) {

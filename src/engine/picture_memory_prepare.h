@@ -13,4 +13,9 @@ namespace lumiran {
 // (keepReleasedPictureMemory), and for small buffers.
 void prepareKeptPictureMemory(std::span<const std::size_t> buffers);
 
+// Faults in the pages of a buffer without writing them: another thread
+// that is about to fill it then finds its pages ready. Safe beside that
+// thread's writes; advice only.
+void faultInPictureMemory(std::span<const std::byte> buffer) noexcept;
+
 } // namespace lumiran

@@ -76,7 +76,7 @@ void EffectRun::execute(const EffectBody& body, ProgressSink* progress) {
     context_.progress = progress;
     Surface& kept0 = state_.keep.keptPicture0;
     Surface& kept1 = state_.keep.keptPicture1;
-    EffectInvocation invocation{context_, kept0, kept1, rect_};
+    EffectInvocation invocation{context_, kept0, kept1, rect_, documentLent_};
     try {
         if (!replacesKeptPicture1(body)) {
             kept1 = Surface(kept0.width(), kept0.height(), toPixel(context_.flags.backColor));
@@ -107,6 +107,8 @@ RunOutcome EffectRun::finish(bool keepObjects) {
         state_.cancelFlag = 0;
         outcome_ = RunOutcome::Cancelled;
     } else if (documentLent_) {
+        // An empty kept picture 1 lays nothing: the result stayed in kept
+        // picture 0.
         rasterStep(context_.flags.rasterOpFlag, keep.keptPicture1, keep.keptPicture0, rect_);
         document_.picture = std::move(keep.keptPicture0);
     } else {

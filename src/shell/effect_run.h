@@ -18,6 +18,11 @@ struct EffectInvocation {
     Surface& keptPicture0;
     Surface& keptPicture1;
     ProcessRect rect;
+    // Kept picture 0 is the document's own picture, lent to a one-shot run
+    // whose result a plain copy lays over the whole of it: a body that
+    // writes every pixel from the pixel itself may then work there in place
+    // and leave kept picture 1 empty, which lays nothing over it.
+    bool resultMayStayInKeptPicture0 = false;
 };
 
 // The class calls of one effect, as OK would make them.

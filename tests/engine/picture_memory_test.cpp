@@ -1,5 +1,7 @@
 // Released picture mappings kept for reuse: only for the same size, only as
-// many as asked for, and none by default.
+// many as asked for, and none by default; buffers faulted in keep what
+// they hold.
+#include "engine/picture_memory_prepare.h"
 #include "engine/picture_memory_reuse.h"
 
 #include <gtest/gtest.h>
@@ -49,6 +51,28 @@ TEST(PictureMemory, KeepingWhileARunLastsRestoresTheLimitFound) {
         EXPECT_EQ(keptPictureMemoryLimit(), c.before);
     }
     keepReleasedPictureMemory(0);
+}
+
+TEST(PictureMemory, FaultingInKeepsWhatTheBufferHolds) {
+    // Huge-page and heap buffers, written in part, faulted in whole and
+    // from an odd offset: what was written stays, the rest reads as zero.
+    for (const std::size_t bytes : {std::size_t{3000}, HugePageBytes + 4096 * 3 + 5}) {
+        auto* memory = static_cast<std::byte*>(allocatePictureMemory(bytes));
+        ASSERT_NE(memory, nullptr);
+        const std::span<std::byte> buffer(memory, bytes);
+        const std::size_t written = bytes / 3;
+        for (std::size_t i = 0; i < written; ++i)
+            buffer[i] = static_cast<std::byte>(i * 7 + 1);
+        faultInPictureMemory(buffer.subspan(1));
+        faultInPictureMemory(buffer);
+        for (std::size_t i = 0; i < written; ++i)
+            ASSERT_EQ(buffer[i], static_cast<std::byte>(i * 7 + 1)) << bytes << " at " << i;
+        if (bytes >= HugePageBytes) {
+            for (std::size_t i = written; i < bytes; i += 4093)
+                ASSERT_EQ(buffer[i], std::byte{0}) << bytes << " at " << i;
+        }
+        releasePictureMemory(memory, bytes);
+    }
 }
 
 } // namespace

@@ -79,35 +79,18 @@ constexpr TraceTable Traces;
 
 NetReaches reachesOf(const Net& net) {
     const auto rows = static_cast<std::size_t>(net.vertexRows());
-    const auto span = [](std::span<const CanvasPoint> side, RowReach reach) {
-        for (const CanvasPoint& p : side) {
-            reach.first = std::min(reach.first, p.y);
-            reach.last = std::max(reach.last, p.y);
-        }
-        return reach;
-    };
     const auto join = [](RowReach r, RowReach s) {
         return RowReach{std::min(r.first, s.first), std::max(r.last, s.last)};
     };
-    // Each side once: the level ones of each row of vertices, then the
-    // upright ones from it.
-    std::vector<RowReach> level(rows);
     NetReaches reaches{std::vector<RowReach>(rows),
                        std::vector<RowReach>(static_cast<std::size_t>(net.cellRows()))};
     for (std::size_t b = 0; b < rows; ++b) {
-        const int y = net.across(0, static_cast<int>(b)).front().y;
-        RowReach reach{y, y};
-        for (int a = 0; a < net.cellColumns(); ++a)
-            reach = span(net.across(a, static_cast<int>(b)), reach);
-        level[b] = reach;
-        if (b + 1 < rows) {
-            for (int a = 0; a < net.vertexColumns(); ++a)
-                reach = span(net.down(a, static_cast<int>(b)), reach);
-        }
-        reaches.sides[b] = reach;
+        const int row = static_cast<int>(b);
+        reaches.sides[b] =
+            b + 1 < rows ? join(net.levelReach(row), net.uprightReach(row)) : net.levelReach(row);
     }
     for (std::size_t b = 0; b + 1 < rows; ++b)
-        reaches.cells[b] = join(reaches.sides[b], level[b + 1]);
+        reaches.cells[b] = join(reaches.sides[b], net.levelReach(static_cast<int>(b + 1)));
     return reaches;
 }
 
@@ -265,9 +248,9 @@ bool tracePieces(std::span<const CanvasPoint> side, const Area& clip, Paint pain
             const bool xMajor = std::abs(dx) >= std::abs(dy);
             const int step = (xMajor ? dx : dy) > 0 ? 1 : -1;
             const std::size_t steps = Traces.index(n, xMajor ? dy : dx, 0);
-            for (int i = 0; i < n; ++i) {
-                const int along = step * i;
-                const int across = Traces.offsets[steps + static_cast<std::size_t>(i)];
+            for (int k = 0; k < n; ++k) {
+                const int along = step * k;
+                const int across = Traces.offsets[steps + static_cast<std::size_t>(k)];
                 const int x = p.x + (xMajor ? along : across);
                 const int y = p.y + (xMajor ? across : along);
                 if (y >= clip.top && y < clip.bottom && x >= clip.left && x < clip.right)

@@ -11,12 +11,6 @@
 
 namespace lumiran::net {
 
-// The rows of the picture something reaches, both inclusive.
-struct RowReach {
-    int first = 0;
-    int last = -1;
-};
-
 struct NetReaches {
     // For each row b of vertices: its level sides and the upright ones from
     // it to row b + 1.

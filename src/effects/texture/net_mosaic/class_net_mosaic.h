@@ -39,16 +39,23 @@ class Class_NetMosaic : public PixelFrame {
     // background: Mosaic_Net takes it as filled with this colour (it reads
     // only the spare bytes there) and writes it whole.
     void takeRectangleAsFilled(Pixel background) { rectangleFill_ = background; }
+    // Mosaic_Net writes its result's colour bytes into this picture (of the
+    // target's size, its spare bytes kept) instead of the target, which is
+    // then only its work picture: for a run that lends the source picture.
+    void putResultInto(Surface& picture) { result_ = &picture; }
 
   private:
     std::optional<Pixel> rectangleFill_;
+    Surface* result_ = nullptr;
     // Lays the net on one thread while the others prepare the area's rows
     // (prepareRow(y)) from the top, and then helps them: the first touch of
-    // the target's pages costs about as much as laying the net.
-    template <typename PrepareRow>
-    std::optional<net::Net> layAlongside(const net::Area& area, std::int16_t blockSize,
-                                         std::int16_t noise, std::uint8_t type,
-                                         const Surface& source, PrepareRow&& prepareRow);
+    // the target's pages costs about as much as laying the net. The second
+    // thread first faults in the net's memory and calls aside(net), which
+    // may read the net's size only.
+    template <typename PrepareRow, typename Aside>
+    net::Net layAlongside(const net::Area& area, std::int16_t blockSize, std::int16_t noise,
+                          std::uint8_t type, const Surface& source, PrepareRow&& prepareRow,
+                          Aside&& aside);
     struct Bands {
         int workers = 1;
         int unitsPerBand = 1;

@@ -54,21 +54,42 @@ class Directions {
 };
 
 // The midpoints of a side moved across it by up to amplitude, then the
-// halves with half the amplitude, down to pieces of a few pixels.
-void displace(CanvasPoint from, CanvasPoint to, double amplitude, RandomGenerator& random,
+// halves with half the amplitude, down to pieces of a few pixels; the
+// points after from go to out. Depth first, the first half before the
+// second, each split drawing before its halves.
+void displace(CanvasPoint from, CanvasPoint to, double amplitude, DrawnAhead& random,
               const Directions& directions, Sides& out) {
-    const int dx = to.x - from.x;
-    const int dy = to.y - from.y;
-    if (std::max(std::abs(dx), std::abs(dy)) < 4 || amplitude < 0.5) {
-        out.add(to);
-        return;
+    // Amplitudes start below 2^13 and halve down to 0.5: at most 15
+    // halves wait at once.
+    struct Half {
+        CanvasPoint to;
+        double amplitude;
+    };
+    std::array<Half, 32> waiting;
+    std::size_t count = 0;
+    for (;;) {
+        const int dx = to.x - from.x;
+        const int dy = to.y - from.y;
+        if (std::max(std::abs(dx), std::abs(dy)) < 4 || amplitude < 0.5 ||
+            count == waiting.size()) {
+            out.add(to);
+            if (count == 0) return;
+            from = to;
+            --count;
+            to = waiting[count].to;
+            amplitude = waiting[count].amplitude;
+            continue;
+        }
+        const Directions::Parts along = directions.of(dx, dy);
+        const double shift = (random.next() * 2 - 1) * amplitude;
+        // Within a few thousand pixels of the picture: no overflow to guard.
+        const CanvasPoint middle{
+            static_cast<int>(roundHalfEvenInRange((from.x + to.x) / 2.0 - along.y * shift)),
+            static_cast<int>(roundHalfEvenInRange((from.y + to.y) / 2.0 + along.x * shift))};
+        amplitude /= 2;
+        waiting[count++] = {to, amplitude};
+        to = middle;
     }
-    const Directions::Parts along = directions.of(dx, dy);
-    const double shift = (random.next() * 2 - 1) * amplitude;
-    const CanvasPoint middle{roundTo<int>((from.x + to.x) / 2.0 - along.y * shift),
-                             roundTo<int>((from.y + to.y) / 2.0 + along.x * shift)};
-    displace(from, middle, amplitude / 2, random, directions, out);
-    displace(middle, to, amplitude / 2, random, directions, out);
 }
 
 } // namespace
@@ -79,6 +100,7 @@ Net::Net(const Area& area, int size) : area_(area), size_(size) {
     columns_ = cellsAcross + 1;
     rows_ = cellsDown + 1;
     vertices_.resize(static_cast<std::size_t>(columns_) * rows_);
+    reaches_.resize(static_cast<std::size_t>(rows_));
     for (int b = 0; b < rows_; ++b) {
         for (int a = 0; a < columns_; ++a)
             vertex(a, b) = {std::min(area.left + a * size, area.right - 1),
@@ -88,6 +110,14 @@ Net::Net(const Area& area, int size) : area_(area), size_(size) {
 
 int Net::reach(int noise) const {
     return std::clamp(std::min(noise / 2, (size_ - 1) / 2), 0, size_);
+}
+
+double Net::expectedPointsPerSide(int noise) const {
+    double pieces = 1;
+    for (double amplitude = std::min(noise, size_) / 4.0; amplitude >= 0.5 && pieces < size_;
+         amplitude /= 2)
+        pieces *= 2;
+    return 1 + std::min(pieces, std::max(1.0, size_ / 2.0));
 }
 
 void Net::reserveSides(int pointsPerSide) {
@@ -100,9 +130,17 @@ void Net::reserveSides(int pointsPerSide) {
     down_.reserve(count(static_cast<std::size_t>(columns_) * (rows_ - 1)));
 }
 
+void Net::noteReaches(int b, std::size_t acrossFrom, std::size_t downFrom) {
+    const int y = vertex(0, b).y;
+    const RowReach level = across_.rowsOf(acrossFrom, {y, y});
+    reaches_[static_cast<std::size_t>(b)] = {level, down_.rowsOf(downFrom, {y, y})};
+}
+
 void Net::straightSides() {
     reserveSides(2);
     for (int b = 0; b < rows_; ++b) {
+        const std::size_t acrossFrom = across_.pointCount();
+        const std::size_t downFrom = down_.pointCount();
         for (int a = 0; a < columns_; ++a) {
             if (a + 1 < columns_) {
                 across_.open(vertex(a, b));
@@ -113,10 +151,12 @@ void Net::straightSides() {
                 down_.add(vertex(a, b + 1));
             }
         }
+        noteReaches(b, acrossFrom, downFrom);
     }
 }
 
-void Net::scatter(int noise, RandomGenerator& random) {
+void Net::scatter(int noise, RandomGenerator& generator) {
+    DrawnAhead random(generator);
     const int limit = reach(noise);
     for (int b = 0; b < rows_; ++b) {
         for (int a = 0; a < columns_; ++a) {
@@ -129,11 +169,12 @@ void Net::scatter(int noise, RandomGenerator& random) {
     }
     // Sides on the area's border stay straight, so the cells cover it.
     const double amplitude = std::min(noise, size_) / 4.0;
-    // Sides of size pixels split into pieces of 2 to 3 pixels.
-    reserveSides(std::max(2, size_ / 2 + 2));
+    reserveSides(bentPointsPerSide());
     // Sides span up to two blocks across and one down, and their halves less.
     const Directions directions(std::min(2 * size_ + 2, 40));
     for (int b = 0; b < rows_; ++b) {
+        const std::size_t acrossFrom = across_.pointCount();
+        const std::size_t downFrom = down_.pointCount();
         for (int a = 0; a < columns_; ++a) {
             if (a + 1 < columns_) {
                 across_.open(vertex(a, b));
@@ -146,6 +187,7 @@ void Net::scatter(int noise, RandomGenerator& random) {
                          directions, down_);
             }
         }
+        noteReaches(b, acrossFrom, downFrom);
     }
 }
 

@@ -7,6 +7,8 @@
 #include "engine/random_generator.h"
 #include "engine/surface.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <new>
@@ -25,6 +27,40 @@ struct Area {
 };
 
 using Polyline = std::vector<CanvasPoint>;
+
+// The rows of the picture something reaches, both inclusive.
+struct RowReach {
+    int first = 0;
+    int last = -1;
+};
+
+// The generator's values drawn ahead in blocks (several made at once) and
+// handed out in order; the generator moves on by as many as were handed
+// out when this goes, so it ends where as many next() calls leave it.
+class DrawnAhead {
+  public:
+    explicit DrawnAhead(RandomGenerator& random) : random_(random), ahead_(random) {}
+    DrawnAhead(const DrawnAhead&) = delete;
+    DrawnAhead& operator=(const DrawnAhead&) = delete;
+    ~DrawnAhead() { random_.skip(used_); }
+
+    [[nodiscard]] double next() {
+        if (at_ == Block) {
+            ahead_.take(values_);
+            at_ = 0;
+        }
+        ++used_;
+        return values_[at_++];
+    }
+
+  private:
+    static constexpr std::size_t Block = 512;
+    RandomGenerator& random_;
+    RandomGenerator ahead_;
+    std::array<double, Block> values_{};
+    std::size_t at_ = Block;
+    std::uint64_t used_ = 0;
+};
 
 // Polylines end to end in one array: side i is points [starts[i], starts[i + 1]).
 // A 4096 x 4096 net holds some 20 MiB of points: picture memory, whose huge
@@ -49,6 +85,23 @@ class Sides {
         push(p);
         ++starts_.back();
     }
+    [[nodiscard]] std::size_t pointCount() const { return points_.size(); }
+    // The memory reserved for the points, as much as pointsPerSide a side
+    // would take, and for the starts.
+    [[nodiscard]] std::array<std::span<const std::byte>, 2> reserved(double pointsPerSide) const {
+        const auto expected = static_cast<std::size_t>(
+            pointsPerSide * static_cast<double>(starts_.capacity() - 1) + 1);
+        return {std::as_bytes(std::span(points_.data(), std::min(expected, points_.capacity()))),
+                std::as_bytes(std::span(starts_.data(), starts_.capacity()))};
+    }
+    // The rows points [from, end) reach, joined to reach.
+    [[nodiscard]] RowReach rowsOf(std::size_t from, RowReach reach) const {
+        for (std::size_t i = from; i < points_.size(); ++i) {
+            reach.first = std::min(reach.first, points_[i].y);
+            reach.last = std::max(reach.last, points_[i].y);
+        }
+        return reach;
+    }
     [[nodiscard]] std::span<const CanvasPoint> operator[](std::size_t i) const {
         return std::span<const CanvasPoint>(points_).subspan(starts_[i],
                                                              starts_[i + 1] - starts_[i]);
@@ -71,6 +124,18 @@ class Net {
     // border. The sides are laid by scatter() or snapToEdges().
     Net(const Area& area, int size);
 
+    // Reserves the memory the sides will take, bent (scatter) or straight
+    // (snapToEdges), so that its pages can be faulted in beside the laying.
+    void reserveSidesFor(bool bent) { reserveSides(bent ? bentPointsPerSide() : 2); }
+    // The part of that memory the sides are expected to fill: faulting in
+    // the rest would clear pages for nothing.
+    [[nodiscard]] std::array<std::span<const std::byte>, 4> sideMemory(bool bent, int noise) const {
+        const double perSide = bent ? expectedPointsPerSide(noise) : 2;
+        const auto across = across_.reserved(perSide);
+        const auto down = down_.reserved(perSide);
+        return {across[0], across[1], down[0], down[1]};
+    }
+
     // Type 0: each vertex moved by round((Rnd - 0.5) noise) across, then
     // down, and each side displaced at its midpoints, recursively.
     void scatter(int noise, RandomGenerator& random);
@@ -92,6 +157,15 @@ class Net {
     }
     [[nodiscard]] int vertexColumns() const { return columns_; }
     [[nodiscard]] int vertexRows() const { return rows_; }
+    // The rows that the level sides of row b of vertices reach, and those
+    // that the upright sides from it to row b + 1 reach (the last row's
+    // first vertex alone on the last row).
+    [[nodiscard]] RowReach levelReach(int b) const {
+        return reaches_[static_cast<std::size_t>(b)].level;
+    }
+    [[nodiscard]] RowReach uprightReach(int b) const {
+        return reaches_[static_cast<std::size_t>(b)].upright;
+    }
 
   private:
     [[nodiscard]] int reach(int noise) const;
@@ -102,7 +176,15 @@ class Net {
     [[nodiscard]] bool onBorderColumn(int a) const { return a == 0 || a == columns_ - 1; }
     [[nodiscard]] bool onBorderRow(int b) const { return b == 0 || b == rows_ - 1; }
     void reserveSides(int pointsPerSide);
+    // Sides of size pixels split into pieces of 2 to 3 pixels.
+    [[nodiscard]] int bentPointsPerSide() const { return std::max(2, size_ / 2 + 2); }
+    // A little over the mean that scatter gives: the first point and a
+    // piece for each split amplitude, at most one every two pixels.
+    [[nodiscard]] double expectedPointsPerSide(int noise) const;
     void straightSides();
+    // Notes the rows reached by the sides of row b of vertices, laid since
+    // the point counts were these; while they are still at hand.
+    void noteReaches(int b, std::size_t acrossFrom, std::size_t downFrom);
 
     Area area_;
     int size_ = 1;
@@ -111,6 +193,11 @@ class Net {
     std::vector<CanvasPoint, PictureAllocator<CanvasPoint>> vertices_;
     Sides across_; // from (a, b) to (a + 1, b), row-major
     Sides down_;   // from (a, b) to (a, b + 1), row-major
+    struct Reaches {
+        RowReach level;
+        RowReach upright;
+    };
+    std::vector<Reaches> reaches_; // by row of vertices
 };
 
 } // namespace lumiran::net

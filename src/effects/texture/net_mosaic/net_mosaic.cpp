@@ -3,6 +3,7 @@
 #include "effects/texture/net_mosaic/net_grid.h"
 #include "engine/drawing/drawing.h"
 #include "engine/picture_memory.h"
+#include "engine/picture_memory_prepare.h"
 
 #include <algorithm>
 #include <atomic>
@@ -11,6 +12,7 @@
 #include <mutex>
 #include <span>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace lumiran {
@@ -46,6 +48,9 @@ std::size_t checkedIndex(std::size_t index, std::size_t size) {
     return index;
 }
 
+// Cells whose means a unit of work makes.
+constexpr std::size_t MeansPerUnit = 4096;
+
 int meanOf(std::uint64_t sum, std::uint64_t count) {
     return roundTo<int>(static_cast<double>(sum) / static_cast<double>(count));
 }
@@ -55,17 +60,15 @@ void checkSize(std::int16_t blockSize) {
     if (blockSize < 1) throw EffectError::overflow();
 }
 
-// The net over the area: its vertices moved at random (type 0) or drawn
-// to the source's edges.
-net::Net laidNet(const net::Area& area, std::int16_t blockSize, std::int16_t noise,
-                 std::uint8_t type, const Surface& source, RandomGenerator& random) {
-    net::Net net(area, blockSize);
+// Lays the net over the area: its vertices moved at random (type 0) or
+// drawn to the source's edges.
+void lay(net::Net& net, std::int16_t noise, std::uint8_t type, const Surface& source,
+         RandomGenerator& random) {
     if (type == 0) {
         net.scatter(noise, random);
     } else {
         net.snapToEdges(source, noise);
     }
-    return net;
 }
 
 using net::RowReach;
@@ -130,30 +133,43 @@ bool Class_NetMosaic::inBands(const Bands& bands, Work&& work) {
     return !context().cancelled();
 }
 
-template <typename PrepareRow>
-std::optional<net::Net>
-Class_NetMosaic::layAlongside(const net::Area& area, std::int16_t blockSize, std::int16_t noise,
-                              std::uint8_t type, const Surface& source, PrepareRow&& prepareRow) {
-    std::optional<net::Net> net;
+template <typename PrepareRow, typename Aside>
+net::Net Class_NetMosaic::layAlongside(const net::Area& area, std::int16_t blockSize,
+                                       std::int16_t noise, std::uint8_t type, const Surface& source,
+                                       PrepareRow&& prepareRow, Aside&& aside) {
+    net::Net net(area, blockSize);
+    net.reserveSidesFor(type == 0);
     const RowThreading& threading = context().threading;
     const int threads = std::max(threading.threads, 1);
     const long long pixels =
         static_cast<long long>(area.right - area.left) * (area.bottom - area.top);
     if (threads <= 1 || pixels < 2LL * std::max(threading.bandPixels, 1)) {
-        net.emplace(laidNet(area, blockSize, noise, type, source, context().random));
+        aside(std::as_const(net));
+        lay(net, noise, type, source, context().random);
         for (int y = area.top; y < area.bottom; ++y)
             prepareRow(y);
         return net;
     }
+    // The memory of the sides, faulted in ahead of the laying thread.
+    const auto sideMemory = net.sideMemory(type == 0, noise);
     constexpr int Chunk = 16;
     std::atomic<int> next{area.top};
     std::exception_ptr failure;
+    std::exception_ptr asideFailure;
     context().workers().run(threads, [&](int worker) {
         if (worker == 0) {
             try {
-                net.emplace(laidNet(area, blockSize, noise, type, source, context().random));
+                lay(net, noise, type, source, context().random);
             } catch (...) {
                 failure = std::current_exception();
+            }
+        } else if (worker == 1) {
+            for (const std::span<const std::byte> memory : sideMemory)
+                faultInPictureMemory(memory);
+            try {
+                aside(std::as_const(net));
+            } catch (...) {
+                asideFailure = std::current_exception();
             }
         }
         for (int first = next.fetch_add(Chunk); first < area.bottom;
@@ -163,6 +179,7 @@ Class_NetMosaic::layAlongside(const net::Area& area, std::int16_t blockSize, std
         }
     });
     if (failure) std::rethrow_exception(failure);
+    if (asideFailure) std::rethrow_exception(asideFailure);
     return net;
 }
 
@@ -185,8 +202,12 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                                           static_cast<std::size_t>(width));
         };
         const std::optional<Pixel> fill = &source == &target ? std::nullopt : rectangleFill_;
-        const std::optional<net::Net> laid =
-            layAlongside(area, blockSize, noise, type, source, [&](int y) {
+        // The cells' sums, a number each; their first touch off the laying
+        // thread too.
+        std::vector<Sums, PictureAllocator<Sums>> sums;
+        const net::Net net = layAlongside(
+            area, blockSize, noise, type, source,
+            [&](int y) {
                 const auto row = areaRow(cells, y);
                 if (fill) {
                     std::ranges::fill(row, *fill & 0xFF000000u);
@@ -194,8 +215,12 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                     for (Pixel& p : row)
                         p &= 0xFF000000u;
                 }
+            },
+            [&](const net::Net& laying) {
+                const auto count = static_cast<std::size_t>(laying.cellRows()) *
+                                   static_cast<std::size_t>(laying.cellColumns());
+                sums.assign(std::min<std::size_t>(count, NumberBytes) + 1, Sums{});
             });
-        const net::Net& net = *laid;
         SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
 
         // A pixel that no cell reached (where bent sides nearly touch) joins
@@ -281,9 +306,8 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         // cells painted into its rows, so it sums into the range of their
         // numbers, then adds that to the whole.
         const bool numbersRepeat = cellCount >= NumberBytes;
-        std::vector<Sums, PictureAllocator<Sums>> sums(
-            std::min<std::size_t>(cellCount, NumberBytes) + 1, Sums{});
-        std::vector<std::vector<Sums>> bandSums(static_cast<std::size_t>(bands.workers));
+        if (sums.size() != std::min<std::size_t>(cellCount, NumberBytes) + 1)
+            throw std::logic_error("cell sums sized for another net");
         std::mutex adding;
         std::atomic<bool> numberedAlone{!numbersRepeat};
         const auto columns = static_cast<std::uint32_t>(net.cellColumns());
@@ -301,6 +325,14 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
             return std::pair{low, static_cast<std::uint32_t>(highRow + 1) * columns - low + 2};
         };
+        // Each worker's band sums, all in one block of picture memory: a
+        // 4K band holds some 33 000 cells, whose first touch in small pages
+        // cost a fault every 128 of them.
+        std::uint32_t widest = 0;
+        for (int k = 0; k < bands.count; ++k)
+            widest = std::max(widest, numbersOf(bandOf(k)).second);
+        std::vector<Sums, PictureAllocator<Sums>> bandSums(
+            numbersRepeat ? 0 : static_cast<std::size_t>(bands.workers) * widest);
         const auto addUp = [&](std::uint32_t low, std::span<const Sums> from) {
             const std::scoped_lock lock(adding);
             for (std::size_t j = 0; j < from.size(); ++j) {
@@ -325,8 +357,9 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 // while they are still at hand.
                 bool numbering = numberedAlone && band.top < band.bottom;
                 const auto [low, count] = numbersOf(band);
-                std::vector<Sums>& into = bandSums[static_cast<std::size_t>(worker)];
-                if (numbering) into.assign(count, Sums{});
+                const std::span<Sums> into(
+                    bandSums.data() + static_cast<std::size_t>(worker) * widest, count);
+                if (numbering) std::ranges::fill(into, Sums{});
                 int next = band.top;
                 painter.paint(net, netReaches.sides, [&](int end) {
                     end = std::min(end, band.bottom);
@@ -381,21 +414,36 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 numberRow(y, y > area.top, 1, sums);
         }
 
-        std::vector<Pixel> means(sums.size());
-        for (std::size_t n = 0; n < sums.size(); ++n) {
-            const Sums& s = sums[n];
-            if (s.count != 0)
-                means[n] = colourBitsOf(
-                    RGB(meanOf(s.red, s.count), meanOf(s.green, s.count), meanOf(s.blue, s.count)));
-        }
+        // The means on every thread too: a 4K net has a quarter of a million
+        // cells, each three divisions.
+        std::vector<Pixel, PictureAllocator<Pixel>> means(sums.size());
+        const auto meanUnits = static_cast<int>((sums.size() + MeansPerUnit - 1) / MeansPerUnit);
+        const Bands meanBands = bandsOf(meanUnits, static_cast<long long>(MeansPerUnit) * 8, 1);
+        inBands(meanBands, [&](int, int k) {
+            const std::size_t first =
+                static_cast<std::size_t>(k) * meanBands.unitsPerBand * MeansPerUnit;
+            const std::size_t end =
+                std::min(sums.size(), first + meanBands.unitsPerBand * MeansPerUnit);
+            for (std::size_t n = first; n < end; ++n) {
+                const Sums& s = sums[n];
+                means[n] = s.count == 0
+                               ? 0
+                               : colourBitsOf(RGB(meanOf(s.red, s.count), meanOf(s.green, s.count),
+                                                  meanOf(s.blue, s.count)));
+            }
+            return 0;
+        });
         const int height = area.bottom - area.top;
         const Bands rowBands = bandsOf(height, width, 4);
+        Surface& result = result_ != nullptr && result_->sameSize(target) && result_ != &cells
+                              ? *result_
+                              : target;
         inBands(rowBands, [&](int, int k) {
             const int first = area.top + k * rowBands.unitsPerBand;
             const int end = std::min(area.bottom, first + rowBands.unitsPerBand);
             for (int y = first; y < end; ++y) {
                 const auto numbers = areaRow(cells, y);
-                const auto out = areaRow(target, y);
+                const auto out = areaRow(result, y);
                 for (std::size_t i = 0; i < out.size(); ++i)
                     out[i] = (out[i] & 0xFF000000u) | means[numbers[i] & NumberBytes];
             }
@@ -413,14 +461,15 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
         const int width = area.right - area.left;
-        const std::optional<net::Net> laid =
-            layAlongside(area, blockSize, noise, type, source, [&](int y) {
+        const net::Net net = layAlongside(
+            area, blockSize, noise, type, source,
+            [&](int y) {
                 if (&source == &target) return;
                 const auto from = source.row(y).subspan(static_cast<std::size_t>(area.left),
                                                         static_cast<std::size_t>(width));
                 std::ranges::copy(from, target.row(y).begin() + area.left);
-            });
-        const net::Net& net = *laid;
+            },
+            [](const net::Net&) {});
         const ColourRef colour = RGB(red, green, blue);
         const int vertexRows = net.vertexRows();
         SetProgressRange(0, vertexRows);

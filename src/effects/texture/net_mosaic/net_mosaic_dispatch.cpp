@@ -50,20 +50,22 @@ void fillWithBackground(RunContext& context, const Surface& source, Surface& pic
 
 // A case whose call draws from kept picture 0 over kept picture 1 in the
 // background colour, that fill made here on every thread, not by the run,
-// and left to the call in the rectangle: a call that does not write every
-// pixel there takes it as filled.
+// and left to the call in the rectangle, which it takes as filled. Only
+// "Fractal Mosaic" takes this shape now.
 template <typename Call>
-EffectPlanner overBackground(Call call, bool callWritesRectangle = false) {
-    return [call, callWritesRectangle](const ControlValues& v) {
-        return EffectPlan::ready(
-            ReplacingBody{[call, v, callWritesRectangle](EffectInvocation& run) {
-                fillWithBackground(run.context, run.keptPicture0, run.keptPicture1,
-                                   holeOf(run.rect, run.keptPicture0));
-                Class_NetMosaic net(run.context);
-                if (!callWritesRectangle)
-                    net.takeRectangleAsFilled(toPixel(run.context.flags.backColor));
-                call(net, v, run);
-            }});
+EffectPlanner overBackground(Call call) {
+    return [call](const ControlValues& v) {
+        return EffectPlan::ready(ReplacingBody{[call, v](EffectInvocation& run) {
+            fillWithBackground(run.context, run.keptPicture0, run.keptPicture1,
+                               holeOf(run.rect, run.keptPicture0));
+            Class_NetMosaic net(run.context);
+            net.takeRectangleAsFilled(toPixel(run.context.flags.backColor));
+            // Where the run lends the picture for the whole result, the means
+            // go straight into it: no raster step over the whole picture.
+            if (run.resultMayStayInKeptPicture0) net.putResultInto(run.keptPicture0);
+            call(net, v, run);
+            if (run.resultMayStayInKeptPicture0) run.keptPicture1 = Surface();
+        }});
     };
 }
 
@@ -79,15 +81,26 @@ void registerNetMosaicEffects(EffectDispatch& d) {
               e.Mosaic_Net(run.keptPicture0, run.keptPicture1, r.left, r.top, r.right, r.bottom,
                            slider(v, 1), slider(v, 2), row(v.eType));
           }));
-    // The joints are drawn in black over a copy of the rectangle.
-    d.add(DialogKind::Level, 18,
-          overBackground(
-              [](Class_NetMosaic& e, V v, I run) {
-                  const ProcessRect& r = run.rect;
-                  e.Net_Line(run.keptPicture0, run.keptPicture1, r.left, r.top, r.right, r.bottom,
-                             slider(v, 1), slider(v, 2), row(v.eType), 0, 0, 0);
-              },
-              true));
+    // The joints are drawn in black over a copy of the rectangle, or over
+    // the picture itself where the run lends it for the whole result.
+    d.add(DialogKind::Level, 18, [](V v) {
+        const auto lines = [v](Class_NetMosaic& e, const Surface& source, Surface& target,
+                               const ProcessRect& r) {
+            e.Net_Line(source, target, r.left, r.top, r.right, r.bottom, slider(v, 1), slider(v, 2),
+                       row(v.eType), 0, 0, 0);
+        };
+        return EffectPlan::ready(ReplacingBody{[lines](I run) {
+            if (run.resultMayStayInKeptPicture0) {
+                Class_NetMosaic net(run.context);
+                lines(net, run.keptPicture0, run.keptPicture0, run.rect);
+                return;
+            }
+            fillWithBackground(run.context, run.keptPicture0, run.keptPicture1,
+                               holeOf(run.rect, run.keptPicture0));
+            Class_NetMosaic net(run.context);
+            lines(net, run.keptPicture0, run.keptPicture1, run.rect);
+        }});
+    });
 }
 
 } // namespace lumiran

@@ -3,9 +3,11 @@
 #include "effects/texture/hide_effect/band_lists.h"
 #include "effects/texture/hide_effect/class_hide_effect.h"
 #include "effects/texture/hide_effect/sphere_light.h"
+#include "engine/shared_rows.h"
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <type_traits>
 #include <vector>
 
@@ -357,6 +359,22 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
                                         std::uint8_t background, Lens lens) {
     SetProgressRange(rect.top, rect.bottom);
     const Span span = spanOf(rect);
+    // Unfetched, the result starts as the source's copy: the rows the loop
+    // lights are copied by their own thread while at hand, the others here.
+    const bool ownResult = TransBits.empty() && !ImageBits.empty();
+    auto copyRow = [this](int y) {
+        const std::span<const Pixel> in = ImageBits.row(y);
+        std::copy(in.begin(), in.end(), TransBits.row(y).begin());
+    };
+    if (ownResult) {
+        TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+        const bool rowsLit = span.firstColumn < span.endColumn;
+        const int litBegin = rowsLit ? span.firstRow : 0;
+        const int litEnd = rowsLit ? std::max(span.firstRow, span.endRow) : 0;
+        const int width = ImageBits.width();
+        forEachRowShared(context(), 0, litBegin, width, copyRow);
+        forEachRowShared(context(), litEnd, ImageBits.height(), width, copyRow);
+    }
     const int side = 2 * q;
     auto centre = [side, q](int v, int origin) { return origin + (v - origin) / side * side + q; };
     // Without a blend and with a shading that cannot overflow, the colours
@@ -372,6 +390,7 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
     if constexpr (std::is_same_v<Lens, LineLens>)
         lines.assign(static_cast<std::size_t>(std::max(plan.workers, 1)), LineRow(q));
     rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
+        if (ownResult) copyRow(y);
         const Pixel* in = ImageBits.row(y).data();
         Pixel* out = TransBits.row(y).data();
         const int cy = centre(y, rect.top);

@@ -201,28 +201,31 @@ void Class_Dithering::DotsPatternMethod(std::int16_t left, std::int16_t top, std
         const bool mono = colourMode == 0;
         BuildLevelTable(level, colourMode);
         SetProgressRange(rect.top, rect.bottom);
-        if (ImageBits.empty()) return;
+        // Unfetched, the result starts as the source's copy: the rows of
+        // the rectangle are copied by the thread that works on them, while
+        // the row is at hand, the others before, on every core.
         const Span span = spanOf(rect);
-        const double d = 256.0 / level;
-        const PairRows rows{span.firstRow, span.endRow};
-        // The result starts as the source's copy. The rows of the rectangle
-        // are copied by the thread that then works on them, while the row is
-        // at hand; the others before, on every core.
-        TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+        const bool ownResult = TransBits.empty() && !ImageBits.empty();
         auto copyRow = [this](int y) {
             const std::span<const Pixel> in = ImageBits.row(y);
             std::copy(in.begin(), in.end(), TransBits.row(y).begin());
         };
-        const int width = ImageBits.width();
-        const bool rowsWorked = span.firstColumn < span.endColumn;
-        const int workedBegin = rowsWorked ? span.firstRow : 0;
-        const int workedEnd = rowsWorked ? std::max(span.firstRow, span.endRow) : 0;
-        forEachRowShared(context(), 0, workedBegin, width, copyRow);
-        forEachRowShared(context(), workedEnd, ImageBits.height(), width, copyRow);
+        if (ownResult) {
+            TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+            const bool rowsWorked = span.firstColumn < span.endColumn;
+            const int workedBegin = rowsWorked ? span.firstRow : 0;
+            const int workedEnd = rowsWorked ? std::max(span.firstRow, span.endRow) : 0;
+            const int width = ImageBits.width();
+            forEachRowShared(context(), 0, workedBegin, width, copyRow);
+            forEachRowShared(context(), workedEnd, ImageBits.height(), width, copyRow);
+        }
+        if (!arraysReady()) return;
+        const double d = 256.0 / level;
+        const PairRows rows{span.firstRow, span.endRow};
         if (level == 0) {
             // The step is infinite: the first block raises the error.
             forEachRow(rect, [&](int y, int x0, int x1) {
-                copyRow(y);
+                if (ownResult) copyRow(y);
                 dotsRowByRule(ImageBits, TransBits, rows, mono, d, MonoLevelTable, y, x0, x1);
             });
             return;
@@ -231,13 +234,13 @@ void Class_Dithering::DotsPatternMethod(std::int16_t left, std::int16_t top, std
         if (mono) {
             const std::array<Pixel, 512> patterns = monoPatterns(tables, MonoLevelTable);
             forEachRow(rect, [&](int y, int x0, int x1) {
-                copyRow(y);
+                if (ownResult) copyRow(y);
                 dotsRowMono(ImageBits, TransBits, rows, patterns, y, x0, x1);
             });
             return;
         }
         forEachRow(rect, [&](int y, int x0, int x1) {
-            copyRow(y);
+            if (ownResult) copyRow(y);
             dotsRow(ImageBits, TransBits, rows, mono, tables, MonoLevelTable, y, x0, x1);
         });
     });

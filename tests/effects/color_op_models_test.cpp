@@ -1,6 +1,10 @@
 // Class_ColorOp effects that pass through a colour model: HSV, HLS, YCbCr,
 // YUV, CMYK, and the hue pictures.
 #include "color_op_fixture.h"
+#include "engine/colour_models.h"
+
+#include <algorithm>
+#include <cstdlib>
 
 namespace lumiran::testing {
 namespace {
@@ -70,6 +74,48 @@ TEST_F(ColorOpModels, ColorBalanceShiftsInEachModel) {
     EXPECT_EQ(runOn(255, 0, 0, balance(3, 120, 0, 0)), (Colour{0, 255, 0}));
     EXPECT_EQ(runOn(100, 100, 100, balance(3, 0, 255, 0)), (Colour{255, 255, 255}));
     EXPECT_EQ(runOn(200, 100, 50, balance(4, 51, 0, 0)), (Colour{160, 100, 50})); // CMYK
+}
+
+// The HLS shift as the scalar models spell it out, clamped as stored.
+Colour hlsShiftedByTheModels(int r, int g, int b, int turn, int lift, int push) {
+    const Hls source = rgbToHls(r, g, b);
+    Hls shifted;
+    shifted.luminance = std::min(std::abs(lift / 255.0 + source.luminance), 1.0);
+    const double turned = turn + source.hue;
+    shifted.hue = turned > 360 ? turned - 360 : turned;
+    shifted.saturation = std::clamp(static_cast<float>(push / 255.0) + source.saturation, 0.0, 1.0);
+    const Rgb16 v = hlsToRgb(shifted);
+    auto stored = [](int c) { return std::clamp(std::abs(c), 0, 255); };
+    return {stored(v.red), stored(v.green), stored(v.blue)};
+}
+
+TEST_F(ColorOpModels, HlsBalanceMatchesTheScalarModelsOverTheCube) {
+    // Every pair of extremes and a spread of hues: the per-pixel work takes
+    // its luminance and saturation from tables by the extremes.
+    constexpr int Step = 3;
+    constexpr int Side = 256 / Step + 1;
+    Surface cube(Side * Side, Side + 1);
+    for (int y = 0; y < cube.height(); ++y) {
+        for (int x = 0; x < cube.width(); ++x) {
+            const int r = std::min(255, (x / Side) * Step), g = std::min(255, (x % Side) * Step);
+            const int b = y < Side ? std::min(255, y * Step) : (x * 7 + 3) % 256;
+            cube.at(x, y) = makePixel(r, g, b);
+        }
+    }
+    const std::vector<std::array<int, 3>> shifts{
+        {0, 0, 0}, {40, 20, 10}, {120, 0, 0}, {-90, -40, 60}, {359, 255, -255}, {-360, 300, 300}};
+    for (const auto& [turn, lift, push] : shifts) {
+        const Surface out = run(cube, balance(3, turn, lift, push));
+        int differences = 0;
+        for (int y = 0; y < cube.height(); ++y) {
+            for (int x = 0; x < cube.width(); ++x) {
+                const Colour in = colourOf(cube.at(x, y));
+                differences += colourOf(out.at(x, y)) !=
+                               hlsShiftedByTheModels(in[0], in[1], in[2], turn, lift, push);
+            }
+        }
+        EXPECT_EQ(differences, 0) << "shift " << turn << ", " << lift << ", " << push;
+    }
 }
 
 TEST_F(ColorOpModels, ColorBalanceGuardsTheCmykBlackDivisorAndFailsOnAYuvOverflow) {

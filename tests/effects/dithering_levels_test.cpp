@@ -104,6 +104,7 @@ TEST(DitherGrey, AgreesWithTheDoubleSumForEveryColour) {
                     static_cast<int>(std::nearbyint(0.3 * r + 0.59 * g + 0.11 * b));
                 differences += ditherGrey(r, g, b) != expected;
                 differences += ditherGreyFloating(r, g, b) != expected;
+                differences += ditherGreyBranchless(r, g, b) != expected;
             }
         }
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -65,15 +66,74 @@ Rgb16 hsv(int r, int g, int blue, int a, int b, int c) {
     return absolute(hsvToRgbInRange(hue, saturation, value / 255.0));
 }
 
-Rgb16 hls(int r, int g, int blue, int a, int b, int c) {
-    const Hls source = rgbToHlsBranchless(r, g, blue);
-    Hls shifted;
-    shifted.luminance = std::min(std::abs(b / 255.0 + source.luminance), 1.0);
-    const double turned = a + source.hue;
-    shifted.hue = turned > 360 ? turned - 360 : turned;
-    shifted.saturation = std::clamp(static_cast<float>(c / 255.0) + source.saturation, 0.0, 1.0);
-    return absolute(hlsToRgbInRange(shifted));
-}
+// The HLS shift with what depends on the extremes alone worked out once:
+// the shifted luminance by max + min, the shifted saturation by (max, min).
+// Each value is made by the very operations of rgbToHlsBranchless and the
+// shift, so the tables hold the same doubles; a pixel then divides once for
+// its hue and once for each channel, selecting the operands first where the
+// rule selects between quotients.
+class HlsShift {
+  public:
+    HlsShift(int a, int b, int c) : turn_(a), luminance_(511), saturation_(256 * 256) {
+        const double lift = b / 255.0;
+        for (int sum = 0; sum <= 510; ++sum)
+            luminance_[static_cast<std::size_t>(sum)] =
+                std::min(std::abs(lift + (sum / 2.0) / 255), 1.0);
+        const float push = static_cast<float>(c / 255.0);
+        for (int mx = 0; mx < 256; ++mx) {
+            for (int mn = 0; mn <= mx; ++mn) {
+                const double source = rgbToHlsBranchless(mx, mn, mn).saturation;
+                saturation_[static_cast<std::size_t>(mx * 256 + mn)] =
+                    std::clamp(push + source, 0.0, 1.0);
+            }
+        }
+    }
+
+    [[nodiscard]] Rgb16 operator()(int r, int g, int blue) const {
+        const int mx = std::max(r, std::max(g, blue));
+        const int mn = std::min(r, std::min(g, blue));
+        const int spread = mx - mn;
+        const double lum = luminance_[static_cast<std::size_t>(mx + mn)];
+        const double sat = saturation_[static_cast<std::size_t>(mx * 256 + mn)];
+        // The source hue as rgbToHlsBranchless has it.
+        const int flat = spread == 0 ? 1 : 0;
+        const double d = spread + flat;
+        const int rise = blue == mx ? r - g : g == mx ? blue - r : g - blue;
+        const int sextant = blue == mx ? 4 : g == mx ? 2 : 0;
+        const double hue = (rise / d + sextant) * 60;
+        const double raised = hue + 360;
+        const double wrapped = hue < 0 ? raised : hue;
+        const double turned = turn_ + (flat != 0 ? 0.0 : wrapped);
+        const double shifted = turned > 360 ? turned - 360 : turned;
+        // hlsToRgbInRange, each channel's two ramps folded into one.
+        const double darker = lum * (1 + sat);
+        const double lighter = lum + sat - lum * sat;
+        const double m2 = lum <= 0.5 ? darker : lighter;
+        const double m1 = 2 * lum - m2;
+        auto degrees = [](double h) {
+            const int whole = roundInRange<std::int32_t>(h);
+            const int lowered = whole > 360 ? whole - 360 : whole;
+            return lowered < 0 ? lowered + 360 : lowered;
+        };
+        auto channel = [m1, m2](int h) {
+            const int along = h < 60 ? h : 240 - h;
+            const double ramp = m1 + (m2 - m1) * along / 60;
+            const double v = h < 60 ? ramp : h < 180 ? m2 : h < 240 ? ramp : m1;
+            return roundInRange<std::int16_t>(v * 255.9999);
+        };
+        const bool grey = sat == 0 && shifted == 0;
+        const std::int16_t level = roundInRange<std::int16_t>(lum * 255.9999);
+        const int red = grey ? level : channel(degrees(shifted + 120));
+        const int green = grey ? level : channel(degrees(shifted));
+        const int blueOut = grey ? level : channel(degrees(shifted - 120));
+        return Channels{std::abs(red), std::abs(green), std::abs(blueOut)}.fields();
+    }
+
+  private:
+    double turn_;
+    std::vector<double> luminance_;
+    std::vector<double> saturation_;
+};
 
 Rgb16 cmyk(int r, int g, int blue, int a, int b, int c, int k) {
     const double c0 = 255 - r, m0 = 255 - g, y0 = 255 - blue;
@@ -108,9 +168,11 @@ void Class_ColorOp::ColorBalanceAdjust(std::uint8_t model, std::int16_t a, std::
         case 2:
             run([=](int r, int g, int blue) { return hsv(r, g, blue, a, b, c); });
             break;
-        case 3:
-            run([=](int r, int g, int blue) { return hls(r, g, blue, a, b, c); });
+        case 3: {
+            const HlsShift shift(a, b, c);
+            run([&shift](int r, int g, int blue) { return shift(r, g, blue); });
             break;
+        }
         case 4:
             run([=](int r, int g, int blue) { return cmyk(r, g, blue, a, b, c, k); });
             break;

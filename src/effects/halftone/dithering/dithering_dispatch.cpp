@@ -50,9 +50,11 @@ void registerDitheringEffects(EffectDispatch& d) {
     add(DialogKind::Negative, 30, [](Class_Dithering& e, V v, R r) {
         e.Dither_LimitSqure(r.left, r.top, r.right, r.bottom, value16(v.color), slider(v, 1));
     });
-    add(DialogKind::Negative, 31, [](Class_Dithering& e, V v, R r) {
-        e.DotsPatternMethod(r.left, r.top, r.right, r.bottom, value16(v.color), slider(v, 1));
-    });
+    // Reads only its source, and makes the result itself on every core.
+    d.add(DialogKind::Negative, 31,
+          dispatch::onSourceWithOwnTrans<Class_Dithering>([](Class_Dithering& e, V v, R r) {
+              e.DotsPatternMethod(r.left, r.top, r.right, r.bottom, value16(v.color), slider(v, 1));
+          }));
     addInPlace(DialogKind::Level, 8, [](Class_Dithering& e, V v, R r) {
         e.Dither_ErrorFixed(value16(v.eType), r.left, r.top, r.right, r.bottom, value16(v.color),
                             slider(v, 1), slider(v, 2));

@@ -1,6 +1,9 @@
 #include "effects/halftone/dithering/class_dithering.h"
+#include "engine/shared_rows.h"
 
+#include <algorithm>
 #include <array>
+#include <span>
 
 namespace lumiran {
 namespace {
@@ -45,6 +48,26 @@ struct DotsTables {
     }
 };
 
+// The mono result of a grey moved down (rise 0) or up (rise 1), through the
+// level table, as the colour bits of a pixel.
+template <typename LevelTable>
+std::array<Pixel, 512> monoPatterns(const DotsTables& tables, const LevelTable& monoLevels) {
+    std::array<Pixel, 512> patterns{};
+    for (std::size_t v = 0; v < 256; ++v) {
+        const auto value = static_cast<int>(v);
+        for (const int rise : {0, 1}) {
+            const int level =
+                monoLevels[static_cast<std::size_t>(tables.moved(value, rise * 2 - 1))];
+            patterns[static_cast<std::size_t>(rise) * 256 + v] = withColour(0, level, level, level);
+        }
+    }
+    return patterns;
+}
+
+// The block mean from which each place of a block rises (signsFor as
+// thresholds), in the order of signsFor.
+constexpr std::array<int, 4> RiseFrom{204, 102, 51, 153};
+
 // The rows the blocks are laid over, the end row excluded.
 struct PairRows {
     int firstRow;
@@ -86,6 +109,45 @@ void dotsRowByRule(const Surface& image, Surface& trans, const PairRows& span, b
                 Pixel& p = out[x + static_cast<int>(i)];
                 p = withColour(p, r[half + i], g[half + i], b[half + i]);
             }
+        }
+    }
+}
+
+// The mono rule by chunks: the greys of both rows of the blocks first, a
+// vector loop, then each block's mean and this row's two places.
+void dotsRowMono(const Surface& image, Surface& trans, const PairRows& span,
+                 const std::array<Pixel, 512>& patterns, int y, int x0, int x1) {
+    const int pairTop = pairTopOf(span, y);
+    if (pairTop + 1 >= span.endRow) return;
+    const std::size_t half = y == pairTop ? 0 : 2;
+    const int riseFirst = RiseFrom[half], riseSecond = RiseFrom[half + 1];
+    const Pixel* __restrict upper = image.row(pairTop).data();
+    const Pixel* __restrict lower = image.row(pairTop + 1).data();
+    Pixel* __restrict out = trans.row(y).data();
+    constexpr int Chunk = 128;
+    std::array<int, Chunk> greysUpper{}, greysLower{};
+    // Whole blocks only: a last odd column keeps the source.
+    const int end = x0 + (x1 - x0) / 2 * 2;
+    for (int x = x0; x < end; x += Chunk) {
+        const int count = std::min(Chunk, end - x);
+        for (int i = 0; i < count; ++i) {
+            const Pixel a = upper[x + i], b = lower[x + i];
+            greysUpper[static_cast<std::size_t>(i)] =
+                ditherGreyBranchless(redOf(a), greenOf(a), blueOf(a));
+            greysLower[static_cast<std::size_t>(i)] =
+                ditherGreyBranchless(redOf(b), greenOf(b), blueOf(b));
+        }
+        const std::array<int, Chunk>& own = half == 0 ? greysUpper : greysLower;
+        for (int i = 0; i < count; i += 2) {
+            const auto at = static_cast<std::size_t>(i);
+            const int mean =
+                (greysUpper[at] + greysUpper[at + 1] + greysLower[at] + greysLower[at + 1]) / 4;
+            const std::size_t first =
+                (mean >= riseFirst ? 256u : 0u) + static_cast<std::size_t>(own[at]);
+            const std::size_t second =
+                (mean >= riseSecond ? 256u : 0u) + static_cast<std::size_t>(own[at + 1]);
+            out[x + i] = (out[x + i] & 0xFF000000u) | patterns[first];
+            out[x + i + 1] = (out[x + i + 1] & 0xFF000000u) | patterns[second];
         }
     }
 }
@@ -139,19 +201,46 @@ void Class_Dithering::DotsPatternMethod(std::int16_t left, std::int16_t top, std
         const bool mono = colourMode == 0;
         BuildLevelTable(level, colourMode);
         SetProgressRange(rect.top, rect.bottom);
-        if (!arraysReady()) return;
+        // Unfetched, the result starts as the source's copy: the rows of
+        // the rectangle are copied by the thread that works on them, while
+        // the row is at hand, the others before, on every core.
         const Span span = spanOf(rect);
+        const bool ownResult = TransBits.empty() && !ImageBits.empty();
+        auto copyRow = [this](int y) {
+            const std::span<const Pixel> in = ImageBits.row(y);
+            std::copy(in.begin(), in.end(), TransBits.row(y).begin());
+        };
+        if (ownResult) {
+            TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+            const bool rowsWorked = span.firstColumn < span.endColumn;
+            const int workedBegin = rowsWorked ? span.firstRow : 0;
+            const int workedEnd = rowsWorked ? std::max(span.firstRow, span.endRow) : 0;
+            const int width = ImageBits.width();
+            forEachRowShared(context(), 0, workedBegin, width, copyRow);
+            forEachRowShared(context(), workedEnd, ImageBits.height(), width, copyRow);
+        }
+        if (!arraysReady()) return;
         const double d = 256.0 / level;
         const PairRows rows{span.firstRow, span.endRow};
         if (level == 0) {
             // The step is infinite: the first block raises the error.
             forEachRow(rect, [&](int y, int x0, int x1) {
+                if (ownResult) copyRow(y);
                 dotsRowByRule(ImageBits, TransBits, rows, mono, d, MonoLevelTable, y, x0, x1);
             });
             return;
         }
         const DotsTables tables(d);
+        if (mono) {
+            const std::array<Pixel, 512> patterns = monoPatterns(tables, MonoLevelTable);
+            forEachRow(rect, [&](int y, int x0, int x1) {
+                if (ownResult) copyRow(y);
+                dotsRowMono(ImageBits, TransBits, rows, patterns, y, x0, x1);
+            });
+            return;
+        }
         forEachRow(rect, [&](int y, int x0, int x1) {
+            if (ownResult) copyRow(y);
             dotsRow(ImageBits, TransBits, rows, mono, tables, MonoLevelTable, y, x0, x1);
         });
     });

@@ -30,6 +30,16 @@ using LevelTable = std::array<std::int16_t, 256>;
     return (hundredfold + 50) / 100;
 }
 
+// ditherGrey without its branch: the tie is told apart by arithmetic and
+// the floating sum worked out for every pixel, so that a row of greys runs
+// on the vector unit.
+[[nodiscard]] inline int ditherGreyBranchless(int r, int g, int b) {
+    const int hundredfold = 30 * r + 59 * g + 11 * b;
+    const int rounded = (hundredfold + 50) / 100;
+    const int floating = roundInRange<int>(0.3 * r + 0.59 * g + 0.11 * b);
+    return rounded * 100 - hundredfold == 50 ? floating : rounded;
+}
+
 // The same grey from the double sum alone: no branch, so pixel loops that
 // need it can be vectorised.
 [[nodiscard]] inline int ditherGreyFloating(int r, int g, int b) {

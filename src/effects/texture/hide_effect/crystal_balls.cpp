@@ -3,9 +3,11 @@
 #include "effects/texture/hide_effect/band_lists.h"
 #include "effects/texture/hide_effect/class_hide_effect.h"
 #include "effects/texture/hide_effect/sphere_light.h"
+#include "engine/shared_rows.h"
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <type_traits>
 #include <vector>
 
@@ -100,18 +102,58 @@ struct LineLens {
 // offset for one tile. An offset at -k is the one at k negated to the bit
 // (the factors see only the distance), so each trigonometric term is
 // worked out once for both halves, and the rows' ones once for all tiles.
+//
+// The terms see the row only through dy * dy, so the row mirrored about the
+// tile's centre has them all, the columns' ones included: they are kept by
+// tile for the next row, which the row order makes the mirror.
 struct LineRow {
     std::vector<double> distance;
     std::vector<double> term; // the row's lineTerm
     std::vector<const Pixel*> sourceRow;
-    std::vector<int> columnRight; // the source column at +k
+    std::vector<int> columnRight; // the source column at +k, q + 1 a tile
     std::vector<int> columnLeft;  // and at -k
     std::vector<Pixel> gathered;  // a tile's row of sources
-    explicit LineRow(int q)
+    int centreRow = 0;
+    int rowDistance = -1; // |dy| of the terms held; -1 for none
+    LineRow(int q, int tiles)
         : distance(static_cast<std::size_t>(q) + 1), term(distance.size()),
-          sourceRow(distance.size()), columnRight(distance.size()), columnLeft(distance.size()),
-          gathered(2 * distance.size()) {}
+          sourceRow(distance.size()),
+          columnRight(distance.size() * static_cast<std::size_t>(tiles)),
+          columnLeft(columnRight.size()), gathered(2 * distance.size()) {}
 };
+
+// The rows of [first, end) tile by tile, each tile's from its centre row
+// outwards, a row and its mirror one after the other.
+std::vector<int> mirroredRowOrder(int first, int end, int origin, int q) {
+    const int side = 2 * q;
+    std::vector<int> order;
+    order.reserve(static_cast<std::size_t>(std::max(0, end - first)));
+    for (int top = first; top < end;) {
+        const int tileTop = origin + (top - origin) / side * side;
+        const int tileEnd = std::min(end, tileTop + side);
+        const int centre = tileTop + q;
+        auto within = [&](int y) { return y >= top && y < tileEnd; };
+        // The pairs first, so that with bands of an even number of rows
+        // no pair is split between two bands; the rows without a mirror
+        // after them.
+        std::vector<int> single;
+        if (within(centre)) single.push_back(centre);
+        for (int t = 1; t <= q; ++t) {
+            const int above = centre - t, below = centre + t;
+            if (within(above) && within(below)) {
+                order.push_back(above);
+                order.push_back(below);
+            } else if (within(above)) {
+                single.push_back(above);
+            } else if (within(below)) {
+                single.push_back(below);
+            }
+        }
+        order.insert(order.end(), single.begin(), single.end());
+        top = tileEnd;
+    }
+    return order;
+}
 
 int clampedIndex(double v, int first, int end) {
     if (!(v >= first)) return first; // NaN too
@@ -357,6 +399,22 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
                                         std::uint8_t background, Lens lens) {
     SetProgressRange(rect.top, rect.bottom);
     const Span span = spanOf(rect);
+    // Unfetched, the result starts as the source's copy: the rows the loop
+    // lights are copied by their own thread while at hand, the others here.
+    const bool ownResult = TransBits.empty() && !ImageBits.empty();
+    auto copyRow = [this](int y) {
+        const std::span<const Pixel> in = ImageBits.row(y);
+        std::copy(in.begin(), in.end(), TransBits.row(y).begin());
+    };
+    if (ownResult) {
+        TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+        const bool rowsLit = span.firstColumn < span.endColumn;
+        const int litBegin = rowsLit ? span.firstRow : 0;
+        const int litEnd = rowsLit ? std::max(span.firstRow, span.endRow) : 0;
+        const int width = ImageBits.width();
+        forEachRowShared(context(), 0, litBegin, width, copyRow);
+        forEachRowShared(context(), litEnd, ImageBits.height(), width, copyRow);
+    }
     const int side = 2 * q;
     auto centre = [side, q](int v, int origin) { return origin + (v - origin) / side * side + q; };
     // Without a blend and with a shading that cannot overflow, the colours
@@ -368,29 +426,46 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
     const BandPlan plan = bandPlan(rect);
     std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(std::max(plan.workers, 1)),
                                          hide::SphereRow(lighting.light, q));
+    constexpr bool line = std::is_same_v<Lens, LineLens>;
     std::vector<LineRow> lines;
-    if constexpr (std::is_same_v<Lens, LineLens>)
-        lines.assign(static_cast<std::size_t>(std::max(plan.workers, 1)), LineRow(q));
-    rowsInBands(rect, plan, [&](int worker, int y, int first, int end) {
+    std::vector<int> rowOrder;
+    if constexpr (line) {
+        const int tiles = (span.endColumn - span.firstColumn) / side + 2;
+        lines.assign(static_cast<std::size_t>(std::max(plan.workers, 1)), LineRow(q, tiles));
+        rowOrder = mirroredRowOrder(span.firstRow, span.endRow, rect.top, q);
+    }
+    rowsInBands(rect, plan, [&](int worker, int rowCalled, int first, int end) {
+        // Every row is lit once whatever the order, and each writes only
+        // its own row of the result.
+        const int y =
+            line ? rowOrder[static_cast<std::size_t>(rowCalled - span.firstRow)] : rowCalled;
+        if (ownResult) copyRow(y);
         const Pixel* in = ImageBits.row(y).data();
         Pixel* out = TransBits.row(y).data();
         const int cy = centre(y, rect.top);
         const double dy = y - cy;
         hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
         sphere.shade(dy);
-        constexpr bool line = std::is_same_v<Lens, LineLens>;
+        // Whether the terms held are this row's: those of its mirror.
+        bool mirrored = false;
         if constexpr (line) {
             // Offsets outside the sphere name the pixel's own row, so that
             // every table entry is a place in the picture.
             LineRow& terms = lines[static_cast<std::size_t>(worker)];
+            const int rowDistance = std::abs(y - cy);
+            mirrored = terms.rowDistance == rowDistance && terms.centreRow == cy;
+            terms.rowDistance = rowDistance;
+            terms.centreRow = cy;
             for (int k = 0; k <= q; ++k) {
                 const auto at = static_cast<std::size_t>(k);
                 terms.sourceRow[at] = in;
                 if (!sphere.inside(k)) continue;
-                const auto dk = static_cast<double>(k);
-                const double d = std::sqrt(dk * dk + dy * dy);
-                terms.distance[at] = d;
-                terms.term[at] = lineTerm(lens.type, d, cy, q);
+                if (!mirrored) {
+                    const auto dk = static_cast<double>(k);
+                    const double d = std::sqrt(dk * dk + dy * dy);
+                    terms.distance[at] = d;
+                    terms.term[at] = lineTerm(lens.type, d, cy, q);
+                }
                 terms.sourceRow[at] =
                     ImageBits
                         .row(clampedIndex(cy + lineOffset(lens.type, terms.term[at], dy),
@@ -400,27 +475,29 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
         }
         // Tile by tile: within one the offsets run on from its first pixel.
         int cx = centre(first, rect.left);
-        for (int x = first; x < end; x = std::min(end, cx + q), cx += side) {
+        std::size_t tile = 0;
+        for (int x = first; x < end; x = std::min(end, cx + q), cx += side, ++tile) {
             const int count = std::min(end, cx + q) - x;
             const int firstOffset = x - cx;
             const Pixel* source = in + x;
             Pixel* target = out + x;
             if constexpr (line) {
                 LineRow& terms = lines[static_cast<std::size_t>(worker)];
+                const std::size_t tileStart = tile * (static_cast<std::size_t>(q) + 1);
+                int* columnRight = terms.columnRight.data() + tileStart;
+                int* columnLeft = terms.columnLeft.data() + tileStart;
                 const int reach = std::max(-firstOffset, firstOffset + count - 1);
-                for (int k = 0; k <= reach; ++k) {
+                for (int k = 0; !mirrored && k <= reach; ++k) {
                     const auto at = static_cast<std::size_t>(k);
-                    terms.columnRight[at] = terms.columnLeft[at] = span.firstColumn;
+                    columnRight[at] = columnLeft[at] = span.firstColumn;
                     if (!sphere.inside(k)) continue;
                     // A tile whose centre's column is its centre's row
                     // (the diagonal of a square) has the row's terms.
                     const double term =
                         cx == cy ? terms.term[at] : lineTerm(lens.type, terms.distance[at], cx, q);
                     const double offset = lineOffset(lens.type, term, k);
-                    terms.columnRight[at] =
-                        clampedIndex(cx + offset, span.firstColumn, span.endColumn);
-                    terms.columnLeft[at] =
-                        clampedIndex(cx + -offset, span.firstColumn, span.endColumn);
+                    columnRight[at] = clampedIndex(cx + offset, span.firstColumn, span.endColumn);
+                    columnLeft[at] = clampedIndex(cx + -offset, span.firstColumn, span.endColumn);
                 }
                 // The sources gathered, each outside pixel its own, then lit
                 // as pixels that are their own sources.
@@ -429,12 +506,12 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
                 int i = 0;
                 for (; i < count && firstOffset + i < 0; ++i) {
                     const auto k = static_cast<std::size_t>(-(firstOffset + i));
-                    const Pixel lensed = terms.sourceRow[k][terms.columnLeft[k]];
+                    const Pixel lensed = terms.sourceRow[k][columnLeft[k]];
                     from[i] = inside[k] != 0 ? lensed : source[i];
                 }
                 for (; i < count; ++i) {
                     const auto k = static_cast<std::size_t>(firstOffset + i);
-                    const Pixel lensed = terms.sourceRow[k][terms.columnRight[k]];
+                    const Pixel lensed = terms.sourceRow[k][columnRight[k]];
                     from[i] = inside[k] != 0 ? lensed : source[i];
                 }
                 if (plain) {

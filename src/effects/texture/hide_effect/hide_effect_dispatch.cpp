@@ -17,13 +17,25 @@ using E = Class_HideEffect;
 // The calls of the sphere family share one argument pattern:
 // (D(S4), rect, S1, S2, S3, S5, S5, S5, D(S6), C, E).
 template <auto Operation>
-EffectPlanner spheres(bool lists = true) {
-    return dispatch::withTransOnSource<E>([lists](E& e, V v, R r) {
+auto sphereCall(bool lists) {
+    return [lists](E& e, V v, R r) {
         const std::int16_t reflection = slider(v, 5);
         (e.*Operation)(v.sliders[3], r.left, r.top, r.right, r.bottom, slider(v, 1), slider(v, 2),
                        slider(v, 3), reflection, reflection, reflection, v.sliders[5],
                        lists ? row(v.color) : 0, lists ? row(v.eType) : 0);
-    });
+    };
+}
+
+template <auto Operation>
+EffectPlanner spheres(bool lists = true) {
+    return dispatch::withTransOnSource<E>(sphereCall<Operation>(lists));
+}
+
+// The tiled spheres copy the source into their result themselves, a row at
+// a time on the thread that lights it.
+template <auto Operation>
+EffectPlanner tiledSpheres() {
+    return dispatch::onSourceWithOwnTrans<E>(sphereCall<Operation>(true));
 }
 
 } // namespace
@@ -71,8 +83,8 @@ void registerHideEffectEffects(EffectDispatch& d) {
                                      static_cast<std::int16_t>(slider(v, 1) - 247), slider(v, 1),
                                      slider(v, 2), slider(v, 3), slider(v, 5), slider(v, 6));
           }));
-    d.add(DialogKind::Mani, 59, spheres<&E::Crystal_Ball>());
-    d.add(DialogKind::Mani, 60, spheres<&E::Crystal_Line>());
+    d.add(DialogKind::Mani, 59, tiledSpheres<&E::Crystal_Ball>());
+    d.add(DialogKind::Mani, 60, tiledSpheres<&E::Crystal_Line>());
     d.add(DialogKind::Mani, 61, spheres<&E::Crystal_Random>());
     d.add(DialogKind::Mani, 71, spheres<&E::RandomSpot>());
     d.add(DialogKind::Mani, 58, spheres<&E::Crystal_Lighting>(false));

@@ -1,15 +1,18 @@
 // PaturnMatrixMethod: cells pushed to black or white, the amount handed on
 // to their neighbours.
 //
-// The walk writes in place, cell after cell, and cells of sizes 1x1 and 2x2
-// overlap the cells before them, yet no cell writes a pixel that is the
-// centre of a cell: a centre has its fetched colour when its cell comes,
-// and so has the shift it hands on. A pixel's result is therefore its
-// colour (pushed, if it is a centre) taken through the writes of the cells
-// that reach it, in walk order, each with the shift of its own centre in
-// the source. Those cells lie at most two rows above and one row below it,
-// so every row of the result is worked out on its own from the source into
-// TransBits, and the rows run on every core.
+// The walk writes in place, cell after cell, and 1x1 cells overlap the
+// cells before them, yet no cell writes a pixel that is the centre of a
+// cell: a centre has its fetched colour when its cell comes, and so has the
+// shift it hands on. A pixel's result is therefore its colour (pushed, if
+// it is a centre) taken through the writes of the cells that reach it, in
+// walk order, each with the shift of its own centre in the source. For 1x1
+// cells those lie in its own row and the row below, so every row of the
+// result is worked out on its own from the source into TransBits. A row of
+// larger cells writes rows that no other row of cells writes (the 2x2
+// cells' neighbours lie above and to the left, within the two rows of
+// their step), so rows of cells are walked as the rule walks them, each on
+// its own rows. Either way the rows run on every core.
 #include "effects/neighbourhood/class_neighborhood_op.h"
 #include "engine/colour_models.h"
 
@@ -46,8 +49,10 @@ constexpr std::array<Offset, 16> PatternCell{{
 struct CellSize {
     int step;
     int neighbours;
+    // The lowest row a cell reaches below its centre row.
+    int below;
 };
-constexpr std::array<CellSize, 4> CellSizes{{{1, 1}, {2, 4}, {3, 8}, {4, 15}}};
+constexpr std::array<CellSize, 4> CellSizes{{{1, 1, 0}, {2, 4, 0}, {3, 8, 1}, {4, 15, 2}}};
 
 constexpr Pixel channelByte(int value) {
     return static_cast<Pixel>(std::clamp(value, 0, 255));
@@ -84,7 +89,9 @@ struct Handing {
 };
 
 // Row y of the result over `out`, which holds the source's row: the cells
-// that reach the row, in walk order, with only their writes into it.
+// that reach the row, in walk order, with only their writes into it. Used
+// for the first row of 1x1 cells, where the clamps fold three cells' writes
+// onto some pixels.
 void gatherRow(const Surface& source, const Area& area, CellSize cell, const Handing& hand, int y,
                Pixel* out) {
     auto clampedX = [&](int x) { return std::clamp(x, area.firstColumn, area.endColumn - 1); };
@@ -108,6 +115,24 @@ void gatherRow(const Surface& source, const Area& area, CellSize cell, const Han
                 const int tx = clampedX(x + PatternCell[static_cast<std::size_t>(reaching[i])].dx);
                 out[tx] = hand(out[tx], shift);
             }
+        }
+    }
+}
+
+// The cells of row cy walked as the rule walks them, in place over `trans`.
+// For cells of 2x2 and more the rows a row of cells writes (cy - 1 to
+// cy + below, clamped) are written by no other row of cells.
+void walkCellRow(Surface& trans, const Area& area, CellSize cell, const Handing& hand, int cy) {
+    auto clampedX = [&](int x) { return std::clamp(x, area.firstColumn, area.endColumn - 1); };
+    auto clampedY = [&](int v) { return std::clamp(v, area.firstRow, area.endRow - 1); };
+    for (int x = area.firstColumn; x < area.endColumn; x += cell.step) {
+        Pixel& centre = trans.at(x, cy);
+        const int shift = shiftOf(centre);
+        centre = pushed(centre, shift);
+        for (int n = 1; n <= cell.neighbours; ++n) {
+            const Offset o = PatternCell[static_cast<std::size_t>(n)];
+            Pixel& p = trans.at(clampedX(x + o.dx), clampedY(cy + o.dy));
+            p = hand(p, shift);
         }
     }
 }
@@ -148,10 +173,22 @@ void Class_NeighborhoodOp::PaturnMatrixMethod(std::uint8_t sizeKind, std::uint8_
         const Handing hand{value, operation == 0};
         OwnTransRows trans(*this, area.firstRow, area.endRow);
         SetProgressRange(top, bottom);
+        if (sizeKind != 0) {
+            // Rows of cells 2x2 and larger share no pixel: each walks its
+            // own rows, which no other row's work touches.
+            forEachRow(rect, [&](int y, int, int) {
+                if ((y - area.firstRow) % cell.step != 0) return;
+                const int endRow = std::min(y + cell.below + 1, area.endRow);
+                for (int row = std::max(y - 1, area.firstRow); row < endRow; ++row)
+                    trans.takeRow(row);
+                walkCellRow(TransBits, area, cell, hand, y);
+            });
+            return;
+        }
         forEachRow(rect, [&](int y, int, int) {
             trans.takeRow(y);
             Pixel* out = TransBits.row(y).data();
-            if (sizeKind != 0 || y == area.firstRow) {
+            if (y == area.firstRow) {
                 gatherRow(ImageBits, area, cell, hand, y, out);
                 return;
             }

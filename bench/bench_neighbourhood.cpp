@@ -84,6 +84,20 @@ void BM_Neighbourhood_Fiasco5x5(benchmark::State& state) {
 }
 BENCHMARK(BM_Neighbourhood_Fiasco5x5)->Unit(benchmark::kMillisecond);
 
+// "Fiasco" at its default statistic, the mean; window 0 is 3x3, 1 is 5x5.
+void BM_Neighbourhood_FiascoMean(benchmark::State& state) {
+    const auto window = static_cast<std::uint8_t>(state.range(0));
+    neighbourhood(state, [window](auto& e) { e.FiascoFilter(window, 0, 0, 0, 0, Side, Side, 42); });
+}
+BENCHMARK(BM_Neighbourhood_FiascoMean)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+// "Gather 3x3" in grey at each cell size; size 0 is the default.
+void BM_Neighbourhood_Gather(benchmark::State& state) {
+    const auto size = static_cast<std::uint8_t>(state.range(0));
+    neighbourhood(state, [size](auto& e) { e.PaturnMatrixMethod(size, 0, 0, 0, Side, Side, 42); });
+}
+BENCHMARK(BM_Neighbourhood_Gather)->Arg(0)->Arg(1)->Arg(3)->Unit(benchmark::kMillisecond);
+
 // Normal Emboss (kind 0) and Sine Emboss (kind 2) at their defaults.
 void BM_Neighbourhood_Embossing(benchmark::State& state) {
     const auto kind = static_cast<std::uint8_t>(state.range(0));

@@ -67,7 +67,7 @@ const std::vector<Operation>& operations() {
         {"Gather", OpCall([](Op& e, R r) {
              e.PaturnMatrixMethod(3, 1, r.left, r.top, r.right, r.bottom, -128);
          }),
-         false, true},
+         false},
         {"ShadingLast",
          OpCall([](Op& e, R r) { e.ShadingLast(r.left, r.top, r.right, r.bottom, 160, 160, 160); }),
          false, true},

@@ -77,9 +77,11 @@ TEST_F(NeighbourhoodFilters, GatherPushesTheCellAndHandsTheAmountOn) {
     // One pixel is its own clamped neighbour: (150, 90, 30) has the mean 90,
     // d = -90, so it becomes (60, 0, 0) and then receives 90 + 42.
     auto gather = [&](std::uint8_t operation) {
-        return inPlaceOn({150, 90, 30}, [operation](Op& e, const ProcessRect& r) {
-            e.PaturnMatrixMethod(0, operation, r.left, r.top, r.right, r.bottom, 42);
-        });
+        const Surface result = runTrans(
+            Surface(1, 1, makePixel(150, 90, 30)), [operation](Op& e, const ProcessRect& r) {
+                e.PaturnMatrixMethod(0, operation, r.left, r.top, r.right, r.bottom, 42);
+            });
+        return colourAt(result, 0, 0);
     };
     EXPECT_EQ(gather(0), (Colour{150, 150, 150})); // grey 18 + 132
     EXPECT_EQ(gather(1), (Colour{192, 132, 132}));

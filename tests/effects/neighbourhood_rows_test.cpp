@@ -1,8 +1,10 @@
-// Gather's tiling cells and Moire's grey levels: the row-sharing and table
-// paths against the one-thread walk and the rule's edge values.
+// Gather's cells and Moire's grey levels: the rows worked out on their own
+// against the walk of the cells, and the table paths at the rule's edges.
 #include "effects/neighbourhood/class_neighborhood_op.h"
+#include "engine/colour_models.h"
 #include "neighbourhood_fixture.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -11,34 +13,90 @@ namespace {
 
 using Op = Class_NeighborhoodOp;
 
+// The cells walked as the rule describes them, in place, one after the
+// other: what the rows worked out on their own must give.
+Surface gatherByWalk(Surface picture, std::uint8_t size, std::uint8_t operation,
+                     const ProcessRect& rect, int value) {
+    static constexpr int Offsets[16][2] = {{0, 0},  {-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0},
+                                           {-1, 1}, {0, 1},   {1, 1},  {2, -1}, {2, 0},  {2, 1},
+                                           {-1, 2}, {0, 2},   {1, 2},  {2, 2}};
+    static constexpr int Steps[4] = {1, 2, 3, 4};
+    static constexpr int Neighbours[4] = {1, 4, 8, 15};
+    const int left = std::max<int>(rect.left, 0);
+    const int top = std::max<int>(rect.top, 0);
+    const int right = std::min<int>(rect.right, picture.width());
+    const int bottom = std::min<int>(rect.bottom, picture.height());
+    auto limit = [](int v) { return std::clamp(v, 0, 255); };
+    const int step = Steps[size];
+    for (int y = top; y < bottom; y += step) {
+        for (int x = left; x < right; x += step) {
+            Pixel& centre = picture.at(x, y);
+            const int m = (redOf(centre) + greenOf(centre) + blueOf(centre)) / 3;
+            const int d = (m < 128 ? 0 : 255) - m;
+            centre = makePixel(limit(redOf(centre) + d), limit(greenOf(centre) + d),
+                               limit(blueOf(centre) + d), centre >> 24);
+            for (int n = 1; n <= Neighbours[size]; ++n) {
+                Pixel& p = picture.at(std::clamp(x + Offsets[n][0], left, right - 1),
+                                      std::clamp(y + Offsets[n][1], top, bottom - 1));
+                const int r = redOf(p), g = greenOf(p), b = blueOf(p);
+                if (operation == 0) {
+                    const int grey = limit(luminanceY(r, g, b) + value - d);
+                    p = makePixel(grey, grey, grey, p >> 24);
+                } else {
+                    p = makePixel(limit(r - d + value), limit(g - d + value), limit(b - d + value),
+                                  p >> 24);
+                }
+            }
+        }
+    }
+    return picture;
+}
+
 struct NeighbourhoodRows : NeighbourhoodFixture<Op> {
+    // Every row a band of its own, so that even a small picture is shared
+    // out; TransBits fetched, or left to the call as the program runs it.
     Surface gatherOn(const Surface& picture, std::uint8_t size, std::uint8_t operation,
-                     const ProcessRect& rect, int threads) {
-        // Every row a band of its own, so that even a small picture is shared out.
+                     const ProcessRect& rect, int threads, bool lent) {
         context.threading = {.threads = threads, .bandPixels = 1};
         Op effect(context);
         effect.ImageGetDiBits(picture);
+        if (!lent) effect.ImageGetDiBitsTrans(picture);
         effect.PaturnMatrixMethod(size, operation, rect.left, rect.top, rect.right, rect.bottom,
                                   -30);
         Surface result;
-        effect.ImageSetDiBits(result);
+        effect.ImageSetDiBitsTrans(result);
         return result;
     }
 };
 
-TEST_F(NeighbourhoodRows, GatherCellsGiveTheOneThreadPictureOnSeveral) {
-    // Widths and heights that leave a part cell at the right and bottom,
-    // where clamped neighbours fall back into the cell itself.
-    const Surface picture = randomPicture(23, 19, 7, 5);
-    const ProcessRect rects[] = {ProcessRect::wholePicture(23, 19), ProcessRect{3, 2, 20, 17},
-                                 ProcessRect{-5, -3, 11, 40}};
+TEST_F(NeighbourhoodRows, GatherRowsGiveTheWalkOfOverlappingCells) {
+    // Sizes that leave a part cell at the right and bottom, where clamped
+    // neighbours fall back into the cell; areas of one, two and three rows
+    // or columns, where the first row's and column's clamps meet.
+    const Surface picture = randomPicture(23, 19, 256, 5);
+    const Surface levels = randomPicture(23, 19, 3, 6);
+    const ProcessRect rects[] = {
+        ProcessRect::wholePicture(23, 19),
+        {3, 2, 20, 17},
+        {-5, -3, 11, 40},
+        {4, 6, 5, 7},
+        {0, 5, 23, 6},
+        {7, 0, 8, 19},
+        {2, 2, 4, 4},
+        {1, 3, 4, 6},
+        {20, 16, 30, 30},
+    };
     for (std::uint8_t size = 0; size < 4; ++size) {
         for (const std::uint8_t operation : {0, 1}) {
             for (const ProcessRect& rect : rects) {
-                EXPECT_EQ(gatherOn(picture, size, operation, rect, 3),
-                          gatherOn(picture, size, operation, rect, 1))
-                    << "size " << int{size} << " operation " << int{operation} << " rect left "
-                    << rect.left;
+                for (const Surface* source : {&picture, &levels}) {
+                    const Surface expected = gatherByWalk(*source, size, operation, rect, -30);
+                    const std::string what =
+                        "size " + std::to_string(size) + " operation " + std::to_string(operation) +
+                        " rect " + std::to_string(rect.left) + "," + std::to_string(rect.top);
+                    EXPECT_EQ(gatherOn(*source, size, operation, rect, 1, false), expected) << what;
+                    EXPECT_EQ(gatherOn(*source, size, operation, rect, 3, true), expected) << what;
+                }
             }
         }
     }

@@ -11,8 +11,10 @@ namespace lumiran {
 // filters, the threshold and bit filters, embossing and the glass filters.
 //
 // Window filters read ImageBits and write TransBits (fetch both); the
-// rows and columns their window does not fit stay as fetched. Kakekomi,
-// ColdSeed, PaturnMatrixMethod and ShadingLast work in place on ImageBits.
+// rows and columns their window does not fit stay as fetched. FiascoFilter
+// and PaturnMatrixMethod also make TransBits themselves when it is left
+// unfetched (a lent source). Kakekomi, ColdSeed and ShadingLast work in
+// place on ImageBits.
 // A window never reaches outside the rectangle cut to the picture.
 class Class_NeighborhoodOp : public NeighbourhoodFrame {
   public:
@@ -44,7 +46,8 @@ class Class_NeighborhoodOp : public NeighbourhoodFrame {
                   std::int16_t right, std::int16_t bottom, bool snow, std::int16_t value);
 
     // Cells of size kind 0..3 pushed to black or white, the amount handed
-    // to their neighbours as grey (operation 0) or per channel (1).
+    // to their neighbours as grey (operation 0) or per channel (1). Reads
+    // ImageBits and writes TransBits, as the walk in place would leave it.
     void PaturnMatrixMethod(std::uint8_t sizeKind, std::uint8_t operation, std::int16_t left,
                             std::int16_t top, std::int16_t right, std::int16_t bottom,
                             std::int16_t value);

@@ -163,11 +163,11 @@ void registerFilter(EffectDispatch& d) {
                               e.ShadingLast(r.left, r.top, r.right, r.bottom, slider(v, 1),
                                             slider(v, 2), slider(v, 3));
                           })}));
-    d.add(DialogKind::Emboss, 19, withTrans([](Op& e, V v, R r) {
+    d.add(DialogKind::Emboss, 19, onSource([](Op& e, V v, R r) {
               e.FiascoFilter(row(v.color), 0, row(v.eType), r.left, r.top, r.right, r.bottom,
                              slider(v, 1));
           }));
-    d.add(DialogKind::Emboss, 27, inPlace([](Op& e, V v, R r) {
+    d.add(DialogKind::Emboss, 27, onSource([](Op& e, V v, R r) {
               e.PaturnMatrixMethod(row(v.eType), row(v.color), r.left, r.top, r.right, r.bottom,
                                    slider(v, 1));
           }));

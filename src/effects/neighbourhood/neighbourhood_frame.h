@@ -5,7 +5,9 @@
 #include "engine/shared_rows.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <span>
+#include <vector>
 
 namespace lumiran {
 
@@ -51,6 +53,57 @@ class NeighbourhoodFrame : public PixelFrame {
             std::copy(in.begin(), in.end(), TransBits.row(y).begin());
         });
     }
+
+    // For a call lent its source that finds TransBits unfetched: the result
+    // array is made without clearing or copying it first. Rows outside
+    // [firstRow, endRow) are copied at once on every core; each row inside
+    // is copied by takeRow from the row loop, just before the call writes
+    // its results over it, while the row is in the cache. Rows that a cancel
+    // or a failure left untaken are copied when the guard ends, so the array
+    // is always whole. With TransBits fetched by the caller it does nothing.
+    class OwnTransRows {
+      public:
+        OwnTransRows(NeighbourhoodFrame& frame, int firstRow, int endRow)
+            : frame_(frame), firstRow_(std::max(firstRow, 0)),
+              endRow_(std::min(endRow, frame.ImageBits.height())) {
+            if (!frame_.TransBits.empty() || frame_.ImageBits.empty()) return;
+            Surface& trans = frame_.TransBits;
+            const Surface& source = frame_.ImageBits;
+            taken_.assign(static_cast<std::size_t>(source.height()), 0);
+            trans = Surface::uninitialised(source.width(), source.height());
+            own_ = true;
+            forEachRowShared(frame_.context(), 0, source.height(), source.width(), [&](int y) {
+                if (y < firstRow_ || y >= endRow_) copyRow(y);
+            });
+        }
+        OwnTransRows(const OwnTransRows&) = delete;
+        OwnTransRows& operator=(const OwnTransRows&) = delete;
+        ~OwnTransRows() {
+            if (!own_) return;
+            for (int y = firstRow_; y < endRow_; ++y) {
+                if (taken_[static_cast<std::size_t>(y)] == 0) copyRow(y);
+            }
+        }
+
+        // Row y of TransBits as the source's; rows differ between threads.
+        void takeRow(int y) {
+            if (!own_) return;
+            copyRow(y);
+            taken_[static_cast<std::size_t>(y)] = 1;
+        }
+
+      private:
+        void copyRow(int y) {
+            const std::span<const Pixel> in = frame_.ImageBits.row(y);
+            std::copy(in.begin(), in.end(), frame_.TransBits.row(y).begin());
+        }
+
+        NeighbourhoodFrame& frame_;
+        int firstRow_;
+        int endRow_;
+        bool own_ = false;
+        std::vector<std::uint8_t> taken_;
+    };
 
     // Without a calculation type the tail is the clamp alone, and whole
     // rows of clamped results can be stored with vector operations.

@@ -1,5 +1,5 @@
-// MedianFilter, RankFilter, FiascoFilter and TransperentColor: filters that
-// take an element of the sorted window.
+// MedianFilter, RankFilter and TransperentColor: filters that take an
+// element of the sorted window.
 #include "effects/neighbourhood/class_neighborhood_op.h"
 #include "effects/neighbourhood/rank_rows.h"
 #include "engine/channels.h"
@@ -151,53 +151,6 @@ void Class_NeighborhoodOp::RankFilter(std::int16_t rank, std::uint8_t channelKin
                         result = {take[0] ? q.r : s.r, take[1] ? q.g : s.g, take[2] ? q.b : s.b};
                     }
                     storeTrans(x, y, source[x], toResult(result));
-                }
-            });
-    });
-}
-
-void Class_NeighborhoodOp::FiascoFilter(std::uint8_t window, std::uint8_t sortMode,
-                                        std::uint8_t statistic, std::int16_t left, std::int16_t top,
-                                        std::int16_t right, std::int16_t bottom,
-                                        std::int16_t amount) {
-    guarded([&] {
-        if (window > 1 || statistic > 3) return;
-        const ProcessRect rect{left, top, right, bottom};
-        const int reach = window + 1;
-        const int length = neighbourhood::windowLength(reach);
-        // The sort is descending: the largest element first, the smallest last.
-        const int element = statistic == 1 ? medianRank(reach) : statistic == 2 ? length - 1 : 0;
-        const RankSort sort = sortMode == 0 ? RankSort::Packed : RankSort::Channels;
-        auto away = [amount](int statisticValue, int channel) {
-            return statisticValue > channel ? channel - amount : channel + amount;
-        };
-        // The mean needs no sort.
-        rankedChunks(
-            rect, reach, sort, statistic == 0 ? -1 : element,
-            [&](int y, int first, int count, std::span<const Pixel> ranked) {
-                const Pixel* source = ImageBits.row(y).data();
-                for (int i = 0; i < count; ++i) {
-                    const int x = first + i;
-                    IntRgb stat{};
-                    if (statistic == 0) {
-                        // The truncated mean of each channel.
-                        IntRgb sum;
-                        for (int dy = -reach; dy <= reach; ++dy) {
-                            const Pixel* row = ImageBits.row(y + dy).data();
-                            for (int dx = -reach; dx <= reach; ++dx) {
-                                const IntRgb c = channelsOf(row[x + dx]);
-                                sum.r += c.r;
-                                sum.g += c.g;
-                                sum.b += c.b;
-                            }
-                        }
-                        stat = {sum.r / length, sum.g / length, sum.b / length};
-                    } else {
-                        stat = channelsOf(ranked[static_cast<std::size_t>(i)]);
-                    }
-                    const IntRgb c = channelsOf(source[x]);
-                    storeTrans(x, y, source[x],
-                               toResult({away(stat.r, c.r), away(stat.g, c.g), away(stat.b, c.b)}));
                 }
             });
     });

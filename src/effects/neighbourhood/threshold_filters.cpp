@@ -1,5 +1,5 @@
-// ColdSeed, PaturnMatrixMethod, Kakekomi, Moire and BleedingFilter: the
-// threshold and bit filters.
+// ColdSeed, Kakekomi, Moire and BleedingFilter: the threshold and bit
+// filters.
 #include "effects/neighbourhood/class_neighborhood_op.h"
 #include "engine/colour_models.h"
 
@@ -13,7 +13,6 @@ namespace lumiran {
 namespace {
 
 using neighbourhood::Area;
-using neighbourhood::Offset;
 
 // ColdSeed's operations 0..4: +, -, Or, And, Eqv.
 int coldSeedStep(std::uint8_t operation, int c, int v) {
@@ -30,32 +29,6 @@ int coldSeedStep(std::uint8_t operation, int c, int v) {
         return std::abs(~(c ^ v));
     }
 }
-
-// The centre and its fifteen neighbours of PaturnMatrixMethod, in order.
-constexpr std::array<Offset, 16> PatternCell{{
-    {0, 0},
-    {-1, -1},
-    {0, -1},
-    {1, -1},
-    {-1, 0},
-    {1, 0},
-    {-1, 1},
-    {0, 1},
-    {1, 1},
-    {2, -1},
-    {2, 0},
-    {2, 1},
-    {-1, 2},
-    {0, 2},
-    {1, 2},
-    {2, 2},
-}};
-
-struct CellSize {
-    int step;
-    int neighbours;
-};
-constexpr std::array<CellSize, 4> CellSizes{{{1, 1}, {2, 4}, {3, 8}, {4, 15}}};
 
 std::int16_t clampChannel(int value) {
     return static_cast<std::int16_t>(std::clamp(value, 0, 255));
@@ -93,45 +66,6 @@ void Class_NeighborhoodOp::ColdSeed(std::uint8_t colour, std::uint8_t operation,
             return Rgb16{clampChannel(coldSeedStep(operation, r, v)),
                          clampChannel(coldSeedStep(operation, g, v)),
                          clampChannel(coldSeedStep(operation, b, v))};
-        });
-    });
-}
-
-void Class_NeighborhoodOp::PaturnMatrixMethod(std::uint8_t sizeKind, std::uint8_t operation,
-                                              std::int16_t left, std::int16_t top,
-                                              std::int16_t right, std::int16_t bottom,
-                                              std::int16_t value) {
-    guarded([&] {
-        if (sizeKind > 3) return;
-        const ProcessRect rect{left, top, right, bottom};
-        const Area area = areaOf(rect);
-        const CellSize cell = CellSizes[sizeKind];
-        auto clampedX = [&](int x) { return std::clamp(x, area.firstColumn, area.endColumn - 1); };
-        auto clampedY = [&](int y) { return std::clamp(y, area.firstRow, area.endRow - 1); };
-        SetProgressRange(top, bottom);
-        // Cells overlap and are written in place: the walk keeps its order.
-        forEachRow<RowOrder::TopToBottom>(rect, [&](int y, int, int) {
-            if ((y - area.firstRow) % cell.step != 0) return;
-            for (int x = area.firstColumn; x < area.endColumn; x += cell.step) {
-                Pixel& centre = ImageBits.at(x, y);
-                const int m = averageGrey(redOf(centre), greenOf(centre), blueOf(centre));
-                const int d = (m < 128 ? 0 : 255) - m;
-                centre =
-                    withColour(centre, clampChannel(redOf(centre) + d),
-                               clampChannel(greenOf(centre) + d), clampChannel(blueOf(centre) + d));
-                for (int n = 1; n <= cell.neighbours; ++n) {
-                    const Offset o = PatternCell[static_cast<std::size_t>(n)];
-                    Pixel& p = ImageBits.at(clampedX(x + o.dx), clampedY(y + o.dy));
-                    const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-                    if (operation == 0) {
-                        const std::int16_t grey = clampChannel(luminanceY(r, g, b) + value - d);
-                        p = withColour(p, grey, grey, grey);
-                    } else {
-                        p = withColour(p, clampChannel(r - d + value), clampChannel(g - d + value),
-                                       clampChannel(b - d + value));
-                    }
-                }
-            }
         });
     });
 }

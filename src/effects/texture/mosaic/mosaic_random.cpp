@@ -3,6 +3,7 @@
 #include "effects/texture/mosaic/mosaic_walk.h"
 #include "effects/texture/mosaic/region_schedule.h"
 #include "effects/texture/mosaic/shape_masks.h"
+#include "engine/picture_memory.h"
 
 namespace lumiran {
 
@@ -35,7 +36,8 @@ void Class_Mosaic::Mosaic_Random(std::uint8_t width, std::uint8_t height, std::i
             int x;
             int y;
         };
-        std::vector<Origin> origins;
+        // Picture memory: a huge page rather than hundreds of small ones.
+        std::vector<Origin, PictureAllocator<Origin>> origins;
         origins.reserve(static_cast<std::size_t>(blockRows) *
                         static_cast<std::size_t>(blockColumns));
         for (int k = 0; k < blockRows; ++k) {
@@ -98,6 +100,7 @@ void Class_Mosaic::Mosaic_Random(std::uint8_t width, std::uint8_t height, std::i
         }
 
         mosaic::RegionSchedule schedule(regions, span.firstRow, span.endRow);
+        schedule.reserve(origins.size());
         for (std::uint32_t i = 0; i < origins.size(); ++i) {
             const int y0 = origins[i].y;
             schedule.add(i, std::min(y0, span.endRow - 1),

@@ -6,6 +6,7 @@
 // neighbours. Each region takes its own shapes in order; a straddling shape
 // waits until both its regions have reached it and is then laid alone over
 // both. Every shape so sees exactly what it would one shape at a time.
+#include "engine/picture_memory.h"
 #include "engine/worker_pool.h"
 
 #include <algorithm>
@@ -25,6 +26,15 @@ class RegionSchedule {
     RegionSchedule(int regions, int firstRow, int endRow)
         : firstRow_(firstRow), endRow_(endRow), lists_(static_cast<std::size_t>(regions)),
           cursor_(lists_.size(), 0), busy_(lists_.size(), 0) {}
+
+    // Room for about shapes in all: lists of a megabyte or so start at a
+    // huge page, which costs one fault rather than hundreds of small ones.
+    void reserve(std::size_t shapes) {
+        const std::size_t each = shapes / lists_.size() + shapes / 16 + 16;
+        const std::size_t huge = HugePageBytes / sizeof(Entry);
+        for (List& list : lists_)
+            list.reserve(each >= huge / 4 ? std::max(each, huge) : each);
+    }
 
     [[nodiscard]] int regions() const { return static_cast<int>(lists_.size()); }
     [[nodiscard]] int regionBegin(int r) const {
@@ -80,7 +90,7 @@ class RegionSchedule {
                             entered_[static_cast<std::size_t>(r)] = 1;
                         }
                     }
-                    const std::vector<Entry>& list = lists_[static_cast<std::size_t>(task.region)];
+                    const List& list = lists_[static_cast<std::size_t>(task.region)];
                     for (std::size_t i = task.begin; i < task.end; ++i) {
                         if ((i - task.begin) % 1024 == 0 && stop()) {
                             ok = false;
@@ -129,7 +139,7 @@ class RegionSchedule {
     Task pick() {
         if (finished_) return {};
         for (std::size_t r = 0; r < lists_.size(); ++r) {
-            const std::vector<Entry>& list = lists_[r];
+            const List& list = lists_[r];
             const std::size_t at = cursor_[r];
             if (busy_[r] != 0 || at == list.size()) continue;
             if (!list[at].straddle) {
@@ -188,7 +198,9 @@ class RegionSchedule {
 
     int firstRow_;
     int endRow_;
-    std::vector<std::vector<Entry>> lists_;
+    // Picture memory: large lists grow by huge pages, not by small fresh ones.
+    using List = std::vector<Entry, PictureAllocator<Entry>>;
+    std::vector<List> lists_;
     std::vector<std::size_t> cursor_;
     std::vector<std::uint8_t> busy_;
     std::vector<std::uint8_t> entered_;

@@ -17,6 +17,11 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"Slope", "c84a24b72af780f2", 1}, Golden{"Slope", "c84a24b72af780f2", 1, 1},
         Golden{"Random Circle", "1c61c4ad7200bcaf"},
         Golden{"Random Circle", "b77bcec62be77c96", 14},
+        // The other radius forms and sources: circles larger than a block,
+        // from the block's centre, of random radius from random places.
+        Golden{"Random Circle", "b1f60ea0f1c551d6", 3},
+        Golden{"Random Circle", "3cdaeb38b591f1a4", 7},
+        Golden{"Random Circle", "dac828d10985a460", 11},
         Golden{"Block Replace", "0e9506032f2e92ee"},
         Golden{"Block Replace", "531fbebca71b0662", 1, 2},
         Golden{"Replace Processing", "8298ea6eebbebe4a"}, Golden{"Jagged", "185369ecdd3f167a"},

@@ -106,6 +106,19 @@ class Class_ColorOp : public PixelFrame {
                        std::int16_t top, std::int16_t right, std::int16_t bottom, std::int16_t a,
                        std::int16_t b, std::int16_t c, std::int16_t weight, std::int16_t redOperand,
                        std::int16_t greenOperand, std::int16_t blueOperand);
+
+    // SakuraFilter then reads ImageBits, lent, and makes TransBits itself:
+    // each row copied and tinted in one pass, on every core, rather than
+    // the whole picture copied on one thread first
+    // (dispatch::onSourceWithOwnTrans).
+    void tintIntoOwnTrans() { tintIntoOwnTrans_ = true; }
+
+  private:
+    // mapPixels in place, or onto TransBits as tintIntoOwnTrans asks.
+    template <ResultTail Tail, typename Rule>
+    void mapTint(const ProcessRect& rect, Rule rule);
+
+    bool tintIntoOwnTrans_ = false;
 };
 
 } // namespace lumiran

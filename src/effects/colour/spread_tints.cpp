@@ -4,6 +4,7 @@
 #include "effects/colour/color_op_support.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace lumiran {
 namespace {
@@ -94,11 +95,42 @@ void Class_ColorOp::AutumnsColor(std::uint8_t type, std::int16_t left, std::int1
     });
 }
 
+template <ResultTail Tail, typename Rule>
+void Class_ColorOp::mapTint(const ProcessRect& rect, Rule rule) {
+    const Span span = spanOf(rect);
+    if (!tintIntoOwnTrans_ || span.empty()) {
+        if (tintIntoOwnTrans_) TransBits = ImageBits;
+        mapPixels<Tail>(rect, rule);
+        return;
+    }
+    TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+    // Rows the rectangle leaves out are copied here; the bands copy and
+    // tint their own rows, still hot, as mapPixels tints in place.
+    for (int y = 0; y < ImageBits.height(); ++y) {
+        if (y < span.firstRow || y >= span.endRow)
+            std::ranges::copy(ImageBits.row(y), TransBits.row(y).begin());
+    }
+    SetProgressRange(rect.top, rect.bottom);
+    const bool blend = blends(Tail) && calculationFlag() > 0;
+    const BandPlan plan = bandPlan(rect);
+    std::vector<Rule> rules(static_cast<std::size_t>(std::max(plan.workers, 1)), rule);
+    rowsInBands(rect, plan, [&](int worker, int y, int, int) {
+        Rule& own = rules[static_cast<std::size_t>(worker)];
+        const std::span<Pixel> out = TransBits.row(y);
+        std::ranges::copy(ImageBits.row(y), out.begin());
+        if (blend) {
+            mapRowInPlace<Tail, true>(out.data(), y, span, own);
+        } else {
+            mapRowInPlace<Tail, false>(out.data(), y, span, own);
+        }
+    });
+}
+
 void Class_ColorOp::SakuraFilter(std::uint8_t hue, std::uint8_t type, std::int16_t left,
                                  std::int16_t top, std::int16_t right, std::int16_t bottom) {
     guarded([&] {
         const ProcessRect rect{left, top, right, bottom};
-        auto run = [&](auto rule) { mapPixels<ResultTail::Clamp>(rect, rule); };
+        auto run = [&](auto rule) { mapTint<ResultTail::Clamp>(rect, rule); };
         if (hue > 1 || type > 2) {
             // No step applies: the source stands.
             run([](int r, int g, int b) { return Channels{r, g, b}.fields(); });

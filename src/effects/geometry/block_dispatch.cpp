@@ -45,7 +45,7 @@ void registerPixelMoveBlocks(EffectDispatch& d) {
                                      0);
               }
           }));
-    d.add(DialogKind::Negative, 14, drawing([](Class_Geometry& e, V v, R r) {
+    d.add(DialogKind::Negative, 14, drawingOnOwnBackground([](Class_Geometry& e, V v, R r) {
               e.Random_Circle(slider(v, 1), r.left, r.top, r.right, r.bottom, row(v.color));
           }));
     d.add(DialogKind::Emboss, 40, drawing([](Class_Geometry& e, V v, R r) {

@@ -1,6 +1,5 @@
-// The block scatters and Random Circle: blocks and circles of kept picture 0
-// blitted onto kept picture 1 at places drawn from the one random generator,
-// in a fixed order of draws.
+// The block scatters: blocks of kept picture 0 blitted onto kept picture 1
+// at places drawn from the one random generator, in a fixed order of draws.
 #include "effects/geometry/warp_rows.h"
 #include "engine/drawing/drawing.h"
 
@@ -40,38 +39,6 @@ void copyBlock(Surface& target, int x, int y, int width, int height, const Surfa
     for (int row = top; row < bottom; ++row) {
         const Pixel* from = source.row(row + dy).data() + (left + dx);
         std::copy(from, from + (right - left), &target.at(left, row));
-    }
-}
-
-// The largest dx of row dy inside the circle of radius r, the circle of
-// Canvas::Ellipse (dx^2 + dy^2 < (r + 1/2)^2); -1 when the row misses it.
-int halfRun(int radius, int dy) {
-    const double q = (radius + 0.5) * (radius + 0.5) - static_cast<double>(dy) * dy;
-    if (q <= 0) return -1;
-    int half = static_cast<int>(std::floor(std::sqrt(q)));
-    while (static_cast<double>(half) * half >= q)
-        --half;
-    return half;
-}
-
-// A disc (or ring of the given width) of the source around (fromX, fromY)
-// laid onto the target around (x, y), row by row.
-void stampCircle(Surface& target, const Surface& source, int x, int y, int fromX, int fromY,
-                 int radius, int ringWidth) {
-    const int inner = ringWidth > 0 ? radius - ringWidth : -1;
-    for (int dy = -radius; dy <= radius; ++dy) {
-        const int outer = halfRun(radius, dy);
-        if (outer < 0) continue;
-        const int hole = inner >= 0 ? halfRun(inner, dy) : -1;
-        if (hole < 0) {
-            copyBlock(target, x - outer, y + dy, 2 * outer + 1, 1, source, fromX - outer,
-                      fromY + dy);
-        } else {
-            copyBlock(target, x - outer, y + dy, outer - hole, 1, source, fromX - outer,
-                      fromY + dy);
-            copyBlock(target, x + hole + 1, y + dy, outer - hole, 1, source, fromX + hole + 1,
-                      fromY + dy);
-        }
     }
 }
 
@@ -169,52 +136,6 @@ void Class_Geometry::BlockScatter_Type2(std::uint8_t direction, std::int16_t spr
                 const int sx = sourceX && alongX ? d[0] : 0, sy = sourceY && alongY ? d[1] : 0;
                 const int tx = targetX && alongX ? d[2] : 0, ty = targetY && alongY ? d[3] : 0;
                 copyBlock(*p.target, bx + tx, by + ty, bw, bh, *p.source, bx + sx, by + sy);
-            }
-            if (!finishRow()) return;
-        }
-    });
-}
-
-void Class_Geometry::Random_Circle(std::int16_t size, std::int16_t left, std::int16_t top,
-                                   std::int16_t right, std::int16_t bottom, std::uint8_t kind) {
-    guarded([&] {
-        const Pictures p = blitPictures(1);
-        if (!p || size < 1 || kind > 14 || right <= left || bottom <= top) return;
-        const int width = right - left, height = bottom - top;
-        const int form = kind % 5, from = kind / 5;
-        SetProgressRange(0, (height + size - 1) / size);
-        for (int by = top; by < bottom; by += size) {
-            for (int bx = left; bx < right; bx += size) {
-                // The centre across then down, then the radius where it is
-                // drawn, then the place the picture comes from where drawn.
-                const int x = roundTo<std::int32_t>(left + context().random.next() * width);
-                const int y = roundTo<std::int32_t>(top + context().random.next() * height);
-                int radius = size / 2, ring = 0;
-                switch (form) {
-                case 1:
-                    radius = roundTo<std::int32_t>(context().random.next() * size / 2.0);
-                    break;
-                case 2:
-                    radius = roundTo<std::int32_t>((y - top + 1) * (size / 2.0) / height);
-                    break;
-                case 3:
-                    radius = size;
-                    break;
-                case 4:
-                    ring = std::max(1, size / 6);
-                    break;
-                default:
-                    break;
-                }
-                int fromX = x, fromY = y;
-                if (from == 1) {
-                    fromX = bx + size / 2;
-                    fromY = by + size / 2;
-                } else if (from == 2) {
-                    fromX = roundTo<std::int32_t>(left + context().random.next() * width);
-                    fromY = roundTo<std::int32_t>(top + context().random.next() * height);
-                }
-                stampCircle(*p.target, *p.source, x, y, fromX, fromY, radius, ring);
             }
             if (!finishRow()) return;
         }

@@ -196,7 +196,8 @@ class Class_Geometry : public PixelFrame {
     void Squeeze(std::int16_t backgroundKind, std::int16_t level, std::int16_t left,
                  std::int16_t top, std::int16_t right, std::int16_t bottom, std::uint8_t direction);
     // Circles of the picture at random places, one per block: kind % 5 the
-    // radius form, kind / 5 where the picture inside comes from.
+    // radius form, kind / 5 where the picture inside comes from. An empty
+    // kept picture 1 is made here and gets the background colour first.
     void Random_Circle(std::int16_t size, std::int16_t left, std::int16_t top, std::int16_t right,
                        std::int16_t bottom, std::uint8_t kind);
     // Pulls: kinds 0 across, 1 down (reverse: the other way); 2 and 3 sink

@@ -41,6 +41,13 @@ EffectPlanner warpOnSource(Call call) {
     return dispatch::withTransOnSource<Class_Geometry>(call);
 }
 
+// The same again for warps whose rows make TransBits themselves (warpRows
+// with TransBits left unfetched): no copy of the whole picture first.
+template <typename Call>
+EffectPlanner warpOnSourceOwnTrans(Call call) {
+    return dispatch::onSourceWithOwnTrans<Class_Geometry>(call);
+}
+
 // A call that draws from kept picture 0 onto kept picture 1 itself.
 template <typename Call>
 EffectBody drawingBody(Call call, const ControlValues& values) {
@@ -56,6 +63,16 @@ EffectBody drawingBody(Call call, const ControlValues& values) {
 template <typename Call>
 EffectPlanner drawing(Call call) {
     return [call](V values) { return EffectPlan::ready(drawingBody(call, values)); };
+}
+
+// The same for a call that lays the background under what it draws
+// itself: the run leaves kept picture 1 empty for it, rather than filling
+// it on one thread first. A preview still hands it a picture to draw over.
+template <typename Call>
+EffectPlanner drawingOnOwnBackground(Call call) {
+    return [call](V values) {
+        return EffectPlan::ready(EffectBody{ReplacingBody{drawingBody(call, values)}});
+    };
 }
 
 // Several calls in a row as one sequence. The first draws over the

@@ -40,8 +40,9 @@ void registerDistortion(EffectDispatch& d) {
                       r.right, r.bottom, row(v.distance));
           }));
     // Sphere: the call passes kind 0 whatever its type list shows; the
-    // list's rows make that one call.
-    d.add(DialogKind::Mani, 9, warp([](Class_Geometry& e, V v, R r) {
+    // list's rows make that one call. It reads only ImageBits: kept picture
+    // 0 is lent, and its rows make TransBits.
+    d.add(DialogKind::Mani, 9, warpOnSourceOwnTrans([](Class_Geometry& e, V v, R r) {
               e.Sphere(r.left, r.top, r.right, r.bottom, 0, slider(v, 1), slider(v, 2),
                        slider(v, 3));
           }));

@@ -3,6 +3,7 @@
 #include "effects/geometry/vector_trig.h"
 #include "effects/geometry/warp_rows.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lumiran {
@@ -39,32 +40,36 @@ void Class_Geometry::Sphere(std::int16_t left, std::int16_t top, std::int16_t ri
                     trig::tangent(f, f);
                     break;
                 }
-                for (std::size_t i = 0; i < n; ++i) {
+                // The quadrant goes by the sign of dx alone, dy being the
+                // row's: the columns left of the centre, the centre's and
+                // those right of it each take one term, in loops without
+                // branches.
+                const auto place = [&](std::size_t i, double a) {
                     const double dx = first + static_cast<double>(i) - c.x;
-                    double a = 0;
-                    if (dx > 0 && dy >= 0) {
-                        a = f[i];
-                    } else if (dx == 0 && dy >= 0) {
-                        a = q / 2;
-                    } else if (dx < 0) {
-                        a = f[i] + q;
-                    } else if (dx == 0) {
-                        a = q * 1.5;
-                    } else {
-                        a = f[i] + 2 * q;
-                    }
                     a = a - q / 2;
-                    // One correction by a whole turn; a tan far beyond it stays
-                    // out and the sampler takes it to the edge.
-                    if (a < 0) {
-                        a = a + 2 * q;
-                    } else if (a > 2 * q) {
-                        a = a - 2 * q;
-                    }
+                    // One correction by a whole turn; a tan far beyond it
+                    // stays out and the sampler takes it to the edge.
+                    a = a < 0 ? a + 2 * q : a > 2 * q ? a - 2 * q : a;
                     // Rounded as doubles: a huge tan is no error, the sampler
                     // takes it to the edge (a NaN still fails there).
                     xs[i] = roundHalfEven(a / (2 * q) * lastColumn);
                     ys[i] = roundHalfEven(std::sqrt(dx * dx + dy * dy));
+                };
+                const auto centre = static_cast<std::size_t>(std::clamp<long long>(
+                    static_cast<long long>(c.x) - first, 0, static_cast<long long>(n)));
+                for (std::size_t i = 0; i < centre; ++i)
+                    place(i, f[i] + q);
+                std::size_t i = centre;
+                if (i < n && first + static_cast<long long>(i) == c.x) {
+                    place(i, dy >= 0 ? q / 2 : q * 1.5);
+                    ++i;
+                }
+                if (dy >= 0) {
+                    for (; i < n; ++i)
+                        place(i, f[i]);
+                } else {
+                    for (; i < n; ++i)
+                        place(i, f[i] + 2 * q);
                 }
             });
     });

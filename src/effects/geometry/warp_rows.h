@@ -96,25 +96,64 @@ class RowScratch {
 // firstColumn, firstColumn + 1, ... of row y. Every row reads ImageBits and
 // writes its own row of TransBits only, so rows run in any order unless
 // the fill draws from the random generator.
+//
+// A caller may leave TransBits unfetched (dispatch::onSourceWithOwnTrans):
+// it is then the source, made here without a copy on one thread first.
+// Each row the bands sample takes the source beside the span as it is
+// written; rows outside the span are copied before, rows a cancel or a
+// failure left out after.
 template <RowOrder Order, typename Fill>
 void Class_Geometry::warpRows(const ProcessRect& rect, std::uint8_t axes, Fill&& fill) {
     SetProgressRange(rect.top, rect.bottom);
     const Span span = spanOf(rect);
+    const bool ownTrans = TransBits.empty() && !ImageBits.empty();
     if (span.empty()) {
+        if (ownTrans) TransBits = ImageBits;
         forEachRow(rect, [](int, int, int) {});
         return;
     }
+    std::vector<std::uint8_t> rowDone;
+    if (ownTrans) {
+        TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+        rowDone.assign(static_cast<std::size_t>(ImageBits.height()), 0);
+        for (int y = 0; y < ImageBits.height(); ++y) {
+            if (y >= span.firstRow && y < span.endRow) continue;
+            std::ranges::copy(ImageBits.row(y), TransBits.row(y).begin());
+            rowDone[static_cast<std::size_t>(y)] = 1;
+        }
+    }
+    const auto copyLeftOut = [&] {
+        for (std::size_t y = 0; y < rowDone.size(); ++y) {
+            if (rowDone[y] == 0) {
+                const int row = static_cast<int>(y);
+                std::ranges::copy(ImageBits.row(row), TransBits.row(row).begin());
+            }
+        }
+    };
     const SampleBounds bounds = boundsOf(span);
     const BandPlan plan = Order == RowOrder::AnyOrder ? bandPlan(rect) : BandPlan{};
     std::vector<RowScratch> scratch(static_cast<std::size_t>(std::max(plan.workers, 1)));
-    rowsInBands(rect, plan, [&](int worker, int y, int begin, int end) {
-        RowScratch& own = scratch[static_cast<std::size_t>(worker)];
-        own.release();
-        const auto n = static_cast<std::size_t>(end - begin);
-        const std::span<double> xs = own.take(n), ys = own.take(n);
-        fill(y, begin, xs, ys, own);
-        sampleRow(axes, y, begin, xs, ys, bounds, own.indices(n));
-    });
+    try {
+        rowsInBands(rect, plan, [&](int worker, int y, int begin, int end) {
+            RowScratch& own = scratch[static_cast<std::size_t>(worker)];
+            own.release();
+            const auto n = static_cast<std::size_t>(end - begin);
+            const std::span<double> xs = own.take(n), ys = own.take(n);
+            fill(y, begin, xs, ys, own);
+            sampleRow(axes, y, begin, xs, ys, bounds, own.indices(n));
+            if (ownTrans) {
+                const std::span<const Pixel> in = ImageBits.row(y);
+                const std::span<Pixel> out = TransBits.row(y);
+                std::copy(in.begin(), in.begin() + begin, out.begin());
+                std::copy(in.begin() + end, in.end(), out.begin() + end);
+                rowDone[static_cast<std::size_t>(y)] = 1;
+            }
+        });
+    } catch (...) {
+        copyLeftOut();
+        throw;
+    }
+    copyLeftOut();
 }
 
 } // namespace lumiran

@@ -55,6 +55,11 @@ class Class_Mosaic : public PixelFrame {
     // 4 a dot, 5 a lozenge (4 and 5 leave the pixels outside the shape).
     void Mosaic_Random(std::uint8_t width, std::uint8_t height, std::int16_t left, std::int16_t top,
                        std::int16_t right, std::int16_t bottom, std::uint8_t type);
+    // Mosaic_Random then reads ImageBits, lent, and paints a TransBits it
+    // makes itself, each thread copying the rows it paints
+    // (dispatch::onSourceWithOwnTrans), rather than working on a copy of
+    // the whole picture made on one thread first.
+    void blocksIntoOwnTrans() { blocksIntoOwnTrans_ = true; }
 
     // Bricks: every second row of blocks (columns when columns is true)
     // shifted by half a block. Type 0 plain, 1 a relief edge, 2 a black and
@@ -128,6 +133,8 @@ class Class_Mosaic : public PixelFrame {
     // Mosaic_Normal's type 0 over the plain grid: the means of a whole row
     // of blocks summed row by row, then the rows painted, each pixel once.
     void uniformMosaic(const ProcessRect& rect, int width, int height);
+
+    bool blocksIntoOwnTrans_ = false;
 };
 
 } // namespace lumiran

@@ -31,10 +31,13 @@ void registerMosaicEffects(EffectDispatch& d) {
         e.Mosaic_Gradation2(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right, r.bottom, 0,
                             row(v.color));
     });
-    add(DialogKind::Emboss, 15, [](E& e, V v, R r) {
-        e.Mosaic_Random(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right, r.bottom,
-                        row(v.eType));
-    });
+    // Random Mosaic reads the picture only through ImageBits: lent, not
+    // copied, and its threads make the result as they go.
+    d.add(DialogKind::Emboss, 15, dispatch::onSourceWithOwnTrans<E>([](E& e, V v, R r) {
+              e.blocksIntoOwnTrans();
+              e.Mosaic_Random(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right, r.bottom,
+                              row(v.eType));
+          }));
     // The direction row "垂直" shifts columns of blocks up and down, "水平"
     // rows of blocks sideways.
     add(DialogKind::Level, 6, [](E& e, V v, R r) {

@@ -1,5 +1,6 @@
 // Blocks dropped at random origins; painted in place in the order drawn,
 // so later blocks average what earlier ones painted.
+#include "effects/texture/hide_effect/band_lists.h"
 #include "effects/texture/mosaic/mosaic_walk.h"
 #include "effects/texture/mosaic/shape_masks.h"
 
@@ -8,6 +9,7 @@ namespace lumiran {
 void Class_Mosaic::Mosaic_Random(std::uint8_t width, std::uint8_t height, std::int16_t left,
                                  std::int16_t top, std::int16_t right, std::int16_t bottom,
                                  std::uint8_t type) {
+    const bool ownTrans = blocksIntoOwnTrans_ && !ImageBits.empty();
     guarded([&] {
         const Span span = spanOf({left, top, right, bottom});
         // As many blocks as the regular walk lays, one progress step a row.
@@ -24,6 +26,19 @@ void Class_Mosaic::Mosaic_Random(std::uint8_t width, std::uint8_t height, std::i
                 mosaic::shapeMask(size, static_cast<int>(mosaic::Shape::FirstLozenge)), width,
                 height);
         }
+        if (ownTrans) {
+            // The working copy, made in bands of rows on every core: its
+            // fresh pages are faulted in on both.
+            TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+            const int bands = (ImageBits.height() + hide::BandRows - 1) / hide::BandRows;
+            const int workers = std::max(1, std::min(context().threading.threads, bands));
+            hide::layBands(context().workers(), workers, bands, [&](int, int b) {
+                const int end = std::min((b + 1) * hide::BandRows, ImageBits.height());
+                for (int y = b * hide::BandRows; y < end; ++y)
+                    std::ranges::copy(ImageBits.row(y), TransBits.row(y).begin());
+            });
+        }
+        Surface& target = ownTrans ? TransBits : ImageBits;
         // Origins reach one past the last column and row, where the whole
         // block folds onto the edge.
         const double across = span.endColumn - span.firstColumn + 1;
@@ -42,17 +57,19 @@ void Class_Mosaic::Mosaic_Random(std::uint8_t width, std::uint8_t height, std::i
                 mosaic::foldAxis(x0, span.firstColumn, span.endColumn, columns);
                 const mosaic::Block block{rows,
                                           columns,
-                                          mosaic::blockMean(ImageBits, rows, columns),
-                                          mosaic::firstPixel(ImageBits, rows, columns),
+                                          mosaic::blockMean(target, rows, columns),
+                                          mosaic::firstPixel(target, rows, columns),
                                           k,
                                           m,
                                           palette,
                                           paletteBits};
-                paintRule(ImageBits, block, rule);
+                paintRule(target, block, rule);
             }
             if (!finishRow()) return;
         }
     });
+    // A run that stopped before the copy still hands on a whole picture.
+    if (ownTrans && !TransBits.sameSize(ImageBits)) TransBits = ImageBits;
 }
 
 } // namespace lumiran

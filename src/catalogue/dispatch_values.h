@@ -46,6 +46,16 @@ template <typename Class, typename Call>
     };
 }
 
+// The same on kept picture 0 itself where the run allows it
+// (runInPlaceOnSource): for calls that keep every spare byte.
+template <typename Class, typename Call>
+[[nodiscard]] EffectPlanner inPlaceOnSource(Call call) {
+    return [call](const ControlValues& v) {
+        return EffectPlan::ready(runInPlaceOnSource<Class>(
+            [call, v](Class& e, const ProcessRect& r) { call(e, v, r); }));
+    };
+}
+
 // The same for calls that read the source and write a separate destination.
 template <typename Class, typename Call>
 [[nodiscard]] EffectPlanner withTrans(Call call) {

@@ -69,6 +69,36 @@ template <typename Class, typename Call>
     }};
 }
 
+// The same working on kept picture 0 itself where the run allows it
+// (EffectInvocation::keptPicture0Writable), so that no copy of the picture
+// is made: for calls that keep every spare byte and read no kept picture
+// through the context. fetch(object, kept picture 0) fetches ImageBits
+// otherwise.
+template <typename Class, typename Call, typename Fetch>
+[[nodiscard]] EffectBody runInPlaceOnSource(Call call, Fetch fetch) {
+    return ReplacingBody{[call, fetch](EffectInvocation& run) {
+        Class effect(run.context);
+        if (run.keptPicture0Writable) {
+            {
+                const typename Class::SourceLoan loan(effect, run.keptPicture0);
+                call(effect, run.rect);
+            }
+            run.resultInKeptPicture0 = true;
+            return;
+        }
+        fetch(effect, run.keptPicture0);
+        call(effect, run.rect);
+        effect.ImageSetDiBits(run.keptPicture1);
+    }};
+}
+
+template <typename Class, typename Call>
+[[nodiscard]] EffectBody runInPlaceOnSource(Call call) {
+    return runInPlaceOnSource<Class>(std::move(call), [](Class& effect, const Surface& source) {
+        effect.ImageGetDiBits(source);
+    });
+}
+
 // The same for effects that write into a separate destination.
 template <typename Class, typename Call>
 [[nodiscard]] EffectBody runWithTrans(Call call) {

@@ -68,6 +68,8 @@ class PixelFrame {
     // copying it, and hands it back however the call ends: for calls that
     // write TransBits, only read ImageBits and never read the kept pictures
     // through the context. A 4096x4096 run then holds two pictures, not three.
+    // In-place calls take such a loan of a picture the run lets them change
+    // (runInPlaceOnSource).
     class SourceLoan {
       public:
         SourceLoan(PixelFrame& effect, Surface& picture) : effect_(effect), picture_(picture) {

@@ -76,12 +76,14 @@ void EffectRun::execute(const EffectBody& body, ProgressSink* progress) {
     context_.progress = progress;
     Surface& kept0 = state_.keep.keptPicture0;
     Surface& kept1 = state_.keep.keptPicture1;
-    EffectInvocation invocation{context_, kept0, kept1, rect_, documentLent_};
+    EffectInvocation invocation{context_, kept0, kept1, rect_};
+    invocation.keptPicture0Writable = documentLent_;
     try {
         if (!replacesKeptPicture1(body)) {
             kept1 = Surface(kept0.width(), kept0.height(), toPixel(context_.flags.backColor));
         }
         body(invocation);
+        resultInKeptPicture0_ = documentLent_ && invocation.resultInKeptPicture0;
     } catch (const EffectError& error) {
         // Errors outside an effect's own handler end the run the same way.
         context_.failures.push_back(error);
@@ -107,9 +109,9 @@ RunOutcome EffectRun::finish(bool keepObjects) {
         state_.cancelFlag = 0;
         outcome_ = RunOutcome::Cancelled;
     } else if (documentLent_) {
-        // An empty kept picture 1 lays nothing: the result stayed in kept
-        // picture 0.
-        rasterStep(context_.flags.rasterOpFlag, keep.keptPicture1, keep.keptPicture0, rect_);
+        if (!resultInKeptPicture0_) {
+            rasterStep(context_.flags.rasterOpFlag, keep.keptPicture1, keep.keptPicture0, rect_);
+        }
         document_.picture = std::move(keep.keptPicture0);
     } else {
         rasterStep(context_.flags.rasterOpFlag, keep.keptPicture1, document_.picture, rect_);

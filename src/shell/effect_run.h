@@ -18,11 +18,15 @@ struct EffectInvocation {
     Surface& keptPicture0;
     Surface& keptPicture1;
     ProcessRect rect;
-    // Kept picture 0 is the document's own picture, lent to a one-shot run
-    // whose result a plain copy lays over the whole of it: a body that
-    // writes every pixel from the pixel itself may then work there in place
-    // and leave kept picture 1 empty, which lays nothing over it.
-    bool resultMayStayInKeptPicture0 = false;
+    // Set by the run when kept picture 0 is the document's own picture, lent
+    // for a one-shot run over the whole picture whose raster step is a plain
+    // copy (RunOptions::oneShot): the raster step would then replace every
+    // colour of kept picture 0 by kept picture 1's and keep its spare bytes.
+    // A body that works in place may so work on kept picture 0 itself,
+    // keeping every spare byte, and set resultInKeptPicture0 instead of
+    // writing kept picture 1; the run then lays nothing over it.
+    bool keptPicture0Writable = false;
+    bool resultInKeptPicture0 = false;
 };
 
 // The class calls of one effect, as OK would make them.
@@ -86,6 +90,8 @@ class EffectRun {
     ProcessRect rect_;
     // Kept picture 0 holds the document's own picture until finish.
     bool documentLent_ = false;
+    // The body left its result in kept picture 0 (EffectInvocation).
+    bool resultInKeptPicture0_ = false;
     bool snapshotTaken_ = false;
     bool finished_ = false;
     RunOutcome outcome_ = RunOutcome::Applied;

@@ -62,9 +62,12 @@ EffectPlanner overBackground(Call call) {
             net.takeRectangleAsFilled(toPixel(run.context.flags.backColor));
             // Where the run lends the picture for the whole result, the means
             // go straight into it: no raster step over the whole picture.
-            if (run.resultMayStayInKeptPicture0) net.putResultInto(run.keptPicture0);
+            if (run.keptPicture0Writable) net.putResultInto(run.keptPicture0);
             call(net, v, run);
-            if (run.resultMayStayInKeptPicture0) run.keptPicture1 = Surface();
+            if (run.keptPicture0Writable) {
+                run.keptPicture1 = Surface();
+                run.resultInKeptPicture0 = true;
+            }
         }});
     };
 }
@@ -90,9 +93,10 @@ void registerNetMosaicEffects(EffectDispatch& d) {
                        row(v.eType), 0, 0, 0);
         };
         return EffectPlan::ready(ReplacingBody{[lines](I run) {
-            if (run.resultMayStayInKeptPicture0) {
+            if (run.keptPicture0Writable) {
                 Class_NetMosaic net(run.context);
                 lines(net, run.keptPicture0, run.keptPicture0, run.rect);
+                run.resultInKeptPicture0 = true;
                 return;
             }
             fillWithBackground(run.context, run.keptPicture0, run.keptPicture1,

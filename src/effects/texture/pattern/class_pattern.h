@@ -9,6 +9,7 @@
 namespace lumiran {
 namespace pattern {
 class Bands;
+class JointRule;
 struct TileLayout;
 } // namespace pattern
 
@@ -189,6 +190,20 @@ class Class_Pattern : public PixelFrame {
     // levels of a row's columns [first, end), in scratch or elsewhere.
     template <typename LevelRow>
     void paintJoints(const ProcessRect& rect, std::uint8_t lineType, LevelRow&& levelRow);
+    // The rule's colours over count pixels of a row by their levels, each
+    // then blended or clamped; levels the rule does not colour stay.
+    template <bool Blend>
+    void paintLevelRow(const pattern::JointRule& rule, Pixel* row, const std::uint8_t* levels,
+                       int count) const;
+    // CheckedPattern's inversion, black or white on its blocks.
+    void checkedColumns(int blockColumns, int width, int height, const ProcessRect& rect,
+                        std::uint8_t operation);
+    // work(first, end) for bands of the columns of blocks 0..count-1, on the
+    // run's threads, claimed in turn; each column of a finished band counts
+    // for progress, and a cancel stops every thread after its current band.
+    // work must not throw.
+    template <typename Work>
+    void forEachBlockColumn(int count, Work&& work);
     // The grid joints of LineInput_Normal and LineInput_Gap.
     void gridJoints(const ProcessRect& rect, std::int16_t width, std::int16_t height, int shift,
                     bool columns, std::uint8_t type);

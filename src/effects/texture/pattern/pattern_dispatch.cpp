@@ -31,7 +31,9 @@ void registerPatternEffects(EffectDispatch& d) {
     });
     // Checked Pattern: rows 0..2 the operation; row 3 ("2値化") copies blocks
     // from random places, and the result is then binarized at 128.
-    const EffectPlanner checked = dispatch::inPlace<Class_Pattern>([](E& e, V v, R r) {
+    // Its block calls keep the spare bytes: on the source itself where the
+    // run allows it.
+    const EffectPlanner checked = dispatch::inPlaceOnSource<Class_Pattern>([](E& e, V v, R r) {
         e.CheckedPattern(true, slider(v, 1), slider(v, 2), r.left, r.top, r.right, r.bottom,
                          row(v.eType));
     });
@@ -97,16 +99,16 @@ void registerPatternEffects(EffectDispatch& d) {
                      sliderByte(v, 3), slider(v, 4), slider(v, 5), slider(v, 6), slider(v, 7),
                      slider(v, 8));
     });
-    // The walls copy the source row by row on the threads of their loops.
+    // The walls change the source in place where the run allows it, and
+    // otherwise copy it row by row on the threads of their loops.
     auto addWall = [&d](DialogKind dialog, int code, auto call) {
         d.add(dialog, code, [call](V v) {
-            return EffectPlan::ready(ReplacingBody{[call, v](EffectInvocation& run) {
-                E effect(run.context);
-                effect.ImageGetDiBitsByRows(run.keptPicture0);
-                call(effect, v, run.rect);
-                effect.finishRows();
-                effect.ImageSetDiBits(run.keptPicture1);
-            }});
+            return EffectPlan::ready(runInPlaceOnSource<E>(
+                [call, v](E& e, R r) {
+                    call(e, v, r);
+                    e.finishRows();
+                },
+                [](E& e, const Surface& source) { e.ImageGetDiBitsByRows(source); }));
         });
     };
     addWall(DialogKind::Level, 43, [](E& e, V v, R r) {

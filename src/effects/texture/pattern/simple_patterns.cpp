@@ -1,8 +1,10 @@
 // ColorSpread, ShadePatternMethod and CheckedPattern.
 #include "effects/texture/pattern/pattern_frame.h"
 #include "engine/drawing/blit.h"
+#include "engine/row_bands.h"
 
 #include <algorithm>
+#include <mutex>
 
 namespace lumiran {
 namespace {
@@ -158,40 +160,90 @@ void Class_Pattern::CheckedPattern(bool, std::int16_t width, std::int16_t height
         // Blocks of no pixels would never leave the first column.
         if (width < 1 || height < 1) throw EffectError::overflow();
         const int across = wrap16(right - left);
-        const int down = wrap16(bottom - top);
         const int columns = across <= 0 ? 0 : (across + width - 1) / width;
         SetProgressRange(0, columns);
+        const int blockColumns = right > left ? (right - left + width - 1) / width : 0;
         // The chequer's two truth values: the column's flips from column to
         // column, the block's starts True in every column and flips from
         // block to block; a block is changed where they agree.
+        if (operation <= 2) {
+            checkedColumns(blockColumns, width, height, {left, top, right, bottom}, operation);
+            return;
+        }
+        const int down = wrap16(bottom - top);
         bool columnFlag = true;
-        for (int x0 = left; x0 < right; x0 += width, columnFlag = !columnFlag) {
+        for (int c = 0; c < blockColumns; ++c, columnFlag = !columnFlag) {
+            const int x0 = left + c * width;
             const int w = std::min<int>(width, right - x0);
             bool blockFlag = true;
             for (int y0 = top; y0 < bottom; y0 += height, blockFlag = !blockFlag) {
-                if (blockFlag != columnFlag) continue;
+                if (blockFlag != columnFlag || operation != 8) continue;
                 const int h = std::min<int>(height, bottom - y0);
-                switch (operation) {
-                case 0:
-                    BitBlt(ImageBits, x0, y0, w, h, ImageBits, x0, y0, DSTINVERT);
-                    break;
-                case 1:
-                    BitBlt(ImageBits, x0, y0, w, h, ImageBits, x0, y0, BLACKNESS);
-                    break;
-                case 2:
-                    BitBlt(ImageBits, x0, y0, w, h, ImageBits, x0, y0, WHITENESS);
-                    break;
-                case 8: {
-                    const int xs = roundTo<std::int32_t>(across * context().random.next() + left);
-                    const int ys = roundTo<std::int32_t>(down * context().random.next() + top);
-                    BitBlt(ImageBits, x0, y0, w, h, ImageBits, xs, ys, SRCCOPY);
-                    break;
-                }
-                default:
-                    break;
-                }
+                const int xs = roundTo<std::int32_t>(across * context().random.next() + left);
+                const int ys = roundTo<std::int32_t>(down * context().random.next() + top);
+                BitBlt(ImageBits, x0, y0, w, h, ImageBits, xs, ys, SRCCOPY);
             }
             if (!finishRow()) return;
+        }
+    });
+}
+
+template <typename Work>
+void Class_Pattern::forEachBlockColumn(int count, Work&& work) {
+    // Bands of columns worked row by row: a column of blocks alone walks
+    // down the picture a few pixels a row.
+    const int threads = std::max(1, context().threading.threads);
+    const int bandColumns = std::max(1, count / (4 * threads));
+    RowBands bands(0, count, bandColumns);
+    const auto serve = [&](int) {
+        for (RowBands::Band band = bands.claim(); !band.empty(); band = bands.claim()) {
+            if (!bands.mayStart(band.begin)) return;
+            work(band.begin, band.end);
+            const std::scoped_lock lock(bands.rowEnd());
+            for (int c = band.begin; c < band.end; ++c) {
+                if (!finishRow()) {
+                    bands.cancel();
+                    return;
+                }
+            }
+        }
+    };
+    const int workers = std::min(threads, (count + bandColumns - 1) / bandColumns);
+    if (workers <= 1) {
+        serve(0);
+    } else {
+        context().workers().run(workers, serve);
+    }
+    (void)bands.finish();
+}
+
+void Class_Pattern::checkedColumns(int blockColumns, int width, int height, const ProcessRect& rect,
+                                   std::uint8_t operation) {
+    // The inversion, black and white change the colour bytes of each block
+    // from themselves, as their block calls do: the columns of blocks are
+    // independent and go to the run's threads, still counted one by one.
+    const Pixel flip = operation == 0 ? 0x00FFFFFFu : 0;
+    const Pixel keep = operation == 0 ? 0xFFFFFFFFu : 0xFF000000u;
+    const Pixel set = operation == 2 ? 0x00FFFFFFu : 0;
+    const int pictureWidth = ImageBits.width();
+    const int firstRow = std::max<int>(rect.top, 0);
+    const int endRow = std::min<int>(rect.bottom, ImageBits.height());
+    forEachBlockColumn(blockColumns, [&](int cFirst, int cEnd) {
+        for (int b = 0; rect.top + b * height < rect.bottom; ++b) {
+            const int y0 = rect.top + b * height;
+            const int rowEnd = std::min({y0 + height, static_cast<int>(rect.bottom), endRow});
+            // The columns whose parity is the block row's change its blocks.
+            const int cStart = cFirst + ((cFirst - b) & 1);
+            for (int y = std::max(y0, firstRow); y < rowEnd; ++y) {
+                Pixel* __restrict row = ImageBits.row(y).data();
+                for (int c = cStart; c < cEnd; c += 2) {
+                    const int x0 = rect.left + c * width;
+                    const int end =
+                        std::min({x0 + width, static_cast<int>(rect.right), pictureWidth});
+                    for (int x = std::max(x0, 0); x < end; ++x)
+                        row[x] = ((row[x] & keep) ^ flip) | set;
+                }
+            }
         }
     });
 }

@@ -3,6 +3,7 @@
 // How the tile walls colour their joints, as Mosaic_Tile colours a block's
 // edge: level 0 is the line, 1 the pixel right of or below it, 2 the next.
 #include "effects/texture/pattern/class_pattern.h"
+#include "effects/texture/pattern/joint_layers.h"
 #include "effects/texture/pattern/tile_masks.h"
 
 #include <optional>
@@ -17,6 +18,7 @@ namespace pattern {
 class JointRule {
   public:
     explicit JointRule(std::uint8_t type) : type_(type) {}
+    [[nodiscard]] std::uint8_t type() const { return type_; }
     // The deepest level the type colours; -1 for none.
     [[nodiscard]] int deepest() const;
     [[nodiscard]] Rgb16 at(int level, int r, int g, int b) const;
@@ -94,23 +96,35 @@ template <typename LevelRow>
 void Class_Pattern::paintJoints(const ProcessRect& rect, std::uint8_t lineType,
                                 LevelRow&& levelRow) {
     const pattern::JointRule rule(lineType);
-    const int deepest = rule.deepest();
     const bool blend = calculationFlag() > 0;
     forEachRow(rect, [&](int y, int first, int end) {
         takeRow(y);
         std::vector<std::uint8_t> scratch;
         const std::uint8_t* levels = levelRow(y, first, end, scratch);
-        Pixel* row = ImageBits.row(y).data();
-        for (int x = first; x < end; ++x) {
-            const int l = levels[x - first];
-            if (l > deepest) continue;
-            const int r = redOf(row[x]), g = greenOf(row[x]), b = blueOf(row[x]);
-            const Rgb16 at = rule.at(l, r, g, b);
-            const Rgb16 v = blend ? endPixel<ResultTail::Clamp, true>(r, g, b, at)
-                                  : endPixel<ResultTail::Clamp, false>(r, g, b, at);
-            row[x] = withColour(row[x], v.red, v.green, v.blue);
+        Pixel* row = ImageBits.row(y).data() + first;
+        if (blend) {
+            paintLevelRow<true>(rule, row, levels, end - first);
+        } else {
+            paintLevelRow<false>(rule, row, levels, end - first);
         }
     });
+}
+
+template <bool Blend>
+void Class_Pattern::paintLevelRow(const pattern::JointRule& rule, Pixel* row,
+                                  const std::uint8_t* levels, int count) const {
+    if constexpr (!Blend) {
+        pattern::paintLevelsClamped(rule.type(), row, levels, count);
+    } else {
+        const int deepest = rule.deepest();
+        for (int i = 0; i < count; ++i) {
+            const int level = levels[i];
+            if (level > deepest) continue;
+            const int r = redOf(row[i]), g = greenOf(row[i]), b = blueOf(row[i]);
+            const Rgb16 v = endPixel<ResultTail::Clamp, true>(r, g, b, rule.at(level, r, g, b));
+            row[i] = withColour(row[i], v.red, v.green, v.blue);
+        }
+    }
 }
 
 } // namespace lumiran

@@ -135,6 +135,11 @@ void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std:
     const pattern::JointRule rule(type);
     const int deepest = rule.deepest();
     const bool blend = calculationFlag() > 0;
+    if (deepest < 0) {
+        // Nothing to colour: the rows are only taken.
+        forEachRow(rect, [&](int y, int, int) { takeRow(y); });
+        return;
+    }
     const int rise = std::max(grid.columnShift[0], grid.columnShift[1]);
     const int lastRow = extent.endRow - 1;
     const int lastColumn = extent.endColumn - 1;
@@ -146,22 +151,17 @@ void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std:
     // stay. A pixel is only ever coloured from itself, so each row of the
     // picture replays, in the walk's order, the cells that fall on it: the
     // rows are independent.
-    // The blend is chosen once a row, not tested at every cell.
-    const auto walkRow = [&]<bool Blend>(int y) {
-        takeRow(y);
-        Pixel* row = ImageBits.row(y).data();
-        const auto paint = [&](int x, int level) {
-            Pixel& p = row[x];
-            const int r = redOf(p), g = greenOf(p), b = blueOf(p);
-            const Rgb16 v = endPixel<ResultTail::Clamp, Blend>(r, g, b, rule.at(level, r, g, b));
-            p = withColour(p, v.red, v.green, v.blue);
-        };
+    const int base = extent.firstRow + grid.firstRow;
+    const auto tileRowsReaching = [&](int y) {
         // Rows of tiles whose origin row lies in [y - height + 1, y + rise]
         // can reach row y; the last row also takes the folds of every tile
         // reaching past it, whose origins lie in the same range.
-        const int base = extent.firstRow + grid.firstRow;
         const int kFirst = std::max(0, (y - height + 1 - base + grid.stepY - 1) / grid.stepY);
         const int kEnd = std::min(blockRows, (y + rise - base) / grid.stepY + 1);
+        return std::pair{kFirst, kEnd};
+    };
+    const auto walkRow = [&](int y, std::vector<pattern::LevelPaint>& paints) {
+        const auto [kFirst, kEnd] = tileRowsReaching(y);
         for (int k = kFirst; k < kEnd; ++k) {
             const int rowOrigin = base + k * grid.stepY;
             int m = 0;
@@ -179,17 +179,57 @@ void Class_Pattern::gridJoints(const ProcessRect& rect, std::int16_t width, std:
                 const int iEnd = y == lastRow ? height : iFirst + 1;
                 for (int i = iFirst; i < iEnd; ++i) {
                     const int lastCell = i <= deepest ? width - 1 : std::min(deepest, width - 1);
-                    for (int j = std::max(0, extent.firstColumn - x0); j <= lastCell; ++j)
-                        paint(std::min(x0 + j, lastColumn), std::min(i, j));
+                    for (int j = std::max(0, extent.firstColumn - x0); j <= lastCell; ++j) {
+                        paints.push_back({std::min(x0 + j, lastColumn),
+                                          static_cast<std::uint8_t>(std::min(i, j))});
+                    }
                 }
             }
         }
     };
+    // A row's paints follow from where it lies among the rows of tiles
+    // reaching it (and their parities, where rows of tiles are shifted),
+    // and whether it is the last row: rows alike in that share one set of
+    // layers, worked out here before the rows run.
+    struct RowKind {
+        int offset, tileRows, parity;
+        bool last;
+        bool operator==(const RowKind&) const = default;
+    };
+    std::vector<RowKind> kinds;
+    std::vector<pattern::LevelLayers> layers;
+    std::vector<int> kindOfRow(static_cast<std::size_t>(extent.endRow - extent.firstRow));
+    std::vector<pattern::LevelPaint> paints;
+    for (int y = extent.firstRow; y < extent.endRow; ++y) {
+        const auto [kFirst, kEnd] = tileRowsReaching(y);
+        const RowKind kind{y - (base + kFirst * grid.stepY), std::max(kEnd - kFirst, 0),
+                           grid.rowShift[0] != grid.rowShift[1] ? kFirst & 1 : 0, y == lastRow};
+        auto found = std::ranges::find(kinds, kind);
+        if (found == kinds.end()) {
+            paints.clear();
+            walkRow(y, paints);
+            layers.emplace_back(paints, extent.firstColumn, extent.endColumn);
+            kinds.push_back(kind);
+            found = kinds.end() - 1;
+        }
+        kindOfRow[static_cast<std::size_t>(y - extent.firstRow)] =
+            static_cast<int>(found - kinds.begin());
+    }
+    const auto paintRow = [&]<bool Blend>(int y) {
+        takeRow(y);
+        Pixel* row = ImageBits.row(y).data() + extent.firstColumn;
+        const pattern::LevelLayers& own = layers[static_cast<std::size_t>(
+            kindOfRow[static_cast<std::size_t>(y - extent.firstRow)])];
+        for (int t = 0; t < own.layerCount(); ++t)
+            paintLevelRow<Blend>(rule, row, own.layer(t), extent.endColumn - extent.firstColumn);
+        for (const pattern::LevelPaint& paint : own.rest())
+            paintLevelRow<Blend>(rule, row + (paint.column - extent.firstColumn), &paint.level, 1);
+    };
     forEachRow(rect, [&](int y, int, int) {
         if (blend) {
-            walkRow.template operator()<true>(y);
+            paintRow.template operator()<true>(y);
         } else {
-            walkRow.template operator()<false>(y);
+            paintRow.template operator()<false>(y);
         }
     });
 }

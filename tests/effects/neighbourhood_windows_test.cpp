@@ -117,7 +117,7 @@ std::vector<WindowCase> windowCases() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Neighbourhood, SlidingWindows, ::testing::ValuesIn(windowCases()),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& p) { return std::string(p.param.name); });
 
 // Lent its source, a call finds TransBits unfetched and must give what it
 // gives with both arrays fetched, the pixels outside its loop included.

@@ -100,7 +100,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"BeyondThePicture", {-5, 6, 50, 40}, 0, 2},
                       Case{"BlendThreads", {2, 1, 33, 27}, 7, 3},
                       Case{"EmptyColumns", {9, 3, 9, 20}, 0, 3}),
-    [](const ::testing::TestParamInfo<Case>& info) { return std::string(info.param.name); });
+    [](const ::testing::TestParamInfo<Case>& p) { return std::string(p.param.name); });
 
 } // namespace
 } // namespace lumiran

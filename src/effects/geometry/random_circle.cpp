@@ -1,9 +1,9 @@
 // Random Circle: circles of kept picture 0 laid onto kept picture 1 at
 // places drawn from the one random generator.
 #include "effects/geometry/class_geometry.h"
-#include "effects/texture/hide_effect/band_lists.h"
 #include "engine/drawing/drawing.h"
 #include "engine/picture_memory.h"
+#include "engine/shape_bands.h"
 
 #include <algorithm>
 #include <cmath>
@@ -147,56 +147,25 @@ void Class_Geometry::Random_Circle(std::int16_t size, std::int16_t left, std::in
                 stampRows(*target, *source, s, -s.radius, s.radius);
             return;
         }
-        // The circles by band of target rows, in drawing order: counted,
-        // then laid into one array (a list a band would grow in many small
-        // pieces of fresh memory).
-        constexpr int BandRows = hide::BandRows;
-        const int bandCount = (target->height() + BandRows - 1) / BandRows;
-        const auto bandSpan = [&](const Stamp& s) {
-            const int first = std::max(s.y - s.radius, 0) / BandRows;
-            const int last = std::min(s.y + s.radius, target->height() - 1) / BandRows;
-            return std::pair{first, s.y - s.radius > target->height() - 1 || s.y + s.radius < 0
-                                        ? first - 1
-                                        : last};
-        };
-        std::vector<std::size_t> bandStart(static_cast<std::size_t>(bandCount) + 1, 0);
-        for (const Stamp& s : stamps) {
-            const auto [first, last] = bandSpan(s);
-            for (int b = first; b <= last; ++b)
-                ++bandStart[static_cast<std::size_t>(b) + 1];
-        }
-        for (std::size_t b = 0; b < static_cast<std::size_t>(bandCount); ++b)
-            bandStart[b + 1] += bandStart[b];
-        // An array of a megabyte or so starts at a huge page: one fault
-        // rather than hundreds of small ones.
-        const std::size_t entries = bandStart[static_cast<std::size_t>(bandCount)];
-        const std::size_t huge = HugePageBytes / sizeof(std::uint32_t);
-        std::vector<std::uint32_t, PictureAllocator<std::uint32_t>> inBand;
-        inBand.reserve(entries >= huge / 4 ? std::max(entries, huge) : entries);
-        inBand.resize(entries);
-        {
-            std::vector<std::size_t> next(bandStart.begin(), bandStart.end() - 1);
-            for (std::size_t i = 0; i < stamps.size(); ++i) {
-                const auto [first, last] = bandSpan(stamps[i]);
-                for (int b = first; b <= last; ++b)
-                    inBand[next[static_cast<std::size_t>(b)]++] = static_cast<std::uint32_t>(i);
-            }
-        }
+        // The circles by band of target rows, in drawing order.
+        const ShapeBands bands(stamps.size(), 0, target->height(), [&](std::size_t i) {
+            return std::pair{stamps[i].y - stamps[i].radius, stamps[i].y + stamps[i].radius};
+        });
+        const int bandCount = bands.count();
         const long long pixels = static_cast<long long>(target->pixelCount());
         const long long bandPixels = std::max(context().threading.bandPixels, 1);
         const int workers = static_cast<int>(
             std::max<long long>(1, std::min<long long>({context().threading.threads, bandCount,
                                                         (pixels + bandPixels - 1) / bandPixels})));
-        hide::layBands(context().workers(), workers, bandCount, [&](int, int b) {
-            const int rowBegin = b * BandRows;
-            const int rowEnd = std::min(rowBegin + BandRows, target->height());
+        layBands(context().workers(), workers, bandCount, [&](int, int b) {
+            const int rowBegin = bands.rowBegin(b);
+            const int rowEnd = bands.rowEnd(b);
             if (laysBackground) {
                 for (int y = rowBegin; y < rowEnd; ++y)
                     std::ranges::fill(target->row(y), background);
             }
-            const auto band = static_cast<std::size_t>(b);
-            for (std::size_t k = bandStart[band]; k < bandStart[band + 1]; ++k) {
-                const Stamp& s = stamps[inBand[k]];
+            for (const std::uint32_t k : bands.shapes(b)) {
+                const Stamp& s = stamps[k];
                 stampRows(*target, *source, s, std::max(-s.radius, rowBegin - s.y),
                           std::min(s.radius, rowEnd - 1 - s.y));
             }

@@ -4,9 +4,9 @@
 #include "effects/halftone/binarization/foreground_rows.h"
 #include "engine/drawing/bit_ops.h"
 #include "engine/drawing/drawing.h"
+#include "engine/shape_bands.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
 #include <exception>
 #include <mutex>
@@ -30,22 +30,14 @@ constexpr int BandRows = 64;
 template <typename Work>
 void eachBand(RunContext& context, int count, bool share, Work&& work) {
     const int threads = share ? std::min(std::max(1, context.threading.threads), count) : 1;
-    if (threads <= 1) {
-        for (int b = 0; b < count; ++b)
-            work(b);
-        return;
-    }
-    std::atomic<int> next{0};
     std::mutex failure;
     std::exception_ptr error;
-    context.workers().run(threads, [&](int) {
-        for (int b = next++; b < count; b = next++) {
-            try {
-                work(b);
-            } catch (...) {
-                const std::scoped_lock lock(failure);
-                if (!error) error = std::current_exception();
-            }
+    layBands(context.workers(), threads, count, [&](int, int b) {
+        try {
+            work(b);
+        } catch (...) {
+            const std::scoped_lock lock(failure);
+            if (!error) error = std::current_exception();
         }
     });
     if (error) std::rethrow_exception(error);

@@ -1,10 +1,10 @@
 // The stamps dropped at random: pencil strokes, mist and ink discs. Each
 // stamp works on what the stamps before it left, so the order of the
 // generator's draws is the picture.
-#include "effects/texture/hide_effect/band_lists.h"
 #include "effects/texture/hide_effect/class_hide_effect.h"
 #include "effects/texture/hide_effect/cloud_stamps.h"
 #include "effects/texture/mosaic/block_walk.h"
+#include "engine/shape_bands.h"
 
 #include <algorithm>
 #include <cmath>
@@ -99,10 +99,9 @@ void Class_HideEffect::Texture_Cloud2(std::uint8_t width, std::uint8_t height, s
         }
         if (span.empty()) return;
 
-        const hide::BandLists bands =
-            hide::bandLists(places.size(), span.firstRow, span.endRow, [&](std::size_t i) {
-                return std::pair{places[i].y, places[i].y + side - 1};
-            });
+        const ShapeBands bands(places.size(), span.firstRow, span.endRow, [&](std::size_t i) {
+            return std::pair{places[i].y, places[i].y + side - 1};
+        });
         const auto layBand = [&](int, int b) {
             const int rowBegin = bands.rowBegin(b);
             const int rowEnd = bands.rowEnd(b);
@@ -113,7 +112,7 @@ void Class_HideEffect::Texture_Cloud2(std::uint8_t width, std::uint8_t height, s
                         row[x] = withColour(row[x], 255, 255, 255);
                 }
             }
-            for (const std::uint32_t i : bands.shapes[static_cast<std::size_t>(b)]) {
+            for (const std::uint32_t i : bands.shapes(b)) {
                 const auto [x0, y0] = places[i];
                 const int endRow = std::min(y0 + side, rowEnd);
                 const int endColumn = std::min(x0 + side, span.endColumn);
@@ -145,7 +144,7 @@ void Class_HideEffect::Texture_Cloud2(std::uint8_t width, std::uint8_t height, s
                                 ? 1
                                 : std::max(1, std::min(bandPlan({left, top, right, bottom}).workers,
                                                        bands.count()));
-        hide::layBands(context().workers(), workers, bands.count(), layBand);
+        layBands(context().workers(), workers, bands.count(), layBand);
     });
 }
 

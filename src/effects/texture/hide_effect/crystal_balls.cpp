@@ -1,8 +1,8 @@
 // The spheres over the whole rectangle: one centred sphere, tilings of
 // spheres, spheres and spots at random, and the lamp over a flat picture.
-#include "effects/texture/hide_effect/band_lists.h"
 #include "effects/texture/hide_effect/class_hide_effect.h"
 #include "effects/texture/hide_effect/sphere_light.h"
+#include "engine/shape_bands.h"
 #include "engine/shared_rows.h"
 
 #include <algorithm>
@@ -615,10 +615,9 @@ void Class_HideEffect::randomSpheres(const ProcessRect& rect, const Lighting& li
     }
     if (span.empty()) return;
 
-    const hide::BandLists bands =
-        hide::bandLists(centres.size(), span.firstRow, span.endRow, [&](std::size_t i) {
-            return std::pair{centres[i].y - q, centres[i].y + q};
-        });
+    const ShapeBands bands(centres.size(), span.firstRow, span.endRow, [&](std::size_t i) {
+        return std::pair{centres[i].y - q, centres[i].y + q};
+    });
     // Only a shading that cannot overflow runs on several threads: a worker
     // may not throw. Without a blend its rows need no per-pixel tail.
     const bool fits = hide::shadeFitsSixteenBits(lighting);
@@ -627,7 +626,7 @@ void Class_HideEffect::randomSpheres(const ProcessRect& rect, const Lighting& li
     const int workers = fits ? std::max(1, std::min(bandPlan(rect).workers, bands.count())) : 1;
     std::vector<hide::SphereRow> spheres(static_cast<std::size_t>(workers),
                                          hide::SphereRow(lighting.light, q));
-    hide::layBands(context().workers(), workers, bands.count(), [&](int worker, int b) {
+    layBands(context().workers(), workers, bands.count(), [&](int worker, int b) {
         hide::SphereRow& sphere = spheres[static_cast<std::size_t>(worker)];
         const int rowBegin = bands.rowBegin(b);
         const int rowEnd = bands.rowEnd(b);
@@ -637,7 +636,7 @@ void Class_HideEffect::randomSpheres(const ProcessRect& rect, const Lighting& li
             for (int x = span.firstColumn; x < span.endColumn; ++x)
                 out[x] = backgroundPixel(background, in[x]);
         }
-        for (const std::uint32_t i : bands.shapes[static_cast<std::size_t>(b)]) {
+        for (const std::uint32_t i : bands.shapes(b)) {
             const Centre c = centres[i];
             if (ownPixels) {
                 sphereAt(c.x, c.y, lighting, span, rowBegin, rowEnd, spot, plain, sphere,

@@ -1,8 +1,8 @@
 // Blocks dropped at random origins; painted in place in the order drawn,
 // so later blocks average what earlier ones painted.
-#include "effects/texture/hide_effect/band_lists.h"
 #include "effects/texture/mosaic/mosaic_walk.h"
 #include "effects/texture/mosaic/shape_masks.h"
+#include "engine/shared_rows.h"
 
 namespace lumiran {
 
@@ -30,12 +30,8 @@ void Class_Mosaic::Mosaic_Random(std::uint8_t width, std::uint8_t height, std::i
             // The working copy, made in bands of rows on every core: its
             // fresh pages are faulted in on both.
             TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
-            const int bands = (ImageBits.height() + hide::BandRows - 1) / hide::BandRows;
-            const int workers = std::max(1, std::min(context().threading.threads, bands));
-            hide::layBands(context().workers(), workers, bands, [&](int, int b) {
-                const int end = std::min((b + 1) * hide::BandRows, ImageBits.height());
-                for (int y = b * hide::BandRows; y < end; ++y)
-                    std::ranges::copy(ImageBits.row(y), TransBits.row(y).begin());
+            forEachRowShared(context(), 0, ImageBits.height(), ImageBits.width(), [&](int y) {
+                std::ranges::copy(ImageBits.row(y), TransBits.row(y).begin());
             });
         }
         Surface& target = ownTrans ? TransBits : ImageBits;

@@ -1,5 +1,7 @@
 #include "engine/pixel_frame.h"
 
+#include "engine/shared_rows.h"
+
 namespace lumiran {
 
 void PixelFrame::ImageGetDiBits(const Surface& picture) {
@@ -8,6 +10,17 @@ void PixelFrame::ImageGetDiBits(const Surface& picture) {
 
 void PixelFrame::ImageGetDiBitsTrans(const Surface& picture) {
     TransBits = picture;
+}
+
+void PixelFrame::makeTransOutside(const Span& worked) {
+    TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
+    const bool rowsWorked = worked.firstColumn < worked.endColumn;
+    const int workedBegin = rowsWorked ? worked.firstRow : 0;
+    const int workedEnd = rowsWorked ? std::max(worked.firstRow, worked.endRow) : 0;
+    const int width = ImageBits.width();
+    const auto copyRow = [this](int y) { copyRowToTrans(y); };
+    forEachRowShared(context(), 0, workedBegin, width, copyRow);
+    forEachRowShared(context(), workedEnd, ImageBits.height(), width, copyRow);
 }
 
 void PixelFrame::ImageSetDiBits(Surface& picture) {

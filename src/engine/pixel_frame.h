@@ -150,6 +150,17 @@ class PixelFrame {
                 std::max<int>(rect.top, 0), std::min(loopEnd(rect.bottom), ImageBits.height())};
     }
 
+    // A result the call makes itself rather than fetches: TransBits a fresh
+    // picture whose rows outside the worked span (none when it has no
+    // columns) are the source's, copied here on every core. The loop that
+    // works the others copies each first (copyRowToTrans), while the row is
+    // at hand.
+    void makeTransOutside(const Span& worked);
+    void copyRowToTrans(int y) {
+        const std::span<const Pixel> in = ImageBits.row(y);
+        std::copy(in.begin(), in.end(), TransBits.row(y).begin());
+    }
+
     // The rows of the rectangle that lie in the picture, as work(y,
     // firstColumn, endColumn); every row of the rectangle counts for
     // progress, also those outside the picture. Returns false when the run

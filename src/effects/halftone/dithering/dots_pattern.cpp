@@ -1,5 +1,4 @@
 #include "effects/halftone/dithering/class_dithering.h"
-#include "engine/shared_rows.h"
 
 #include <algorithm>
 #include <array>
@@ -206,26 +205,14 @@ void Class_Dithering::DotsPatternMethod(std::int16_t left, std::int16_t top, std
         // the row is at hand, the others before, on every core.
         const Span span = spanOf(rect);
         const bool ownResult = TransBits.empty() && !ImageBits.empty();
-        auto copyRow = [this](int y) {
-            const std::span<const Pixel> in = ImageBits.row(y);
-            std::copy(in.begin(), in.end(), TransBits.row(y).begin());
-        };
-        if (ownResult) {
-            TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
-            const bool rowsWorked = span.firstColumn < span.endColumn;
-            const int workedBegin = rowsWorked ? span.firstRow : 0;
-            const int workedEnd = rowsWorked ? std::max(span.firstRow, span.endRow) : 0;
-            const int width = ImageBits.width();
-            forEachRowShared(context(), 0, workedBegin, width, copyRow);
-            forEachRowShared(context(), workedEnd, ImageBits.height(), width, copyRow);
-        }
+        if (ownResult) makeTransOutside(span);
         if (!arraysReady()) return;
         const double d = 256.0 / level;
         const PairRows rows{span.firstRow, span.endRow};
         if (level == 0) {
             // The step is infinite: the first block raises the error.
             forEachRow(rect, [&](int y, int x0, int x1) {
-                if (ownResult) copyRow(y);
+                if (ownResult) copyRowToTrans(y);
                 dotsRowByRule(ImageBits, TransBits, rows, mono, d, MonoLevelTable, y, x0, x1);
             });
             return;
@@ -234,13 +221,13 @@ void Class_Dithering::DotsPatternMethod(std::int16_t left, std::int16_t top, std
         if (mono) {
             const std::array<Pixel, 512> patterns = monoPatterns(tables, MonoLevelTable);
             forEachRow(rect, [&](int y, int x0, int x1) {
-                if (ownResult) copyRow(y);
+                if (ownResult) copyRowToTrans(y);
                 dotsRowMono(ImageBits, TransBits, rows, patterns, y, x0, x1);
             });
             return;
         }
         forEachRow(rect, [&](int y, int x0, int x1) {
-            if (ownResult) copyRow(y);
+            if (ownResult) copyRowToTrans(y);
             dotsRow(ImageBits, TransBits, rows, mono, tables, MonoLevelTable, y, x0, x1);
         });
     });

@@ -3,7 +3,6 @@
 #include "effects/texture/hide_effect/class_hide_effect.h"
 #include "effects/texture/hide_effect/sphere_light.h"
 #include "engine/shape_bands.h"
-#include "engine/shared_rows.h"
 
 #include <algorithm>
 #include <cmath>
@@ -402,19 +401,7 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
     // Unfetched, the result starts as the source's copy: the rows the loop
     // lights are copied by their own thread while at hand, the others here.
     const bool ownResult = TransBits.empty() && !ImageBits.empty();
-    auto copyRow = [this](int y) {
-        const std::span<const Pixel> in = ImageBits.row(y);
-        std::copy(in.begin(), in.end(), TransBits.row(y).begin());
-    };
-    if (ownResult) {
-        TransBits = Surface::uninitialised(ImageBits.width(), ImageBits.height());
-        const bool rowsLit = span.firstColumn < span.endColumn;
-        const int litBegin = rowsLit ? span.firstRow : 0;
-        const int litEnd = rowsLit ? std::max(span.firstRow, span.endRow) : 0;
-        const int width = ImageBits.width();
-        forEachRowShared(context(), 0, litBegin, width, copyRow);
-        forEachRowShared(context(), litEnd, ImageBits.height(), width, copyRow);
-    }
+    if (ownResult) makeTransOutside(span);
     const int side = 2 * q;
     auto centre = [side, q](int v, int origin) { return origin + (v - origin) / side * side + q; };
     // Without a blend and with a shading that cannot overflow, the colours
@@ -439,7 +426,7 @@ void Class_HideEffect::spheresOverTiles(const ProcessRect& rect, const Lighting&
         // its own row of the result.
         const int y =
             line ? rowOrder[static_cast<std::size_t>(rowCalled - span.firstRow)] : rowCalled;
-        if (ownResult) copyRow(y);
+        if (ownResult) copyRowToTrans(y);
         const Pixel* in = ImageBits.row(y).data();
         Pixel* out = TransBits.row(y).data();
         const int cy = centre(y, rect.top);

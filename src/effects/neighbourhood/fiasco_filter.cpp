@@ -113,8 +113,8 @@ void Class_NeighborhoodOp::FiascoFilter(std::uint8_t window, std::uint8_t sortMo
         const int reach = window + 1;
         const int length = neighbourhood::windowLength(reach);
         // The sort is descending: the largest element first, the smallest
-        // last; the median is element 4 of 9 and 13, not 12, of 25.
-        const int element = statistic == 1   ? (reach == 1 ? 4 : 13)
+        // last.
+        const int element = statistic == 1   ? neighbourhood::medianRank(reach)
                             : statistic == 2 ? length - 1
                                              : 0;
         const neighbourhood::RankSort sort =

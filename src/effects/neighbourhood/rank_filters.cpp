@@ -16,11 +16,6 @@ using neighbourhood::Area;
 using neighbourhood::ChunkColumns;
 using neighbourhood::RankSort;
 
-// The median of a packed-colour window: 4 of 9 and 13, not 12, of 25.
-constexpr int medianRank(int reach) {
-    return reach == 1 ? 4 : 13;
-}
-
 // Which channels of the rank element channel kinds 0..6 use; the others
 // keep the source.
 constexpr std::array<std::array<bool, 3>, 7> RankChannels{{
@@ -77,7 +72,7 @@ void Class_NeighborhoodOp::MedianFilter(std::uint8_t window, std::uint8_t output
         const int reach = window + 1;
         const bool plain = outputKind != 1 && outputKind != 2 && !blending();
         rankedChunks(
-            rect, reach, RankSort::Packed, medianRank(reach),
+            rect, reach, RankSort::Packed, neighbourhood::medianRank(reach),
             [&](int y, int first, int count, std::span<const Pixel> median) {
                 const Pixel* source = ImageBits.row(y).data();
                 Pixel* target = TransBits.row(y).data();

@@ -23,6 +23,12 @@ struct Offset {
     return windowSide(reach) * windowSide(reach);
 }
 
+// The median of a packed-colour window, sorted largest first: element 4 of
+// 9 and 13, not 12, of 25.
+[[nodiscard]] constexpr int medianRank(int reach) {
+    return reach == 1 ? 4 : 13;
+}
+
 // A window as an array by rings: index 0 is the centre, then the ring at
 // distance 1 in reading order, then the ring at distance 2, and so on. The
 // 3x3 ring is the kernel order of the edge filters (upper left, top, upper

@@ -85,7 +85,7 @@ TEST_F(NetCellPaint, CellsAndJointsAreWhatTheCanvasPaints) {
                                    {c.area.left + 2, middle, c.area.right - 1, c.area.bottom}};
         for (const net::Area& clip : clips) {
             Surface lines = varied;
-            net::drawSides(lines, clip, net, reaches, colourBitsOf(RGB(10, 200, 30)));
+            net::drawSides(lines, clip, net, 0, net.vertexRows(), colourBitsOf(RGB(10, 200, 30)));
             ASSERT_EQ(lines, drawnByCanvas(net, varied, clip))
                 << "joints " << c.size << " " << c.noise << " rows " << clip.top;
             const Surface expected = paintedByCanvas(net, 71, 53, clip, spare);

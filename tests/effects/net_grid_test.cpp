@@ -1,5 +1,6 @@
 // The net's laying: the generator's values drawn ahead in blocks must be the
-// ones next() gives, and leave the generator where as many calls would.
+// ones next() gives, and leave the generator where as many calls would; the
+// sides' reaches and bounds that their drawing relies on.
 #include "effects/texture/net_mosaic/cell_paint.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +48,28 @@ TEST(NetReaches, CoverEveryPointOfTheSidesOfTheirRow) {
             }
             EXPECT_EQ(reaches.sides[static_cast<std::size_t>(b)].first, low) << size << " " << b;
             EXPECT_EQ(reaches.sides[static_cast<std::size_t>(b)].last, high) << size << " " << b;
+        }
+    }
+}
+
+TEST(NetSides, StayWithinTheirReserveAndTheirSpread) {
+    // Drawing behind the laying rests on both: no side point beyond the
+    // reserve (the arrays never move) and none further above its row of
+    // vertices than the spread. Noises far over the block size included.
+    RandomGenerator random;
+    for (const int size : {1, 3, 8, 21, 64}) {
+        for (const int noise : {-4, 2, 8, 17, 64, 300}) {
+            for (int draw = 0; draw < 3; ++draw) {
+                net::Net laid({0, 3, 250, 230}, size);
+                laid.reserveSidesFor(true, noise);
+                ASSERT_NO_THROW(laid.scatter(noise, random)) << size << " " << noise;
+                const int spread = laid.sideSpread(true, noise);
+                for (int b = 0; b < laid.vertexRows(); ++b) {
+                    const int first =
+                        std::min(laid.levelReach(b).first, laid.uprightReach(b).first);
+                    ASSERT_GE(first, laid.gridRow(b) - spread) << size << " " << noise << " " << b;
+                }
+            }
         }
     }
 }

@@ -283,8 +283,8 @@ void CellPainter::traceSide(std::span<const CanvasPoint> side, std::uint32_t lab
         paintMax(picture_.at(side.back().x, side.back().y), label);
 }
 
-void drawSides(Surface& picture, const Area& clip, const Net& net,
-               std::span<const RowReach> vertexReaches, Pixel colour) {
+void drawSides(Surface& picture, const Area& clip, const Net& net, int firstRow, int endRow,
+               Pixel colour) {
     if (clip.left >= clip.right || clip.top >= clip.bottom) return;
     const Pixel bits = colour & NumberBytes;
     const auto draw = [&](std::span<const CanvasPoint> side) {
@@ -295,9 +295,13 @@ void drawSides(Surface& picture, const Area& clip, const Net& net,
         tracePieces(side, clip, put);
         if (within(clip, side.back())) put(side.back().x, side.back().y);
     };
-    for (int b = 0; b < net.vertexRows(); ++b) {
-        const RowReach& reach = vertexReaches[static_cast<std::size_t>(b)];
-        if (reach.last < clip.top || reach.first >= clip.bottom) continue;
+    for (int b = std::max(firstRow, 0); b < std::min(endRow, net.vertexRows()); ++b) {
+        // The last row's upright reach is its first vertex alone, within its level one.
+        const RowReach level = net.levelReach(b);
+        const RowReach upright = net.uprightReach(b);
+        if (std::max(level.last, upright.last) < clip.top ||
+            std::min(level.first, upright.first) >= clip.bottom)
+            continue;
         for (int a = 0; a < net.cellColumns(); ++a)
             draw(net.across(a, b));
         if (b >= net.cellRows()) continue;

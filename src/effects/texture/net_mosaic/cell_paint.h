@@ -26,11 +26,12 @@ struct NetReaches {
            static_cast<std::uint32_t>(a) + 1;
 }
 
-// Draws every side reaching into the clip as thin lines of one colour (its
-// colour bytes; the spare bytes kept), each piece as the canvas draws a line
-// in copy mode and the side's last point with it.
-void drawSides(Surface& picture, const Area& clip, const Net& net,
-               std::span<const RowReach> vertexReaches, Pixel colour);
+// Draws every side of the rows [firstRow, endRow) of vertices reaching into
+// the clip as thin lines of one colour (its colour bytes; the spare bytes
+// kept), each piece as the canvas draws a line in copy mode and the side's
+// last point with it. Reads only those rows of the net.
+void drawSides(Surface& picture, const Area& clip, const Net& net, int firstRow, int endRow,
+               Pixel colour);
 
 // Paints the cells' numbers into the colour bytes of a picture (the spare
 // byte kept), within a clip: what the canvas leaves when it paints the cells

@@ -68,7 +68,17 @@ class Class_NetMosaic : public PixelFrame {
     // band is rethrown here, the lowest band's when several fail. Returns
     // false when the run was cancelled.
     template <typename Work>
-    bool inBands(const Bands& bands, Work&& work);
+    bool inBands(const Bands& bands, Work&& work) {
+        return inBands(
+            bands, work, [](int) {}, [](int) { return true; }, [](int) {});
+    }
+    // The same, each worker first calling start(worker) (an error there
+    // counts before every band's), and band k begun only once ready(k):
+    // till then its worker calls wait(worker) over and over. Band by band
+    // in order on one thread, so a band that the start of worker 0 makes
+    // ready never waits.
+    template <typename Work, typename Start, typename Ready, typename Wait>
+    bool inBands(const Bands& bands, Work&& work, Start&& start, Ready&& ready, Wait&& wait);
 };
 
 } // namespace lumiran

@@ -112,11 +112,33 @@ int Net::reach(int noise) const {
     return std::clamp(std::min(noise / 2, (size_ - 1) / 2), 0, size_);
 }
 
+// The amplitudes a bent side is split at, largest first.
+template <typename Each>
+void eachSplitAmplitude(int noise, int size, Each&& each) {
+    for (double amplitude = std::min(noise, size) / 4.0; amplitude >= 0.5; amplitude /= 2)
+        each(amplitude);
+}
+
+int Net::mostPointsPerSide(int noise) const {
+    int pieces = 1;
+    eachSplitAmplitude(noise, size_, [&](double) { pieces *= 2; });
+    return 1 + pieces;
+}
+
+int Net::sideSpread(bool bent, int noise) const {
+    // A midpoint's row lies within its ends' rows, moved by up to the
+    // amplitude and half a pixel of rounding; the 1 covers the arithmetic.
+    double shifts = 0;
+    if (bent)
+        eachSplitAmplitude(noise, size_, [&](double amplitude) { shifts += amplitude + 0.5; });
+    return reach(noise) + static_cast<int>(shifts) + 1;
+}
+
 double Net::expectedPointsPerSide(int noise) const {
     double pieces = 1;
-    for (double amplitude = std::min(noise, size_) / 4.0; amplitude >= 0.5 && pieces < size_;
-         amplitude /= 2)
-        pieces *= 2;
+    eachSplitAmplitude(noise, size_, [&](double) {
+        if (pieces < size_) pieces *= 2;
+    });
     return 1 + std::min(pieces, std::max(1.0, size_ / 2.0));
 }
 
@@ -134,6 +156,7 @@ void Net::noteReaches(int b, std::size_t acrossFrom, std::size_t downFrom) {
     const int y = vertex(0, b).y;
     const RowReach level = across_.rowsOf(acrossFrom, {y, y});
     reaches_[static_cast<std::size_t>(b)] = {level, down_.rowsOf(downFrom, {y, y})};
+    if (finished_ != nullptr) finished_->store(b + 1, std::memory_order_release);
 }
 
 void Net::straightSides() {
@@ -169,7 +192,7 @@ void Net::scatter(int noise, RandomGenerator& generator) {
     }
     // Sides on the area's border stay straight, so the cells cover it.
     const double amplitude = std::min(noise, size_) / 4.0;
-    reserveSides(bentPointsPerSide());
+    reserveSides(mostPointsPerSide(noise));
     // Sides span up to two blocks across and one down, and their halves less.
     const Directions directions(std::min(2 * size_ + 2, 40));
     for (int b = 0; b < rows_; ++b) {

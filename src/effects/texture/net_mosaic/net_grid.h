@@ -9,10 +9,12 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <limits>
 #include <new>
 #include <span>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -64,7 +66,9 @@ class DrawnAhead {
 
 // Polylines end to end in one array: side i is points [starts[i], starts[i + 1]).
 // A 4096 x 4096 net holds some 20 MiB of points: picture memory, whose huge
-// pages fault once a 2 MiB rather than once a 4 KiB.
+// pages fault once a 2 MiB rather than once a 4 KiB. The arrays never move
+// once reserved, so that another thread may draw the sides laid so far;
+// the reserve must hold every point the sides can have.
 class Sides {
   public:
     void clear() {
@@ -72,6 +76,9 @@ class Sides {
         starts_.assign(1, 0);
     }
     void reserve(std::pair<std::size_t, std::size_t> sidesAndPoints) {
+        // Out of memory long before, but never a wrapped index.
+        if (sidesAndPoints.second > std::numeric_limits<std::uint32_t>::max())
+            throw std::bad_alloc();
         starts_.reserve(sidesAndPoints.first + 1);
         points_.reserve(sidesAndPoints.second);
     }
@@ -79,6 +86,8 @@ class Sides {
     void open(CanvasPoint from) {
         if (starts_.empty()) starts_.push_back(0);
         push(from);
+        if (starts_.size() == starts_.capacity())
+            throw std::logic_error("more sides than reserved");
         starts_.push_back(static_cast<std::uint32_t>(points_.size()));
     }
     void add(CanvasPoint p) {
@@ -102,15 +111,15 @@ class Sides {
         }
         return reach;
     }
+    // Reads no size: another thread may be adding sides meanwhile.
     [[nodiscard]] std::span<const CanvasPoint> operator[](std::size_t i) const {
-        return std::span<const CanvasPoint>(points_).subspan(starts_[i],
-                                                             starts_[i + 1] - starts_[i]);
+        return {points_.data() + starts_[i], starts_[i + 1] - starts_[i]};
     }
 
   private:
     void push(CanvasPoint p) {
-        // Out of memory long before, but never a wrapped index.
-        if (points_.size() == std::numeric_limits<std::uint32_t>::max()) throw std::bad_alloc();
+        if (points_.size() == points_.capacity())
+            throw std::logic_error("more side points than reserved");
         points_.push_back(p);
     }
     std::vector<CanvasPoint, PictureAllocator<CanvasPoint>> points_;
@@ -124,9 +133,22 @@ class Net {
     // border. The sides are laid by scatter() or snapToEdges().
     Net(const Area& area, int size);
 
-    // Reserves the memory the sides will take, bent (scatter) or straight
+    // Reserves the memory the sides can take, bent (scatter) or straight
     // (snapToEdges), so that its pages can be faulted in beside the laying.
-    void reserveSidesFor(bool bent) { reserveSides(bent ? bentPointsPerSide() : 2); }
+    void reserveSidesFor(bool bent, int noise) {
+        reserveSides(bent ? mostPointsPerSide(noise) : 2);
+    }
+    // How far above its row's place on the grid any point of the sides of
+    // a row of vertices can lie, or below it for the sides up to it: the
+    // vertex's move and the bends' shifts, each rounded.
+    [[nodiscard]] int sideSpread(bool bent, int noise) const;
+    // The row of the picture vertex row b stands on before it moves.
+    [[nodiscard]] int gridRow(int b) const {
+        return std::min(area_.top + b * size_, area_.bottom - 1);
+    }
+    // From here on each finished row of vertices, its sides and its reaches
+    // is announced by storing the count of rows finished (with release).
+    void announceRowsTo(std::atomic<int>& finished) { finished_ = &finished; }
     // The part of that memory the sides are expected to fill: faulting in
     // the rest would clear pages for nothing.
     [[nodiscard]] std::array<std::span<const std::byte>, 4> sideMemory(bool bent, int noise) const {
@@ -176,8 +198,8 @@ class Net {
     [[nodiscard]] bool onBorderColumn(int a) const { return a == 0 || a == columns_ - 1; }
     [[nodiscard]] bool onBorderRow(int b) const { return b == 0 || b == rows_ - 1; }
     void reserveSides(int pointsPerSide);
-    // Sides of size pixels split into pieces of 2 to 3 pixels.
-    [[nodiscard]] int bentPointsPerSide() const { return std::max(2, size_ / 2 + 2); }
+    // The first point and a piece for each split at every amplitude.
+    [[nodiscard]] int mostPointsPerSide(int noise) const;
     // A little over the mean that scatter gives: the first point and a
     // piece for each split amplitude, at most one every two pixels.
     [[nodiscard]] double expectedPointsPerSide(int noise) const;
@@ -198,6 +220,7 @@ class Net {
         RowReach upright;
     };
     std::vector<Reaches> reaches_; // by row of vertices
+    std::atomic<int>* finished_ = nullptr;
 };
 
 } // namespace lumiran::net

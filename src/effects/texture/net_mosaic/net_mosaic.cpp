@@ -12,6 +12,7 @@
 #include <mutex>
 #include <span>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -92,10 +93,14 @@ Class_NetMosaic::Bands Class_NetMosaic::bandsOf(int count, long long pixelsPerUn
     return {std::min(threads, bandCount), unitsPerBand, bandCount};
 }
 
-template <typename Work>
-bool Class_NetMosaic::inBands(const Bands& bands, Work&& work) {
+template <typename Work, typename Start, typename Ready, typename Wait>
+bool Class_NetMosaic::inBands(const Bands& bands, Work&& work, Start&& start, Ready&& ready,
+                              Wait&& wait) {
     if (bands.workers <= 1) {
+        start(0);
         for (int k = 0; k < bands.count; ++k) {
+            while (!ready(k))
+                wait(0);
             const int units = work(0, k);
             for (int i = 0; i < units; ++i) {
                 if (!finishRow()) return false;
@@ -108,8 +113,30 @@ bool Class_NetMosaic::inBands(const Bands& bands, Work&& work) {
     std::mutex progress;
     std::exception_ptr failure;
     int failedBand = bands.count;
+    const auto fail = [&](int k) {
+        const std::scoped_lock lock(progress);
+        if (k < failedBand) {
+            failedBand = k;
+            failure = std::current_exception();
+        }
+        stop = true;
+    };
     context().workers().run(bands.workers, [&](int worker) {
-        for (int k = next.fetch_add(1); k < bands.count && !stop.load(); k = next.fetch_add(1)) {
+        try {
+            start(worker);
+        } catch (...) {
+            fail(-1);
+        }
+        for (;;) {
+            // A band is taken only once it is ready, so that no worker
+            // holds one that another could have drawn meanwhile.
+            int k = next.load();
+            if (k >= bands.count || stop.load()) break;
+            if (!ready(k)) {
+                wait(worker);
+                continue;
+            }
+            if (!next.compare_exchange_weak(k, k + 1)) continue;
             try {
                 const int units = work(worker, k);
                 const std::scoped_lock lock(progress);
@@ -120,12 +147,7 @@ bool Class_NetMosaic::inBands(const Bands& bands, Work&& work) {
                     }
                 }
             } catch (...) {
-                const std::scoped_lock lock(progress);
-                if (k < failedBand) {
-                    failedBand = k;
-                    failure = std::current_exception();
-                }
-                stop = true;
+                fail(k);
             }
         }
     });
@@ -138,7 +160,7 @@ net::Net Class_NetMosaic::layAlongside(const net::Area& area, std::int16_t block
                                        std::int16_t noise, std::uint8_t type, const Surface& source,
                                        PrepareRow&& prepareRow, Aside&& aside) {
     net::Net net(area, blockSize);
-    net.reserveSidesFor(type == 0);
+    net.reserveSidesFor(type == 0, noise);
     const RowThreading& threading = context().threading;
     const int threads = std::max(threading.threads, 1);
     const long long pixels =
@@ -461,37 +483,90 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
         const int width = area.right - area.left;
-        const net::Net net = layAlongside(
-            area, blockSize, noise, type, source,
-            [&](int y) {
-                if (&source == &target) return;
-                const auto from = source.row(y).subspan(static_cast<std::size_t>(area.left),
-                                                        static_cast<std::size_t>(width));
-                std::ranges::copy(from, target.row(y).begin() + area.left);
-            },
-            [](const net::Net&) {});
-        const ColourRef colour = RGB(red, green, blue);
+        const bool bent = type == 0;
+        net::Net net(area, blockSize);
+        net.reserveSidesFor(bent, noise);
+        const Pixel bits = colourBitsOf(RGB(red, green, blue));
         const int vertexRows = net.vertexRows();
         SetProgressRange(0, vertexRows);
         // Every side is one colour drawn over the copy, so a pixel's result
         // does not depend on the order of the sides: bands of rows each draw
-        // every side that reaches into them, clipped to their rows.
-        const std::vector<RowReach> reaches = net::reachesOf(net).sides;
+        // every side that reaches into them, clipped to their rows. Laying
+        // the net draws from the one generator in order, so one thread lays
+        // it while the others draw the bands it has passed: a band is ready
+        // once every row of vertices still to come lies wholly below it.
         const int size = blockSize;
-        const Bands bands = bandsOf(vertexRows, static_cast<long long>(size) * width, 4);
-        const auto rowOfVertexRow = [&](int b) {
-            return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
-                                                                   area.bottom - area.top));
-        };
-        inBands(bands, [&](int, int k) {
+        const Bands bands = bandsOf(vertexRows, static_cast<long long>(size) * width, 16);
+        const auto bandOf = [&](int k) {
             const int firstRow = k * bands.unitsPerBand;
             const int endRow = std::min(vertexRows, firstRow + bands.unitsPerBand);
-            const int bandTop = rowOfVertexRow(firstRow);
-            const int bandBottom = endRow == vertexRows ? area.bottom : rowOfVertexRow(endRow);
-            net::drawSides(target, {area.left, bandTop, area.right, bandBottom}, net, reaches,
-                           colourBitsOf(colour));
+            return std::pair{firstRow, endRow};
+        };
+        const auto rowsOf = [&](int k) {
+            const auto [firstRow, endRow] = bandOf(k);
+            return std::pair{net.gridRow(firstRow),
+                             endRow == vertexRows ? area.bottom : net.gridRow(endRow)};
+        };
+        const int spread = net.sideSpread(bent, noise);
+        std::vector<int> rowsNeeded(static_cast<std::size_t>(bands.count));
+        for (int k = 0, b = 0; k < bands.count; ++k) {
+            while (b < vertexRows && net.gridRow(b) - spread < rowsOf(k).second)
+                ++b;
+            rowsNeeded[static_cast<std::size_t>(k)] = b;
+        }
+        std::atomic<int> laid{0};
+        net.announceRowsTo(laid);
+        const auto drawBand = [&](int, int k) {
+            const auto [bandTop, bandBottom] = rowsOf(k);
+            if (&source != &target) {
+                for (int y = bandTop; y < bandBottom; ++y) {
+                    const auto from = source.row(y).subspan(static_cast<std::size_t>(area.left),
+                                                            static_cast<std::size_t>(width));
+                    std::ranges::copy(from, target.row(y).begin() + area.left);
+                }
+            }
+            net::drawSides(target, {area.left, bandTop, area.right, bandBottom}, net, 0,
+                           rowsNeeded[static_cast<std::size_t>(k)], bits);
+            const auto [firstRow, endRow] = bandOf(k);
             return endRow - firstRow;
-        });
+        };
+        // The second worker faults in the sides' memory ahead of the laying
+        // a part at a time, between the bands it draws.
+        constexpr std::size_t MemoryParts = 64;
+        const auto sideMemory = net.sideMemory(bent, noise);
+        std::size_t faulted = 0;
+        const bool drawn = inBands(
+            bands, drawBand,
+            [&](int worker) {
+                if (worker == 0) lay(net, noise, type, source, context().random);
+            },
+            [&](int k) {
+                return laid.load(std::memory_order_acquire) >=
+                       rowsNeeded[static_cast<std::size_t>(k)];
+            },
+            [&](int worker) {
+                if (worker != 1 || faulted == MemoryParts) {
+                    std::this_thread::yield();
+                    return;
+                }
+                for (const std::span<const std::byte> memory : sideMemory) {
+                    const std::size_t part = (memory.size() + MemoryParts - 1) / MemoryParts;
+                    const std::size_t from = std::min(memory.size(), faulted * part);
+                    faultInPictureMemory(
+                        memory.subspan(from, std::min(part, memory.size() - from)));
+                }
+                ++faulted;
+            });
+        if (!drawn) return;
+        // Should a side lie further out than its spread, the bands drawn
+        // before it was laid would miss it: draw them all again.
+        for (int b = 0; b < vertexRows; ++b) {
+            const int first = std::min(net.levelReach(b).first, net.uprightReach(b).first);
+            if (first < net.gridRow(b) - spread) {
+                inBands(bands, drawBand);
+                break;
+            }
+        }
     });
 }
 

@@ -70,15 +70,16 @@ class Class_NetMosaic : public PixelFrame {
     template <typename Work>
     bool inBands(const Bands& bands, Work&& work) {
         return inBands(
-            bands, work, [](int) {}, [](int) { return true; }, [](int) {});
+            bands, work, [](int) {}, [](int) { return true; }, [](int, bool) {});
     }
     // The same, each worker first calling start(worker) (an error there
-    // counts before every band's), and band k begun only once ready(k):
-    // till then its worker calls wait(worker) over and over. Band by band
-    // in order on one thread, so a band that the start of worker 0 makes
-    // ready never waits.
-    template <typename Work, typename Start, typename Ready, typename Wait>
-    bool inBands(const Bands& bands, Work&& work, Start&& start, Ready&& ready, Wait&& wait);
+    // counts before every band's), and band k begun only once ready(k).
+    // Before each look at the next band a worker calls pace(worker, ready)
+    // with what ready said of it, over and over while it is not ready.
+    // Band by band in order on one thread, so a band that the start of
+    // worker 0 makes ready never waits.
+    template <typename Work, typename Start, typename Ready, typename Pace>
+    bool inBands(const Bands& bands, Work&& work, Start&& start, Ready&& ready, Pace&& pace);
 };
 
 } // namespace lumiran

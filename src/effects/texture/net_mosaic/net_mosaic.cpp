@@ -93,14 +93,16 @@ Class_NetMosaic::Bands Class_NetMosaic::bandsOf(int count, long long pixelsPerUn
     return {std::min(threads, bandCount), unitsPerBand, bandCount};
 }
 
-template <typename Work, typename Start, typename Ready, typename Wait>
+template <typename Work, typename Start, typename Ready, typename Pace>
 bool Class_NetMosaic::inBands(const Bands& bands, Work&& work, Start&& start, Ready&& ready,
-                              Wait&& wait) {
+                              Pace&& pace) {
     if (bands.workers <= 1) {
         start(0);
         for (int k = 0; k < bands.count; ++k) {
-            while (!ready(k))
-                wait(0);
+            for (bool isReady = false; !isReady;) {
+                isReady = ready(k);
+                pace(0, isReady);
+            }
             const int units = work(0, k);
             for (int i = 0; i < units; ++i) {
                 if (!finishRow()) return false;
@@ -132,10 +134,9 @@ bool Class_NetMosaic::inBands(const Bands& bands, Work&& work, Start&& start, Re
             // holds one that another could have drawn meanwhile.
             int k = next.load();
             if (k >= bands.count || stop.load()) break;
-            if (!ready(k)) {
-                wait(worker);
-                continue;
-            }
+            const bool isReady = ready(k);
+            pace(worker, isReady);
+            if (!isReady) continue;
             if (!next.compare_exchange_weak(k, k + 1)) continue;
             try {
                 const int units = work(worker, k);
@@ -530,11 +531,20 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
             const auto [firstRow, endRow] = bandOf(k);
             return endRow - firstRow;
         };
-        // The second worker faults in the sides' memory ahead of the laying
-        // a part at a time, between the bands it draws.
-        constexpr std::size_t MemoryParts = 64;
+        // The second worker keeps the sides' memory faulted in a little
+        // ahead of the laying, a part at a time, between the bands it draws.
+        constexpr int MemoryParts = 64;
+        constexpr int PartsAhead = 4;
         const auto sideMemory = net.sideMemory(bent, noise);
-        std::size_t faulted = 0;
+        int faulted = 0;
+        const auto faultPart = [&] {
+            for (const std::span<const std::byte> memory : sideMemory) {
+                const std::size_t part = (memory.size() + MemoryParts - 1) / MemoryParts;
+                const std::size_t from = std::min(memory.size(), faulted * part);
+                faultInPictureMemory(memory.subspan(from, std::min(part, memory.size() - from)));
+            }
+            ++faulted;
+        };
         const bool drawn = inBands(
             bands, drawBand,
             [&](int worker) {
@@ -544,18 +554,17 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
                 return laid.load(std::memory_order_acquire) >=
                        rowsNeeded[static_cast<std::size_t>(k)];
             },
-            [&](int worker) {
-                if (worker != 1 || faulted == MemoryParts) {
-                    std::this_thread::yield();
-                    return;
+            [&](int worker, bool ready) {
+                if (worker == 1 && faulted < MemoryParts) {
+                    const long long layingPart =
+                        static_cast<long long>(laid.load(std::memory_order_relaxed)) * MemoryParts /
+                        vertexRows;
+                    if (!ready || faulted < layingPart + PartsAhead) {
+                        faultPart();
+                        return;
+                    }
                 }
-                for (const std::span<const std::byte> memory : sideMemory) {
-                    const std::size_t part = (memory.size() + MemoryParts - 1) / MemoryParts;
-                    const std::size_t from = std::min(memory.size(), faulted * part);
-                    faultInPictureMemory(
-                        memory.subspan(from, std::min(part, memory.size() - from)));
-                }
-                ++faulted;
+                if (!ready) std::this_thread::yield();
             });
         if (!drawn) return;
         // Should a side lie further out than its spread, the bands drawn

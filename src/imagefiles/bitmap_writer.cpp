@@ -1,6 +1,5 @@
 #include "imagefiles/bitmap_writer.h"
 
-#include "engine/picture_memory.h"
 #include "imagefiles/bitmap_rows.h"
 #include "imagefiles/byte_io.h"
 #include "imagefiles/file_io.h"
@@ -9,6 +8,8 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
+#include <stdexcept>
 #include <unordered_map>
 
 namespace lumiran {
@@ -103,17 +104,24 @@ std::size_t bmp24FileSize(const Surface& picture) {
                                  static_cast<std::size_t>(picture.height());
 }
 
-// The whole file into out, which holds exactly bmp24FileSize bytes: rows
-// packed straight into place, no byte appended one at a time.
-void encodeBmp24Into(const Surface& picture, std::span<std::uint8_t> out) {
-    const std::uint32_t stride = bmp24Stride(picture);
-    const std::uint32_t imageSize = stride * static_cast<std::uint32_t>(picture.height());
+ByteWriter bmp24Header(const Surface& picture) {
+    const std::uint32_t imageSize =
+        bmp24Stride(picture) * static_cast<std::uint32_t>(picture.height());
     ByteWriter header;
     writeHeaders(header, picture, Bmp24HeaderSize, imageSize, 24, imageSize);
-    std::ranges::copy(header.bytes(), out.begin());
+    return header;
+}
+
+// Rows [first, first + count) of the file, which stores the picture's rows
+// bottom-up, into out, their padding cleared.
+void packBmp24Rows(const Surface& picture, std::size_t first, std::size_t count,
+                   std::span<std::uint8_t> out) {
+    const std::uint32_t stride = bmp24Stride(picture);
     const std::size_t rowBytes = static_cast<std::size_t>(picture.width()) * 3;
-    std::uint8_t* row = out.data() + Bmp24HeaderSize;
-    for (int y = picture.height() - 1; y >= 0; --y, row += stride) {
+    if (out.size() < count * stride) throw std::logic_error("bitmap rows beyond their buffer");
+    std::uint8_t* row = out.data();
+    for (std::size_t i = 0; i < count; ++i, row += stride) {
+        const int y = picture.height() - 1 - static_cast<int>(first + i);
         packRow24(picture.row(y).data(), row, picture.width());
         std::fill(row + rowBytes, row + stride, std::uint8_t{0});
     }
@@ -123,16 +131,22 @@ void encodeBmp24Into(const Surface& picture, std::span<std::uint8_t> out) {
 
 std::vector<std::uint8_t> encodeBmp24(const Surface& picture) {
     std::vector<std::uint8_t> bytes(bmp24FileSize(picture));
-    encodeBmp24Into(picture, bytes);
+    ByteWriter header = bmp24Header(picture);
+    std::ranges::copy(header.bytes(), bytes.begin());
+    packBmp24Rows(picture, 0, static_cast<std::size_t>(picture.height()),
+                  std::span(bytes).subspan(Bmp24HeaderSize));
     return bytes;
 }
 
 void saveBmp24(const Surface& picture, const std::filesystem::path& path) {
-    // One buffer of picture memory, not cleared first, written at once.
-    std::vector<std::uint8_t, PictureAllocator<std::uint8_t>> bytes;
-    bytes.resize(bmp24FileSize(picture));
-    encodeBmp24Into(picture, bytes);
-    writeFileAtomically(path, bytes);
+    (void)bmp24FileSize(picture); // refuses an empty picture
+    ByteWriter header = bmp24Header(picture);
+    writeFileAtomically(
+        path,
+        FileInRows{header.bytes(), bmp24Stride(picture), static_cast<std::size_t>(picture.height()),
+                   [&picture](std::size_t first, std::size_t count, std::span<std::uint8_t> out) {
+                       packBmp24Rows(picture, first, count, out);
+                   }});
 }
 
 Bmp8Encoding encodeBmp8(const Surface& picture, bool reserveSystemColors) {

@@ -1,12 +1,16 @@
 #include "imagefiles/file_io.h"
 
 #include "imagefiles/image_file_error.h"
+#include "imagefiles/piece_pipeline.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <condition_variable>
 #include <csignal>
 #include <cstring>
+#include <exception>
 #include <fcntl.h>
 #include <fstream>
 #include <mutex>
@@ -137,10 +141,43 @@ ResolvedTarget followLinks(fs::path path) {
     return result;
 }
 
-void writeThrough(const fs::path& path, std::span<const std::uint8_t> bytes, bool truncate) {
+// Writes a file's content to an open file: 0 when every byte went out,
+// else errno.
+using ContentWriter = std::function<int(int fd)>;
+
+// Rows a piece of the file packs, about this many bytes: a huge page, so
+// that its buffer faults once, while a large file still makes enough
+// pieces to keep both threads busy and a small one needs no thread.
+constexpr std::size_t PieceBytes = HugePageBytes;
+
+int writeRows(int fd, const FileInRows& file) {
+    if (const int error = writeAll(fd, file.header); error != 0) return error;
+    if (file.rows == 0 || file.rowBytes == 0) return 0;
+    const std::size_t perPiece = std::max<std::size_t>(1, PieceBytes / file.rowBytes);
+    int error = 0;
+    throughTwoBuffers((file.rows + perPiece - 1) / perPiece,
+                      [&](std::size_t piece, PieceBuffer& buffer) {
+                          const std::size_t first = piece * perPiece;
+                          const std::size_t rows = std::min(perPiece, file.rows - first);
+                          // A whole huge page, though the rows leave some over; a file of
+                          // one piece keeps to the heap.
+                          if (file.rows > perPiece && buffer.capacity() < PieceBytes)
+                              buffer.reserve(PieceBytes);
+                          buffer.resize(rows * file.rowBytes);
+                          file.fill(first, buffer.size() / file.rowBytes, buffer);
+                          return true;
+                      },
+                      [&](std::size_t, const PieceBuffer& buffer) {
+                          error = writeAll(fd, buffer);
+                          return error == 0;
+                      });
+    return error;
+}
+
+void writeThrough(const fs::path& path, const ContentWriter& content, bool truncate) {
     FileDescriptor fd(::open(path.c_str(), O_WRONLY | O_CLOEXEC | (truncate ? O_TRUNC : 0)));
     if (fd.get() < 0) fail(path, "cannot open for writing", errno);
-    if (const int error = writeAll(fd.get(), bytes); error != 0) fail(path, "write error", error);
+    if (const int error = content(fd.get()); error != 0) fail(path, "write error", error);
     if (const int error = fd.close(); error != 0) fail(path, "write error", error);
 }
 
@@ -177,17 +214,19 @@ void SignalSafeTemporary::release() {
     slot_ = -1;
 }
 
-void writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> bytes) {
+namespace {
+
+void writeAtomically(const fs::path& path, const ContentWriter& content) {
     struct stat existing {};
     const bool exists = ::stat(path.c_str(), &existing) == 0;
     if (exists && S_ISDIR(existing.st_mode)) fail(path, "is a directory");
     if (exists && !S_ISREG(existing.st_mode)) {
-        writeThrough(path, bytes, false);
+        writeThrough(path, content, false);
         return;
     }
     const ResolvedTarget target = followLinks(path);
     if (target.openFile) {
-        writeThrough(path, bytes, true);
+        writeThrough(path, content, true);
         return;
     }
     const fs::path directory =
@@ -219,7 +258,7 @@ void writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> byt
             fail(path, "cannot keep the file's permissions", errno);
         }
     }
-    if (const int error = writeAll(fd.get(), bytes); error != 0) fail(path, "write error", error);
+    if (const int error = content(fd.get()); error != 0) fail(path, "write error", error);
     if (::fsync(fd.get()) != 0 && errno != EINVAL && errno != EROFS) {
         fail(path, "write error", errno);
     }
@@ -228,6 +267,16 @@ void writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> byt
         fail(path, "cannot replace the file", errno);
     }
     guard.release();
+}
+
+} // namespace
+
+void writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> bytes) {
+    writeAtomically(path, [bytes](int fd) { return writeAll(fd, bytes); });
+}
+
+void writeFileAtomically(const fs::path& path, const FileInRows& file) {
+    writeAtomically(path, [&file](int fd) { return writeRows(fd, file); });
 }
 
 } // namespace lumiran

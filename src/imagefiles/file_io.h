@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -20,6 +21,21 @@ namespace lumiran {
 // socket (and /dev/stdout and the like) is written through as a plain open
 // would. Throws ImageFileError.
 void writeFileAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
+
+// A file of a header and then rows of rowBytes each, made a few rows at a
+// time: fill(first, count, out) puts rows [first, first + count), in the
+// file's order, into out (count * rowBytes bytes). Written this way a large
+// file needs no buffer of its own size, whose fresh pages cost more than
+// the packing, and the rows are packed on a second thread while the first
+// writes those before them. fill may run on another thread than the caller.
+struct FileInRows {
+    std::span<const std::uint8_t> header;
+    std::size_t rowBytes = 0;
+    std::size_t rows = 0;
+    std::function<void(std::size_t first, std::size_t count, std::span<std::uint8_t> out)> fill;
+};
+// As above, for a file made in rows.
+void writeFileAtomically(const std::filesystem::path& path, const FileInRows& file);
 
 // A temporary file that is removed when this goes out of scope, and also when
 // the process is ended by SIGINT, SIGTERM or SIGHUP meanwhile.

@@ -8,6 +8,8 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <span>
+#include <stdexcept>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -111,6 +113,53 @@ TEST_F(FileIoTest, SpecialFilesAreWrittenThroughNotReplaced) {
     EXPECT_TRUE(fs::is_fifo(fifo));
     EXPECT_EQ(names(), (std::vector<std::string>{"null", "pipe"}));
     EXPECT_THROW(writeFileAtomically(dir_, Content), ImageFileError);
+}
+
+TEST_F(FileIoTest, AFileMadeInRowsIsWrittenWholeOrNotAtAll) {
+    const Bytes header{'B', 'M', 9};
+    const auto byteOf = [](std::size_t row, std::size_t j) {
+        return static_cast<std::uint8_t>(row * 7 + j);
+    };
+    struct Case {
+        std::size_t rows, rowBytes;
+    };
+    // No rows; a few pieces on one thread; many on two; a row over a piece.
+    for (const Case c : {Case{0, 4}, Case{3, 5}, Case{5000, 1000}, Case{2, 600000}}) {
+        const fs::path target = dir_ / "rows.bmp";
+        std::size_t nextRow = 0;
+        writeFileAtomically(
+            target,
+            FileInRows{header, c.rowBytes, c.rows,
+                       [&](std::size_t first, std::size_t count, std::span<std::uint8_t> out) {
+                           // In order, each row once.
+                           EXPECT_EQ(first, nextRow);
+                           nextRow = first + count;
+                           ASSERT_EQ(out.size(), count * c.rowBytes);
+                           for (std::size_t j = 0; j < out.size(); ++j)
+                               out[j] = byteOf(first + j / c.rowBytes, j % c.rowBytes);
+                       }});
+        Bytes expected = header;
+        for (std::size_t r = 0; r < c.rows; ++r) {
+            for (std::size_t j = 0; j < c.rowBytes; ++j)
+                expected.push_back(byteOf(r, j));
+        }
+        EXPECT_EQ(contents(target), expected) << c.rows << " rows";
+        EXPECT_EQ(nextRow, c.rows);
+    }
+    // A failure while the rows are made leaves the old file as it was.
+    put(dir_ / "rows.bmp", "old");
+    for (const std::size_t failingRow : {0u, 2999u, 4999u}) {
+        EXPECT_THROW(writeFileAtomically(dir_ / "rows.bmp",
+                                         FileInRows{header, 1000, 5000,
+                                                    [&](std::size_t first, std::size_t count,
+                                                        std::span<std::uint8_t>) {
+                                                        if (failingRow < first + count)
+                                                            throw std::runtime_error("no rows");
+                                                    }}),
+                     std::runtime_error);
+        EXPECT_EQ(contents(dir_ / "rows.bmp"), (Bytes{'o', 'l', 'd'}));
+        EXPECT_EQ(names(), std::vector<std::string>{"rows.bmp"});
+    }
 }
 
 TEST_F(FileIoTest, ANameAtTheLengthLimitCanBeSaved) {

@@ -151,20 +151,24 @@ using ContentWriter = std::function<int(int fd)>;
 constexpr std::size_t PieceBytes = HugePageBytes;
 
 int writeRows(int fd, const FileInRows& file) {
-    if (const int error = writeAll(fd, file.header); error != 0) return error;
-    if (file.rows == 0 || file.rowBytes == 0) return 0;
+    if (file.rows == 0 || file.rowBytes == 0) return writeAll(fd, file.header);
     const std::size_t perPiece = std::max<std::size_t>(1, PieceBytes / file.rowBytes);
     int error = 0;
     throughTwoBuffers((file.rows + perPiece - 1) / perPiece,
                       [&](std::size_t piece, PieceBuffer& buffer) {
                           const std::size_t first = piece * perPiece;
                           const std::size_t rows = std::min(perPiece, file.rows - first);
+                          // The first piece leads with the header: a small file goes out
+                          // in one write.
+                          const std::size_t lead = piece == 0 ? file.header.size() : 0;
                           // A whole huge page, though the rows leave some over; a file of
                           // one piece keeps to the heap.
-                          if (file.rows > perPiece && buffer.capacity() < PieceBytes)
-                              buffer.reserve(PieceBytes);
-                          buffer.resize(rows * file.rowBytes);
-                          file.fill(first, buffer.size() / file.rowBytes, buffer);
+                          const std::size_t bytes = lead + rows * file.rowBytes;
+                          if (file.rows > perPiece && buffer.capacity() < bytes)
+                              buffer.reserve(std::max(PieceBytes, bytes));
+                          buffer.resize(bytes);
+                          if (lead != 0) std::ranges::copy(file.header, buffer.begin());
+                          file.fill(first, rows, std::span(buffer).subspan(lead));
                           return true;
                       },
                       [&](std::size_t, const PieceBuffer& buffer) {

@@ -31,6 +31,9 @@ class WorkerPool {
     // must not throw; workers beyond threads() are not started. Called
     // again from inside a task, it runs every part on the calling thread.
     void run(int workers, const std::function<void(int)>& task);
+    // Whether run() would now do every part on the calling thread: parts
+    // that wait for one another must then not be handed to it.
+    [[nodiscard]] bool runsInTurn() const { return threads() == 1 || busy_.load(); }
 
   private:
     void serve(int worker);

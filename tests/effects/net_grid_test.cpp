@@ -69,6 +69,8 @@ TEST(NetSides, StayWithinTheirReserveAndTheirSpread) {
                         std::min(laid.levelReach(b).first, laid.uprightReach(b).first);
                     ASSERT_GE(first, laid.gridRow(b) - spread) << size << " " << noise << " " << b;
                 }
+                EXPECT_TRUE(laid.withinSpread(spread));
+                EXPECT_FALSE(laid.withinSpread(-laid.vertexRows() * size - 1));
             }
         }
     }

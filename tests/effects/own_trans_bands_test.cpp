@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 
 namespace lumiran {
 namespace {
@@ -90,6 +91,53 @@ TEST_P(OwnTrans, RandomMosaicEqualsTheMosaicInPlace) {
             },
             [](Class_Mosaic& e) { e.blocksIntoOwnTrans(); });
     }
+}
+
+TEST(RandomMosaicBands, PaintAsOneThreadAndStopOnACancel) {
+    // Blocks across two bands wait for both; tall blocks make many of them.
+    const Surface picture = testing::makeVariedPicture(97, 203);
+    struct CancelAt : ProgressSink {
+        CancelFlag* flag = nullptr;
+        void showPercent(int) override {
+            if (flag != nullptr) *flag = 1;
+        }
+    };
+    const auto runOnce = [&](int threads, int size, int type, const ProcessRect& rect,
+                             bool cancelAtOnce) {
+        CancelFlag cancel{0};
+        RandomGenerator random;
+        RunContext context(cancel, random);
+        CancelAt sink;
+        if (cancelAtOnce) sink.flag = &cancel;
+        context.progress = &sink;
+        context.threading = {.threads = threads, .bandPixels = threads == 1 ? 1 << 30 : 1};
+        Class_Mosaic effect(context);
+        effect.ImageGetDiBits(picture);
+        effect.blocksIntoOwnTrans();
+        effect.Mosaic_Random(static_cast<std::uint8_t>(size), static_cast<std::uint8_t>(size),
+                             rect.left, rect.top, rect.right, rect.bottom,
+                             static_cast<std::uint8_t>(type));
+        EXPECT_EQ(cancel.load(), cancelAtOnce ? 1 : 0);
+        Surface result;
+        effect.ImageSetDiBitsTrans(result);
+        return std::pair{result, random.state()};
+    };
+    for (const ProcessRect& rect :
+         {ProcessRect::wholePicture(97, 203), ProcessRect{3, 17, 90, 180}}) {
+        for (const int size : {4, 9, 32}) {
+            for (const int type : {0, 3, 5}) {
+                const auto one = runOnce(1, size, type, rect, false);
+                for (const int threads : {2, 5}) {
+                    const auto several = runOnce(threads, size, type, rect, false);
+                    EXPECT_TRUE(several.first.sameColours(one.first))
+                        << size << " " << type << " on " << threads;
+                    EXPECT_EQ(several.second, one.second) << "the generator moves on alike";
+                }
+            }
+        }
+    }
+    for (const int threads : {1, 2, 3})
+        runOnce(threads, 4, 0, ProcessRect::wholePicture(97, 203), true);
 }
 
 INSTANTIATE_TEST_SUITE_P(

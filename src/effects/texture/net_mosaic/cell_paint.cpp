@@ -77,20 +77,28 @@ constexpr TraceTable Traces;
 
 } // namespace
 
-NetReaches reachesOf(const Net& net) {
-    const auto rows = static_cast<std::size_t>(net.vertexRows());
-    const auto join = [](RowReach r, RowReach s) {
-        return RowReach{std::min(r.first, s.first), std::max(r.last, s.last)};
-    };
-    NetReaches reaches{std::vector<RowReach>(rows),
-                       std::vector<RowReach>(static_cast<std::size_t>(net.cellRows()))};
-    for (std::size_t b = 0; b < rows; ++b) {
+std::vector<RowReach> sideReachesOf(const Net& net, int rowCount) {
+    const int rows = net.vertexRows();
+    std::vector<RowReach> sides(static_cast<std::size_t>(std::clamp(rowCount, 0, rows)));
+    for (std::size_t b = 0; b < sides.size(); ++b) {
         const int row = static_cast<int>(b);
-        reaches.sides[b] =
-            b + 1 < rows ? join(net.levelReach(row), net.uprightReach(row)) : net.levelReach(row);
+        const RowReach level = net.levelReach(row);
+        const RowReach upright = net.uprightReach(row);
+        sides[b] = row + 1 < rows ? RowReach{std::min(level.first, upright.first),
+                                             std::max(level.last, upright.last)}
+                                  : level;
     }
-    for (std::size_t b = 0; b + 1 < rows; ++b)
-        reaches.cells[b] = join(reaches.sides[b], net.levelReach(static_cast<int>(b + 1)));
+    return sides;
+}
+
+NetReaches reachesOf(const Net& net) {
+    NetReaches reaches{sideReachesOf(net, net.vertexRows()),
+                       std::vector<RowReach>(static_cast<std::size_t>(net.cellRows()))};
+    for (std::size_t b = 0; b < reaches.cells.size(); ++b) {
+        const RowReach& upper = reaches.sides[b];
+        const RowReach lower = net.levelReach(static_cast<int>(b + 1));
+        reaches.cells[b] = {std::min(upper.first, lower.first), std::max(upper.last, lower.last)};
+    }
     return reaches;
 }
 
@@ -99,7 +107,7 @@ void CellPainter::paintRow(const Net& net, std::span<const RowReach> sideReaches
         return r.last >= clip_.top && r.first < clip_.bottom;
     };
     const RowReach& upper = sideReaches[static_cast<std::size_t>(b)];
-    if (b < net.cellRows()) {
+    if (static_cast<std::size_t>(b) + 1 < sideReaches.size()) {
         const RowReach& lower = sideReaches[static_cast<std::size_t>(b + 1)];
         if (reaches({std::min(upper.first, lower.first), std::max(upper.last, lower.last)})) {
             for (int a = 0; a < net.cellColumns(); ++a)

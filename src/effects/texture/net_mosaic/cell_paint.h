@@ -19,6 +19,9 @@ struct NetReaches {
     std::vector<RowReach> cells;
 };
 [[nodiscard]] NetReaches reachesOf(const Net& net);
+// The reaches of the sides of rows [0, rowCount) of vertices alone, those
+// laid so far.
+[[nodiscard]] std::vector<RowReach> sideReachesOf(const Net& net, int rowCount);
 
 // The number of cell (a, b) on the work picture; 0 is no cell.
 [[nodiscard]] inline std::uint32_t cellLabel(const Net& net, int a, int b) {
@@ -51,10 +54,12 @@ class CellPainter {
     // Every cell and side reaching into the clip, a row of cells and its
     // row of vertices' sides at a time; after each, rowsFinal(end) with the
     // row from which on the clip may still change (rows above it are done).
+    // Reads the rows of vertices that sideReaches holds, and the cells
+    // between them: the rows below must not reach the clip.
     template <typename RowsFinal>
     void paint(const Net& net, std::span<const RowReach> sideReaches, RowsFinal&& rowsFinal) {
         if (clip_.left >= clip_.right || clip_.top >= clip_.bottom) return;
-        const auto rows = static_cast<std::size_t>(net.vertexRows());
+        const std::size_t rows = sideReaches.size();
         // The first row that the sides of row b of vertices or below reach.
         firstReached_.resize(rows + 1);
         firstReached_[rows] = clip_.bottom;

@@ -47,15 +47,6 @@ class Class_NetMosaic : public PixelFrame {
   private:
     std::optional<Pixel> rectangleFill_;
     Surface* result_ = nullptr;
-    // Lays the net on one thread while the others prepare the area's rows
-    // (prepareRow(y)) from the top, and then helps them: the first touch of
-    // the target's pages costs about as much as laying the net. The second
-    // thread first faults in the net's memory and calls aside(net), which
-    // may read the net's size only.
-    template <typename PrepareRow, typename Aside>
-    net::Net layAlongside(const net::Area& area, std::int16_t blockSize, std::int16_t noise,
-                          std::uint8_t type, const Surface& source, PrepareRow&& prepareRow,
-                          Aside&& aside);
     struct Bands {
         int workers = 1;
         int unitsPerBand = 1;

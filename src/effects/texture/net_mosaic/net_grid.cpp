@@ -134,6 +134,14 @@ int Net::sideSpread(bool bent, int noise) const {
     return reach(noise) + static_cast<int>(shifts) + 1;
 }
 
+bool Net::withinSpread(int spread) const {
+    for (int b = 0; b < rows_; ++b) {
+        if (std::min(levelReach(b).first, uprightReach(b).first) < gridRow(b) - spread)
+            return false;
+    }
+    return true;
+}
+
 double Net::expectedPointsPerSide(int noise) const {
     double pieces = 1;
     eachSplitAmplitude(noise, size_, [&](double) {

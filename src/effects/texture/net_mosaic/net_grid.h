@@ -142,6 +142,9 @@ class Net {
     // a row of vertices can lie, or below it for the sides up to it: the
     // vertex's move and the bends' shifts, each rounded.
     [[nodiscard]] int sideSpread(bool bent, int noise) const;
+    // Whether no side of the net laid lies further above its row of
+    // vertices than spread.
+    [[nodiscard]] bool withinSpread(int spread) const;
     // The row of the picture vertex row b stands on before it moves.
     [[nodiscard]] int gridRow(int b) const {
         return std::min(area_.top + b * size_, area_.bottom - 1);

@@ -4,8 +4,10 @@
 #include "engine/drawing/drawing.h"
 #include "engine/picture_memory.h"
 #include "engine/picture_memory_prepare.h"
+#include "engine/shared_rows.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <exception>
@@ -73,6 +75,50 @@ void lay(net::Net& net, std::int16_t noise, std::uint8_t type, const Surface& so
 }
 
 using net::RowReach;
+
+// Bands of cell rows a thread: small enough that the painting follows the
+// laying closely, large enough that the cells across a band's border,
+// visited by both bands, stay few.
+constexpr int CellBandsPerThread = 8;
+
+// Keeps the memory of the sides faulted in a little ahead of the laying, a
+// part at a time, on the second worker between the bands it draws: first
+// touches of those pages would otherwise stall the laying thread.
+class FaultingAhead {
+  public:
+    FaultingAhead(const net::Net& net, bool bent, int noise)
+        : memory_(net.sideMemory(bent, noise)), rows_(std::max(net.vertexRows(), 1)) {}
+
+    // Before each look at the next band: worker 1 faults a part when the
+    // laying comes near it or the band is not ready; a worker that faults
+    // nothing and has no band yields.
+    void pace(int worker, bool ready, const std::atomic<int>& laid) {
+        if (worker == 1 && faulted_ < Parts) {
+            const long long layingPart =
+                static_cast<long long>(laid.load(std::memory_order_relaxed)) * Parts / rows_;
+            if (!ready || faulted_ < layingPart + PartsAhead) {
+                faultPart();
+                return;
+            }
+        }
+        if (!ready) std::this_thread::yield();
+    }
+
+  private:
+    static constexpr int Parts = 64;
+    static constexpr int PartsAhead = 4;
+    void faultPart() {
+        for (const std::span<const std::byte> memory : memory_) {
+            const std::size_t part = (memory.size() + Parts - 1) / Parts;
+            const std::size_t from = std::min(memory.size(), faulted_ * part);
+            faultInPictureMemory(memory.subspan(from, std::min(part, memory.size() - from)));
+        }
+        ++faulted_;
+    }
+    std::array<std::span<const std::byte>, 4> memory_;
+    int rows_;
+    int faulted_ = 0;
+};
 
 } // namespace
 
@@ -156,56 +202,6 @@ bool Class_NetMosaic::inBands(const Bands& bands, Work&& work, Start&& start, Re
     return !context().cancelled();
 }
 
-template <typename PrepareRow, typename Aside>
-net::Net Class_NetMosaic::layAlongside(const net::Area& area, std::int16_t blockSize,
-                                       std::int16_t noise, std::uint8_t type, const Surface& source,
-                                       PrepareRow&& prepareRow, Aside&& aside) {
-    net::Net net(area, blockSize);
-    net.reserveSidesFor(type == 0, noise);
-    const RowThreading& threading = context().threading;
-    const int threads = std::max(threading.threads, 1);
-    const long long pixels =
-        static_cast<long long>(area.right - area.left) * (area.bottom - area.top);
-    if (threads <= 1 || pixels < 2LL * std::max(threading.bandPixels, 1)) {
-        aside(std::as_const(net));
-        lay(net, noise, type, source, context().random);
-        for (int y = area.top; y < area.bottom; ++y)
-            prepareRow(y);
-        return net;
-    }
-    // The memory of the sides, faulted in ahead of the laying thread.
-    const auto sideMemory = net.sideMemory(type == 0, noise);
-    constexpr int Chunk = 16;
-    std::atomic<int> next{area.top};
-    std::exception_ptr failure;
-    std::exception_ptr asideFailure;
-    context().workers().run(threads, [&](int worker) {
-        if (worker == 0) {
-            try {
-                lay(net, noise, type, source, context().random);
-            } catch (...) {
-                failure = std::current_exception();
-            }
-        } else if (worker == 1) {
-            for (const std::span<const std::byte> memory : sideMemory)
-                faultInPictureMemory(memory);
-            try {
-                aside(std::as_const(net));
-            } catch (...) {
-                asideFailure = std::current_exception();
-            }
-        }
-        for (int first = next.fetch_add(Chunk); first < area.bottom;
-             first = next.fetch_add(Chunk)) {
-            for (int y = first; y < std::min(area.bottom, first + Chunk); ++y)
-                prepareRow(y);
-        }
-    });
-    if (failure) std::rethrow_exception(failure);
-    if (asideFailure) std::rethrow_exception(asideFailure);
-    return net;
-}
-
 void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::int16_t left,
                                  std::int16_t top, std::int16_t right, std::int16_t bottom,
                                  std::int16_t blockSize, std::int16_t noise, std::uint8_t type) {
@@ -225,26 +221,24 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                                           static_cast<std::size_t>(width));
         };
         const std::optional<Pixel> fill = &source == &target ? std::nullopt : rectangleFill_;
-        // The cells' sums, a number each; their first touch off the laying
-        // thread too.
+        const auto prepareRow = [&](int y) {
+            const auto row = areaRow(cells, y);
+            if (fill) {
+                std::ranges::fill(row, *fill & 0xFF000000u);
+            } else {
+                for (Pixel& p : row)
+                    p &= 0xFF000000u;
+            }
+        };
+        const bool bent = type == 0;
+        net::Net net(area, blockSize);
+        net.reserveSidesFor(bent, noise);
+        const int cellRows = net.cellRows();
+        const auto cellCount = static_cast<std::size_t>(net.cellRows()) * net.cellColumns();
+        // The cells' sums, a number each.
         std::vector<Sums, PictureAllocator<Sums>> sums;
-        const net::Net net = layAlongside(
-            area, blockSize, noise, type, source,
-            [&](int y) {
-                const auto row = areaRow(cells, y);
-                if (fill) {
-                    std::ranges::fill(row, *fill & 0xFF000000u);
-                } else {
-                    for (Pixel& p : row)
-                        p &= 0xFF000000u;
-                }
-            },
-            [&](const net::Net& laying) {
-                const auto count = static_cast<std::size_t>(laying.cellRows()) *
-                                   static_cast<std::size_t>(laying.cellColumns());
-                sums.assign(std::min<std::size_t>(count, NumberBytes) + 1, Sums{});
-            });
-        SetProgressRange(0, net.cellRows() + (area.bottom - area.top));
+        const std::size_t sumCount = std::min<std::size_t>(cellCount, NumberBytes) + 1;
+        SetProgressRange(0, cellRows + (area.bottom - area.top));
 
         // A pixel that no cell reached (where bent sides nearly touch) joins
         // the cell on its left, or above it in the first column. Row y of
@@ -298,14 +292,9 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         // reaches into it, clipped to its rows: a pixel where cells touch
         // takes the last one's number, as when the cells are painted over the
         // whole picture one after the other.
-        const net::NetReaches netReaches = net::reachesOf(net);
-        const std::vector<RowReach>& reaches = netReaches.cells;
-        const int cellRows = net.cellRows();
-        const auto cellCount = static_cast<std::size_t>(net.cellRows()) * net.cellColumns();
         const int size = blockSize;
-        // About four bands a thread, to even out the threads: the cells
-        // across a band's border are visited by both.
-        const Bands bands = bandsOf(cellRows, static_cast<long long>(size) * width, 4);
+        const Bands bands =
+            bandsOf(cellRows, static_cast<long long>(size) * width, CellBandsPerThread);
         // Where the net's row b of vertices lay before it was moved.
         const auto rowOfCellRow = [&](int b) {
             return area.top + static_cast<int>(std::min<long long>(static_cast<long long>(b) * size,
@@ -321,85 +310,14 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             return std::min(cellRows, (k + 1) * bands.unitsPerBand) - k * bands.unitsPerBand;
         };
 
-        // Once a band is painted its rows are final, and it numbers them
-        // while they are at hand: only an unreached first pixel of a row
-        // takes a number from the row above, so a band whose first row
-        // begins with a cell numbers its rows alone; should one not, all
-        // are numbered again in order after. A band's pixels belong to the
-        // cells painted into its rows, so it sums into the range of their
-        // numbers, then adds that to the whole.
         const bool numbersRepeat = cellCount >= NumberBytes;
-        if (sums.size() != std::min<std::size_t>(cellCount, NumberBytes) + 1)
-            throw std::logic_error("cell sums sized for another net");
-        std::mutex adding;
-        std::atomic<bool> numberedAlone{!numbersRepeat};
-        const auto columns = static_cast<std::uint32_t>(net.cellColumns());
-        // The range of numbers of the cells painted into a band's rows.
-        const auto numbersOf = [&](const net::Area& band) {
-            int lowRow = cellRows;
-            int highRow = 0;
-            for (int b = 0; b < cellRows; ++b) {
-                const RowReach& reach = reaches[static_cast<std::size_t>(b)];
-                if (reach.last < band.top || reach.first >= band.bottom) continue;
-                lowRow = std::min(lowRow, b);
-                highRow = std::max(highRow, b);
-            }
-            const std::uint32_t low =
-                static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
-            return std::pair{low, static_cast<std::uint32_t>(highRow + 1) * columns - low + 2};
-        };
-        // Each worker's band sums, all in one block of picture memory: a
-        // 4K band holds some 33 000 cells, whose first touch in small pages
-        // cost a fault every 128 of them.
-        std::uint32_t widest = 0;
-        for (int k = 0; k < bands.count; ++k)
-            widest = std::max(widest, numbersOf(bandOf(k)).second);
-        std::vector<Sums, PictureAllocator<Sums>> bandSums(
-            numbersRepeat ? 0 : static_cast<std::size_t>(bands.workers) * widest);
-        const auto addUp = [&](std::uint32_t low, std::span<const Sums> from) {
-            const std::scoped_lock lock(adding);
-            for (std::size_t j = 0; j < from.size(); ++j) {
-                Sums& s = sums[j == 0 ? 0 : low + j - 1];
-                s.red += from[j].red;
-                s.green += from[j].green;
-                s.blue += from[j].blue;
-                s.count += from[j].count;
-            }
-        };
-
-        bool painted = false;
-        if (!numbersRepeat) {
-            // Numbers that do not repeat: the highest is the last painted.
-            std::vector<net::CellPainter> painters(static_cast<std::size_t>(bands.workers),
-                                                   net::CellPainter(cells, area));
-            painted = inBands(bands, [&](int worker, int k) {
-                const net::Area band = bandOf(k);
-                net::CellPainter& painter = painters[static_cast<std::size_t>(worker)];
-                painter.setClip(band);
-                // Rows are numbered as soon as no later cell can reach them,
-                // while they are still at hand.
-                bool numbering = numberedAlone && band.top < band.bottom;
-                const auto [low, count] = numbersOf(band);
-                const std::span<Sums> into(
-                    bandSums.data() + static_cast<std::size_t>(worker) * widest, count);
-                if (numbering) std::ranges::fill(into, Sums{});
-                int next = band.top;
-                painter.paint(net, netReaches.sides, [&](int end) {
-                    end = std::min(end, band.bottom);
-                    if (!numbering || next >= end) return;
-                    if (next == band.top && band.top > area.top &&
-                        (areaRow(cells, band.top).front() & NumberBytes) == 0) {
-                        numberedAlone = false;
-                        numbering = false;
-                        return;
-                    }
-                    for (; next < end; ++next)
-                        numberRow(next, next > band.top, low, into);
-                });
-                if (numbering) addUp(low, into);
-                return cellRowsOf(k);
-            });
-        } else {
+        if (numbersRepeat) {
+            // Pictures near the size limit with the smallest blocks: the
+            // canvas paints every cell in its number, on the whole net.
+            lay(net, noise, type, source, context().random);
+            sums.assign(sumCount, Sums{});
+            forEachRowShared(context(), area.top, area.bottom, width, prepareRow);
+            const std::vector<RowReach> reaches = net::reachesOf(net).cells;
             struct Painter {
                 explicit Painter(Surface& picture) : canvas(picture) {}
                 Canvas canvas;
@@ -409,7 +327,7 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             painters.reserve(static_cast<std::size_t>(bands.workers));
             for (int w = 0; w < bands.workers; ++w)
                 painters.emplace_back(cells);
-            painted = inBands(bands, [&](int worker, int k) {
+            const bool painted = inBands(bands, [&](int worker, int k) {
                 const net::Area band = bandOf(k);
                 Painter& painter = painters[static_cast<std::size_t>(worker)];
                 Canvas& canvas = painter.canvas;
@@ -429,12 +347,121 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 }
                 return cellRowsOf(k);
             });
-        }
-        if (!painted) return;
-        if (!numberedAlone) {
-            std::ranges::fill(sums, Sums{});
+            if (!painted) return;
             for (int y = area.top; y < area.bottom; ++y)
                 numberRow(y, y > area.top, 1, sums);
+        } else {
+            // Laying the net draws from the one generator in order, so worker
+            // 0 lays it while the others paint the bands it has passed: a band
+            // is ready once every row of vertices that can reach it and the
+            // row after are laid. Once a band is painted its rows are final,
+            // and it numbers them while they are at hand: only an unreached
+            // first pixel of a row takes a number from the row above, so a
+            // band whose first row begins with a cell numbers its rows alone;
+            // should one not, all are numbered again in order after. A band's
+            // pixels belong to the cells painted into its rows, so it sums
+            // into the range of their numbers, then adds that to the whole.
+            const int vertexRows = net.vertexRows();
+            const int spread = net.sideSpread(bent, noise);
+            std::vector<int> rowsNeeded(static_cast<std::size_t>(bands.count));
+            for (int k = 0, b = 0; k < bands.count; ++k) {
+                while (b < vertexRows && net.gridRow(b) - spread < bandOf(k).bottom)
+                    ++b;
+                rowsNeeded[static_cast<std::size_t>(k)] = b;
+            }
+            std::atomic<int> laid{0};
+            net.announceRowsTo(laid);
+            std::mutex adding;
+            std::atomic<bool> numberedAlone{true};
+            bool everyRow = false;
+            struct Worker {
+                explicit Worker(Surface& picture, const net::Area& area) : painter(picture, area) {}
+                net::CellPainter painter;
+                std::vector<Sums, PictureAllocator<Sums>> sums;
+            };
+            std::vector<Worker> workers(static_cast<std::size_t>(bands.workers),
+                                        Worker(cells, area));
+            const auto paintBand = [&](int worker, int k) {
+                const net::Area band = bandOf(k);
+                for (int y = band.top; y < band.bottom; ++y)
+                    prepareRow(y);
+                const std::vector<RowReach> sideReaches = net::sideReachesOf(
+                    net, everyRow ? vertexRows : rowsNeeded[static_cast<std::size_t>(k)] + 1);
+                // The numbers of the cells painted into the band's rows.
+                int lowRow = cellRows;
+                int highRow = 0;
+                for (std::size_t b = 0; b + 1 < sideReaches.size(); ++b) {
+                    const RowReach& upper = sideReaches[b];
+                    const RowReach& lower = sideReaches[b + 1];
+                    if (std::max(upper.last, lower.last) < band.top ||
+                        std::min(upper.first, lower.first) >= band.bottom)
+                        continue;
+                    lowRow = std::min(lowRow, static_cast<int>(b));
+                    highRow = std::max(highRow, static_cast<int>(b));
+                }
+                const auto columns = static_cast<std::uint32_t>(net.cellColumns());
+                const std::uint32_t low =
+                    static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
+                const std::uint32_t count =
+                    static_cast<std::uint32_t>(highRow + 1) * columns - low + 2;
+                Worker& own = workers[static_cast<std::size_t>(worker)];
+                own.painter.setClip(band);
+                bool numbering = numberedAlone && band.top < band.bottom;
+                if (numbering && own.sums.size() < count) own.sums.resize(count);
+                const std::span<Sums> into(own.sums.data(), numbering ? count : 0);
+                std::ranges::fill(into, Sums{});
+                int next = band.top;
+                own.painter.paint(net, sideReaches, [&](int end) {
+                    end = std::min(end, band.bottom);
+                    if (!numbering || next >= end) return;
+                    if (next == band.top && band.top > area.top &&
+                        (areaRow(cells, band.top).front() & NumberBytes) == 0) {
+                        numberedAlone = false;
+                        numbering = false;
+                        return;
+                    }
+                    for (; next < end; ++next)
+                        numberRow(next, next > band.top, low, into);
+                });
+                if (numbering) {
+                    const std::scoped_lock lock(adding);
+                    // Made by the first band done, off the laying thread.
+                    if (sums.empty()) sums.assign(sumCount, Sums{});
+                    for (std::size_t j = 0; j < into.size(); ++j) {
+                        Sums& s = sums[j == 0 ? 0 : low + j - 1];
+                        s.red += into[j].red;
+                        s.green += into[j].green;
+                        s.blue += into[j].blue;
+                        s.count += into[j].count;
+                    }
+                }
+                return cellRowsOf(k);
+            };
+            FaultingAhead faulting(net, bent, noise);
+            const bool painted = inBands(
+                bands, paintBand,
+                [&](int worker) {
+                    if (worker == 0) lay(net, noise, type, source, context().random);
+                },
+                [&](int k) {
+                    return laid.load(std::memory_order_acquire) >=
+                           std::min(vertexRows, rowsNeeded[static_cast<std::size_t>(k)] + 1);
+                },
+                [&](int worker, bool ready) { faulting.pace(worker, ready, laid); });
+            if (!painted) return;
+            // Should a side lie further out than its spread, the bands painted
+            // before it was laid would miss it: paint them all again.
+            if (!net.withinSpread(spread)) {
+                everyRow = true;
+                numberedAlone = true;
+                std::ranges::fill(sums, Sums{});
+                if (!inBands(bands, paintBand)) return;
+            }
+            if (!numberedAlone || sums.empty()) {
+                sums.assign(sumCount, Sums{});
+                for (int y = area.top; y < area.bottom; ++y)
+                    numberRow(y, y > area.top, 1, sums);
+            }
         }
 
         // The means on every thread too: a 4K net has a quarter of a million
@@ -531,20 +558,7 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
             const auto [firstRow, endRow] = bandOf(k);
             return endRow - firstRow;
         };
-        // The second worker keeps the sides' memory faulted in a little
-        // ahead of the laying, a part at a time, between the bands it draws.
-        constexpr int MemoryParts = 64;
-        constexpr int PartsAhead = 4;
-        const auto sideMemory = net.sideMemory(bent, noise);
-        int faulted = 0;
-        const auto faultPart = [&] {
-            for (const std::span<const std::byte> memory : sideMemory) {
-                const std::size_t part = (memory.size() + MemoryParts - 1) / MemoryParts;
-                const std::size_t from = std::min(memory.size(), faulted * part);
-                faultInPictureMemory(memory.subspan(from, std::min(part, memory.size() - from)));
-            }
-            ++faulted;
-        };
+        FaultingAhead faulting(net, bent, noise);
         const bool drawn = inBands(
             bands, drawBand,
             [&](int worker) {
@@ -554,27 +568,13 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
                 return laid.load(std::memory_order_acquire) >=
                        rowsNeeded[static_cast<std::size_t>(k)];
             },
-            [&](int worker, bool ready) {
-                if (worker == 1 && faulted < MemoryParts) {
-                    const long long layingPart =
-                        static_cast<long long>(laid.load(std::memory_order_relaxed)) * MemoryParts /
-                        vertexRows;
-                    if (!ready || faulted < layingPart + PartsAhead) {
-                        faultPart();
-                        return;
-                    }
-                }
-                if (!ready) std::this_thread::yield();
-            });
+            [&](int worker, bool ready) { faulting.pace(worker, ready, laid); });
         if (!drawn) return;
         // Should a side lie further out than its spread, the bands drawn
         // before it was laid would miss it: draw them all again.
-        for (int b = 0; b < vertexRows; ++b) {
-            const int first = std::min(net.levelReach(b).first, net.uprightReach(b).first);
-            if (first < net.gridRow(b) - spread) {
-                inBands(bands, drawBand);
-                break;
-            }
+        if (!net.withinSpread(spread)) {
+            std::ranges::fill(rowsNeeded, vertexRows);
+            inBands(bands, drawBand);
         }
     });
 }

@@ -229,10 +229,9 @@ void CellPainter::paintSpan(int y, int left, int right, std::uint32_t label) {
     left = std::max(left, clip_.left);
     right = std::min(right, clip_.right - 1);
     if (left > right) return;
-    const auto row = picture_.row(y).subspan(static_cast<std::size_t>(left),
-                                             static_cast<std::size_t>(right - left + 1));
-    for (Pixel& p : row)
-        paintMax(p, label);
+    Pixel* row = &rows_.at(left, y);
+    for (int i = 0; i <= right - left; ++i)
+        paintMax(row[i], label);
 }
 
 namespace {
@@ -286,9 +285,9 @@ bool within(const Area& clip, CanvasPoint p) {
 // only that point has no outline.
 void CellPainter::traceSide(std::span<const CanvasPoint> side, std::uint32_t label) {
     const bool traced =
-        tracePieces(side, clip_, [&](int x, int y) { paintMax(picture_.at(x, y), label); });
+        tracePieces(side, clip_, [&](int x, int y) { paintMax(rows_.at(x, y), label); });
     if (traced && within(clip_, side.back()))
-        paintMax(picture_.at(side.back().x, side.back().y), label);
+        paintMax(rows_.at(side.back().x, side.back().y), label);
 }
 
 void drawSides(Surface& picture, const Area& clip, const Net& net, int firstRow, int endRow,

@@ -45,11 +45,34 @@ void drawSides(Surface& picture, const Area& clip, const Net& net, int firstRow,
 // matter. Numbers must stay below 2^24.
 class CellPainter {
   public:
+    // Where the numbers go: pixel (x, y) at data[(y - top) stride + x - left],
+    // for the pixels of the clip. A band can thus be painted into a buffer
+    // of its own rows.
+    struct Rows {
+        Pixel* data = nullptr;
+        std::size_t stride = 0;
+        int left = 0;
+        int top = 0;
+        [[nodiscard]] static Rows of(Surface& picture) {
+            return {picture.pixels().data(), static_cast<std::size_t>(picture.width()), 0, 0};
+        }
+        [[nodiscard]] Pixel& at(int x, int y) const {
+            return data[static_cast<std::size_t>(y - top) * stride +
+                        static_cast<std::size_t>(x - left)];
+        }
+    };
+
     // Paints only the columns [left, right) of the rows [top, bottom).
     // A cell keeps rowSlots crossings a row at hand and the rest aside.
     CellPainter(Surface& picture, const Area& clip, int rowSlots = 6)
-        : picture_(picture), clip_(clip), slotCount_(std::clamp(rowSlots, 1, 255)) {}
+        : CellPainter(Rows::of(picture), clip, rowSlots) {}
+    CellPainter(const Rows& rows, const Area& clip, int rowSlots = 6)
+        : rows_(rows), clip_(clip), slotCount_(std::clamp(rowSlots, 1, 255)) {}
     void setClip(const Area& clip) { clip_ = clip; }
+    void setClip(const Rows& rows, const Area& clip) {
+        rows_ = rows;
+        clip_ = clip;
+    }
 
     // Every cell and side reaching into the clip, a row of cells and its
     // row of vertices' sides at a time; after each, rowsFinal(end) with the
@@ -88,7 +111,7 @@ class CellPainter {
     // The keys of a cell's crossings by row of the clip, a few slots a row;
     // counts_ is all 0 between cells. A row with more crossings than slots
     // (sides bent across it) keeps the rest in spilled_.
-    Surface& picture_;
+    Rows rows_;
     Area clip_;
     int slotCount_;
     std::vector<int> slots_;

@@ -209,26 +209,23 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         checkSize(blockSize);
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
-        // Every cell filled on the work picture in its own colour. The work
-        // picture is the target itself (its colour bytes cleared, the spare
-        // byte kept) unless the target is also the source.
-        Surface separate;
-        if (&source == &target) separate = Surface(target.width(), target.height());
-        Surface& cells = &source == &target ? separate : target;
         const int width = area.right - area.left;
         const auto areaRow = [&](Surface& picture, int y) {
             return picture.row(y).subspan(static_cast<std::size_t>(area.left),
                                           static_cast<std::size_t>(width));
         };
-        const std::optional<Pixel> fill = &source == &target ? std::nullopt : rectangleFill_;
-        const auto prepareRow = [&](int y) {
-            const auto row = areaRow(cells, y);
-            if (fill) {
-                std::ranges::fill(row, *fill & 0xFF000000u);
-            } else {
-                for (Pixel& p : row)
-                    p &= 0xFF000000u;
-            }
+        const auto sourceRow = [&](int y) {
+            return source.row(y).subspan(static_cast<std::size_t>(area.left),
+                                         static_cast<std::size_t>(width));
+        };
+        // The result takes the cells' numbers in its colour bytes, then their
+        // means. Its spare bytes are kept, but where the target is the result
+        // and is taken as filled: there they are the fill's.
+        Surface& result = result_ != nullptr && result_->sameSize(target) ? *result_ : target;
+        const std::optional<Pixel> resultFill =
+            &result == &target && &source != &target ? rectangleFill_ : std::nullopt;
+        const auto spareOf = [&](Pixel p) {
+            return resultFill ? *resultFill & 0xFF000000u : p & 0xFF000000u;
         };
         const bool bent = type == 0;
         net::Net net(area, blockSize);
@@ -241,14 +238,12 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         SetProgressRange(0, cellRows + (area.bottom - area.top));
 
         // A pixel that no cell reached (where bent sides nearly touch) joins
-        // the cell on its left, or above it in the first column. Row y of
-        // the numbering, its sums into into[0] for no cell and
-        // into[n - low + 1] for cell number n.
-        const auto numberRow = [&](int y, bool fromAbove, std::uint32_t low, std::span<Sums> into) {
-            const auto numbers = areaRow(cells, y);
-            const auto above = fromAbove ? areaRow(cells, y - 1) : std::span<Pixel>{};
-            const auto colours = source.row(y).subspan(static_cast<std::size_t>(area.left),
-                                                       static_cast<std::size_t>(width));
+        // the cell on its left, or above it in the first column; above is
+        // read only then. A row of the numbering, its sums into into[0] for
+        // no cell and into[n - low + 1] for cell number n.
+        const auto numberRow = [&](std::span<Pixel> numbers, std::span<const Pixel> above,
+                                   std::span<const Pixel> colours, std::uint32_t low,
+                                   std::span<Sums> into) {
             // Pixels of a cell come in runs along the row: each run is
             // summed here, its channels in lanes of one word (blue from bit
             // 0, green from 21, red from 42: runs of at most Chunk pixels do
@@ -310,13 +305,25 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             return std::min(cellRows, (k + 1) * bands.unitsPerBand) - k * bands.unitsPerBand;
         };
 
-        const bool numbersRepeat = cellCount >= NumberBytes;
-        if (numbersRepeat) {
+        // Where the numbers lie for the means: the result, or for numbers
+        // that repeat a picture of their own.
+        Surface separate;
+        Surface* numbers = &result;
+        if (cellCount >= NumberBytes) {
             // Pictures near the size limit with the smallest blocks: the
-            // canvas paints every cell in its number, on the whole net.
+            // canvas paints every cell in its number on a work picture (the
+            // target, its colour bytes cleared, unless it is the source),
+            // over the whole net, and the numbers are summed in order.
+            if (&source == &target) separate = Surface(target.width(), target.height());
+            Surface& cells = &source == &target ? separate : target;
+            const std::optional<Pixel> fill = &source == &target ? std::nullopt : rectangleFill_;
+            numbers = &cells;
             lay(net, noise, type, source, context().random);
             sums.assign(sumCount, Sums{});
-            forEachRowShared(context(), area.top, area.bottom, width, prepareRow);
+            forEachRowShared(context(), area.top, area.bottom, width, [&](int y) {
+                for (Pixel& p : areaRow(cells, y))
+                    p = fill ? *fill & 0xFF000000u : p & 0xFF000000u;
+            });
             const std::vector<RowReach> reaches = net::reachesOf(net).cells;
             struct Painter {
                 explicit Painter(Surface& picture) : canvas(picture) {}
@@ -348,19 +355,22 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 return cellRowsOf(k);
             });
             if (!painted) return;
-            for (int y = area.top; y < area.bottom; ++y)
-                numberRow(y, y > area.top, 1, sums);
+            for (int y = area.top; y < area.bottom; ++y) {
+                numberRow(areaRow(cells, y),
+                          y > area.top ? areaRow(cells, y - 1) : std::span<Pixel>{}, sourceRow(y),
+                          1, sums);
+            }
         } else {
             // Laying the net draws from the one generator in order, so worker
             // 0 lays it while the others paint the bands it has passed: a band
             // is ready once every row of vertices that can reach it and the
-            // row after are laid. Once a band is painted its rows are final,
-            // and it numbers them while they are at hand: only an unreached
-            // first pixel of a row takes a number from the row above, so a
-            // band whose first row begins with a cell numbers its rows alone;
-            // should one not, all are numbered again in order after. A band's
-            // pixels belong to the cells painted into its rows, so it sums
-            // into the range of their numbers, then adds that to the whole.
+            // row after are laid. Each band paints into rows of its own and
+            // numbers them as they become final, summing into the range of
+            // the numbers of the cells painted into them, then adds that to
+            // the whole. A numbered row's colours are no longer needed, so
+            // its numbers go into the result, even where the result is the
+            // source: no picture of numbers. (Type 1 reads the source only
+            // while moving the vertices, before any row is laid.)
             const int vertexRows = net.vertexRows();
             const int spread = net.sideSpread(bent, noise);
             std::vector<int> rowsNeeded(static_cast<std::size_t>(bands.count));
@@ -372,19 +382,31 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             std::atomic<int> laid{0};
             net.announceRowsTo(laid);
             std::mutex adding;
-            std::atomic<bool> numberedAlone{true};
             bool everyRow = false;
+            // Whether band k's numbers are in the result: a band whose first
+            // pixel no cell reached takes its number from the row above.
+            std::vector<std::atomic<bool>> numbered(static_cast<std::size_t>(bands.count));
             struct Worker {
-                explicit Worker(Surface& picture, const net::Area& area) : painter(picture, area) {}
-                net::CellPainter painter;
+                net::CellPainter painter{net::CellPainter::Rows{}, net::Area{}};
+                std::vector<Pixel, PictureAllocator<Pixel>> rows;
                 std::vector<Sums, PictureAllocator<Sums>> sums;
             };
-            std::vector<Worker> workers(static_cast<std::size_t>(bands.workers),
-                                        Worker(cells, area));
+            std::vector<Worker> workers(static_cast<std::size_t>(bands.workers));
             const auto paintBand = [&](int worker, int k) {
+                // Set however the band ends, so that no band below waits on it.
+                struct Numbered {
+                    std::atomic<bool>& flag;
+                    ~Numbered() { flag.store(true, std::memory_order_release); }
+                } announce{numbered[static_cast<std::size_t>(k)]};
                 const net::Area band = bandOf(k);
-                for (int y = band.top; y < band.bottom; ++y)
-                    prepareRow(y);
+                Worker& own = workers[static_cast<std::size_t>(worker)];
+                own.rows.resize(static_cast<std::size_t>(band.bottom - band.top) * width);
+                std::ranges::fill(own.rows, Pixel{0});
+                const auto ownRow = [&](int y) {
+                    return std::span(own.rows).subspan(static_cast<std::size_t>(y - band.top) *
+                                                           width,
+                                                       static_cast<std::size_t>(width));
+                };
                 const std::vector<RowReach> sideReaches = net::sideReachesOf(
                     net, everyRow ? vertexRows : rowsNeeded[static_cast<std::size_t>(k)] + 1);
                 // The numbers of the cells painted into the band's rows.
@@ -404,36 +426,42 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                     static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
                 const std::uint32_t count =
                     static_cast<std::uint32_t>(highRow + 1) * columns - low + 2;
-                Worker& own = workers[static_cast<std::size_t>(worker)];
-                own.painter.setClip(band);
-                bool numbering = numberedAlone && band.top < band.bottom;
-                if (numbering && own.sums.size() < count) own.sums.resize(count);
-                const std::span<Sums> into(own.sums.data(), numbering ? count : 0);
+                // At least a huge page of picture memory: a 4K band's sums
+                // on the heap fault in a small page every 128 cells.
+                own.sums.reserve(std::max<std::size_t>(count, HugePageBytes / sizeof(Sums)));
+                if (own.sums.size() < count) own.sums.resize(count);
+                const std::span<Sums> into(own.sums.data(), count);
                 std::ranges::fill(into, Sums{});
+                own.painter.setClip(
+                    {own.rows.data(), static_cast<std::size_t>(width), area.left, band.top}, band);
                 int next = band.top;
                 own.painter.paint(net, sideReaches, [&](int end) {
-                    end = std::min(end, band.bottom);
-                    if (!numbering || next >= end) return;
-                    if (next == band.top && band.top > area.top &&
-                        (areaRow(cells, band.top).front() & NumberBytes) == 0) {
-                        numberedAlone = false;
-                        numbering = false;
-                        return;
+                    for (end = std::min(end, band.bottom); next < end; ++next) {
+                        const auto row = ownRow(next);
+                        std::span<const Pixel> above;
+                        if (next > band.top) {
+                            above = ownRow(next - 1);
+                        } else if (next > area.top && (row.front() & NumberBytes) == 0) {
+                            while (!numbered[static_cast<std::size_t>(k - 1)].load(
+                                std::memory_order_acquire))
+                                std::this_thread::yield();
+                            above = areaRow(result, next - 1);
+                        }
+                        numberRow(row, above, sourceRow(next), low, into);
+                        const auto out = areaRow(result, next);
+                        for (std::size_t i = 0; i < out.size(); ++i)
+                            out[i] = spareOf(out[i]) | (row[i] & NumberBytes);
                     }
-                    for (; next < end; ++next)
-                        numberRow(next, next > band.top, low, into);
                 });
-                if (numbering) {
-                    const std::scoped_lock lock(adding);
-                    // Made by the first band done, off the laying thread.
-                    if (sums.empty()) sums.assign(sumCount, Sums{});
-                    for (std::size_t j = 0; j < into.size(); ++j) {
-                        Sums& s = sums[j == 0 ? 0 : low + j - 1];
-                        s.red += into[j].red;
-                        s.green += into[j].green;
-                        s.blue += into[j].blue;
-                        s.count += into[j].count;
-                    }
+                const std::scoped_lock lock(adding);
+                // Made by the first band done, off the laying thread.
+                if (sums.empty()) sums.assign(sumCount, Sums{});
+                for (std::size_t j = 0; j < into.size(); ++j) {
+                    Sums& s = sums[j == 0 ? 0 : low + j - 1];
+                    s.red += into[j].red;
+                    s.green += into[j].green;
+                    s.blue += into[j].blue;
+                    s.count += into[j].count;
                 }
                 return cellRowsOf(k);
             };
@@ -449,19 +477,10 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                 },
                 [&](int worker, bool ready) { faulting.pace(worker, ready, laid); });
             if (!painted) return;
-            // Should a side lie further out than its spread, the bands painted
-            // before it was laid would miss it: paint them all again.
-            if (!net.withinSpread(spread)) {
-                everyRow = true;
-                numberedAlone = true;
-                std::ranges::fill(sums, Sums{});
-                if (!inBands(bands, paintBand)) return;
-            }
-            if (!numberedAlone || sums.empty()) {
-                sums.assign(sumCount, Sums{});
-                for (int y = area.top; y < area.bottom; ++y)
-                    numberRow(y, y > area.top, 1, sums);
-            }
+            // A side beyond its spread would have been missed by the bands
+            // painted before it was laid; with the source's colours gone from
+            // the result that cannot be mended, so it is an error.
+            if (!net.withinSpread(spread)) throw std::logic_error("a side beyond its spread");
         }
 
         // The means on every thread too: a 4K net has a quarter of a million
@@ -485,17 +504,14 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         });
         const int height = area.bottom - area.top;
         const Bands rowBands = bandsOf(height, width, 4);
-        Surface& result = result_ != nullptr && result_->sameSize(target) && result_ != &cells
-                              ? *result_
-                              : target;
         inBands(rowBands, [&](int, int k) {
             const int first = area.top + k * rowBands.unitsPerBand;
             const int end = std::min(area.bottom, first + rowBands.unitsPerBand);
             for (int y = first; y < end; ++y) {
-                const auto numbers = areaRow(cells, y);
+                const auto from = areaRow(*numbers, y);
                 const auto out = areaRow(result, y);
                 for (std::size_t i = 0; i < out.size(); ++i)
-                    out[i] = (out[i] & 0xFF000000u) | means[numbers[i] & NumberBytes];
+                    out[i] = spareOf(out[i]) | means[from[i] & NumberBytes];
             }
             return end - first;
         });

@@ -68,7 +68,6 @@ class CellPainter {
         : CellPainter(Rows::of(picture), clip, rowSlots) {}
     CellPainter(const Rows& rows, const Area& clip, int rowSlots = 6)
         : rows_(rows), clip_(clip), slotCount_(std::clamp(rowSlots, 1, 255)) {}
-    void setClip(const Area& clip) { clip_ = clip; }
     void setClip(const Rows& rows, const Area& clip) {
         rows_ = rows;
         clip_ = clip;

@@ -3,6 +3,7 @@
 // The net of Class_NetMosaic: vertices on a grid, moved at random or onto
 // the picture's edges, and the sides between them as polylines.
 #include "engine/drawing/canvas.h"
+#include "engine/effect_error.h"
 #include "engine/picture_memory.h"
 #include "engine/random_generator.h"
 #include "engine/surface.h"
@@ -14,7 +15,6 @@
 #include <limits>
 #include <new>
 #include <span>
-#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -87,7 +87,7 @@ class Sides {
         if (starts_.empty()) starts_.push_back(0);
         push(from);
         if (starts_.size() == starts_.capacity())
-            throw std::logic_error("more sides than reserved");
+            throw EffectError::subscriptOutOfRange(); // more sides than reserved
         starts_.push_back(static_cast<std::uint32_t>(points_.size()));
     }
     void add(CanvasPoint p) {
@@ -119,7 +119,7 @@ class Sides {
   private:
     void push(CanvasPoint p) {
         if (points_.size() == points_.capacity())
-            throw std::logic_error("more side points than reserved");
+            throw EffectError::subscriptOutOfRange(); // more points than reserved
         points_.push_back(p);
     }
     std::vector<CanvasPoint, PictureAllocator<CanvasPoint>> points_;

@@ -13,7 +13,6 @@
 #include <exception>
 #include <mutex>
 #include <span>
-#include <stdexcept>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -45,9 +44,10 @@ struct Sums {
 };
 
 // An index that must lie within size: past it the numbering has gone wrong,
-// which ends the run with an error rather than reaching outside the sums.
+// which ends the run with the run-time error rather than reaching outside
+// the sums.
 std::size_t checkedIndex(std::size_t index, std::size_t size) {
-    if (index >= size) throw std::logic_error("cell number outside its band");
+    if (index >= size) throw EffectError::subscriptOutOfRange();
     return index;
 }
 
@@ -479,8 +479,9 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             if (!painted) return;
             // A side beyond its spread would have been missed by the bands
             // painted before it was laid; with the source's colours gone from
-            // the result that cannot be mended, so it is an error.
-            if (!net.withinSpread(spread)) throw std::logic_error("a side beyond its spread");
+            // the result that cannot be mended, so the run ends with the
+            // run-time error and the picture is restored.
+            if (!net.withinSpread(spread)) throw EffectError::subscriptOutOfRange();
         }
 
         // The means on every thread too: a 4K net has a quarter of a million

@@ -159,15 +159,12 @@ QString loadFailureDetail(const ImageLoadError& error, const LoadedPicture& load
     return detail;
 }
 
-// A load that takes longer than this offers its percentage and a cancel in
-// a window of its own.
-constexpr int longLoadMilliseconds = 1000;
-
 // Reads the file on a worker thread while the GUI thread repaints; input
-// waits until the load is done, as it always has. A long load shows a
-// modal progress window whose cancel stops it.
+// waits until the load is done, as it always has. A load that takes longer
+// than longLoadMilliseconds shows a modal window with its percentage, whose
+// cancel stops it.
 LoadedPicture loadOnWorker(const QString& path, QtPictureDecoder& decoder, const LoadLimits& limits,
-                           QAction* progressItem, QWidget* owner) {
+                           QAction* progressItem, QWidget* owner, int longLoadMilliseconds) {
     LoadedPicture loaded;
     MenuProgressSink sink(progressItem);
     std::atomic<bool> finished{false};
@@ -893,7 +890,8 @@ FrmDocument* FrmMain::openFile(const QString& given) {
     // The new document's progress entry stands in the menu bar while it loads.
     menuBar()->addAction(doc->progressItem());
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    LoadedPicture loaded = loadOnWorker(path, decoder_, loadLimits(), doc->progressItem(), this);
+    LoadedPicture loaded = loadOnWorker(path, decoder_, loadLimits(), doc->progressItem(), this,
+                                        longLoadMilliseconds_);
     QApplication::restoreOverrideCursor();
     QCoreApplication::sendPostedEvents(doc->progressItem());
     doc->progressItem()->setText(QString());
@@ -1474,7 +1472,8 @@ void FrmMain::LoadImageViewer() {
     const auto loader = [this](const QString& path, QAction* progress) {
         ViewerLoad result;
         QApplication::setOverrideCursor(Qt::WaitCursor);
-        LoadedPicture loaded = loadOnWorker(path, decoder_, loadLimits(), progress, viewer_);
+        LoadedPicture loaded =
+            loadOnWorker(path, decoder_, loadLimits(), progress, viewer_, longLoadMilliseconds_);
         QApplication::restoreOverrideCursor();
         QCoreApplication::sendPostedEvents(progress);
         if (loaded.failure) {

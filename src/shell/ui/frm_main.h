@@ -69,6 +69,9 @@ class FrmMain : public QMainWindow {
     void openCommandLine(const QString& commandLine);
     // Window-count check, a new document, the load; null when refused or failed.
     FrmDocument* openFile(const QString& given);
+    // How long a load runs before its progress window offers a cancel: a
+    // second, shorter in tests that cancel a load whatever the machine's speed.
+    void setLongLoadMilliseconds(int milliseconds) { longLoadMilliseconds_ = milliseconds; }
     // true when one more document may open; shows the message otherwise.
     bool CheckWindowLimit();
     void ApplyRegulation();
@@ -212,6 +215,7 @@ class FrmMain : public QMainWindow {
     int documentCount_ = 0;
     bool imageLoaded_ = false;
     bool closing_ = false;
+    int longLoadMilliseconds_ = 1000;
     std::vector<SettingsProblem> settingsProblems_;
     std::string finalLoadFolder_; // MLabel1: the name parts of FinalLoadImage
     std::string finalLoadName_;

@@ -426,9 +426,13 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                     static_cast<std::uint32_t>(std::min(lowRow, highRow)) * columns + 1;
                 const std::uint32_t count =
                     static_cast<std::uint32_t>(highRow + 1) * columns - low + 2;
-                // At least a huge page of picture memory: a 4K band's sums
-                // on the heap fault in a small page every 128 cells.
-                own.sums.reserve(std::max<std::size_t>(count, HugePageBytes / sizeof(Sums)));
+                // A large band's sums in a huge page of picture memory: on
+                // the heap a 4K band's fault in a small page every 128 cells.
+                // A small picture's stay on the heap, where a huge page to
+                // clear would cost more than the whole run.
+                constexpr std::size_t HugePageSums = HugePageBytes / sizeof(Sums);
+                if (count >= HugePageSums / 8)
+                    own.sums.reserve(std::max<std::size_t>(count, HugePageSums));
                 if (own.sums.size() < count) own.sums.resize(count);
                 const std::span<Sums> into(own.sums.data(), count);
                 std::ranges::fill(into, Sums{});

@@ -382,7 +382,6 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             std::atomic<int> laid{0};
             net.announceRowsTo(laid);
             std::mutex adding;
-            bool everyRow = false;
             // Whether band k's numbers are in the result: a band whose first
             // pixel no cell reached takes its number from the row above.
             std::vector<std::atomic<bool>> numbered(static_cast<std::size_t>(bands.count));
@@ -407,8 +406,8 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                                                            width,
                                                        static_cast<std::size_t>(width));
                 };
-                const std::vector<RowReach> sideReaches = net::sideReachesOf(
-                    net, everyRow ? vertexRows : rowsNeeded[static_cast<std::size_t>(k)] + 1);
+                const std::vector<RowReach> sideReaches =
+                    net::sideReachesOf(net, rowsNeeded[static_cast<std::size_t>(k)] + 1);
                 // The numbers of the cells painted into the band's rows.
                 int lowRow = cellRows;
                 int highRow = 0;

@@ -76,6 +76,21 @@ void lay(net::Net& net, std::int16_t noise, std::uint8_t type, const Surface& so
 
 using net::RowReach;
 
+// For bands 0 .. count - 1 in order down the picture, band k ending above
+// row endOf(k): how many rows of vertices (from the first) have sides that
+// can reach into it or above, within the spread. A band is drawn once
+// those are laid.
+template <typename EndOf>
+std::vector<int> rowsReaching(const net::Net& net, int spread, int count, EndOf&& endOf) {
+    std::vector<int> rows(static_cast<std::size_t>(std::max(count, 0)));
+    for (int k = 0, b = 0; k < count; ++k) {
+        while (b < net.vertexRows() && net.gridRow(b) - spread < endOf(k))
+            ++b;
+        rows[static_cast<std::size_t>(k)] = b;
+    }
+    return rows;
+}
+
 // Bands of cell rows a thread: small enough that the painting follows the
 // laying closely, large enough that the cells across a band's border,
 // visited by both bands, stay few.
@@ -210,13 +225,9 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
         const net::Area area = areaOf({left, top, right, bottom}, source, target);
         if (empty(area)) return;
         const int width = area.right - area.left;
-        const auto areaRow = [&](Surface& picture, int y) {
+        const auto areaRow = [&](auto& picture, int y) {
             return picture.row(y).subspan(static_cast<std::size_t>(area.left),
                                           static_cast<std::size_t>(width));
-        };
-        const auto sourceRow = [&](int y) {
-            return source.row(y).subspan(static_cast<std::size_t>(area.left),
-                                         static_cast<std::size_t>(width));
         };
         // The result takes the cells' numbers in its colour bytes, then their
         // means. Its spare bytes are kept, but where the target is the result
@@ -357,8 +368,8 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             if (!painted) return;
             for (int y = area.top; y < area.bottom; ++y) {
                 numberRow(areaRow(cells, y),
-                          y > area.top ? areaRow(cells, y - 1) : std::span<Pixel>{}, sourceRow(y),
-                          1, sums);
+                          y > area.top ? areaRow(cells, y - 1) : std::span<Pixel>{},
+                          areaRow(source, y), 1, sums);
             }
         } else {
             // Laying the net draws from the one generator in order, so worker
@@ -373,12 +384,8 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
             // while moving the vertices, before any row is laid.)
             const int vertexRows = net.vertexRows();
             const int spread = net.sideSpread(bent, noise);
-            std::vector<int> rowsNeeded(static_cast<std::size_t>(bands.count));
-            for (int k = 0, b = 0; k < bands.count; ++k) {
-                while (b < vertexRows && net.gridRow(b) - spread < bandOf(k).bottom)
-                    ++b;
-                rowsNeeded[static_cast<std::size_t>(k)] = b;
-            }
+            const std::vector<int> rowsNeeded =
+                rowsReaching(net, spread, bands.count, [&](int k) { return bandOf(k).bottom; });
             std::atomic<int> laid{0};
             net.announceRowsTo(laid);
             std::mutex adding;
@@ -450,7 +457,7 @@ void Class_NetMosaic::Mosaic_Net(const Surface& source, Surface& target, std::in
                                 std::this_thread::yield();
                             above = areaRow(result, next - 1);
                         }
-                        numberRow(row, above, sourceRow(next), low, into);
+                        numberRow(row, above, areaRow(source, next), low, into);
                         const auto out = areaRow(result, next);
                         for (std::size_t i = 0; i < out.size(); ++i)
                             out[i] = spareOf(out[i]) | (row[i] & NumberBytes);
@@ -556,12 +563,8 @@ void Class_NetMosaic::Net_Line(const Surface& source, Surface& target, std::int1
                              endRow == vertexRows ? area.bottom : net.gridRow(endRow)};
         };
         const int spread = net.sideSpread(bent, noise);
-        std::vector<int> rowsNeeded(static_cast<std::size_t>(bands.count));
-        for (int k = 0, b = 0; k < bands.count; ++k) {
-            while (b < vertexRows && net.gridRow(b) - spread < rowsOf(k).second)
-                ++b;
-            rowsNeeded[static_cast<std::size_t>(k)] = b;
-        }
+        std::vector<int> rowsNeeded =
+            rowsReaching(net, spread, bands.count, [&](int k) { return rowsOf(k).second; });
         std::atomic<int> laid{0};
         net.announceRowsTo(laid);
         const auto drawBand = [&](int, int k) {

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Whole-run comparison of lumiran-cli with ImageMagick, GraphicsMagick and
-libvips, BMP in and BMP out on tmpfs, every command of a row in one hyperfine
-run, in the plain page mode and with glibc's huge pages.
+libvips, BMP in and BMP out on tmpfs, every command of a row timed in the same
+hyperfine runs, taking turns, in the plain page mode and with glibc's huge
+pages.
 
 Rows come from bench/compare/<family>.txt, one per line:
     label | lumiran-cli arguments | ImageMagick command | GraphicsMagick command | vips command
@@ -87,21 +88,29 @@ def trial_run(command, env):
 
 
 def measure(commands, runs, env, work):
-    """Median wall time in ms of each command, all in one hyperfine run."""
+    """Median wall time and mean CPU time in ms of each command. Each of the
+    runs is a hyperfine run of every command once, in turn: a burst of load
+    from elsewhere on the machine, seconds long, then falls on all the tools
+    of a row alike instead of on whichever one was being timed."""
     report = work / "hyperfine.json"
-    arguments = ["hyperfine", "-N", "--warmup", "1", "--runs", str(runs), "--style", "none",
-                 "--export-json", str(report)]
-    for name, command in commands:
-        arguments += ["-n", name, command]
-    done = subprocess.run(arguments, env=env, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
-                          text=True)
-    if done.returncode != 0:
-        # One failing tool must not cost the rest of the table.
-        print(f"<!-- {done.stderr.strip()} -->", file=sys.stderr)
-        return {}, {}
-    results = json.loads(report.read_text())["results"]
-    return ({r["command"]: statistics.median(r["times"]) * 1000 for r in results},
-            {r["command"]: (r["user"] + r["system"]) * 1000 for r in results})
+    walls = {name: [] for name, _ in commands}
+    cpu = {name: [] for name, _ in commands}
+    for turn in range(runs):
+        arguments = ["hyperfine", "-N", "--warmup", "1" if turn == 0 else "0", "--runs", "1",
+                     "--style", "none", "--export-json", str(report)]
+        for name, command in commands:
+            arguments += ["-n", name, command]
+        done = subprocess.run(arguments, env=env, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.PIPE, text=True)
+        if done.returncode != 0:
+            # One failing tool must not cost the rest of the table.
+            print(f"<!-- {done.stderr.strip()} -->", file=sys.stderr)
+            return {}, {}
+        for r in json.loads(report.read_text())["results"]:
+            walls[r["command"]] += r["times"]
+            cpu[r["command"]].append((r["user"] + r["system"]) * 1000)
+    return ({name: statistics.median(t) * 1000 for name, t in walls.items()},
+            {name: statistics.fmean(c) for name, c in cpu.items()})
 
 
 def make_pictures(work, sizes, im):

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -31,6 +33,32 @@ class RandomGenerator {
 
   private:
     std::uint32_t state_ = InitialState;
+};
+
+// A copy of a generator whose values are made in blocks (several at once)
+// and handed out in order, as that many next() calls of the copy would give
+// them. The generator copied from does not move; drawn() tells by how much
+// a caller that owns it should skip it on.
+class RandomBlocks {
+  public:
+    explicit RandomBlocks(const RandomGenerator& from) : random_(from) {}
+
+    [[nodiscard]] double next() {
+        if (at_ == Block) {
+            random_.take(values_);
+            at_ = 0;
+        }
+        ++drawn_;
+        return values_[at_++];
+    }
+    [[nodiscard]] std::uint64_t drawn() const { return drawn_; }
+
+  private:
+    static constexpr std::size_t Block = 512;
+    RandomGenerator random_;
+    std::array<double, Block> values_{};
+    std::size_t at_ = Block;
+    std::uint64_t drawn_ = 0;
 };
 
 } // namespace lumiran

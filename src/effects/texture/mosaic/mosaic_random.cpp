@@ -2,9 +2,9 @@
 // so later blocks average what earlier ones painted.
 #include "effects/texture/mosaic/mosaic_walk.h"
 #include "effects/texture/mosaic/shape_masks.h"
+#include "engine/random_generator.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <exception>
 #include <limits>
@@ -29,24 +29,6 @@ struct BlockRowBands {
         const auto after = std::ranges::upper_bound(starts.begin() + 1, starts.end() - 1, y);
         return static_cast<int>(after - starts.begin()) - 1;
     }
-};
-
-// Values of the generator handed out in order from blocks made at once.
-class Draws {
-  public:
-    explicit Draws(const RandomGenerator& random) : random_(random) {}
-    double next() {
-        if (at_ == values_.size()) {
-            random_.take(values_);
-            at_ = 0;
-        }
-        return values_[at_++];
-    }
-
-  private:
-    RandomGenerator random_;
-    std::array<double, 512> values_{};
-    std::size_t at_ = values_.size();
 };
 
 } // namespace
@@ -126,7 +108,7 @@ void Class_Mosaic::Mosaic_Random(std::uint8_t width, std::uint8_t height, std::i
             std::vector<int> columns(width);
             std::vector<Rgb16> palette(std::max<std::size_t>(rule.classes.count, 1));
             std::vector<Pixel> paletteBits(palette.size());
-            Draws draws(context().random);
+            RandomBlocks draws(context().random);
             long long j = 0;
             for (int k = 0; k < blockRows; ++k) {
                 for (int m = 0; m < blockColumns; ++m, ++j) {

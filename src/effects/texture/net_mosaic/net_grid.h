@@ -36,32 +36,21 @@ struct RowReach {
     int last = -1;
 };
 
-// The generator's values drawn ahead in blocks (several made at once) and
-// handed out in order; the generator moves on by as many as were handed
-// out when this goes, so it ends where as many next() calls leave it.
+// The generator's values drawn ahead in blocks; the generator moves on by
+// as many as were handed out when this goes, so it ends where as many
+// next() calls leave it.
 class DrawnAhead {
   public:
     explicit DrawnAhead(RandomGenerator& random) : random_(random), ahead_(random) {}
     DrawnAhead(const DrawnAhead&) = delete;
     DrawnAhead& operator=(const DrawnAhead&) = delete;
-    ~DrawnAhead() { random_.skip(used_); }
+    ~DrawnAhead() { random_.skip(ahead_.drawn()); }
 
-    [[nodiscard]] double next() {
-        if (at_ == Block) {
-            ahead_.take(values_);
-            at_ = 0;
-        }
-        ++used_;
-        return values_[at_++];
-    }
+    [[nodiscard]] double next() { return ahead_.next(); }
 
   private:
-    static constexpr std::size_t Block = 512;
     RandomGenerator& random_;
-    RandomGenerator ahead_;
-    std::array<double, Block> values_{};
-    std::size_t at_ = Block;
-    std::uint64_t used_ = 0;
+    RandomBlocks ahead_;
 };
 
 // Polylines end to end in one array: side i is points [starts[i], starts[i + 1]).

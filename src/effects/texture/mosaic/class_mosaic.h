@@ -55,10 +55,11 @@ class Class_Mosaic : public PixelFrame {
     // 4 a dot, 5 a lozenge (4 and 5 leave the pixels outside the shape).
     void Mosaic_Random(std::uint8_t width, std::uint8_t height, std::int16_t left, std::int16_t top,
                        std::int16_t right, std::int16_t bottom, std::uint8_t type);
-    // Mosaic_Random then reads ImageBits, lent, and paints a TransBits it
-    // makes itself, each thread copying the rows it paints
-    // (dispatch::onSourceWithOwnTrans), rather than working on a copy of
-    // the whole picture made on one thread first.
+    // Mosaic_Random, Mosaic_Lozenge and Mosaic_ShippouTunagi then read
+    // ImageBits, lent, and paint a TransBits they make themselves on every
+    // core (dispatch::onSourceWithOwnTrans; Mosaic_Random's threads each
+    // copy the rows they paint), rather than work on copies of the whole
+    // picture made on one thread first.
     void blocksIntoOwnTrans() { blocksIntoOwnTrans_ = true; }
 
     // Bricks: every second row of blocks (columns when columns is true)

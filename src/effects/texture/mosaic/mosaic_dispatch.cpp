@@ -61,10 +61,11 @@ void registerMosaicEffects(EffectDispatch& d) {
     }
     add(DialogKind::Monotone, 3,
         [](E& e, V, R r) { e.Mosaic_Circle(32, r.left, r.top, r.right, r.bottom, 16); });
-    // Lozenge Mosaic 1 (shape 0) and Circle Gap Mosaic (1) read the source
-    // and paint a separate destination.
+    // Lozenge Mosaic 1 (shape 0) and Circle Gap Mosaic (1) read the source,
+    // lent, and paint a destination they copy from it on every core.
     for (const auto& [code, shape] : {std::pair{2, 0}, std::pair{3, 1}}) {
-        d.add(DialogKind::Sepia, code, dispatch::withTrans<Class_Mosaic>([shape](E& e, V v, R r) {
+        d.add(DialogKind::Sepia, code, dispatch::onSourceWithOwnTrans<E>([shape](E& e, V v, R r) {
+                  e.blocksIntoOwnTrans();
                   e.Mosaic_Lozenge(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right,
                                    r.bottom, 0, static_cast<std::uint8_t>(shape));
               }));
@@ -74,7 +75,8 @@ void registerMosaicEffects(EffectDispatch& d) {
         e.Mosaic_GradShading(sliderByte(v, 4), r.left, r.top, r.right, r.bottom, 0, slider(v, 1),
                              slider(v, 2), slider(v, 3), slider(v, 5), slider(v, 6));
     });
-    d.add(DialogKind::Emboss, 31, dispatch::withTrans<Class_Mosaic>([](E& e, V v, R r) {
+    d.add(DialogKind::Emboss, 31, dispatch::onSourceWithOwnTrans<E>([](E& e, V v, R r) {
+              e.blocksIntoOwnTrans();
               e.Mosaic_ShippouTunagi(sliderByte(v, 1), r.left, r.top, r.right, r.bottom,
                                      row(v.color), row(v.eType));
           }));

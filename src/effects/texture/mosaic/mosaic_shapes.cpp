@@ -45,6 +45,7 @@ void Class_Mosaic::Mosaic_ShippouTunagi(std::uint8_t size, std::int16_t left, st
                                         std::int16_t right, std::int16_t bottom, std::uint8_t type,
                                         std::uint8_t kind) {
     guarded([&] {
+        if (blocksIntoOwnTrans_) makeTransOutside({});
         if (size == 0) throw EffectError::overflow();
         const ProcessRect rect{left, top, right, bottom};
         const bool outlined = kind != 0;
@@ -76,6 +77,7 @@ void Class_Mosaic::Mosaic_Lozenge(std::uint8_t width, std::uint8_t height, std::
                                   std::int16_t top, std::int16_t right, std::int16_t bottom,
                                   std::uint8_t, std::uint8_t shape) {
     guarded([&] {
+        if (blocksIntoOwnTrans_) makeTransOutside({});
         if (width == 0 || height == 0) throw EffectError::overflow();
         BlockGrid grid = BlockGrid::plain(width, height);
         mosaic::CellMask mask;

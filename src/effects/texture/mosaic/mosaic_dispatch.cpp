@@ -16,6 +16,14 @@ void registerMosaicEffects(EffectDispatch& d) {
     auto add = [&d](DialogKind dialog, int code, auto call) {
         d.add(dialog, code, dispatch::inPlace<Class_Mosaic>(call));
     };
+    // Calls that read the source only through ImageBits: lent, not copied,
+    // with a result they make themselves on every core.
+    auto addOwnTrans = [&d](DialogKind dialog, int code, auto call) {
+        d.add(dialog, code, dispatch::onSourceWithOwnTrans<E>([call](E& e, V v, R r) {
+                  e.blocksIntoOwnTrans();
+                  call(e, v, r);
+              }));
+    };
     add(DialogKind::Sepia, 17, [](E& e, V v, R r) {
         e.Mosaic_Normal(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right, r.bottom, 0);
     });
@@ -31,13 +39,11 @@ void registerMosaicEffects(EffectDispatch& d) {
         e.Mosaic_Gradation2(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right, r.bottom, 0,
                             row(v.color));
     });
-    // Random Mosaic reads the picture only through ImageBits: lent, not
-    // copied, and its threads make the result as they go.
-    d.add(DialogKind::Emboss, 15, dispatch::onSourceWithOwnTrans<E>([](E& e, V v, R r) {
-              e.blocksIntoOwnTrans();
-              e.Mosaic_Random(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right, r.bottom,
-                              row(v.eType));
-          }));
+    // Random Mosaic's threads make the result as they go.
+    addOwnTrans(DialogKind::Emboss, 15, [](E& e, V v, R r) {
+        e.Mosaic_Random(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right, r.bottom,
+                        row(v.eType));
+    });
     // The direction row "垂直" shifts columns of blocks up and down, "水平"
     // rows of blocks sideways.
     add(DialogKind::Level, 6, [](E& e, V v, R r) {
@@ -61,25 +67,23 @@ void registerMosaicEffects(EffectDispatch& d) {
     }
     add(DialogKind::Monotone, 3,
         [](E& e, V, R r) { e.Mosaic_Circle(32, r.left, r.top, r.right, r.bottom, 16); });
-    // Lozenge Mosaic 1 (shape 0) and Circle Gap Mosaic (1) read the source,
-    // lent, and paint a destination they copy from it on every core.
+    // Lozenge Mosaic 1 (shape 0) and Circle Gap Mosaic (1) read the source
+    // and paint a separate destination.
     for (const auto& [code, shape] : {std::pair{2, 0}, std::pair{3, 1}}) {
-        d.add(DialogKind::Sepia, code, dispatch::onSourceWithOwnTrans<E>([shape](E& e, V v, R r) {
-                  e.blocksIntoOwnTrans();
-                  e.Mosaic_Lozenge(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right,
-                                   r.bottom, 0, static_cast<std::uint8_t>(shape));
-              }));
+        addOwnTrans(DialogKind::Sepia, code, [shape](E& e, V v, R r) {
+            e.Mosaic_Lozenge(sliderByte(v, 1), sliderByte(v, 1), r.left, r.top, r.right, r.bottom,
+                             0, static_cast<std::uint8_t>(shape));
+        });
     }
     // S4 the block size; S1..S3 the light, S5 the reflection, S6 the ambient.
     add(DialogKind::Mani, 82, [](E& e, V v, R r) {
         e.Mosaic_GradShading(sliderByte(v, 4), r.left, r.top, r.right, r.bottom, 0, slider(v, 1),
                              slider(v, 2), slider(v, 3), slider(v, 5), slider(v, 6));
     });
-    d.add(DialogKind::Emboss, 31, dispatch::onSourceWithOwnTrans<E>([](E& e, V v, R r) {
-              e.blocksIntoOwnTrans();
-              e.Mosaic_ShippouTunagi(sliderByte(v, 1), r.left, r.top, r.right, r.bottom,
-                                     row(v.color), row(v.eType));
-          }));
+    addOwnTrans(DialogKind::Emboss, 31, [](E& e, V v, R r) {
+        e.Mosaic_ShippouTunagi(sliderByte(v, 1), r.left, r.top, r.right, r.bottom, row(v.color),
+                               row(v.eType));
+    });
     add(DialogKind::Mani, 57, [](E& e, V v, R r) {
         e.Mosaic_Osero(sliderByte(v, 1), r.left, r.top, r.right, r.bottom, sliderByte(v, 2),
                        sliderByte(v, 3), sliderByte(v, 4), sliderByte(v, 5));

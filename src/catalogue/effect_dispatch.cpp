@@ -97,19 +97,25 @@ const EffectDispatch& effectDispatch() {
     return dispatch;
 }
 
-EffectBody runInSequence(std::vector<EffectBody> steps) {
-    return ReplacingBody{[steps = std::move(steps)](EffectInvocation& run) {
+EffectBody runInSequence(std::vector<EffectBody> steps, LaterSteps later) {
+    return ReplacingBody{[steps = std::move(steps), later](EffectInvocation& run) {
         RunContext& context = run.context;
         std::optional<StepProgress> shared;
         if (context.progress != nullptr) shared.emplace(*context.progress, steps.size());
         // A step's source and the picture it replaced go as the next step
         // makes its own of the same size.
         const KeepPictureMemoryWhile reuse(2);
+        // A lent picture no later step reads lends its memory to them once
+        // the first has read it, and takes the last result back: one fresh
+        // picture fewer, and no copy of the result into it.
+        const bool recycleSource =
+            run.keptPicture0Free && later == LaterSteps::ReadOnlyStepBefore && steps.size() > 1;
         Surface previous; // the result of the step before
         for (std::size_t i = 0; i < steps.size(); ++i) {
             if (i > 0) {
                 if (context.cancelled()) return;
                 previous = std::exchange(run.keptPicture1, Surface());
+                if (i == 1 && recycleSource) run.keptPicture0 = Surface();
             }
             Surface& source = i == 0 ? run.keptPicture0 : previous;
             // As a run does for a body that draws over a blank result.
@@ -125,11 +131,15 @@ EffectBody runInSequence(std::vector<EffectBody> steps) {
             EffectInvocation step{context, source, run.keptPicture1, run.rect};
             steps[i](step);
         }
+        if (recycleSource && !context.cancelled()) {
+            run.keptPicture0 = std::exchange(run.keptPicture1, Surface());
+            run.resultInKeptPicture0 = true;
+        }
     }};
 }
 
-EffectPlanner planInSequence(std::vector<EffectPlanner> steps) {
-    return [steps = std::move(steps)](const ControlValues& values) {
+EffectPlanner planInSequence(std::vector<EffectPlanner> steps, LaterSteps later) {
+    return [steps = std::move(steps), later](const ControlValues& values) {
         std::vector<EffectBody> bodies;
         bodies.reserve(steps.size());
         for (const EffectPlanner& step : steps) {
@@ -137,7 +147,7 @@ EffectPlanner planInSequence(std::vector<EffectPlanner> steps) {
             if (plan.status != EffectPlan::Status::Ready) return plan;
             bodies.push_back(std::move(plan.body));
         }
-        return EffectPlan::ready(runInSequence(std::move(bodies)));
+        return EffectPlan::ready(runInSequence(std::move(bodies), later));
     };
 }
 

@@ -143,6 +143,10 @@ template <typename Class, typename Call>
     return detail::onLentSource<Class, false>(std::move(call));
 }
 
+// Whether the later steps of a sequence read the run's source through
+// context().kept0, or nothing but the result of the step before.
+enum class LaterSteps { MayReadRunSource, ReadOnlyStepBefore };
+
 // Several calls in a row as one run: one snapshot, one progress bar that
 // the steps share in equal parts, and a cancel or failure that ends the run
 // after the step it hit, so the picture goes back as it was. The first step
@@ -150,11 +154,16 @@ template <typename Class, typename Call>
 // last one's result is kept picture 1. Kept picture 0 is never written, so
 // a document lent to it (RunOptions::oneShot) comes back untouched on
 // cancel, and context().kept0 stays the run's source for effects that read
-// the original through it.
-[[nodiscard]] EffectBody runInSequence(std::vector<EffectBody> steps);
+// the original through it. Where no later step reads it and it is free
+// (EffectInvocation::keptPicture0Free), its memory serves the later steps
+// instead and the last result is left in it (resultInKeptPicture0); a
+// cancelled one-shot run's picture is thrown away.
+[[nodiscard]] EffectBody runInSequence(std::vector<EffectBody> steps,
+                                       LaterSteps later = LaterSteps::MayReadRunSource);
 
 // The case of several calls: each planner is a one-call case. The first
 // step that is not Ready decides the plan.
-[[nodiscard]] EffectPlanner planInSequence(std::vector<EffectPlanner> steps);
+[[nodiscard]] EffectPlanner planInSequence(std::vector<EffectPlanner> steps,
+                                           LaterSteps later = LaterSteps::MayReadRunSource);
 
 } // namespace lumiran

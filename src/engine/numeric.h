@@ -2,6 +2,7 @@
 
 #include "engine/effect_error.h"
 
+#include <cmath>
 #include <concepts>
 #include <cstdint>
 #include <limits>
@@ -10,12 +11,14 @@ namespace lumiran {
 
 // Round half to even, as every float-to-integer store of the effects does.
 // Adding and removing 1.5 * 2^52 makes the FPU round in its default mode,
-// which is ties-to-even, without a library call on the hot path.
+// which is ties-to-even, without a library call on the hot path. Values of
+// 2^52 and beyond (and infinities and NaNs) are whole already and pass as
+// they are: a select rather than a branch, so loops over it vectorise.
 [[nodiscard]] inline double roundHalfEven(double value) {
     constexpr double shifter = 6755399441055744.0; // 1.5 * 2^52
-    if (!(value > -4503599627370496.0 && value < 4503599627370496.0)) return value;
     // Without -ffast-math the compiler may not fold this pair away.
-    return (value + shifter) - shifter;
+    const double rounded = (value + shifter) - shifter;
+    return std::abs(value) < 4503599627370496.0 ? rounded : value;
 }
 
 // Float-to-integer conversion with the runtime's range check: a value that

@@ -55,6 +55,7 @@ EffectRun::EffectRun(ProgramState& state, Document& document, RunOptions options
     // 0: where no one looks at the document meanwhile, it need not be copied.
     documentLent_ = options.oneShot && context_.flags.rasterOpFlag == 0 &&
                     rect_ == ProcessRect::wholePicture(width, height);
+    spareBytesUnread_ = documentLent_ && options.spareBytesUnread;
     if (documentLent_) {
         keep.keptPicture0 = std::move(document.picture);
     } else {
@@ -78,6 +79,7 @@ void EffectRun::execute(const EffectBody& body, ProgressSink* progress) {
     Surface& kept1 = state_.keep.keptPicture1;
     EffectInvocation invocation{context_, kept0, kept1, rect_};
     invocation.keptPicture0Writable = documentLent_;
+    invocation.keptPicture0Free = spareBytesUnread_;
     try {
         if (!replacesKeptPicture1(body)) {
             kept1 = Surface(kept0.width(), kept0.height(), toPixel(context_.flags.backColor));

@@ -27,6 +27,11 @@ struct EffectInvocation {
     // writing kept picture 1; the run then lays nothing over it.
     bool keptPicture0Writable = false;
     bool resultInKeptPicture0 = false;
+    // Set with keptPicture0Writable when the caller reads no spare byte of
+    // the result (RunOptions::spareBytesUnread): kept picture 0 may then be
+    // overwritten whole, and the result left in it need not keep its spare
+    // bytes.
+    bool keptPicture0Free = false;
 };
 
 // The class calls of one effect, as OK would make them.
@@ -51,6 +56,9 @@ struct RunOptions {
     // finish returns (the command line). The document's picture may then be
     // lent to kept picture 0 instead of copied.
     bool oneShot = false;
+    // The caller reads no spare byte of the result (it saves at 24, 8 or 1
+    // bits): a lent picture's spare bytes need not survive the run.
+    bool spareBytesUnread = false;
 };
 
 enum class RunOutcome {
@@ -90,6 +98,7 @@ class EffectRun {
     ProcessRect rect_;
     // Kept picture 0 holds the document's own picture until finish.
     bool documentLent_ = false;
+    bool spareBytesUnread_ = false;
     // The body left its result in kept picture 0 (EffectInvocation).
     bool resultInKeptPicture0_ = false;
     bool snapshotTaken_ = false;

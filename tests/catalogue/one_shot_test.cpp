@@ -19,15 +19,19 @@ struct Outcome {
 };
 
 Outcome runAs(const EffectBody& body, const Surface& source, std::uint8_t calculationFlag,
-              bool oneShot) {
+              RunOptions options) {
     ProgramState state; // the generator starts afresh
     state.flags.calculationFlag = calculationFlag;
     Document document;
     document.picture = source;
-    const RunReport report =
-        runEffect(state, document, body, nullptr, {.noUndo = oneShot, .oneShot = oneShot});
+    const RunReport report = runEffect(state, document, body, nullptr, options);
     return {std::move(document.picture), report.outcome};
 }
+
+constexpr RunOptions Editor{};
+constexpr RunOptions OneShot{.noUndo = true, .oneShot = true};
+// The command line's: the spare bytes of its result are never read.
+constexpr RunOptions CommandLine{.noUndo = true, .oneShot = true, .spareBytesUnread = true};
 
 TEST(OneShot, EveryRegisteredEffectLeavesTheEditorsPicture) {
     // Spare bytes of their own, which the raster step keeps from the document.
@@ -41,12 +45,15 @@ TEST(OneShot, EveryRegisteredEffectLeavesTheEditorsPicture) {
         if (plan.status != EffectPlan::Status::Ready) continue;
         ++effects;
         for (const std::uint8_t flag : {0, 7}) {
-            const Outcome editor = runAs(plan.body, source, flag, false);
-            const Outcome oneShot = runAs(plan.body, source, flag, true);
+            const Outcome editor = runAs(plan.body, source, flag, Editor);
+            const Outcome oneShot = runAs(plan.body, source, flag, OneShot);
+            const Outcome commandLine = runAs(plan.body, source, flag, CommandLine);
             const std::string what = std::string(entry.caption) + " flag " + std::to_string(flag);
             EXPECT_EQ(oneShot.outcome, editor.outcome) << what;
+            EXPECT_EQ(commandLine.outcome, editor.outcome) << what;
             if (editor.outcome == RunOutcome::Applied) {
                 EXPECT_EQ(oneShot.picture, editor.picture) << what;
+                EXPECT_TRUE(commandLine.picture.sameColours(editor.picture)) << what;
             }
         }
     }
@@ -77,8 +84,8 @@ TEST(OneShot, InPlaceEffectsLeaveTheEditorsPictureOnEveryRow) {
                 values.color = colour;
                 const EffectPlan plan = planEffect(entry->dialog, entry->code, values);
                 ASSERT_EQ(plan.status, EffectPlan::Status::Ready);
-                const Outcome editor = runAs(plan.body, source, 0, false);
-                const Outcome oneShot = runAs(plan.body, source, 0, true);
+                const Outcome editor = runAs(plan.body, source, 0, Editor);
+                const Outcome oneShot = runAs(plan.body, source, 0, OneShot);
                 const std::string what = std::string(c.effect) + " E " + std::to_string(row) +
                                          " C " + std::to_string(colour);
                 EXPECT_EQ(oneShot.outcome, editor.outcome) << what;

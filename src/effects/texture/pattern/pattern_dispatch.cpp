@@ -149,7 +149,8 @@ void registerPatternEffects(EffectDispatch& d) {
                         geometry_dispatch::warpOnSourceOwnTrans([](Class_Geometry& e, V v, R r) {
                             e.Sphere(r.left, r.top, r.right, r.bottom, 0, slider(v, 1),
                                      slider(v, 2), slider(v, 3));
-                        })}));
+                        })},
+                       LaterSteps::ReadOnlyStepBefore));
 }
 
 } // namespace lumiran

@@ -144,7 +144,7 @@ class HsvCycleTerms {
         double* __restrict angle = angle_.data();
         float* __restrict sector = sectorByDistance_.data();
         double* __restrict rise = riseByDistance_.data();
-        // Loops the compiler vectorises (built without errno for sqrt).
+        // Loops the compiler vectorises (built without errno for maths calls).
         for (std::size_t k = 0; k < reach; ++k) {
             const double dx = static_cast<double>(k);
             angle[k] = std::sqrt(dx * dx + dy2) / 180 * 3.1415;

@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
-#include <immintrin.h>
 #include <numeric>
 #include <span>
 #include <vector>
@@ -50,18 +49,10 @@ void gatherRow(const Pixel* source, std::span<const std::uint32_t> index, Store 
     }
 }
 
-// In place. std::sqrt may set errno, so the compiler keeps it scalar; the
-// vector instruction gives the same correctly rounded roots.
+// In place, in a loop the compiler vectorises.
 void squareRoots(std::span<double> values) {
-    std::size_t i = 0;
-#if defined(__AVX__)
-    for (; i + 4 <= values.size(); i += 4) {
-        double* at = values.data() + i;
-        _mm256_storeu_pd(at, _mm256_sqrt_pd(_mm256_loadu_pd(at)));
-    }
-#endif
-    for (; i < values.size(); ++i)
-        values[i] = std::sqrt(values[i]);
+    for (double& v : values)
+        v = std::sqrt(v);
 }
 
 // The values of the ripple's nine types, x' = x + ax fx(x, y), y' = y + ay

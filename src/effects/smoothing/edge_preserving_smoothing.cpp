@@ -4,10 +4,6 @@
 
 #include <cmath>
 
-#if defined(__AVX__)
-#include <immintrin.h>
-#endif
-
 namespace lumiran {
 namespace {
 
@@ -92,18 +88,9 @@ void subWindowStats(const std::array<const Pixel*, 5>& rows, int start, int coun
     }
 }
 
-// The square roots of count integers. std::sqrt may set errno, so the
-// compiler keeps it scalar; the vector instruction gives the same correctly
-// rounded roots.
+// The square roots of count integers, in a loop the compiler vectorises.
 void squareRoots(const int* in, float* out, int count) {
-    int c = 0;
-#if defined(__AVX__)
-    for (; c + 8 <= count; c += 8) {
-        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in + c));
-        _mm256_storeu_ps(out + c, _mm256_sqrt_ps(_mm256_cvtepi32_ps(v)));
-    }
-#endif
-    for (; c < count; ++c)
+    for (int c = 0; c < count; ++c)
         out[c] = std::sqrt(static_cast<float>(in[c]));
 }
 

@@ -78,7 +78,7 @@ namespace {
 
 // The loops of SphereRow::shade. They have no branch and no call: every
 // case is worked out and selected (a square root of a negative is never
-// kept), this file is built without errno for the square roots, and the
+// kept), the build sets no errno for the square roots, and the
 // arrays come as restrict parameters, so they vectorise.
 
 // Offsets 0 .. end - 1: the normals and the terms. A point outside the

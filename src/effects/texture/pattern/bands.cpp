@@ -5,21 +5,11 @@
 
 #include <algorithm>
 
-#if defined(__AVX__)
-#include <immintrin.h>
-#endif
-
 namespace lumiran {
 namespace pattern {
 
 void squareRoots(const double* in, double* out, int count) {
-    int i = 0;
-#if defined(__AVX__)
-    // The vector instruction gives the same correctly rounded roots.
-    for (; i + 4 <= count; i += 4)
-        _mm256_storeu_pd(out + i, _mm256_sqrt_pd(_mm256_loadu_pd(in + i)));
-#endif
-    for (; i < count; ++i)
+    for (int i = 0; i < count; ++i)
         out[i] = std::sqrt(in[i]);
 }
 

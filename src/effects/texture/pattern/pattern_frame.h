@@ -59,8 +59,7 @@ class Bands {
     std::int16_t weight_;
 };
 
-// Square roots of a run of values, on vector units where the build has
-// them: std::sqrt may set errno, so the compiler keeps it scalar.
+// Square roots of a run of values (in and out may be the same).
 void squareRoots(const double* in, double* out, int count);
 
 // A row of pattern values P, one span per channel.

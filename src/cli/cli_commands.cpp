@@ -271,8 +271,9 @@ int runApply(const CommandLine& cl, std::ostream& out, std::ostream& err, Platfo
                 document.area = *cl.rect;
             }
             // The tool keeps no undo level and looks at nothing during the run.
-            const RunReport run = runEffect(state, document, plan.body, nullptr,
-                                            RunOptions{.noUndo = true, .oneShot = true, .spareBytesUnread = true});
+            const RunReport run =
+                runEffect(state, document, plan.body, nullptr,
+                          RunOptions{.noUndo = true, .oneShot = true, .spareBytesUnread = true});
             printFailures(run.failures, err, batch ? input.string() + ": " : std::string());
             if (run.outcome == RunOutcome::Cancelled) {
                 exitCode = std::max(exitCode, ExitFailed);

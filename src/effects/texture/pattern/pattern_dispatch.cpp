@@ -134,23 +134,23 @@ void registerPatternEffects(EffectDispatch& d) {
     });
     // Sakuramai: pink petals: the pink tint, circles of the picture at
     // random places, then the polar turn about the chosen point.
-    d.add(
-        DialogKind::Mani, 50,
-        planInSequence({// The tint reads the picture only: lent, not copied.
-                        dispatch::onSourceWithOwnTrans<Class_ColorOp>([](Class_ColorOp& e, V, R r) {
-                            e.tintIntoOwnTrans();
-                            e.SakuraFilter(0, 0, r.left, r.top, r.right, r.bottom);
-                        }),
-                        geometry_dispatch::drawingOnOwnBackground([](Class_Geometry& e, V v, R r) {
-                            e.Random_Circle(slider(v, 4), r.left, r.top, r.right, r.bottom, 0);
-                        }),
-                        // The turn reads the circles' picture only: lent, not
-                        // copied, and its rows make the result as they go.
-                        geometry_dispatch::warpOnSourceOwnTrans([](Class_Geometry& e, V v, R r) {
-                            e.Sphere(r.left, r.top, r.right, r.bottom, 0, slider(v, 1),
-                                     slider(v, 2), slider(v, 3));
-                        })},
-                       LaterSteps::ReadOnlyStepBefore));
+    d.add(DialogKind::Mani, 50,
+          planInSequence(
+              {// The tint reads the picture only: lent, not copied.
+               dispatch::onSourceWithOwnTrans<Class_ColorOp>([](Class_ColorOp& e, V, R r) {
+                   e.tintIntoOwnTrans();
+                   e.SakuraFilter(0, 0, r.left, r.top, r.right, r.bottom);
+               }),
+               geometry_dispatch::drawingOnOwnBackground([](Class_Geometry& e, V v, R r) {
+                   e.Random_Circle(slider(v, 4), r.left, r.top, r.right, r.bottom, 0);
+               }),
+               // The turn reads the circles' picture only: lent, not
+               // copied, and its rows make the result as they go.
+               geometry_dispatch::warpOnSourceOwnTrans([](Class_Geometry& e, V v, R r) {
+                   e.Sphere(r.left, r.top, r.right, r.bottom, 0, slider(v, 1), slider(v, 2),
+                            slider(v, 3));
+               })},
+              LaterSteps::ReadOnlyStepBefore));
 }
 
 } // namespace lumiran

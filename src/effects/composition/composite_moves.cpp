@@ -49,12 +49,6 @@ void gatherRow(const Pixel* source, std::span<const std::uint32_t> index, Store 
     }
 }
 
-// In place, in a loop the compiler vectorises.
-void squareRoots(std::span<double> values) {
-    for (double& v : values)
-        v = std::sqrt(v);
-}
-
 // The values of the ripple's nine types, x' = x + ax fx(x, y), y' = y + ay
 // fy(x, y) with ax and ay of the kept image's level (see rippleSources).
 // Types 0..5: f of k t, t = sqrt(0.6 dx^2 + dy^2), which depends on dx
@@ -144,11 +138,8 @@ class RippleField {
         byY_.resize(count);
         for (std::size_t j = 0; j < count; ++j) {
             const double dx = nearest_ + static_cast<int>(j);
-            kt_[j] = 0.6 * dx * dx + dy * dy;
+            kt_[j] = std::sqrt(0.6 * dx * dx + dy * dy) * k_;
         }
-        squareRoots(kt_);
-        for (double& kt : kt_)
-            kt *= k_;
         switch (type_) {
         case 0:
             trig::arcTangent(kt_, byX_);

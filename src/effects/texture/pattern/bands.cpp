@@ -4,17 +4,9 @@
 #include "effects/texture/pattern/pattern_frame.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace lumiran {
-namespace pattern {
-
-void squareRoots(const double* in, double* out, int count) {
-    for (int i = 0; i < count; ++i)
-        out[i] = std::sqrt(in[i]);
-}
-
-} // namespace pattern
-
 namespace {
 
 // round(sqrt((right - 1)^2 + (bottom - 1)^2) strength / 255): the period of
@@ -71,8 +63,7 @@ void Class_Pattern::Wamai(std::uint8_t type, std::int16_t left, std::int16_t top
                    [&](int y, int first, int end, double* m) {
                        const double d = down[y - s.firstRow];
                        for (int x = first; x < end; ++x)
-                           m[x - first] = across[x - s.firstColumn] + d;
-                       pattern::squareRoots(m, m, end - first);
+                           m[x - first] = std::sqrt(across[x - s.firstColumn] + d);
                    });
     });
 }
@@ -96,8 +87,7 @@ void Class_Pattern::FF4(std::int16_t left, std::int16_t top, std::int16_t right,
                    blue, weight, [&](int y, int first, int end, double* m) {
                        const double dy = square(y - cy);
                        for (int x = first; x < end; ++x)
-                           m[x - first] = across[x - s.firstColumn] + dy;
-                       pattern::squareRoots(m, m, end - first);
+                           m[x - first] = std::sqrt(across[x - s.firstColumn] + dy);
                    });
     });
 }
@@ -131,11 +121,8 @@ void Class_Pattern::ColorTile1(std::uint8_t type, std::int16_t left, std::int16_
                            const double yy = atLeastOne(y);
                            for (int x = first; x < end; ++x) {
                                const double xx = atLeastOne(x);
-                               m[x - first] = xx * yy + xx;
+                               m[x - first] = 2 * std::sqrt(xx * yy + xx);
                            }
-                           pattern::squareRoots(m, m, end - first);
-                           for (int i = 0; i < end - first; ++i)
-                               m[i] = 2 * m[i];
                        });
             break;
         case 2: // round(x y) times 10, wrapping as 32-bit arithmetic does

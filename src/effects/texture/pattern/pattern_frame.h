@@ -59,9 +59,6 @@ class Bands {
     std::int16_t weight_;
 };
 
-// Square roots of a run of values (in and out may be the same).
-void squareRoots(const double* in, double* out, int count);
-
 // A row of pattern values P, one span per channel.
 struct RowColours {
     std::span<std::int16_t> red;

@@ -60,11 +60,13 @@ void registerDitheringEffects(EffectDispatch& d) {
                             slider(v, 1), slider(v, 2));
     });
     // The call passes mono whatever the list row; darken and edge are the
-    // sliders in tenths, as the dialog shows them.
-    add(DialogKind::Mani, 6, [](Class_Dithering& e, V v, R r) {
-        e.DinamicThresholding(0, slider(v, 1), slider(v, 2), v.sliders[2] / 10, v.sliders[3] / 10,
-                              r.left, r.top, r.right, r.bottom);
-    });
+    // sliders in tenths, as the dialog shows them. Reads only its source,
+    // and makes the result itself on every core.
+    d.add(DialogKind::Mani, 6,
+          dispatch::onSourceWithOwnTrans<Class_Dithering>([](Class_Dithering& e, V v, R r) {
+              e.DinamicThresholding(0, slider(v, 1), slider(v, 2), v.sliders[2] / 10,
+                                    v.sliders[3] / 10, r.left, r.top, r.right, r.bottom);
+          }));
     addInPlace(DialogKind::Emboss, 43, [](Class_Dithering& e, V v, R r) {
         e.Dither_ErrorDiffuseColorPaint(value16(v.eType), r.left, r.top, r.right, r.bottom,
                                         value16(v.color), slider(v, 1));

@@ -111,11 +111,17 @@ EffectBody runInSequence(std::vector<EffectBody> steps, LaterSteps later) {
         const bool recycleSource =
             run.keptPicture0Free && later == LaterSteps::ReadOnlyStepBefore && steps.size() > 1;
         Surface previous; // the result of the step before
+        bool firstResultInSource = false;
         for (std::size_t i = 0; i < steps.size(); ++i) {
             if (i > 0) {
                 if (context.cancelled()) return;
-                previous = std::exchange(run.keptPicture1, Surface());
-                if (i == 1 && recycleSource) run.keptPicture0 = Surface();
+                if (firstResultInSource) {
+                    previous = std::exchange(run.keptPicture0, Surface());
+                    firstResultInSource = false;
+                } else {
+                    previous = std::exchange(run.keptPicture1, Surface());
+                    if (i == 1 && recycleSource) run.keptPicture0 = Surface();
+                }
             }
             Surface& source = i == 0 ? run.keptPicture0 : previous;
             // As a run does for a body that draws over a blank result.
@@ -129,7 +135,14 @@ EffectBody runInSequence(std::vector<EffectBody> steps, LaterSteps later) {
                 context.progress = &*shared;
             }
             EffectInvocation step{context, source, run.keptPicture1, run.rect};
+            // No one reads the source after the first step, so that step may
+            // work on it in place, as a lone run on a free picture does.
+            if (i == 0 && recycleSource) {
+                step.keptPicture0Writable = true;
+                step.keptPicture0Free = true;
+            }
             steps[i](step);
+            firstResultInSource = i == 0 && step.resultInKeptPicture0;
         }
         if (recycleSource && !context.cancelled()) {
             run.keptPicture0 = std::exchange(run.keptPicture1, Surface());

@@ -155,9 +155,10 @@ enum class LaterSteps { MayReadRunSource, ReadOnlyStepBefore };
 // a document lent to it (RunOptions::oneShot) comes back untouched on
 // cancel, and context().kept0 stays the run's source for effects that read
 // the original through it. Where no later step reads it and it is free
-// (EffectInvocation::keptPicture0Free), its memory serves the later steps
-// instead and the last result is left in it (resultInKeptPicture0); a
-// cancelled one-shot run's picture is thrown away.
+// (EffectInvocation::keptPicture0Free), the first step may work on it in
+// place, its memory serves the later steps instead and the last result is
+// left in it (resultInKeptPicture0); a cancelled one-shot run's picture is
+// thrown away.
 [[nodiscard]] EffectBody runInSequence(std::vector<EffectBody> steps,
                                        LaterSteps later = LaterSteps::MayReadRunSource);
 

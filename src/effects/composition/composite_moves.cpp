@@ -330,7 +330,13 @@ void Class_Composition::Composite_Diffuse(std::uint8_t /*unused*/, std::uint8_t 
         const bool across = direction == 0 || direction == 1;
         const bool down = direction == 0 || direction == 2;
         const ProcessRect area = sharedArea(left, top, right, bottom);
-        if (calculationFlag() > 0) {
+        // Lent its source, it makes the result itself on every core: the
+        // rows outside the area at once, each row inside as its band takes
+        // it (the blend reads the whole result, so it has it all first).
+        const bool ownTrans = TransBits.empty() && !ImageBits.empty();
+        const bool blend = calculationFlag() > 0;
+        if (ownTrans) makeTransOutside(blend ? Span{} : spanOf(area));
+        if (blend) {
             mapPixels<ResultTail::Clamp, Destination::Trans>(
                 area,
                 [&kept, &source, limits, across, down](int x, int y, int& r, int& g,
@@ -353,6 +359,7 @@ void Class_Composition::Composite_Diffuse(std::uint8_t /*unused*/, std::uint8_t 
         std::vector<std::vector<std::uint32_t>> scratch(
             static_cast<std::size_t>(std::max(bandPlan(area).workers, 1)));
         rowsInBands(area, bandPlan(area), [&](int worker, int y, int first, int end) {
+            if (ownTrans) copyRowToTrans(y);
             std::vector<std::uint32_t>& index = scratch[static_cast<std::size_t>(worker)];
             const auto n = static_cast<std::size_t>(end - first);
             if (index.size() < n) index.resize(n);

@@ -1,8 +1,8 @@
 // The cases of the dialogs' ...Processing routines served by
 // Class_Composition: the merges with the kept image and steganography.
+#include "catalogue/dispatch_values.h"
 #include "catalogue/family_registration.h"
 #include "effects/composition/class_composition.h"
-#include "catalogue/dispatch_values.h"
 #include "engine/drawing/raster_code.h"
 
 namespace lumiran {
@@ -46,7 +46,8 @@ void registerCompositionEffects(EffectDispatch& d) {
               e.Composite_Coordinate(row(v.eType), row(v.color), slider(v, 1), r.left, r.top,
                                      r.right, r.bottom);
           }));
-    d.add(DialogKind::Monotone, 1, withTrans<C>([](C& e, V v, R r) {
+    // Reads its source only, and makes the result itself on every core.
+    d.add(DialogKind::Monotone, 1, dispatch::onSourceWithOwnTrans<C>([](C& e, V v, R r) {
               e.Composite_Diffuse(0, row(v.color), r.left, r.top, r.right, r.bottom);
           }));
     // The edge colour row is not handed on: the call passes 0.

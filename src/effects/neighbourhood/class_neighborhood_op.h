@@ -125,7 +125,8 @@ class Class_NeighborhoodOp : public NeighbourhoodFrame {
     // The rank filters' walk: the centres whose window of `reach` lies in
     // the rectangle, a row at a time in chunks of columns, each chunk with
     // the element `rank` of its windows sorted by `sort` (none for a rank
-    // below 0): chunk(y, first, count, ranked).
+    // below 0): chunk(y, first, count, ranked). Lent its source, it makes
+    // TransBits itself (OwnTransRows), each row before its chunks.
     template <typename Chunk>
     void rankedChunks(const ProcessRect& rect, int reach, neighbourhood::RankSort sort, int rank,
                       Chunk&& chunk);

@@ -124,7 +124,7 @@ void registerFilter(EffectDispatch& d) {
     // Rank Filter 3x3 (window 0) and 5x5 (window 1).
     for (const auto& [code, window] : {std::pair{36, 0}, std::pair{57, 1}}) {
         d.add(DialogKind::Emboss, code,
-              withTrans([window = static_cast<std::uint8_t>(window)](Op& e, V v, R r) {
+              onSource([window = static_cast<std::uint8_t>(window)](Op& e, V v, R r) {
                   e.RankFilter(slider(v, 1), row(v.eType), r.left, r.top, r.right, r.bottom, window,
                                row(v.color));
               }));
@@ -137,7 +137,7 @@ void registerFilter(EffectDispatch& d) {
               e.DarkLighten(row(v.eType), row(v.color), r.left, r.top, r.right, r.bottom,
                             slider(v, 2), slider(v, 1));
           }));
-    d.add(DialogKind::Mani, 48, withTrans([](Op& e, V v, R r) {
+    d.add(DialogKind::Mani, 48, onSource([](Op& e, V v, R r) {
               e.TransperentColor(r.left, r.top, r.right, r.bottom, slider(v, 4), 0, slider(v, 5),
                                  slider(v, 1), slider(v, 2), slider(v, 3));
           }));
@@ -153,7 +153,7 @@ void registerFilter(EffectDispatch& d) {
     // Shade Revision: the lightest of each window and its mean estimate the
     // background, which the source is then divided by.
     d.add(DialogKind::Mani, 15,
-          planInSequence({withTrans([](Op& e, V, R r) {
+          planInSequence({onSource([](Op& e, V, R r) {
                               e.RankFilter(0, 0, r.left, r.top, r.right, r.bottom, 0, 0);
                           }),
                           dispatch::withTrans<Class_Soften>([](Class_Soften& e, V, R r) {

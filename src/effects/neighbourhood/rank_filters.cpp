@@ -49,8 +49,10 @@ void Class_NeighborhoodOp::rankedChunks(const ProcessRect& rect, int reach, Rank
                                         Chunk&& chunk) {
     const Area centres = areaOf(rect).inner(reach);
     SetProgressRange(rect.top, rect.bottom);
+    OwnTransRows trans(*this, centres.firstRow, centres.endRow);
     forEachRow(rect, [&](int y, int, int) {
         if (!centres.containsRow(y)) return;
+        trans.takeRow(y);
         neighbourhood::forEachChunk(
             centres.firstColumn, centres.endColumn, [&](int first, int count) {
                 std::array<Pixel, ChunkColumns> ranked{};

@@ -74,25 +74,30 @@ void registerFalseColorEffects(EffectDispatch& d) {
           }));
     // Water Noise: stamps, then the 3x3 median blots them into the
     // picture. The colour row ｶﾗｰ with the first type lays dots of random
-    // colours, as the call says; the other types keep their marks.
+    // colours, as the call says; the other types keep their marks. Neither
+    // step reads a kept picture: the stamps may go on the lent picture and
+    // the median reads it lent.
     const EffectPlanner median =
-        dispatch::withTrans<Class_NeighborhoodOp>([](Class_NeighborhoodOp& e, V, R r) {
+        dispatch::onSourceWithOwnTrans<Class_NeighborhoodOp>([](Class_NeighborhoodOp& e, V, R r) {
             e.MedianFilter(0, 0, r.left, r.top, r.right, r.bottom);
         });
+    const auto stamps = [](auto call) { return dispatch::inPlaceOnSource<Class_FalseColor>(call); };
     const EffectPlanner monoWater = planInSequence(
-        {planner([](Class_FalseColor& e, V v, R r) {
+        {stamps([](Class_FalseColor& e, V v, R r) {
              if (v.eType < 0 || v.eType >= static_cast<int>(WaterMarks.size())) {
                  throw EffectError::overflow();
              }
              e.RandamNoise_Mono(slider(v, 1), 0, WaterMarks[static_cast<std::size_t>(v.eType)],
                                 r.left, r.top, r.right, r.bottom);
          }),
-         median});
+         median},
+        LaterSteps::ReadOnlyStepBefore);
     const EffectPlanner colourWater = planInSequence(
-        {planner([](Class_FalseColor& e, V v, R r) {
+        {stamps([](Class_FalseColor& e, V v, R r) {
              e.RandamNoise_Color(slider(v, 1), 0, 0, 0, 0, 0, r.left, r.top, r.right, r.bottom);
          }),
-         median});
+         median},
+        LaterSteps::ReadOnlyStepBefore);
     d.add(DialogKind::Emboss, 32, [monoWater, colourWater](V v) {
         return v.eType == 0 && v.color == 1 ? colourWater(v) : monoWater(v);
     });

@@ -30,14 +30,16 @@ void registerBinarizationEffects(EffectDispatch& d) {
         e.TransformationBinarize(slider(v, 1), r.left, r.top, r.right, r.bottom, value16(v.eType),
                                  value16(v.color));
     });
-    add(DialogKind::Emboss, 69, [](E& e, V v, R r) {
-        e.Dilatation(value16(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
-                     value16(v.color));
-    });
-    add(DialogKind::Emboss, 70, [](E& e, V v, R r) {
-        e.Erosion(value16(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
-                  value16(v.color));
-    });
+    // The morphology reads only its source, and makes the result itself on
+    // every core.
+    d.add(DialogKind::Emboss, 69, dispatch::onSourceWithOwnTrans<E>([](E& e, V v, R r) {
+              e.Dilatation(value16(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
+                           value16(v.color));
+          }));
+    d.add(DialogKind::Emboss, 70, dispatch::onSourceWithOwnTrans<E>([](E& e, V v, R r) {
+              e.Erosion(value16(v.eType), slider(v, 1), r.left, r.top, r.right, r.bottom,
+                        value16(v.color));
+          }));
     add(DialogKind::Emboss, 45, [](E& e, V v, R r) {
         e.BorderFollowing_Mono(value16(v.eType), value16(v.color), slider(v, 1), 1, r.left, r.top,
                                r.right, r.bottom);

@@ -71,7 +71,7 @@ void registerNoiseAndOutline(EffectDispatch& d) {
     d.add(DialogKind::Sepia, 18, onSource([](Op& e, V v, R r) {
               e.Moire(slider(v, 1), r.left, r.top, r.right, r.bottom);
           }));
-    d.add(DialogKind::Level, 4, withTrans([](Op& e, V v, R r) {
+    d.add(DialogKind::Level, 4, onSource([](Op& e, V v, R r) {
               e.ForceFields(row(v.eType), r.left, r.top, r.right, r.bottom, slider(v, 2),
                             slider(v, 1));
           }));
@@ -113,7 +113,7 @@ void registerEmbossing(EffectDispatch& d) {
                    }),
                    onSource([kind = embossKind](Op& e, V v, R r) { embossWith(e, v, r, kind); })}));
     }
-    d.add(DialogKind::Mani, 87, withTrans([](Op& e, V v, R r) {
+    d.add(DialogKind::Mani, 87, onSource([](Op& e, V v, R r) {
               e.WallEmboss(derived(LightFromRow, v.eType), row(v.color), r.left, r.top, r.right,
                            r.bottom, slider(v, 1), slider(v, 2), slider(v, 3), slider(v, 4),
                            slider(v, 5));

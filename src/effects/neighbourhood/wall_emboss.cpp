@@ -66,9 +66,11 @@ void Class_NeighborhoodOp::wallRelief(const WallRelief& wall, const ProcessRect&
         const int grey = wall.invertMap ? 255 - static_cast<int>(t) : static_cast<int>(t);
         weightOfGrey[t] = roundInRange<int>(grey / static_cast<double>(wall.divisor));
     }
+    OwnTransRows trans(*this, inner.firstRow, inner.endRow);
     SetProgressRange(rect.top, rect.bottom);
     forEachRow(rect, [&](int y, int, int) {
         if (!inner.containsRow(y)) return;
+        trans.takeRow(y);
         const Pixel* rowA = ImageBits.row(clampY(y + pair.a.dy * wall.distance)).data();
         const Pixel* rowB = ImageBits.row(clampY(y + pair.b.dy * wall.distance)).data();
         const Pixel* source = ImageBits.row(y).data();

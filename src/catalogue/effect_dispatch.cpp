@@ -111,17 +111,11 @@ EffectBody runInSequence(std::vector<EffectBody> steps, LaterSteps later) {
         const bool recycleSource =
             run.keptPicture0Free && later == LaterSteps::ReadOnlyStepBefore && steps.size() > 1;
         Surface previous; // the result of the step before
-        bool firstResultInSource = false;
         for (std::size_t i = 0; i < steps.size(); ++i) {
             if (i > 0) {
                 if (context.cancelled()) return;
-                if (firstResultInSource) {
-                    previous = std::exchange(run.keptPicture0, Surface());
-                    firstResultInSource = false;
-                } else {
-                    previous = std::exchange(run.keptPicture1, Surface());
-                    if (i == 1 && recycleSource) run.keptPicture0 = Surface();
-                }
+                previous = std::exchange(run.keptPicture1, Surface());
+                if (i == 1 && recycleSource) run.keptPicture0 = Surface();
             }
             Surface& source = i == 0 ? run.keptPicture0 : previous;
             // As a run does for a body that draws over a blank result.
@@ -142,7 +136,11 @@ EffectBody runInSequence(std::vector<EffectBody> steps, LaterSteps later) {
                 step.keptPicture0Free = true;
             }
             steps[i](step);
-            firstResultInSource = i == 0 && step.resultInKeptPicture0;
+            // A first step that worked in place hands on its result as any
+            // other step does.
+            if (step.resultInKeptPicture0) {
+                run.keptPicture1 = std::exchange(run.keptPicture0, Surface());
+            }
         }
         if (recycleSource && !context.cancelled()) {
             run.keptPicture0 = std::exchange(run.keptPicture1, Surface());

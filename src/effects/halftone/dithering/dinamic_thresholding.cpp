@@ -22,8 +22,9 @@ std::uint64_t spread(Pixel p) {
            static_cast<std::uint64_t>(redOf(p)) << 32;
 }
 
-int fieldOf(std::uint64_t sums, int field) {
-    return static_cast<int>((sums >> (16 * field)) & 0xFFFFu);
+// The truncated mean of one field of nine pixels' sums.
+int meanOf(std::uint64_t sums, int field) {
+    return static_cast<int>((sums >> (16 * field)) & 0xFFFFu) / 9;
 }
 
 } // namespace
@@ -60,9 +61,11 @@ void Class_Dithering::DinamicThresholding(std::int16_t colourMode, std::int16_t 
             return ImageBits.row(y).data();
         };
         const bool mono = colourMode == 0;
+        auto unrounded = [&](int mean, int towardsUpper, int towardsLeft) {
+            return (towardsUpper / 2.0 + towardsLeft / 2.0) * edge + mean * darken / 10;
+        };
         auto threshold = [&](int mean, int towardsUpper, int towardsLeft) {
-            return roundTo<std::int16_t>((towardsUpper / 2.0 + towardsLeft / 2.0) * edge +
-                                         mean * darken / 10);
+            return roundTo<std::int16_t>(unrounded(mean, towardsUpper, towardsLeft));
         };
         auto decide = [&](int mean, int centre, int upper, int leftOne, bool edgeOfCentre) {
             if (mean >= maximumThreshold) return 255;
@@ -83,13 +86,10 @@ void Class_Dithering::DinamicThresholding(std::int16_t colourMode, std::int16_t 
             for (int x = s.firstColumn + 1; x <= s.endColumn - 2; ++x) {
                 const auto i = static_cast<std::size_t>(x - s.firstColumn);
                 const std::uint64_t sums = columns[i - 1] + columns[i] + columns[i + 1];
-                const int a =
-                    (fieldOf(sums, 2) / 9 + fieldOf(sums, 1) / 9 + fieldOf(sums, 0) / 9) / 3;
+                const int a = (meanOf(sums, 2) + meanOf(sums, 1) + meanOf(sums, 0)) / 3;
                 const int centre = averageOf(rows[1][x]);
-                const double t = roundHalfEvenInRange(((centre - averageOf(rows[0][x])) / 2.0 +
-                                                       (centre - averageOf(rows[1][x - 1])) / 2.0) *
-                                                          edge +
-                                                      a * darken / 10);
+                const double t = roundHalfEvenInRange(unrounded(
+                    a, centre - averageOf(rows[0][x]), centre - averageOf(rows[1][x - 1])));
                 const bool white = a >= maximumThreshold || (a > minimumThreshold && !(a < t));
                 out[x] = (out[x] & 0xFF000000u) | (white ? White : 0u);
             }
@@ -130,9 +130,9 @@ void Class_Dithering::DinamicThresholding(std::int16_t colourMode, std::int16_t 
                     sums = sums - spread(rows[1][x]) + spread(centre);
                     sums = sums - spread(rows[0][x]) + spread(upper);
                 }
-                const int meanRed = fieldOf(sums, 2) / 9;
-                const int meanGreen = fieldOf(sums, 1) / 9;
-                const int meanBlue = fieldOf(sums, 0) / 9;
+                const int meanRed = meanOf(sums, 2);
+                const int meanGreen = meanOf(sums, 1);
+                const int meanBlue = meanOf(sums, 0);
                 Rgb16 result;
                 if (mono) {
                     const int a = (meanRed + meanGreen + meanBlue) / 3;
